@@ -1,0 +1,33 @@
+# A thin door to the presets in CMakePresets.json and to scripts/. Every goal installs first what it needs.
+.NOTPARALLEL:
+.PHONY: build setup demo test bench lint clean
+
+build: setup
+	scripts/build.sh native
+	scripts/build.sh windows-x86
+
+setup:
+	scripts/setup.sh all
+
+# VIDEO=path enhances that file, anything ffmpeg reads.
+demo:
+	scripts/setup.sh native
+	scripts/build.sh native clarivex
+	scripts/demo.sh
+
+test: setup
+	scripts/test.sh native asan windows-x86
+
+# ARGS=... goes to Google Benchmark, such as ARGS=--benchmark_filter=Frame
+bench:
+	scripts/setup.sh native
+	scripts/build.sh native clarivex clarivex_bench
+	build/native/clarivex_bench $(ARGS)
+	bench/compare
+
+lint:
+	scripts/setup.sh lint
+	scripts/lint.sh
+
+clean:
+	rm -rf build demo

@@ -1,0 +1,46 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that are missing, and does nothing when none is: setup.sh [native | all | lint]
+#   native  builds, tests, benches and the demo on Linux
+#   all     native, and the 32-bit Windows build and its tests under Wine
+#   lint    native, and the formatter and the linter
+set -eu
+cd "$(dirname "$0")/.."
+
+packages=(cmake ninja-build g++ googletest libbenchmark-dev ffmpeg)
+case ${1:-all} in
+native) ;;
+all) packages+=(g++-mingw-w64-i686-posix binutils-mingw-w64-i686 wine wine64 wine32:i386 xvfb xauth) ;;
+lint) packages+=(clang-format clang-tidy) ;;
+*)
+    echo "setup.sh: unknown argument '$1'; use native, all or lint" >&2
+    exit 2
+    ;;
+esac
+
+if ! command -v apt-get >/dev/null; then
+    echo "setup.sh: there is no apt-get here; install what these Debian packages hold by hand: ${packages[*]}" >&2
+    exit 1
+fi
+
+missing=()
+for package in "${packages[@]}"; do
+    status=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null || true)
+    [ "$status" = installed ] || missing+=("$package")
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+
+as_root() {
+    if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
+}
+install() {
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "$@" "${missing[@]}"
+}
+
+echo "setup.sh: installing ${missing[*]}"
+if [[ ${missing[*]} == *:i386* ]]; then
+    as_root dpkg --add-architecture i386
+fi
+as_root apt-get update || echo "setup.sh: not every package list could be fetched; going on with those at hand"
+install ||
+    install -o Dir::Etc::Preferences="$PWD/scripts/apt-main-only.pref" --allow-downgrades ||
+    install --fix-missing
