@@ -1,0 +1,15 @@
+// Console and pipes on Windows.
+#include "platform/console.h"
+
+#include <fcntl.h>
+#include <io.h>
+
+namespace clarivex {
+
+bool IsTerminal(std::FILE* stream) { return _isatty(_fileno(stream)) != 0; }
+
+void SetBinaryMode(std::FILE* stream) { _setmode(_fileno(stream), _O_BINARY); }
+
+void ReportClosedPipes() {}  // a write to a closed pipe returns an error here by itself
+
+}  // namespace clarivex

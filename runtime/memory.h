@@ -1,0 +1,82 @@
+// Aligned memory with a policy: whoever asks for memory waits until there is some, and never hears of a shortage.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <new>
+
+#include "platform/win32.h"
+
+namespace clarivex {
+
+/// Alignment of every block from AllocRetry, wide enough for any vector load.
+constexpr size_t blockAlignment = 64;
+
+/// Pause between two attempts while memory is short.
+constexpr uint32_t retryMilliseconds = 100;
+
+/// `size` bytes at a multiple of `alignment`, not cleared; give them to AlignedFree.
+///
+/// alignment  a power of two; less than a pointer's size counts as that size. Anything else sets errno to EINVAL (22).
+/// result     null when the alignment is bad or memory is short.
+void* AlignedAlloc(size_t size, size_t alignment);
+
+/// A block of the new size with the old one's bytes, as many as both hold; the old one is freed. The alignment may be
+/// another one.
+///
+/// result  null when the pointer is null or the alignment bad (errno 22), or when memory is short; the old block is
+///         then left alone.
+void* AlignedRealloc(void* pointer, size_t size, size_t alignment);
+
+/// Frees a block of the functions in this header; null is ignored.
+void AlignedFree(void* pointer);
+
+/// AlignedAlloc with blockAlignment that tries again every 100 ms, for as long as it takes. Size 0 gives null and
+/// allocates nothing.
+///
+/// throws  the text "MemAlloc : malloc() failed" for a size beyond the address space, which no waiting brings.
+void* AllocRetry(size_t size);
+
+/// AlignedRealloc by the same policy. A null pointer is a fresh block; size 0 frees the block and gives null.
+///
+/// throws  the text "MemAlloc : realloc() failed" for a size beyond the address space.
+void* ReallocRetry(void* pointer, size_t size);
+
+/// Where AlignedAlloc gets its bytes: malloc, or what a test puts in its place to make memory short. Blocks from it go
+/// to free.
+using RawAllocator = void* (*)(size_t size);
+
+/// Returns the allocator that was set before. Not to be called while other threads allocate.
+RawAllocator SetRawAllocator(RawAllocator allocator);
+
+/// Frees what it is given with AlignedFree, for the owners below.
+struct AlignedDeleter {
+    void operator()(void* pointer) const { AlignedFree(pointer); }
+};
+
+/// An array in a block from AllocRetry, freed by its destructor; elements are of plain types and not cleared.
+template <class Element>
+using AlignedArray = std::unique_ptr<Element[], AlignedDeleter>;
+
+/// A block of 8-bit samples.
+using SampleBlock = AlignedArray<uint8_t>;
+
+/// count  elements; 0 gives an empty owner. Waits for memory.
+template <class Element>
+AlignedArray<Element> MakeAlignedArray(size_t count) {
+    return AlignedArray<Element>(static_cast<Element*>(AllocRetry(count * sizeof(Element))));
+}
+
+/// A value-initialised object on the plain heap, to be deleted by its owner. Waits for memory.
+template <class Object>
+Object* NewRetry() {
+    for (;;) {
+        if (Object* object = new (std::nothrow) Object()) {
+            return object;
+        }
+        Sleep(retryMilliseconds);
+    }
+}
+
+}  // namespace clarivex

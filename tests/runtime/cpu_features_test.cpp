@@ -1,0 +1,59 @@
+#include "runtime/cpu_features.h"
+
+#include <gtest/gtest.h>
+
+namespace clarivex {
+namespace {
+
+constexpr uint32_t Bit(int position) { return 1U << position; }
+
+TEST(FeatureFlagsOf, MapsEachProcessorBit) {
+    EXPECT_EQ(FeatureFlagsOf({}), 0U);
+    EXPECT_EQ(FeatureFlagsOf({.leaf1Edx = Bit(15)}), 4U);
+    EXPECT_EQ(FeatureFlagsOf({.leaf1Edx = Bit(23)}), 8U);
+    EXPECT_EQ(FeatureFlagsOf({.leaf1Edx = Bit(25)}), 16U + 128U);
+    EXPECT_EQ(FeatureFlagsOf({.leaf1Edx = Bit(26)}), 256U);
+    EXPECT_EQ(FeatureFlagsOf({.extendedEdx = Bit(31)}), 32U);
+    EXPECT_EQ(FeatureFlagsOf({.extendedEdx = Bit(30)}), 16U + 64U);
+    EXPECT_EQ(FeatureFlagsOf({.leaf1Edx = ~0U, .extendedEdx = ~0U}), 4U + 8U + 16U + 32U + 64U + 128U + 256U);
+}
+
+CpuRegisters WidestProcessor() {
+    return {.leaf1Ecx = Bit(27) | Bit(28),
+            .leaf1Edx = Bit(25) | Bit(26),
+            .leaf7Ebx = Bit(5) | Bit(16) | Bit(30) | Bit(31),
+            .enabledState = 0xE7};
+}
+
+TEST(SimdSupportOf, NeedsTheOperatingSystemToSaveTheRegisters) {
+    CpuRegisters registers = WidestProcessor();
+    EXPECT_TRUE(SimdSupportOf(registers).avx512bw);
+    registers.enabledState = 0x67;  // masks and upper halves, but not the upper sixteen registers
+    EXPECT_FALSE(SimdSupportOf(registers).avx512bw);
+    EXPECT_TRUE(SimdSupportOf(registers).avx2);
+    registers.enabledState = 0x03;
+    EXPECT_FALSE(SimdSupportOf(registers).avx2);
+    EXPECT_TRUE(SimdSupportOf(registers).sse2);
+}
+
+TEST(SimdSupportOf, NeedsEveryPartOfASet) {
+    for (const int part : {5, 16, 30, 31}) {
+        CpuRegisters registers = WidestProcessor();
+        registers.leaf7Ebx &= ~Bit(part);
+        EXPECT_FALSE(SimdSupportOf(registers).avx512bw) << part;
+        EXPECT_EQ(SimdSupportOf(registers).avx2, part != 5) << part;
+    }
+    CpuRegisters registers = WidestProcessor();
+    registers.leaf1Edx = 0;
+    EXPECT_FALSE(SimdSupportOf(registers).sse2);
+    EXPECT_FALSE(SimdSupportOf(registers).avx2);
+}
+
+TEST(DetectCpuFeatures, KeepsTheFlagsForTheProcess) {
+    const uint32_t flags = DetectCpuFeatures();
+    EXPECT_EQ(CpuFeatureFlags(), flags);
+    EXPECT_EQ((flags & featureSse2) != 0, DetectSimdSupport().sse2);
+}
+
+}  // namespace
+}  // namespace clarivex

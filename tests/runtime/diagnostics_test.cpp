@@ -1,0 +1,39 @@
+#include "runtime/diagnostics.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+namespace clarivex {
+namespace {
+
+class TracedLine {
+public:
+    TracedLine() : previous(SetTraceSink([](const char* line) { last = line; })) {}
+    ~TracedLine() { SetTraceSink(previous); }
+
+    static inline std::string last;
+
+private:
+    TraceSink previous;
+};
+
+TEST(Trace, EndsEachMessageWithANewline) {
+    const TracedLine traced;
+    Trace("       dim %d x %d", 640, -480);
+    EXPECT_EQ(TracedLine::last, "       dim 640 x -480\n");
+    Trace("%s", "");
+    EXPECT_EQ(TracedLine::last, "\n");
+}
+
+TEST(Trace, CutsLongMessagesTo1499Characters) {
+    const TracedLine traced;
+    for (const size_t length : {1498, 1499, 1500, 5000}) {
+        Trace("%s", std::string(length, 'x').c_str());
+        EXPECT_EQ(TracedLine::last, std::string(std::min<size_t>(length, 1499), 'x') + "\n");
+    }
+}
+
+}  // namespace
+}  // namespace clarivex

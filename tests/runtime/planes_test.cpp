@@ -1,0 +1,169 @@
+#include "runtime/planes.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "runtime/memory.h"
+
+namespace clarivex {
+namespace {
+
+constexpr uint8_t untouched = 0xEE;
+
+// A plane at an offset from 64-byte alignment, with room behind its rows; source samples tell their place.
+class TestPlane {
+public:
+    TestPlane(int32_t width, int32_t height, int32_t stride, size_t offset = 0)
+        : bytes(Capacity(height, stride) + offset), block(MakeAlignedArray<uint8_t>(bytes)) {
+        std::fill_n(block.get(), bytes, untouched);
+        plane = {block.get() + offset, width, height, stride};
+    }
+
+    void Number() {
+        for (size_t i = 0; i < bytes; ++i) {
+            block[i] = static_cast<uint8_t>(i % 199);
+        }
+    }
+
+    size_t TouchedBytes() const {
+        return bytes - static_cast<size_t>(std::count(block.get(), block.get() + bytes, untouched));
+    }
+
+    Plane plane;
+
+private:
+    static size_t Capacity(int32_t height, int32_t stride) { return static_cast<size_t>(height * stride + 64); }
+
+    size_t bytes;
+    SampleBlock block;
+};
+
+struct CopyCase {
+    const char* name;
+    int32_t width;
+    int32_t targetStride;
+    int32_t sourceStride;
+    size_t sourceOffset;
+    size_t copiedBytes;
+};
+
+// Bytes copied for three rows.
+constexpr CopyCase copyCases[] = {
+    {"TouchingRowsGoAsOneRun", 50, 66, 66, 0, 3 * 66},
+    {"RowsWiderApartGoOneByOne", 50, 67, 67, 0, 3 * 50},
+    {"RowsNarrowerThanTheWidthGoAsOneRun", 51, 50, 50, 0, 3 * 50},
+    {"WholeUnitsWhereThereIsRoom", 100, 128, 136, 0, 3 * 128},
+    {"NoMoreThan32BytesBehindTheWidth", 95, 128, 136, 0, 3 * 95},
+    {"NoUnitBehindTheSmallerStride", 100, 120, 136, 0, 3 * 100},
+    {"NoUnitFromAnUnalignedSource", 100, 128, 136, 4, 3 * 100},
+    {"NoUnitFromAnUnevenStride", 100, 128, 140, 0, 3 * 100},
+};
+
+TEST(CopyPlane, CopiesExactlyTheBytesOfEachCase) {
+    for (const CopyCase& test : copyCases) {
+        SCOPED_TRACE(test.name);
+        TestPlane source(test.width, 3, test.sourceStride, test.sourceOffset);
+        const TestPlane target(test.width, 3, test.targetStride);
+        source.Number();
+        CopyPlane(target.plane, source.plane);
+        EXPECT_EQ(target.TouchedBytes(), test.copiedBytes);
+        for (int32_t y = 0; y < 3; ++y) {
+            const auto visible = static_cast<size_t>(std::min(test.width, test.targetStride));
+            EXPECT_TRUE(std::equal(target.plane.Row(y), target.plane.Row(y) + visible, source.plane.Row(y)));
+        }
+    }
+}
+
+TEST(CopyPlane, CropsToTheSmallerPlane) {
+    TestPlane source(40, 5, 70);
+    const TestPlane target(33, 2, 80);
+    source.Number();
+    CopyPlane(target.plane, source.plane);
+    EXPECT_EQ(target.TouchedBytes(), 2U * 33);
+    CopyPlane({target.plane.data, 0, 2, 80}, source.plane);
+    CopyPlane({target.plane.data, 33, -1, 80}, source.plane);
+    EXPECT_EQ(target.TouchedBytes(), 2U * 33);
+}
+
+TEST(CopyPlane, FollowsRowsUpwards) {
+    TestPlane source(20, 3, 24);
+    const TestPlane target(20, 3, 24);
+    source.Number();
+    const Plane sourceUp = {source.plane.Row(2), 20, 3, -24};
+    const Plane targetUp = {target.plane.Row(2), 20, 3, -24};
+    CopyPlane(targetUp, sourceUp);
+    EXPECT_EQ(target.TouchedBytes(), 3U * 20);
+    EXPECT_EQ(target.plane.Row(0)[19], source.plane.Row(0)[19]);
+}
+
+TEST(CopyPlane, StaysInsideTheBoundsOfBothBuffers) {
+    TestPlane source(100, 3, 136);
+    source.Number();
+    const TestPlane whole(100, 3, 128);
+    const uint8_t* sourceEnd = source.plane.Row(2) + 101;
+    CopyPlane(whole.plane, source.plane, {.targetEnd = nullptr, .sourceEnd = sourceEnd});
+    EXPECT_EQ(whole.TouchedBytes(), 2U * 128 + 101);
+
+    const TestPlane clipped(100, 3, 128);
+    const uint8_t* targetEnd = clipped.plane.Row(1) + 7;
+    CopyPlane(clipped.plane, source.plane, {.targetEnd = targetEnd, .sourceEnd = nullptr});
+    EXPECT_EQ(clipped.TouchedBytes(), 128U + 7);
+
+    TestPlane touching(50, 3, 60);
+    touching.Number();
+    const TestPlane run(50, 3, 60);
+    CopyPlane(run.plane, touching.plane, {.targetEnd = run.plane.Row(2) + 50, .sourceEnd = nullptr});
+    EXPECT_EQ(run.TouchedBytes(), 2U * 60 + 50);
+}
+
+TEST(LayoutPlanes, KeepsSpareRowsAndBalancesThePlanes) {
+    const PlaneLayout tiny = LayoutPlanes(1, 1);
+    EXPECT_EQ(tiny.lumaStride, 64);
+    EXPECT_EQ(tiny.chromaStride, 32);
+    EXPECT_EQ(tiny.chromaWidth, 1);
+    EXPECT_EQ(tiny.lumaBytes, 4096U);  // 32 rows of 64, raised to four times 32 rows of 32
+    EXPECT_EQ(tiny.chromaBytes, 1024U);
+
+    const PlaneLayout usual = LayoutPlanes(640, 480);
+    EXPECT_EQ(usual.lumaBytes, 327680U);
+    EXPECT_EQ(usual.chromaBytes, 81920U);
+    EXPECT_EQ(usual.blockBytes, 491552U);
+}
+
+TEST(AllocatePlanes, PlacesThePlanesInOneBlock) {
+    ImagePlanes planes;
+    AllocatePlanes(101, 51, planes);
+    const SampleBlock owner(static_cast<uint8_t*>(planes.owner));
+    const PlaneLayout layout = LayoutPlanes(101, 51);
+    EXPECT_EQ(planes.luma.data, owner.get());
+    EXPECT_EQ(planes.second.data, owner.get() + layout.lumaBytes);
+    EXPECT_EQ(planes.third.data, planes.second.data + layout.chromaBytes);
+    EXPECT_EQ(planes.luma.width, 101);
+    EXPECT_EQ(planes.third.width, 51);
+    EXPECT_EQ(planes.third.height, 26);
+    std::fill_n(owner.get(), layout.blockBytes, untouched);  // all of it is there
+}
+
+TEST(CopyPlanes, CopiesAllThreeInEitherOrder) {
+    ImagePlanes source;
+    ImagePlanes target;
+    AllocatePlanes(33, 9, source);
+    AllocatePlanes(33, 9, target);
+    const SampleBlock sourceOwner(static_cast<uint8_t*>(source.owner));
+    const SampleBlock targetOwner(static_cast<uint8_t*>(target.owner));
+    for (size_t i = 0; i < LayoutPlanes(33, 9).blockBytes; ++i) {
+        sourceOwner[i] = static_cast<uint8_t>(i % 251);
+    }
+    for (int order = 0; order < 2; ++order) {
+        CopyPlanes(target, source);
+        EXPECT_EQ(target.luma.Row(8)[32], source.luma.Row(8)[32]);
+        EXPECT_EQ(target.second.Row(4)[16], source.second.Row(4)[16]);
+        EXPECT_EQ(target.third.Row(4)[16], source.third.Row(4)[16]);
+        std::swap(source.second, source.third);
+    }
+}
+
+}  // namespace
+}  // namespace clarivex

@@ -1,0 +1,56 @@
+#include "runtime/short_string.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace clarivex {
+namespace {
+
+TEST(ShortString, StandsInlineBelow26Bytes) {
+    ShortString text;
+    EXPECT_STREQ(text.Text(), "");
+    EXPECT_EQ(text.Length(), 1);
+
+    text.Assign("abcdefghijklmnopqrstuvwx");  // 24 and the terminator
+    EXPECT_TRUE(text.IsInline());
+    EXPECT_EQ(text.Length(), 25);
+    text.Append("y");
+    EXPECT_FALSE(text.IsInline());
+    EXPECT_EQ(text.Length(), 26);
+    EXPECT_STREQ(text.Text(), "abcdefghijklmnopqrstuvwxy");
+}
+
+TEST(ShortString, AppendsItself) {
+    ShortString text("0123456789");
+    std::string expected = "0123456789";
+    for (int i = 0; i < 6; ++i) {
+        text.Append(text.Text());
+        expected += expected;
+        ASSERT_EQ(text.Text(), expected);
+    }
+    text.Assign(text.Text() + 630);
+    EXPECT_STREQ(text.Text(), "0123456789");
+}
+
+TEST(ShortString, FormatsItsOwnText) {
+    ShortString text("middle");
+    text.Format("<%s|%d|%s>", text.Text(), -12, "a tail that does not fit inline");
+    EXPECT_STREQ(text.Text(), "<middle|-12|a tail that does not fit inline>");
+    text.Format("%s", "");
+    EXPECT_EQ(text.Length(), 1);
+}
+
+TEST(ShortString, CopiesAreIndependent) {
+    const ShortString original("a text that is longer than the inline buffer");
+    ShortString copy = original;
+    copy.Append("!");
+    ShortString assigned;
+    assigned = original;
+    EXPECT_STREQ(original.Text(), "a text that is longer than the inline buffer");
+    EXPECT_STREQ(copy.Text(), "a text that is longer than the inline buffer!");
+    EXPECT_STREQ(assigned.Text(), original.Text());
+}
+
+}  // namespace
+}  // namespace clarivex
