@@ -1,0 +1,147 @@
+// Sixteen 16-bit lanes of AVX2. Shuffles across the two halves stay in here: outside, lanes are in memory order.
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstdint>
+
+namespace clarivex {
+namespace {
+
+struct Avx2Lanes {
+    static constexpr int32_t width = 16;
+    using I16 = __m256i;
+    using U8 = __m256i;
+    struct Pair {
+        I16 low, high;
+    };
+    using Weights = __m256i;
+
+    static I16 Set(int16_t v) { return _mm256_set1_epi16(v); }
+    static I16 Load(const int16_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
+    static void Store(int16_t* p, I16 v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
+    static I16 LoadU8(const uint8_t* p) {
+        return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+    }
+
+    static I16 AddWrap(I16 a, I16 b) { return _mm256_add_epi16(a, b); }
+    static I16 SubWrap(I16 a, I16 b) { return _mm256_sub_epi16(a, b); }
+    static I16 AddSat(I16 a, I16 b) { return _mm256_adds_epi16(a, b); }
+    static I16 SubSat(I16 a, I16 b) { return _mm256_subs_epi16(a, b); }
+    static I16 MulHigh(I16 a, I16 b) { return _mm256_mulhi_epi16(a, b); }
+    static I16 MulLow(I16 a, I16 b) { return _mm256_mullo_epi16(a, b); }
+    static I16 Min(I16 a, I16 b) { return _mm256_min_epi16(a, b); }
+    static I16 Max(I16 a, I16 b) { return _mm256_max_epi16(a, b); }
+    template <int n>
+    static I16 ShiftLeft(I16 a) {
+        return _mm256_slli_epi16(a, n);
+    }
+    template <int n>
+    static I16 ShiftRight(I16 a) {
+        return _mm256_srai_epi16(a, n);
+    }
+    template <int n>
+    static I16 ShiftRightLogical(I16 a) {
+        return _mm256_srli_epi16(a, n);
+    }
+
+    // The rounding multiply divides by 2^15, so a gain of at most 31 is kept 2^10 times as large.
+    static I16 GainFactor(int16_t gain) { return Set(static_cast<int16_t>(gain << 10)); }
+    static I16 GainOver32(I16 a, I16 factor) { return _mm256_mulhrs_epi16(a, factor); }
+
+    static U8 LoadBytes(const uint8_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
+    static void StoreBytes(uint8_t* p, U8 v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
+    static U8 SetBytes(uint8_t v) { return _mm256_set1_epi8(static_cast<char>(v)); }
+    static U8 MinBytes(U8 a, U8 b) { return _mm256_min_epu8(a, b); }
+    static U8 MaxBytes(U8 a, U8 b) { return _mm256_max_epu8(a, b); }
+    static U8 AddBytes(U8 a, U8 b) { return _mm256_adds_epu8(a, b); }
+    static U8 SubBytes(U8 a, U8 b) { return _mm256_subs_epu8(a, b); }
+    static U8 Average(U8 a, U8 b) { return _mm256_avg_epu8(a, b); }
+    static U8 AverageDown(U8 a, U8 b) {
+        return _mm256_sub_epi8(_mm256_avg_epu8(a, b), _mm256_and_si256(_mm256_xor_si256(a, b), _mm256_set1_epi8(1)));
+    }
+    static U8 RaiseUpperHalf(U8 a) {
+        const U8 upperHalf = _mm256_cmpgt_epi8(_mm256_setzero_si256(), a);  // −1 from 128 on
+        return _mm256_adds_epu8(a, _mm256_and_si256(upperHalf, _mm256_set1_epi8(1)));
+    }
+
+    static I16 Low(U8 v) { return _mm256_cvtepu8_epi16(_mm256_castsi256_si128(v)); }
+    static I16 High(U8 v) { return _mm256_cvtepu8_epi16(_mm256_extracti128_si256(v, 1)); }
+    static U8 Pack(I16 low, I16 high) { return _mm256_permute4x64_epi64(_mm256_packus_epi16(low, high), 0xD8); }
+    static U8 FlipSigns(U8 v) { return _mm256_xor_si256(v, _mm256_set1_epi8(-128)); }
+    static I16 SignedRepeatLow(U8 v) {
+        const U8 spread = _mm256_permute4x64_epi64(FlipSigns(v), 0xD8);
+        return _mm256_unpacklo_epi8(spread, spread);
+    }
+    static I16 SignedRepeatHigh(U8 v) {
+        const U8 spread = _mm256_permute4x64_epi64(FlipSigns(v), 0xD8);
+        return _mm256_unpackhi_epi8(spread, spread);
+    }
+    static I16 CentredRepeatLow(U8 v) {
+        const U8 spread = _mm256_permute4x64_epi64(v, 0xD8);
+        return _mm256_unpacklo_epi8(spread, FlipSigns(spread));
+    }
+    static I16 CentredRepeatHigh(U8 v) {
+        const U8 spread = _mm256_permute4x64_epi64(v, 0xD8);
+        return _mm256_unpackhi_epi8(spread, FlipSigns(spread));
+    }
+    static I16 SignedRepeatEven(U8 v) {
+        const U8 evens = _mm256_setr_epi8(0, 0, 2, 2, 4, 4, 6, 6, 8, 8, 10, 10, 12, 12, 14, 14, 0, 0, 2, 2, 4, 4, 6, 6,
+                                          8, 8, 10, 10, 12, 12, 14, 14);
+        return _mm256_shuffle_epi8(FlipSigns(v), evens);
+    }
+    static I16 SignedRepeatOdd(U8 v) {
+        const U8 odds = _mm256_setr_epi8(1, 1, 3, 3, 5, 5, 7, 7, 9, 9, 11, 11, 13, 13, 15, 15, 1, 1, 3, 3, 5, 5, 7, 7,
+                                         9, 9, 11, 11, 13, 13, 15, 15);
+        return _mm256_shuffle_epi8(FlipSigns(v), odds);
+    }
+    static I16 EvenBytes(U8 v) { return _mm256_and_si256(v, _mm256_set1_epi16(0xFF)); }
+    static I16 OddBytes(U8 v) { return _mm256_srli_epi16(v, 8); }
+
+    static void StoreInterleaved2(uint8_t* p, U8 a, U8 b) {
+        const U8 low = _mm256_unpacklo_epi8(a, b);
+        const U8 high = _mm256_unpackhi_epi8(a, b);
+        StoreBytes(p, _mm256_permute2x128_si256(low, high, 0x20));
+        StoreBytes(p + 32, _mm256_permute2x128_si256(low, high, 0x31));
+    }
+    static void StoreTriples(uint8_t* p, Pair wordsA, Pair wordsB, Pair wordsC) {
+        U8 a = Pack(wordsA.low, wordsA.high);
+        U8 b = Pack(wordsB.low, wordsB.high);
+        U8 c = Pack(wordsC.low, wordsC.high);
+        // Turned within each half so that every output byte only needs a choice between the three.
+        const U8 turnA = Halves(_mm_setr_epi8(0, 11, 6, 1, 12, 7, 2, 13, 8, 3, 14, 9, 4, 15, 10, 5));
+        const U8 turnB = Halves(_mm_setr_epi8(5, 0, 11, 6, 1, 12, 7, 2, 13, 8, 3, 14, 9, 4, 15, 10));
+        const U8 turnC = Halves(_mm_setr_epi8(10, 5, 0, 11, 6, 1, 12, 7, 2, 13, 8, 3, 14, 9, 4, 15));
+        const U8 first = Halves(_mm_setr_epi8(-1, 0, 0, -1, 0, 0, -1, 0, 0, -1, 0, 0, -1, 0, 0, -1));
+        const U8 second = Halves(_mm_setr_epi8(0, -1, 0, 0, -1, 0, 0, -1, 0, 0, -1, 0, 0, -1, 0, 0));
+        a = _mm256_shuffle_epi8(a, turnA);
+        b = _mm256_shuffle_epi8(b, turnB);
+        c = _mm256_shuffle_epi8(c, turnC);
+        const U8 r0 = _mm256_blendv_epi8(_mm256_blendv_epi8(c, b, second), a, first);
+        const U8 r1 = _mm256_blendv_epi8(_mm256_blendv_epi8(a, c, second), b, first);
+        const U8 r2 = _mm256_blendv_epi8(_mm256_blendv_epi8(b, a, second), c, first);
+        StoreBytes(p, _mm256_permute2x128_si256(r0, r1, 0x20));
+        StoreBytes(p + 32, _mm256_permute2x128_si256(r2, r0, 0x30));
+        StoreBytes(p + 64, _mm256_permute2x128_si256(r1, r2, 0x31));
+    }
+
+    // Unpacking and its reverse keep to the halves of a register, which is all that is needed between the two.
+    static Weights MakeWeights(int32_t a, int32_t b) {
+        return _mm256_set1_epi16(static_cast<int16_t>((b << 8) | (a & 0xFF)));
+    }
+    static Pair Unpack(U8 v) {
+        return {_mm256_unpacklo_epi8(v, _mm256_setzero_si256()), _mm256_unpackhi_epi8(v, _mm256_setzero_si256())};
+    }
+    static Pair Sum(U8 a, U8 b) { return WeighSum(a, b, _mm256_set1_epi8(1)); }
+    static Pair WeighSum(U8 a, U8 b, Weights w) {
+        return {_mm256_maddubs_epi16(_mm256_unpacklo_epi8(a, b), w),
+                _mm256_maddubs_epi16(_mm256_unpackhi_epi8(a, b), w)};
+    }
+    static U8 PackUnpacked(Pair words) { return _mm256_packus_epi16(words.low, words.high); }
+
+private:
+    static U8 Halves(__m128i v) { return _mm256_broadcastsi128_si256(v); }
+};
+
+}  // namespace
+}  // namespace clarivex

@@ -1,0 +1,154 @@
+// Thirty-two 16-bit lanes of AVX-512 (BW). Shuffles across quarters stay in here: outside, lanes are in memory order.
+#pragma once
+
+// The compiler's own header starts some results from undefined registers on purpose and then warns of it.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wuninitialized"
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#include <immintrin.h>
+#pragma GCC diagnostic pop
+
+#include <cstdint>
+
+namespace clarivex {
+namespace {
+
+struct Avx512Lanes {
+    static constexpr int32_t width = 32;
+    using I16 = __m512i;
+    using U8 = __m512i;
+    struct Pair {
+        I16 low, high;
+    };
+    using Weights = __m512i;
+
+    static I16 Set(int16_t v) { return _mm512_set1_epi16(v); }
+    static I16 Load(const int16_t* p) { return _mm512_loadu_si512(p); }
+    static void Store(int16_t* p, I16 v) { _mm512_storeu_si512(p, v); }
+    static I16 LoadU8(const uint8_t* p) {
+        return _mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)));
+    }
+
+    static I16 AddWrap(I16 a, I16 b) { return _mm512_add_epi16(a, b); }
+    static I16 SubWrap(I16 a, I16 b) { return _mm512_sub_epi16(a, b); }
+    static I16 AddSat(I16 a, I16 b) { return _mm512_adds_epi16(a, b); }
+    static I16 SubSat(I16 a, I16 b) { return _mm512_subs_epi16(a, b); }
+    static I16 MulHigh(I16 a, I16 b) { return _mm512_mulhi_epi16(a, b); }
+    static I16 MulLow(I16 a, I16 b) { return _mm512_mullo_epi16(a, b); }
+    static I16 Min(I16 a, I16 b) { return _mm512_min_epi16(a, b); }
+    static I16 Max(I16 a, I16 b) { return _mm512_max_epi16(a, b); }
+    template <int n>
+    static I16 ShiftLeft(I16 a) {
+        return _mm512_slli_epi16(a, n);
+    }
+    template <int n>
+    static I16 ShiftRight(I16 a) {
+        return _mm512_srai_epi16(a, n);
+    }
+    template <int n>
+    static I16 ShiftRightLogical(I16 a) {
+        return _mm512_srli_epi16(a, n);
+    }
+
+    // The rounding multiply divides by 2^15, so a gain of at most 31 is kept 2^10 times as large.
+    static I16 GainFactor(int16_t gain) { return Set(static_cast<int16_t>(gain << 10)); }
+    static I16 GainOver32(I16 a, I16 factor) { return _mm512_mulhrs_epi16(a, factor); }
+
+    static U8 LoadBytes(const uint8_t* p) { return _mm512_loadu_si512(p); }
+    static void StoreBytes(uint8_t* p, U8 v) { _mm512_storeu_si512(p, v); }
+    static U8 SetBytes(uint8_t v) { return _mm512_set1_epi8(static_cast<char>(v)); }
+    static U8 MinBytes(U8 a, U8 b) { return _mm512_min_epu8(a, b); }
+    static U8 MaxBytes(U8 a, U8 b) { return _mm512_max_epu8(a, b); }
+    static U8 AddBytes(U8 a, U8 b) { return _mm512_adds_epu8(a, b); }
+    static U8 SubBytes(U8 a, U8 b) { return _mm512_subs_epu8(a, b); }
+    static U8 Average(U8 a, U8 b) { return _mm512_avg_epu8(a, b); }
+    static U8 AverageDown(U8 a, U8 b) {
+        return _mm512_sub_epi8(_mm512_avg_epu8(a, b), _mm512_and_si512(_mm512_xor_si512(a, b), _mm512_set1_epi8(1)));
+    }
+    static U8 RaiseUpperHalf(U8 a) { return _mm512_mask_adds_epu8(a, _mm512_movepi8_mask(a), a, _mm512_set1_epi8(1)); }
+
+    static I16 Low(U8 v) { return _mm512_cvtepu8_epi16(_mm512_castsi512_si256(v)); }
+    static I16 High(U8 v) { return _mm512_cvtepu8_epi16(_mm512_extracti64x4_epi64(v, 1)); }
+    static U8 Pack(I16 low, I16 high) {
+        return _mm512_permutexvar_epi64(Qwords(0, 2, 4, 6, 1, 3, 5, 7), _mm512_packus_epi16(low, high));
+    }
+    static U8 FlipSigns(U8 v) { return _mm512_xor_si512(v, _mm512_set1_epi8(-128)); }
+    static I16 SignedRepeatLow(U8 v) {
+        const U8 spread = Spread(FlipSigns(v));
+        return _mm512_unpacklo_epi8(spread, spread);
+    }
+    static I16 SignedRepeatHigh(U8 v) {
+        const U8 spread = Spread(FlipSigns(v));
+        return _mm512_unpackhi_epi8(spread, spread);
+    }
+    static I16 CentredRepeatLow(U8 v) {
+        const U8 spread = Spread(v);
+        return _mm512_unpacklo_epi8(spread, FlipSigns(spread));
+    }
+    static I16 CentredRepeatHigh(U8 v) {
+        const U8 spread = Spread(v);
+        return _mm512_unpackhi_epi8(spread, FlipSigns(spread));
+    }
+    static I16 SignedRepeatEven(U8 v) {
+        return _mm512_shuffle_epi8(FlipSigns(v),
+                                   Quarters(_mm_setr_epi8(0, 0, 2, 2, 4, 4, 6, 6, 8, 8, 10, 10, 12, 12, 14, 14)));
+    }
+    static I16 SignedRepeatOdd(U8 v) {
+        return _mm512_shuffle_epi8(FlipSigns(v),
+                                   Quarters(_mm_setr_epi8(1, 1, 3, 3, 5, 5, 7, 7, 9, 9, 11, 11, 13, 13, 15, 15)));
+    }
+    static I16 EvenBytes(U8 v) { return _mm512_and_si512(v, _mm512_set1_epi16(0xFF)); }
+    static I16 OddBytes(U8 v) { return _mm512_srli_epi16(v, 8); }
+
+    static void StoreInterleaved2(uint8_t* p, U8 a, U8 b) {
+        const U8 low = _mm512_unpacklo_epi8(a, b);
+        const U8 high = _mm512_unpackhi_epi8(a, b);
+        StoreBytes(p, _mm512_permutex2var_epi64(low, Qwords(0, 1, 8, 9, 2, 3, 10, 11), high));
+        StoreBytes(p + 64, _mm512_permutex2var_epi64(low, Qwords(4, 5, 12, 13, 6, 7, 14, 15), high));
+    }
+    static void StoreTriples(uint8_t* p, Pair wordsA, Pair wordsB, Pair wordsC) {
+        // Packing leaves, in each quarter, eight samples of the lower words and eight of the upper ones. Within a quarter
+        // they are turned so that every output byte only needs a choice between the three planes.
+        const U8 a = _mm512_shuffle_epi8(PackUnpacked(wordsA),
+                                         Quarters(_mm_setr_epi8(0, 11, 6, 1, 12, 7, 2, 13, 8, 3, 14, 9, 4, 15, 10, 5)));
+        const U8 b = _mm512_shuffle_epi8(PackUnpacked(wordsB),
+                                         Quarters(_mm_setr_epi8(5, 0, 11, 6, 1, 12, 7, 2, 13, 8, 3, 14, 9, 4, 15, 10)));
+        const U8 c = _mm512_shuffle_epi8(PackUnpacked(wordsC),
+                                         Quarters(_mm_setr_epi8(10, 5, 0, 11, 6, 1, 12, 7, 2, 13, 8, 3, 14, 9, 4, 15)));
+        constexpr __mmask64 first = 0x9249924992499249;   // columns 0, 3, 6 … of each quarter
+        constexpr __mmask64 second = 0x2492249224922492;  // columns 1, 4, 7 …
+        const U8 r0 = _mm512_mask_blend_epi8(first, _mm512_mask_blend_epi8(second, c, b), a);
+        const U8 r1 = _mm512_mask_blend_epi8(first, _mm512_mask_blend_epi8(second, a, c), b);
+        const U8 r2 = _mm512_mask_blend_epi8(first, _mm512_mask_blend_epi8(second, b, a), c);
+        // r0 and the lower half of r1 hold the triples of the lower words, the rest those of the upper ones.
+        StoreBytes(p, _mm512_permutex2var_epi64(r0, Qwords(0, 1, 8, 2, 3, 10, 4, 5), r1));
+        const U8 middle = _mm512_permutex2var_epi64(r1, Qwords(4, 14, 15, 6, 1, 0, 0, 3), r0);
+        StoreBytes(p + 64, _mm512_mask_permutexvar_epi64(middle, 0x60, Qwords(0, 0, 0, 0, 0, 0, 1, 0), r2));
+        StoreBytes(p + 128, _mm512_permutex2var_epi64(r2, Qwords(2, 3, 13, 4, 5, 15, 6, 7), r1));
+    }
+
+    // Unpacking and its reverse keep to the halves of a register, which is all that is needed between the two.
+    static Weights MakeWeights(int32_t a, int32_t b) {
+        return _mm512_set1_epi16(static_cast<int16_t>((b << 8) | (a & 0xFF)));
+    }
+    static Pair Unpack(U8 v) {
+        return {_mm512_unpacklo_epi8(v, _mm512_setzero_si512()), _mm512_unpackhi_epi8(v, _mm512_setzero_si512())};
+    }
+    static Pair Sum(U8 a, U8 b) { return WeighSum(a, b, _mm512_set1_epi8(1)); }
+    static Pair WeighSum(U8 a, U8 b, Weights w) {
+        return {_mm512_maddubs_epi16(_mm512_unpacklo_epi8(a, b), w),
+                _mm512_maddubs_epi16(_mm512_unpackhi_epi8(a, b), w)};
+    }
+    static U8 PackUnpacked(Pair words) { return _mm512_packus_epi16(words.low, words.high); }
+
+private:
+    static U8 Quarters(__m128i v) { return _mm512_broadcast_i32x4(v); }
+    static __m512i Qwords(int a, int b, int c, int d, int e, int f, int g, int h) {
+        return _mm512_setr_epi64(a, b, c, d, e, f, g, h);
+    }
+    // Puts the lower half's eight-byte pieces first in each quarter, so that unpacking gives memory order.
+    static U8 Spread(U8 v) { return _mm512_permutexvar_epi64(Qwords(0, 4, 1, 5, 2, 6, 3, 7), v); }
+};
+
+}  // namespace
+}  // namespace clarivex

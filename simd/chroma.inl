@@ -1,0 +1,82 @@
+// Linear interpolation of chroma: 3/2 along rows and down columns, and the blend of two rows for packed pictures.
+#pragma once
+
+#include <cstdint>
+
+#include "simd/blocks.inl"
+
+namespace clarivex {
+namespace {
+
+/// a pulled towards b by weight / 32768, rounded down.
+template <class Lanes>
+typename Lanes::I16 Pull(typename Lanes::I16 a, typename Lanes::I16 b, typename Lanes::I16 weight) {
+    const auto twice = Lanes::template ShiftLeft<1>(Lanes::SubWrap(b, a));
+    return Lanes::AddWrap(a, Lanes::MulHigh(twice, weight));
+}
+
+template <class Lanes>
+void EnlargeChromaRow(const uint8_t* in, const int16_t* weights, uint8_t* out, int32_t count) {
+    const auto weightA = Lanes::Set(weights[0]);
+    const auto weightB = Lanes::Set(weights[1]);
+    const auto weightC = Lanes::Set(weights[2]);
+    constexpr int32_t pairs = Lanes::width;  // pairs of inputs a register holds
+    const auto triples = [&](const uint8_t* p, auto& a, auto& b, auto& c) {
+        const auto pair = Lanes::LoadBytes(p);
+        const auto even = Lanes::EvenBytes(pair);
+        const auto odd = Lanes::OddBytes(pair);
+        a = Pull<Lanes>(even, Lanes::OddBytes(Lanes::LoadBytes(p - 2)), weightA);
+        b = Pull<Lanes>(even, odd, weightB);
+        c = Pull<Lanes>(odd, Lanes::EvenBytes(Lanes::LoadBytes(p + 2)), weightC);
+    };
+    const auto step = [&](int32_t n, uint8_t* p) {
+        typename Lanes::Pair a, b, c;
+        triples(in + 2 * n, a.low, b.low, c.low);
+        triples(in + 2 * (n + pairs), a.high, b.high, c.high);
+        Lanes::StoreTriples(p, a, b, c);
+    };
+    int32_t n = 0;
+    for (; 3 * (n + 2 * pairs) <= count; n += 2 * pairs) step(n, out + 3 * n);
+    if (3 * n < count) {
+        uint8_t copy[3 * blockLength<Lanes>];
+        step(n, copy);
+        std::memcpy(out + 3 * n, copy, static_cast<size_t>(count - 3 * n));
+    }
+}
+
+template <class Lanes>
+void EnlargeChromaColumns(const uint8_t* const* rows, uint8_t* const* outs, int32_t width) {
+    const auto weight = Lanes::Set(11 * 512);  // 11 of 64
+    ForEachBlock<Lanes>(width, [&](int32_t x, auto block) {
+        const Words<Lanes> r0 = block.LoadWords(rows[0] + x);
+        const Words<Lanes> r1 = block.LoadWords(rows[1] + x);
+        const Words<Lanes> r2 = block.LoadWords(rows[2] + x);
+        const Words<Lanes> r3 = block.LoadWords(rows[3] + x);
+        block.Store(outs[0] + x,
+                    Lanes::Pack(Pull<Lanes>(r1.low, r0.low, weight), Pull<Lanes>(r1.high, r0.high, weight)));
+        block.Store(outs[1] + x, Lanes::AverageDown(block.Load(rows[1] + x), block.Load(rows[2] + x)));
+        block.Store(outs[2] + x,
+                    Lanes::Pack(Pull<Lanes>(r2.low, r3.low, weight), Pull<Lanes>(r2.high, r3.high, weight)));
+    });
+}
+
+template <class Lanes>
+void BlendChromaRows(const uint8_t* const* rows, uint8_t* out, int32_t width) {
+    ForEachBlock<Lanes>(width, [&](int32_t x, auto block) {
+        const auto quarter = [&](const uint8_t* row, const uint8_t* neighbour) {
+            const auto current = block.Load(row + x);
+            return Lanes::Average(Lanes::Average(block.Load(neighbour + x), current), current);
+        };
+        block.StoreInterleaved2(out + 2 * x, quarter(rows[0], rows[1]), quarter(rows[2], rows[3]));
+    });
+}
+
+template <class Lanes>
+void Interleave(const uint8_t* a, const uint8_t* b, uint8_t* out, int32_t width) {
+    ForEachBlock<Lanes>(width, [&](int32_t x, auto block) {
+        block.StoreInterleaved2(out + 2 * x, block.Load(a + x), block.Load(b + x));
+    });
+}
+
+}  // namespace
+}  // namespace clarivex

@@ -1,0 +1,171 @@
+// The full edge limiter: lets a sharpened value pass the local extremes only where the wider neighbourhood shows an edge.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+
+#include "simd/blocks.inl"
+#include "simd/kernel_table.h"
+
+namespace clarivex {
+namespace {
+
+/// x − T above T, x + T below −T, else 0.
+template <class Lanes>
+typename Lanes::I16 Core(typename Lanes::I16 x, typename Lanes::I16 deadZone, typename Lanes::I16 minusDeadZone) {
+    return Lanes::SubWrap(x, Lanes::Min(Lanes::Max(x, minusDeadZone), deadZone));
+}
+
+/// A sample block and its neighbours, one and three columns away.
+template <class Lanes>
+struct EdgeWindow {
+    typename Lanes::U8 centre, left, right, left3, right3;
+
+    explicit EdgeWindow(const uint8_t* p)
+        : centre(Lanes::LoadBytes(p)),
+          left(Lanes::LoadBytes(p - 1)),
+          right(Lanes::LoadBytes(p + 1)),
+          left3(Lanes::LoadBytes(p - 3)),
+          right3(Lanes::LoadBytes(p + 3)) {}
+};
+
+/// What both forms below work out of a window: the sharpened samples c + ((core(g·L, T) + 16) >> 5), L = 2c − left − right,
+/// and how far the wider neighbourhood lets them go above the local maximum and below the local minimum.
+template <class Lanes>
+struct EdgeDecision {
+    typename Lanes::U8 sharpened, up, down;
+};
+
+/// Limits as they usually are. A dead zone of whole gains lets the gain follow it in one rounding multiply, and with
+/// a = c − left3, b = c − right3 the allowance (max(a, b)·K − 64·(a + b)) is (K − 128)·c + 64·max(left3, right3) +
+/// (64 − K)·min(left3, right3), the other one with maximum and minimum exchanged; nothing here leaves 16 bits.
+template <class Lanes>
+class UsualEdges {
+public:
+    static bool Covers(const EdgeLimits& limits) {
+        return limits.gain > 0 && limits.gain <= 31 && limits.deadZone % limits.gain == 0 && limits.outerWeight > 0 &&
+               limits.outerWeight < 128 && limits.offset == 0 && limits.margin == 0;
+    }
+
+    explicit UsualEdges(const EdgeLimits& limits)
+        : gain(Lanes::GainFactor(limits.gain)),
+          deadZone(Lanes::Set(static_cast<int16_t>(limits.deadZone / limits.gain))),
+          minusDeadZone(Lanes::Set(static_cast<int16_t>(-(limits.deadZone / limits.gain)))),
+          centreWeight(Lanes::Set(static_cast<int16_t>(limits.outerWeight - 128))),
+          outerWeights(Lanes::MakeWeights(64, 64 - limits.outerWeight)),
+          slope(Lanes::Set(limits.slope)),
+          minusSlope(Lanes::Set(static_cast<int16_t>(-limits.slope))) {}
+
+    EdgeDecision<Lanes> operator()(const EdgeWindow<Lanes>& window) const {
+        const auto centre = Lanes::Unpack(window.centre);
+        const auto sides = Lanes::Sum(window.left, window.right);
+        const auto most = Lanes::MaxBytes(window.left3, window.right3);
+        const auto least = Lanes::MinBytes(window.left3, window.right3);
+        const auto above = Lanes::WeighSum(most, least, outerWeights);
+        const auto below = Lanes::WeighSum(least, most, outerWeights);
+        const typename Lanes::Pair inner{Lanes::MulLow(centre.low, centreWeight),
+                                         Lanes::MulLow(centre.high, centreWeight)};
+        return {
+            Lanes::PackUnpacked({Sharpen(centre.low, sides.low), Sharpen(centre.high, sides.high)}),
+            Lanes::PackUnpacked({Allow(inner.low, above.low, minusSlope), Allow(inner.high, above.high, minusSlope)}),
+            Lanes::PackUnpacked({Allow(inner.low, below.low, slope), Allow(inner.high, below.high, slope)})};
+    }
+
+private:
+    using I16 = typename Lanes::I16;
+
+    I16 Sharpen(I16 centre, I16 sides) const {
+        const auto measure = Lanes::SubWrap(Lanes::AddWrap(centre, centre), sides);
+        return Lanes::AddWrap(centre, Lanes::GainOver32(Core<Lanes>(measure, deadZone, minusDeadZone), gain));
+    }
+    static I16 Allow(I16 inner, I16 outer, I16 slopes) { return Lanes::MulHigh(Lanes::AddWrap(inner, outer), slopes); }
+
+    I16 gain, deadZone, minusDeadZone, centreWeight;
+    typename Lanes::Weights outerWeights;
+    I16 slope, minusSlope;
+};
+
+/// Limits of any values, with the wrapping and saturating steps one by one.
+template <class Lanes>
+class AnyEdges {
+public:
+    explicit AnyEdges(const EdgeLimits& limits)
+        : gain(Lanes::Set(limits.gain)),
+          deadZone(Lanes::Set(limits.deadZone)),
+          minusDeadZone(Lanes::Set(static_cast<int16_t>(-limits.deadZone))),
+          outerWeight(Lanes::Set(limits.outerWeight)),
+          slope(Lanes::Set(limits.slope)),
+          minusSlope(Lanes::Set(static_cast<int16_t>(-limits.slope))),
+          offset(Lanes::Set(limits.offset)),
+          margin(Lanes::SetBytes(static_cast<uint8_t>(limits.margin))) {}
+
+    EdgeDecision<Lanes> operator()(const EdgeWindow<Lanes>& window) const {
+        const auto centre = Lanes::Unpack(window.centre);
+        const auto sides = Lanes::Sum(window.left, window.right);
+        const auto left3 = Lanes::Unpack(window.left3);
+        const auto right3 = Lanes::Unpack(window.right3);
+        typename Lanes::Pair up, down;
+        Allow(Lanes::SubWrap(centre.low, left3.low), Lanes::SubWrap(centre.low, right3.low), up.low, down.low);
+        Allow(Lanes::SubWrap(centre.high, left3.high), Lanes::SubWrap(centre.high, right3.high), up.high, down.high);
+        return {Lanes::PackUnpacked({Sharpen(centre.low, sides.low), Sharpen(centre.high, sides.high)}),
+                Lanes::AddBytes(Lanes::PackUnpacked(up), margin), Lanes::AddBytes(Lanes::PackUnpacked(down), margin)};
+    }
+
+private:
+    using I16 = typename Lanes::I16;
+
+    I16 Sharpen(I16 centre, I16 sides) const {
+        const auto measure = Lanes::SubWrap(Lanes::AddWrap(centre, centre), sides);
+        const auto cored = Core<Lanes>(Lanes::MulLow(measure, gain), deadZone, minusDeadZone);
+        return Lanes::AddWrap(centre, Lanes::template ShiftRight<5>(Lanes::AddWrap(cored, Lanes::Set(16))));
+    }
+    void Allow(I16 a, I16 b, I16& up, I16& down) const {
+        const auto middle = Lanes::template ShiftLeft<6>(Lanes::AddWrap(a, b));
+        const auto above = Lanes::SubSat(Lanes::MulLow(Lanes::Max(a, b), outerWeight), middle);
+        const auto below = Lanes::SubSat(Lanes::MulLow(Lanes::Min(a, b), outerWeight), middle);
+        up = Lanes::AddWrap(Lanes::MulHigh(above, minusSlope), offset);
+        down = Lanes::AddWrap(Lanes::MulHigh(below, slope), offset);
+    }
+
+    I16 gain, deadZone, minusDeadZone, outerWeight, slope, minusSlope, offset;
+    typename Lanes::U8 margin;
+};
+
+template <class Lanes, class Decide>
+void LimitBlocks(const uint8_t* in, uint8_t* out, int32_t first, int32_t end, const Decide& decide) {
+    for (int32_t x = first; x < end; x += blockLength<Lanes>) {
+        const EdgeWindow<Lanes> window(in + x);
+        const EdgeDecision<Lanes> decision = decide(window);
+        const auto most = Lanes::MaxBytes(Lanes::MaxBytes(window.left, window.right), window.centre);
+        const auto least = Lanes::MinBytes(Lanes::MinBytes(window.left, window.right), window.centre);
+        // Packing has limited negative allowances to 0: the local extremes themselves are always allowed.
+        const auto upper = Lanes::AddBytes(most, decision.up);
+        const auto lower = Lanes::SubBytes(least, decision.down);
+        Lanes::StoreBytes(out + x, Lanes::MinBytes(Lanes::MaxBytes(decision.sharpened, lower), upper));
+    }
+}
+
+constexpr int32_t edgeMarginColumns = 8;
+
+/// The margins are put back as early as they can be: whoever reads the row next would wait for such small stores.
+template <class Lanes, class Decide>
+void LimitEdgesWith(const uint8_t* in, uint8_t* out, int32_t end, const Decide& decide) {
+    constexpr int32_t head = blockLength < Lanes >> edgeMarginColumns ? blockLength<Lanes> : edgeMarginColumns;
+    LimitBlocks<Lanes>(in, out, 0, head, decide);
+    std::memcpy(out, in, edgeMarginColumns);
+    LimitBlocks<Lanes>(in, out, head, end, decide);
+}
+
+template <class Lanes>
+void LimitEdges(const uint8_t* in, uint8_t* out, int32_t width, const EdgeLimits& limits) {
+    const int32_t groups = (width - 16) >> 3;
+    const int32_t end = groups < 1 ? 0 : edgeMarginColumns + 8 * groups;
+    if (end > 0 && UsualEdges<Lanes>::Covers(limits))
+        LimitEdgesWith<Lanes>(in, out, end, UsualEdges<Lanes>(limits));
+    else if (end > 0)
+        LimitEdgesWith<Lanes>(in, out, end, AnyEdges<Lanes>(limits));
+    std::memcpy(out + end, in + end, static_cast<size_t>(width - end));
+}
+
+}  // namespace
+}  // namespace clarivex

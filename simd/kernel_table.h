@@ -1,0 +1,144 @@
+// The pixel kernels as a table of function pointers, one table an instruction set, and its choice at run time.
+//
+// Every kernel gives the same bytes in every table. Rows are plain pointers to samples. Unless a kernel says otherwise
+// it reads and writes exactly the samples that its counts name, and out may not overlap what it reads. A row said to be *slack* may be read 64 samples before
+// its start, and read and written up to 256 samples behind its end; what is there does not change the result.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+namespace clarivex {
+
+/// Samples that a slack row keeps before its first and behind its last sample.
+constexpr int32_t slackBefore = 64;
+constexpr int32_t slackBehind = 256;
+
+/// Constants that alternate by column (dither, chroma gains) have a period of 4 columns; a pattern repeats it often enough
+/// for a block that starts at any column.
+constexpr int32_t patternPeriod = 4;
+constexpr int32_t patternLength = 64 + patternPeriod;
+
+/// Values of the full edge limiter. See LimitEdges in engine/.
+struct EdgeLimits {
+    int16_t gain = 29;         ///< 0 … 127
+    int16_t deadZone = 29;     ///< T, 0 … 32767
+    int16_t outerWeight = 77;  ///< K
+    int16_t slope = 800;       ///< Q
+    int16_t offset = 0;        ///< O
+    int16_t margin = 0;        ///< M, 0 … 255
+};
+
+/// A curve on samples in 16-bit fixed point: t = hi(hi(hi(q, c3)·2 + c2, q)·4 + c1, q) with q = 128·Y.
+struct LumaCurve {
+    int16_t c3 = 0;
+    int16_t c2 = 0;
+    int16_t c1 = 8192;
+};
+
+struct KernelTable {
+    const char* name;
+
+    /// Splits a row into its even and odd samples, each as the word 256·s + (s mod 256), s = b − 128 raised by one from
+    /// 128 on and limited to 127. count even; even and odd are slack rows of count / 2 words.
+    void (*splitRow)(const uint8_t* row, int16_t* even, int16_t* odd, int32_t count);
+
+    /// Three outputs for each pair of inputs: out[3n + j] = sat8((Σk hi(taps[8j + k], p[2n + j + k − 4]) + 8160) >> 6),
+    /// p in the words of splitRow. All rows are slack, but two words beyond both ends of even and odd count; pairs
+    /// inputs give 3 · pairs outputs.
+    void (*enlargeRow)(const int16_t* even, const int16_t* odd, const int16_t* taps, uint8_t* out, int32_t pairs);
+
+    /// Full edge limiter: columns 8 … 8 + 8·((width − 16) >> 3) − 1, the others are copied. Slack rows, not in place.
+    void (*limitEdges)(const uint8_t* in, uint8_t* out, int32_t width, const EdgeLimits& limits);
+
+    /// Seven, five or eight taps along a row: out[x] = sat8((Σ hi(taps[k], X(in[x + k − before])) + bias) >> 5), bias 4088
+    /// on even and 4072 on odd columns, X as in splitRow; before is 3, 2 and 4. Columns outside first … end − 1 are
+    /// copied; first is at least `before`. in is a slack row whose samples behind its end count as far as taps reach
+    /// them; words is a slack row of `columns` words for the kernel's use; out gets exactly `columns`.
+    using FirRow = void (*)(const uint8_t* in, uint8_t* out, int32_t columns, int32_t first, int32_t end,
+                            const int16_t* taps, int16_t* words);
+    FirRow fir7;
+    FirRow fir5;
+    FirRow fir8;
+
+    /// Words 257·b − 32768 for enlargeColumns. words is a slack row.
+    void (*expandRow)(const uint8_t* row, int16_t* words, int32_t width);
+
+    /// One output row from eight rows of words: out = sat8((Σk hi(taps[k], rows[k]) + 8192) >> 6), every sum saturating in
+    /// the order of k, then the constant. rows are slack rows.
+    void (*enlargeColumns)(const int16_t* const* rows, const int16_t* taps, uint8_t* out, int32_t width);
+
+    /// Chroma along a row, three outputs for each pair of inputs: p[2n] pulled towards p[2n − 1], p[2n] towards p[2n + 1],
+    /// p[2n + 1] towards p[2n + 2], by weights[j] / 32768 each, 0 … 32767, rounded down. in is a slack row, but one
+    /// sample beyond both ends counts; out gets exactly `count`.
+    void (*enlargeChromaRow)(const uint8_t* in, const int16_t* weights, uint8_t* out, int32_t count);
+
+    /// Chroma down the columns: rows 0 … 3 around a pair give three rows: (11·r0 + 53·r1) >> 6, (r1 + r2) >> 1,
+    /// (53·r2 + 11·r3) >> 6.
+    void (*enlargeChromaColumns)(const uint8_t* const* rows, uint8_t* const* outs, int32_t width);
+
+    /// Vertical sharpening: out = sat8(c + ((gain·(2c − above − below) + 4) >> 4)) in 16 bits. out is a slack row.
+    void (*sharpenColumns)(const uint8_t* above, const uint8_t* row, const uint8_t* below, uint8_t* out, int32_t width,
+                           int16_t gain);
+
+    /// Levels of the lighting histogram for `pairs` pairs of columns: level (a + b) >> 1 and three colour votes.
+    void (*lightingVotes)(const uint8_t* luma, const uint8_t* firstChroma, const uint8_t* secondChroma, int32_t pairs,
+                          uint8_t* level, uint8_t* voteA, uint8_t* voteB, uint8_t* voteC);
+
+    /// Splits a row of packed pixel pairs (Y0 U Y1 V) into planes; u and v may be null together.
+    void (*splitPackedRow)(const uint8_t* packed, uint8_t* luma, uint8_t* u, uint8_t* v, int32_t pairs);
+
+    /// out = sat8((curve(Y) + pattern + noise) >> 4). noise: words of a noise row of 256 + 64 entries, read from entry
+    /// noiseStart (a multiple of 8, below 256) on, modulo 256.
+    void (*toneLuma)(const uint8_t* in, uint8_t* out, int32_t width, const LumaCurve& curve, const int16_t* pattern,
+                     const int16_t* noise, int32_t noiseStart);
+
+    /// The same under an overlay: out = sat8((hi(curve(Y) + pattern + noise, keep) + dither) >> 3) + term, saturating.
+    /// keep and term have one entry a column; keep is 0 … 32767 and a slack row.
+    void (*toneLumaOverlay)(const uint8_t* in, uint8_t* out, int32_t width, const LumaCurve& curve,
+                            const int16_t* pattern, const int16_t* noise, int32_t noiseStart, const int16_t* keep,
+                            const uint8_t* term, const int16_t* dither);
+
+    /// out = sat8((hi(128·C, gain) + pattern) >> 4); gain and pattern by column.
+    void (*toneChroma)(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* gain, const int16_t* pattern);
+
+    /// The same with noise, for interleaved chroma samples.
+    void (*toneChromaNoise)(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* gain, const int16_t* pattern,
+                            const int16_t* noise, int32_t noiseStart);
+
+    /// The same under an overlay, as toneLumaOverlay.
+    void (*toneChromaOverlay)(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* gain,
+                              const int16_t* pattern, const int16_t* noise, int32_t noiseStart, const int16_t* keep,
+                              const uint8_t* term, const int16_t* dither);
+
+    /// Interleaves the chroma of two planes, each pulled a quarter of the way to its neighbour row by two rounding
+    /// averages: out[2i] from the first plane, out[2i + 1] from the second. rows: first, its neighbour, second, its
+    /// neighbour. out gets exactly 2 · width samples.
+    void (*blendChromaRows)(const uint8_t* const* rows, uint8_t* out, int32_t width);
+
+    /// out[2i] = a[i], out[2i + 1] = b[i].
+    void (*interleave)(const uint8_t* a, const uint8_t* b, uint8_t* out, int32_t width);
+};
+
+extern const KernelTable scalarKernels;
+extern const KernelTable sse2Kernels;
+extern const KernelTable avx2Kernels;
+extern const KernelTable avx512Kernels;
+
+/// What processor and operating system can run.
+struct InstructionSets {
+    bool sse2 = false;
+    bool avx2 = false;
+    bool avx512 = false;
+};
+
+/// The widest table that `sets` allows.
+const KernelTable& SelectKernels(const InstructionSets& sets);
+
+/// Whether `table` may run under `sets`.
+bool CanRun(const KernelTable& table, const InstructionSets& sets);
+
+/// All tables, plainest first.
+std::span<const KernelTable* const> AllKernels();
+
+}  // namespace clarivex

@@ -1,0 +1,43 @@
+// Fills a kernel table with one set of lanes. Each instruction set's source file includes this after its lanes.
+#pragma once
+
+#include "simd/analysis.inl"
+#include "simd/chroma.inl"
+#include "simd/edge.inl"
+#include "simd/enlarge.inl"
+#include "simd/fir.inl"
+#include "simd/kernel_table.h"
+#include "simd/tone.inl"
+
+namespace clarivex {
+namespace {
+
+template <class Lanes>
+constexpr KernelTable MakeTable(const char* name) {
+    return {
+        .name = name,
+        .splitRow = SplitRow<Lanes>,
+        .enlargeRow = EnlargeRow<Lanes>,
+        .limitEdges = LimitEdges<Lanes>,
+        .fir7 = FirRow<Lanes, 3, 7>,
+        .fir5 = FirRow<Lanes, 2, 5>,
+        .fir8 = FirRow<Lanes, 4, 8>,
+        .expandRow = ExpandRow<Lanes>,
+        .enlargeColumns = EnlargeColumns<Lanes>,
+        .enlargeChromaRow = EnlargeChromaRow<Lanes>,
+        .enlargeChromaColumns = EnlargeChromaColumns<Lanes>,
+        .sharpenColumns = SharpenColumns<Lanes>,
+        .lightingVotes = LightingVotes<Lanes>,
+        .splitPackedRow = SplitPackedRow<Lanes>,
+        .toneLuma = ToneLuma<Lanes>,
+        .toneLumaOverlay = ToneLumaOverlay<Lanes>,
+        .toneChroma = ToneChroma<Lanes>,
+        .toneChromaNoise = ToneChromaNoise<Lanes>,
+        .toneChromaOverlay = ToneChromaOverlay<Lanes>,
+        .blendChromaRows = BlendChromaRows<Lanes>,
+        .interleave = Interleave<Lanes>,
+    };
+}
+
+}  // namespace
+}  // namespace clarivex

@@ -1,0 +1,118 @@
+// One 16-bit lane: the plain form of every kernel and the reference for the wide ones.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+namespace clarivex {
+namespace {
+
+struct ScalarLanes {
+    static constexpr int32_t width = 1;  // 16-bit lanes; a block of bytes holds twice as many samples
+    using I16 = int16_t;
+    struct U8 {
+        uint8_t sample[2];
+    };
+
+    /// The words of a block of bytes.
+    struct Pair {
+        I16 low, high;
+    };
+    struct Weights {
+        int32_t a, b;
+    };
+
+    static I16 Wrap(int32_t v) { return static_cast<int16_t>(static_cast<uint16_t>(v)); }
+    static I16 Saturate(int32_t v) { return static_cast<int16_t>(std::clamp(v, -32768, 32767)); }
+    static uint8_t SaturateByte(int32_t v) { return static_cast<uint8_t>(std::clamp(v, 0, 255)); }
+
+    static I16 Set(int16_t v) { return v; }
+    static I16 Load(const int16_t* p) { return *p; }
+    static void Store(int16_t* p, I16 v) { *p = v; }
+    static I16 LoadU8(const uint8_t* p) { return *p; }
+
+    static I16 AddWrap(I16 a, I16 b) { return Wrap(a + b); }
+    static I16 SubWrap(I16 a, I16 b) { return Wrap(a - b); }
+    static I16 AddSat(I16 a, I16 b) { return Saturate(a + b); }
+    static I16 SubSat(I16 a, I16 b) { return Saturate(a - b); }
+    static I16 MulHigh(I16 a, I16 b) { return static_cast<int16_t>((a * b) >> 16); }
+    static I16 MulLow(I16 a, I16 b) { return Wrap(a * b); }
+    static I16 Min(I16 a, I16 b) { return std::min(a, b); }
+    static I16 Max(I16 a, I16 b) { return std::max(a, b); }
+    template <int n>
+    static I16 ShiftLeft(I16 a) {
+        return Wrap(a << n);
+    }
+    template <int n>
+    static I16 ShiftRight(I16 a) {
+        return static_cast<int16_t>(a >> n);
+    }
+    template <int n>
+    static I16 ShiftRightLogical(I16 a) {
+        return Wrap(static_cast<uint16_t>(a) >> n);
+    }
+
+    static I16 GainFactor(int16_t gain) { return gain; }
+    static I16 GainOver32(I16 a, I16 factor) { return Wrap((a * factor + 16) >> 5); }
+
+    static U8 LoadBytes(const uint8_t* p) { return {{p[0], p[1]}}; }
+    static void StoreBytes(uint8_t* p, U8 v) { std::memcpy(p, v.sample, 2); }
+    static U8 SetBytes(uint8_t v) { return {{v, v}}; }
+    static U8 MinBytes(U8 a, U8 b) {
+        return {{std::min(a.sample[0], b.sample[0]), std::min(a.sample[1], b.sample[1])}};
+    }
+    static U8 MaxBytes(U8 a, U8 b) {
+        return {{std::max(a.sample[0], b.sample[0]), std::max(a.sample[1], b.sample[1])}};
+    }
+    static U8 AddBytes(U8 a, U8 b) {
+        return {{SaturateByte(a.sample[0] + b.sample[0]), SaturateByte(a.sample[1] + b.sample[1])}};
+    }
+    static U8 SubBytes(U8 a, U8 b) {
+        return {{SaturateByte(a.sample[0] - b.sample[0]), SaturateByte(a.sample[1] - b.sample[1])}};
+    }
+    static U8 Average(U8 a, U8 b) {
+        return {{static_cast<uint8_t>((a.sample[0] + b.sample[0] + 1) >> 1),
+                 static_cast<uint8_t>((a.sample[1] + b.sample[1] + 1) >> 1)}};
+    }
+    static U8 AverageDown(U8 a, U8 b) {
+        return {{static_cast<uint8_t>((a.sample[0] + b.sample[0]) >> 1),
+                 static_cast<uint8_t>((a.sample[1] + b.sample[1]) >> 1)}};
+    }
+    static U8 RaiseUpperHalf(U8 a) { return {{RaiseUpperHalf(a.sample[0]), RaiseUpperHalf(a.sample[1])}}; }
+    static uint8_t RaiseUpperHalf(uint8_t v) { return static_cast<uint8_t>(v + (v >= 128 && v < 255 ? 1 : 0)); }
+
+    static I16 Low(U8 v) { return v.sample[0]; }
+    static I16 High(U8 v) { return v.sample[1]; }
+    static U8 Pack(I16 low, I16 high) { return {{SaturateByte(low), SaturateByte(high)}}; }
+    static I16 SignedRepeat(uint8_t v) { return Wrap((v << 8 | v) ^ 0x8080); }
+    static I16 SignedRepeatLow(U8 v) { return SignedRepeat(v.sample[0]); }
+    static I16 SignedRepeatHigh(U8 v) { return SignedRepeat(v.sample[1]); }
+    static I16 CentredRepeat(uint8_t v) { return Wrap((v << 8 | v) ^ 0x8000); }
+    static I16 CentredRepeatLow(U8 v) { return CentredRepeat(v.sample[0]); }
+    static I16 CentredRepeatHigh(U8 v) { return CentredRepeat(v.sample[1]); }
+    static I16 SignedRepeatEven(U8 v) { return SignedRepeat(v.sample[0]); }
+    static I16 SignedRepeatOdd(U8 v) { return SignedRepeat(v.sample[1]); }
+    static I16 EvenBytes(U8 v) { return v.sample[0]; }
+    static I16 OddBytes(U8 v) { return v.sample[1]; }
+
+    static void StoreInterleaved2(uint8_t* p, U8 a, U8 b) {
+        const uint8_t out[4] = {a.sample[0], b.sample[0], a.sample[1], b.sample[1]};
+        std::memcpy(p, out, sizeof out);
+    }
+    static void StoreTriples(uint8_t* p, Pair a, Pair b, Pair c) {
+        const I16 words[6] = {a.low, b.low, c.low, a.high, b.high, c.high};
+        for (int32_t i = 0; i < 6; ++i) p[i] = SaturateByte(words[i]);
+    }
+
+    static Weights MakeWeights(int32_t a, int32_t b) { return {a, b}; }
+    static Pair Unpack(U8 v) { return {v.sample[0], v.sample[1]}; }
+    static Pair Sum(U8 a, U8 b) { return WeighSum(a, b, {1, 1}); }
+    static Pair WeighSum(U8 a, U8 b, Weights w) {
+        return {Wrap(a.sample[0] * w.a + b.sample[0] * w.b), Wrap(a.sample[1] * w.a + b.sample[1] * w.b)};
+    }
+    static U8 PackUnpacked(Pair words) { return Pack(words.low, words.high); }
+};
+
+}  // namespace
+}  // namespace clarivex

@@ -1,0 +1,134 @@
+// Eight 16-bit lanes of SSE2.
+#pragma once
+
+#include <emmintrin.h>
+
+#include <cstdint>
+#include <cstring>
+
+namespace clarivex {
+namespace {
+
+struct Sse2Lanes {
+    static constexpr int32_t width = 8;
+    using I16 = __m128i;
+    using U8 = __m128i;
+    struct Pair {
+        I16 low, high;
+    };
+    struct Weights {
+        I16 a, b;
+    };
+
+    static I16 Set(int16_t v) { return _mm_set1_epi16(v); }
+    static I16 Load(const int16_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+    static void Store(int16_t* p, I16 v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
+    static I16 LoadU8(const uint8_t* p) {
+        return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), _mm_setzero_si128());
+    }
+
+    static I16 AddWrap(I16 a, I16 b) { return _mm_add_epi16(a, b); }
+    static I16 SubWrap(I16 a, I16 b) { return _mm_sub_epi16(a, b); }
+    static I16 AddSat(I16 a, I16 b) { return _mm_adds_epi16(a, b); }
+    static I16 SubSat(I16 a, I16 b) { return _mm_subs_epi16(a, b); }
+    static I16 MulHigh(I16 a, I16 b) { return _mm_mulhi_epi16(a, b); }
+    static I16 MulLow(I16 a, I16 b) { return _mm_mullo_epi16(a, b); }
+    static I16 Min(I16 a, I16 b) { return _mm_min_epi16(a, b); }
+    static I16 Max(I16 a, I16 b) { return _mm_max_epi16(a, b); }
+    static I16 Or(I16 a, I16 b) { return _mm_or_si128(a, b); }
+    template <int n>
+    static I16 ShiftLeft(I16 a) {
+        return _mm_slli_epi16(a, n);
+    }
+    template <int n>
+    static I16 ShiftRight(I16 a) {
+        return _mm_srai_epi16(a, n);
+    }
+    template <int n>
+    static I16 ShiftRightLogical(I16 a) {
+        return _mm_srli_epi16(a, n);
+    }
+
+    static I16 GainFactor(int16_t gain) { return Set(gain); }
+    static I16 GainOver32(I16 a, I16 factor) { return ShiftRight<5>(AddWrap(MulLow(a, factor), Set(16))); }
+
+    static U8 LoadBytes(const uint8_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+    static void StoreBytes(uint8_t* p, U8 v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
+    static U8 SetBytes(uint8_t v) { return _mm_set1_epi8(static_cast<char>(v)); }
+    static U8 MinBytes(U8 a, U8 b) { return _mm_min_epu8(a, b); }
+    static U8 MaxBytes(U8 a, U8 b) { return _mm_max_epu8(a, b); }
+    static U8 AddBytes(U8 a, U8 b) { return _mm_adds_epu8(a, b); }
+    static U8 SubBytes(U8 a, U8 b) { return _mm_subs_epu8(a, b); }
+    static U8 Average(U8 a, U8 b) { return _mm_avg_epu8(a, b); }
+    static U8 AverageDown(U8 a, U8 b) {
+        return _mm_sub_epi8(_mm_avg_epu8(a, b), _mm_and_si128(_mm_xor_si128(a, b), _mm_set1_epi8(1)));
+    }
+    static U8 RaiseUpperHalf(U8 a) {
+        const U8 upperHalf = _mm_cmpgt_epi8(_mm_setzero_si128(), a);  // −1 from 128 on
+        return _mm_adds_epu8(a, _mm_and_si128(upperHalf, _mm_set1_epi8(1)));
+    }
+
+    static I16 Low(U8 v) { return _mm_unpacklo_epi8(v, _mm_setzero_si128()); }
+    static I16 High(U8 v) { return _mm_unpackhi_epi8(v, _mm_setzero_si128()); }
+    static U8 Pack(I16 low, I16 high) { return _mm_packus_epi16(low, high); }
+    static U8 FlipSigns(U8 v) { return _mm_xor_si128(v, _mm_set1_epi8(-128)); }
+    static I16 SignedRepeatLow(U8 v) { return _mm_unpacklo_epi8(FlipSigns(v), FlipSigns(v)); }
+    static I16 SignedRepeatHigh(U8 v) { return _mm_unpackhi_epi8(FlipSigns(v), FlipSigns(v)); }
+    static I16 CentredRepeatLow(U8 v) { return _mm_unpacklo_epi8(v, FlipSigns(v)); }
+    static I16 CentredRepeatHigh(U8 v) { return _mm_unpackhi_epi8(v, FlipSigns(v)); }
+    static I16 SignedRepeatEven(U8 v) {
+        const I16 even = EvenBytes(FlipSigns(v));
+        return Or(even, ShiftLeft<8>(even));
+    }
+    static I16 SignedRepeatOdd(U8 v) {
+        const I16 odd = OddBytes(FlipSigns(v));
+        return Or(odd, ShiftLeft<8>(odd));
+    }
+    static I16 EvenBytes(U8 v) { return _mm_and_si128(v, _mm_set1_epi16(0xFF)); }
+    static I16 OddBytes(U8 v) { return _mm_srli_epi16(v, 8); }
+
+    static void StoreInterleaved2(uint8_t* p, U8 a, U8 b) {
+        StoreBytes(p, _mm_unpacklo_epi8(a, b));
+        StoreBytes(p + 16, _mm_unpackhi_epi8(a, b));
+    }
+    static void StoreTriples(uint8_t* p, Pair wordsA, Pair wordsB, Pair wordsC) {
+        const U8 a = PackUnpacked(wordsA);
+        const U8 b = PackUnpacked(wordsB);
+        const U8 c = PackUnpacked(wordsC);
+        const U8 zero = _mm_setzero_si128();
+        const U8 pairsLow = _mm_unpacklo_epi8(a, b);
+        const U8 pairsHigh = _mm_unpackhi_epi8(a, b);
+        const U8 thirdLow = _mm_unpacklo_epi8(c, zero);
+        const U8 thirdHigh = _mm_unpackhi_epi8(c, zero);
+        // Four triples a store; its upper 4 bytes are zero and are overwritten by the next one, so the last is cut.
+        StoreBytes(p, CloseTriples(_mm_unpacklo_epi16(pairsLow, thirdLow)));
+        StoreBytes(p + 12, CloseTriples(_mm_unpackhi_epi16(pairsLow, thirdLow)));
+        StoreBytes(p + 24, CloseTriples(_mm_unpacklo_epi16(pairsHigh, thirdHigh)));
+        const U8 last = CloseTriples(_mm_unpackhi_epi16(pairsHigh, thirdHigh));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(p + 36), last);
+        const int32_t end = _mm_cvtsi128_si32(_mm_srli_si128(last, 8));
+        std::memcpy(p + 44, &end, sizeof end);
+    }
+
+    static Weights MakeWeights(int32_t a, int32_t b) {
+        return {Set(static_cast<int16_t>(a)), Set(static_cast<int16_t>(b))};
+    }
+    static Pair Unpack(U8 v) { return {Low(v), High(v)}; }
+    static Pair Sum(U8 a, U8 b) { return {AddWrap(Low(a), Low(b)), AddWrap(High(a), High(b))}; }
+    static Pair WeighSum(U8 a, U8 b, Weights w) {
+        return {AddWrap(MulLow(Low(a), w.a), MulLow(Low(b), w.b)), AddWrap(MulLow(High(a), w.a), MulLow(High(b), w.b))};
+    }
+    static U8 PackUnpacked(Pair words) { return Pack(words.low, words.high); }
+
+private:
+    // Four 32-bit lanes of three bytes each, moved together to twelve bytes.
+    static U8 CloseTriples(U8 v) {
+        const U8 evenMask = _mm_set_epi32(0, 0xFFFFFF, 0, 0xFFFFFF);
+        const U8 sixes = _mm_or_si128(_mm_and_si128(v, evenMask), _mm_srli_epi64(_mm_andnot_si128(evenMask, v), 8));
+        const U8 lowMask = _mm_set_epi32(0, 0, -1, -1);
+        return _mm_or_si128(_mm_and_si128(sixes, lowMask), _mm_srli_si128(_mm_andnot_si128(lowMask, sixes), 2));
+    }
+};
+
+}  // namespace
+}  // namespace clarivex

@@ -1,0 +1,322 @@
+#include "tests/simd/kernel_checks.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "tests/support/guarded_rows.h"
+
+namespace clarivex {
+namespace {
+
+constexpr Room slackToRead{slackBefore, slackBehind};
+constexpr Room slackToWrite{0, slackBehind};
+
+using CallKernel = void (*)(const KernelTable& table, CallRows& rows, int32_t width);
+
+/// Calls the kernel of both tables with the same rows. What is in the slack differs between the two.
+testing::AssertionResult AgreeOn(const Comparison& tables, Fill fill, int32_t width, uint32_t seed, CallKernel call) {
+    CallRows expected(seed, fill, 0x3C);
+    CallRows actual(seed, fill, 0xC3);
+    call(*tables.reference, expected, width);
+    call(*tables.tested, actual, width);
+    const std::string fault = actual.FaultAgainst(expected);
+    if (fault.empty()) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << tables << ": fill " << NameOf(fill) << ", width " << width << ", seed "
+                                       << seed << actual.Notes() << ": " << fault.substr(2);
+}
+
+template <CallKernel call>
+testing::AssertionResult Agree(const Comparison& tables) {
+    constexpr int32_t everyWidthTo = 200;
+    constexpr int32_t rounds = 3;
+    std::vector<int32_t> widths{960, 1021, 1920};
+    for (int32_t width = 0; width <= everyWidthTo; ++width) widths.push_back(width);
+    uint32_t seed = 1;
+    for (const Fill fill : allFills)
+        for (const int32_t width : widths)
+            for (int32_t round = 0; round < rounds; ++round)
+                if (auto result = AgreeOn(tables, fill, width, seed++, call); !result) return result;
+    return testing::AssertionSuccess();
+}
+
+constexpr int32_t mostThatCannotSaturate = 49000;  // of the sum of eight taps' magnitudes
+
+/// Taps of the kinds that filters have and of those that break sums.
+const int16_t* Taps(CallRows& rows, int32_t count) {
+    int16_t* taps = rows.Words(count);
+    const int32_t kind = rows.Pick("taps of kind", {0, 1, 2, 3, 4, 5, 6});
+    const int32_t shared = mostThatCannotSaturate / std::min(count, 8);
+    for (int32_t k = 0; k < count; ++k) {
+        const int32_t random = UpTo(rows.random, 65535) - 32768;
+        const int32_t sign = random < 0 ? -1 : 1;
+        const std::array<int32_t, 7> value{taps[k], random,        random / 8,  k % 8 == 4 ? 16320 : 0,
+                                           shared,  sign * shared, shared + 125};
+        taps[k] = static_cast<int16_t>(std::min(value[static_cast<size_t>(kind)], 32767));
+    }
+    return taps;
+}
+
+/// Words as splitRow makes them; two on either side of the row count as well.
+const int16_t* CentredWords(CallRows& rows, int32_t count) {
+    constexpr Room reach{2, 2};
+    int16_t* words = rows.RoomyWords(count, slackToRead, reach, -128, 127);
+    for (int32_t i = -reach.before; i < count + reach.behind; ++i)
+        words[i] = static_cast<int16_t>(256 * words[i] + (words[i] & 255));
+    return words;
+}
+
+void CallSplitRow(const KernelTable& table, CallRows& rows, int32_t width) {
+    const uint8_t* row = rows.Bytes(2 * width);
+    int16_t* even = rows.OutWords(width, slackToWrite);
+    int16_t* odd = rows.OutWords(width, slackToWrite);
+    table.splitRow(row, even, odd, 2 * width);
+}
+
+void CallEnlargeRow(const KernelTable& table, CallRows& rows, int32_t width) {
+    const int16_t* even = CentredWords(rows, width);
+    const int16_t* odd = CentredWords(rows, width);
+    const int16_t* taps = Taps(rows, 24);
+    table.enlargeRow(even, odd, taps, rows.Out(3 * width, slackToWrite), width);
+}
+
+/// Limits as they are in use, and at the ends of their ranges; the dead zone is a multiple of the gain or not.
+EdgeLimits PickLimits(CallRows& rows) {
+    EdgeLimits limits;
+    if (rows.Pick("limits as in use", {0, 0, 1}) == 1) return limits;
+    const int32_t gain = rows.Pick("gain", {0, 1, 2, 29, 30, 31, 32, 33, 126, 127});
+    const int32_t multiple = gain * rows.Pick("multiple", {0, 1, 2, 100, 258});
+    const int32_t zone = rows.Pick("dead zone", {-1, -1, 0, 1, 28, 30, 255, 510, 32766, 32767});
+    limits.gain = static_cast<int16_t>(gain);
+    limits.deadZone = static_cast<int16_t>(zone >= 0 ? zone : rows.Note("zone", std::min(multiple, 32767)));
+    limits.outerWeight =
+        static_cast<int16_t>(rows.Pick("outer weight", {64, 77, 1, 127, 128, 0, -1, INT16_MIN, INT16_MAX}));
+    limits.slope = static_cast<int16_t>(rows.Pick("slope", {800, 0, 1, -800, INT16_MIN, INT16_MAX}));
+    if (rows.Pick("offset and margin", {0, 1}) == 0) return limits;
+    limits.offset = static_cast<int16_t>(rows.Pick("offset", {0, 1, -1, 20, INT16_MIN, INT16_MAX}));
+    limits.margin = static_cast<int16_t>(rows.Pick("margin", {0, 1, 5, 128, 254, 255}));
+    return limits;
+}
+
+void CallLimitEdges(const KernelTable& table, CallRows& rows, int32_t width) {
+    const EdgeLimits limits = PickLimits(rows);
+    const uint8_t* in = rows.RoomyBytes(width, slackToRead);
+    table.limitEdges(in, rows.Out(width, slackToWrite), width, limits);
+}
+
+/// The samples that taps reach behind the row count.
+template <KernelTable::FirRow KernelTable::*fir, int32_t length>
+void CallFir(const KernelTable& table, CallRows& rows, int32_t width) {
+    const uint8_t* in = rows.RoomyBytes(width, slackToRead, {0, 4});
+    const int16_t* taps = Taps(rows, length);
+    int16_t* words = rows.Scratch(width, slackToWrite);
+    const int32_t first = rows.Pick("first", {4, 4, 5, 7, 16, 4 + width});
+    const int32_t end = rows.Pick("end", {width - 4, width - 1, width, width / 2, 0});
+    (table.*fir)(in, rows.Out(width), width, first, end, taps, words);
+}
+
+void CallExpandRow(const KernelTable& table, CallRows& rows, int32_t width) {
+    const uint8_t* row = rows.Bytes(width);
+    table.expandRow(row, rows.OutWords(width, slackToWrite), width);
+}
+
+/// Rows as expandRow makes them; in one of three calls each row is whatever drives its tap's product furthest.
+void CallEnlargeColumns(const KernelTable& table, CallRows& rows, int32_t width) {
+    const int16_t* taps = Taps(rows, 8);
+    const int32_t drive = rows.Pick("driven to", {0, 1, -1});
+    std::array<const int16_t*, 8> words{};
+    for (size_t k = 0; k < 8; ++k) {
+        int16_t* row = rows.RoomyWords(width, slackToRead, {}, 0, 255);
+        for (int32_t x = 0; x < width; ++x) {
+            const int32_t driven = (taps[k] < 0) == (drive < 0) ? 255 : 0;
+            row[x] = static_cast<int16_t>(257 * (drive == 0 ? row[x] : driven) - 32768);
+        }
+        words[k] = row;
+    }
+    table.enlargeColumns(words.data(), taps, rows.Out(width), width);
+}
+
+void CallEnlargeChromaRow(const KernelTable& table, CallRows& rows, int32_t count) {
+    const uint8_t* in = rows.RoomyBytes((count + 2) / 3 * 2, slackToRead, {1, 1});
+    const auto quarters = static_cast<int16_t>(43 * 128);
+    std::array<int16_t, 3> weights{quarters, 16384, quarters};
+    if (rows.Pick("weights in use", {0, 1}) == 0)
+        for (int16_t& weight : weights)
+            weight = static_cast<int16_t>(rows.Pick("weight", {0, 1, 85 * 128, 16384, 32766, 32767}));
+    table.enlargeChromaRow(in, weights.data(), rows.Out(count), count);
+}
+
+void CallEnlargeChromaColumns(const KernelTable& table, CallRows& rows, int32_t width) {
+    std::array<const uint8_t*, 4> in{};
+    for (const uint8_t*& row : in) row = rows.Bytes(width);
+    std::array<uint8_t*, 3> outs{};
+    for (uint8_t*& row : outs) row = rows.Out(width);
+    table.enlargeChromaColumns(in.data(), outs.data(), width);
+}
+
+void CallSharpenColumns(const KernelTable& table, CallRows& rows, int32_t width) {
+    const uint8_t* above = rows.Bytes(width);
+    const uint8_t* row = rows.Bytes(width);
+    const uint8_t* below = rows.Bytes(width);
+    const int32_t gain = rows.Pick("gain", {0, 1, -1, 5, 64, -64, INT16_MIN, INT16_MAX});
+    table.sharpenColumns(above, row, below, rows.Out(width, slackToWrite), width, static_cast<int16_t>(gain));
+}
+
+void CallLightingVotes(const KernelTable& table, CallRows& rows, int32_t pairs) {
+    const uint8_t* luma = rows.Bytes(2 * pairs);
+    const uint8_t* first = rows.Bytes(pairs);
+    const uint8_t* second = rows.Bytes(pairs);
+    std::array<uint8_t*, 4> outs{};
+    for (uint8_t*& row : outs) row = rows.Out(pairs);
+    table.lightingVotes(luma, first, second, pairs, outs[0], outs[1], outs[2], outs[3]);
+}
+
+void CallSplitPackedRow(const KernelTable& table, CallRows& rows, int32_t pairs) {
+    const uint8_t* packed = rows.Bytes(4 * pairs);
+    const bool chroma = rows.Pick("chroma", {0, 1}) == 1;
+    uint8_t* luma = rows.Out(2 * pairs);
+    uint8_t* u = chroma ? rows.Out(pairs) : nullptr;
+    uint8_t* v = chroma ? rows.Out(pairs) : nullptr;
+    table.splitPackedRow(packed, luma, u, v, pairs);
+}
+
+LumaCurve PickCurve(CallRows& rows) {
+    LumaCurve curve;
+    if (rows.Pick("plain curve", {0, 1}) == 1) return curve;
+    curve.c3 = static_cast<int16_t>(rows.Pick("c3", {0, 1, -1, 5000, INT16_MIN, INT16_MAX}));
+    curve.c2 = static_cast<int16_t>(rows.Pick("c2", {0, 1, -1, -700, INT16_MIN, INT16_MAX}));
+    curve.c1 = static_cast<int16_t>(rows.Pick("c1", {8192, 0, 1, -1, INT16_MIN, INT16_MAX}));
+    return curve;
+}
+
+/// Words of either sign that stay within a picked range.
+int16_t* RangedWords(CallRows& rows, const char* name, int32_t count) {
+    const int32_t range = rows.Pick(name, {16, 600, 16384, 32767});
+    return rows.Words(count, -range, range);
+}
+
+/// The same, repeating by the period of column patterns.
+const int16_t* Pattern(CallRows& rows, const char* name) {
+    int16_t* words = RangedWords(rows, name, patternLength);
+    for (int32_t i = patternPeriod; i < patternLength; ++i) words[i] = words[i - patternPeriod];
+    return words;
+}
+
+struct Noise {
+    const int16_t* row;
+    int32_t start;
+};
+
+Noise PickNoise(CallRows& rows) {
+    constexpr int32_t period = 256;
+    int16_t* row = RangedWords(rows, "noise to", period + 64);
+    std::copy_n(row, 64, row + period);
+    return {row, rows.Note("noise start", 8 * UpTo(rows.random, 31))};
+}
+
+struct OverlayRow {
+    const int16_t* keep;
+    const uint8_t* term;
+    const int16_t* dither;
+};
+
+OverlayRow PickOverlay(CallRows& rows, int32_t width) {
+    const int16_t* keep = rows.RoomyWords(width, slackToRead, {}, 0, 32767);
+    const uint8_t* term = rows.Bytes(width);
+    return {keep, term, Pattern(rows, "dither to")};
+}
+
+void CallToneLuma(const KernelTable& table, CallRows& rows, int32_t width) {
+    const uint8_t* in = rows.Bytes(width);
+    const LumaCurve curve = PickCurve(rows);
+    const int16_t* pattern = Pattern(rows, "pattern to");
+    const Noise noise = PickNoise(rows);
+    table.toneLuma(in, rows.Out(width), width, curve, pattern, noise.row, noise.start);
+}
+
+void CallToneLumaOverlay(const KernelTable& table, CallRows& rows, int32_t width) {
+    const uint8_t* in = rows.Bytes(width);
+    const LumaCurve curve = PickCurve(rows);
+    const int16_t* pattern = Pattern(rows, "pattern to");
+    const Noise noise = PickNoise(rows);
+    const OverlayRow overlay = PickOverlay(rows, width);
+    table.toneLumaOverlay(in, rows.Out(width), width, curve, pattern, noise.row, noise.start, overlay.keep,
+                          overlay.term, overlay.dither);
+}
+
+void CallToneChroma(const KernelTable& table, CallRows& rows, int32_t width) {
+    const uint8_t* in = rows.Bytes(width);
+    const int16_t* gain = Pattern(rows, "gain to");
+    const int16_t* pattern = Pattern(rows, "pattern to");
+    table.toneChroma(in, rows.Out(width), width, gain, pattern);
+}
+
+void CallToneChromaNoise(const KernelTable& table, CallRows& rows, int32_t width) {
+    const uint8_t* in = rows.Bytes(width);
+    const int16_t* gain = Pattern(rows, "gain to");
+    const int16_t* pattern = Pattern(rows, "pattern to");
+    const Noise noise = PickNoise(rows);
+    table.toneChromaNoise(in, rows.Out(width), width, gain, pattern, noise.row, noise.start);
+}
+
+void CallToneChromaOverlay(const KernelTable& table, CallRows& rows, int32_t width) {
+    const uint8_t* in = rows.Bytes(width);
+    const int16_t* gain = Pattern(rows, "gain to");
+    const int16_t* pattern = Pattern(rows, "pattern to");
+    const Noise noise = PickNoise(rows);
+    const OverlayRow overlay = PickOverlay(rows, width);
+    table.toneChromaOverlay(in, rows.Out(width), width, gain, pattern, noise.row, noise.start, overlay.keep,
+                            overlay.term, overlay.dither);
+}
+
+void CallBlendChromaRows(const KernelTable& table, CallRows& rows, int32_t width) {
+    std::array<const uint8_t*, 4> in{};
+    for (const uint8_t*& row : in) row = rows.Bytes(width);
+    table.blendChromaRows(in.data(), rows.Out(2 * width), width);
+}
+
+void CallInterleave(const KernelTable& table, CallRows& rows, int32_t width) {
+    const uint8_t* a = rows.Bytes(width);
+    const uint8_t* b = rows.Bytes(width);
+    table.interleave(a, b, rows.Out(2 * width), width);
+}
+
+constexpr std::array<KernelCheck, 20> kernelChecks{{
+    {"splitRow", Agree<CallSplitRow>},
+    {"enlargeRow", Agree<CallEnlargeRow>},
+    {"limitEdges", Agree<CallLimitEdges>},
+    {"fir7", Agree<CallFir<&KernelTable::fir7, 7>>},
+    {"fir5", Agree<CallFir<&KernelTable::fir5, 5>>},
+    {"fir8", Agree<CallFir<&KernelTable::fir8, 8>>},
+    {"expandRow", Agree<CallExpandRow>},
+    {"enlargeColumns", Agree<CallEnlargeColumns>},
+    {"enlargeChromaRow", Agree<CallEnlargeChromaRow>},
+    {"enlargeChromaColumns", Agree<CallEnlargeChromaColumns>},
+    {"sharpenColumns", Agree<CallSharpenColumns>},
+    {"lightingVotes", Agree<CallLightingVotes>},
+    {"splitPackedRow", Agree<CallSplitPackedRow>},
+    {"toneLuma", Agree<CallToneLuma>},
+    {"toneLumaOverlay", Agree<CallToneLumaOverlay>},
+    {"toneChroma", Agree<CallToneChroma>},
+    {"toneChromaNoise", Agree<CallToneChromaNoise>},
+    {"toneChromaOverlay", Agree<CallToneChromaOverlay>},
+    {"blendChromaRows", Agree<CallBlendChromaRows>},
+    {"interleave", Agree<CallInterleave>},
+}};
+
+}  // namespace
+
+std::ostream& operator<<(std::ostream& out, const Comparison& tables) {
+    return out << tables.tested->name << " against " << tables.reference->name;
+}
+
+std::ostream& operator<<(std::ostream& out, const KernelCheck& check) { return out << check.name; }
+
+std::span<const KernelCheck> AllKernelChecks() { return kernelChecks; }
+
+const KernelCheck& KernelCheckNamed(const char* name) {
+    return *std::find_if(kernelChecks.begin(), kernelChecks.end(),
+                         [&](const KernelCheck& check) { return std::string_view(check.name) == name; });
+}
+
+}  // namespace clarivex

@@ -1,0 +1,247 @@
+#include "tests/simd/plain_kernels.h"
+
+#include <algorithm>
+
+namespace clarivex {
+namespace {
+
+int32_t Wrap16(int32_t v) {
+    const int32_t low = v & 0xFFFF;
+    return low < 0x8000 ? low : low - 0x10000;
+}
+
+int32_t Saturate16(int32_t v) { return std::clamp(v, -0x8000, 0x7FFF); }
+
+uint8_t Saturate8(int32_t v) { return static_cast<uint8_t>(std::clamp(v, 0, 255)); }
+
+int32_t MulHigh(int32_t a, int32_t b) { return (a * b) >> 16; }
+
+/// Towards zero by the threshold, zero within it.
+int32_t Core(int32_t x, int32_t threshold) {
+    if (x > threshold) return x - threshold;
+    return x < -threshold ? x + threshold : 0;
+}
+
+/// The centred word of the row filters: the signed sample, raised by one from the middle on, in both bytes.
+int32_t Centred(int32_t sample) {
+    const int32_t s = sample < 128 ? sample - 128 : std::min(sample - 127, 127);
+    return 256 * s + (s & 255);
+}
+
+void SplitRow(const uint8_t* row, int16_t* even, int16_t* odd, int32_t count) {
+    for (int32_t i = 0; i < count / 2; ++i) {
+        even[i] = static_cast<int16_t>(Centred(row[2 * i]));
+        odd[i] = static_cast<int16_t>(Centred(row[2 * i + 1]));
+    }
+}
+
+void EnlargeRow(const int16_t* even, const int16_t* odd, const int16_t* taps, uint8_t* out, int32_t pairs) {
+    for (int32_t o = 0; o < 3 * pairs; ++o) {
+        const int32_t phase = o % 3;
+        int32_t sum = 8160;
+        for (int32_t k = 0; k < 8; ++k) {
+            const int32_t position = 2 * (o / 3) + phase + k - 4;
+            const int16_t* words = (position & 1) == 0 ? even : odd;
+            sum += MulHigh(taps[8 * phase + k], words[position >> 1]);
+        }
+        out[o] = Saturate8(Wrap16(sum) >> 6);
+    }
+}
+
+void LimitEdges(const uint8_t* in, uint8_t* out, int32_t width, const EdgeLimits& limits) {
+    const int32_t end = 8 + 8 * std::max((width - 16) >> 3, 0);
+    for (int32_t x = 0; x < width; ++x) {
+        out[x] = in[x];
+        if (x < 8 || x >= end) continue;
+        const int32_t c = in[x];
+        const int32_t measure = 2 * c - in[x - 1] - in[x + 1];
+        const int32_t cored = Core(Wrap16(limits.gain * measure), limits.deadZone);
+        const int32_t sharpened = Saturate8(Wrap16(c + (Wrap16(cored + 16) >> 5)));
+        const int32_t a = c - in[x - 3];
+        const int32_t b = c - in[x + 3];
+        const auto rise = [&](int32_t outer, int32_t slope) {
+            const int32_t edge = Saturate16(Wrap16(outer * limits.outerWeight) - 64 * (a + b));
+            return Wrap16(MulHigh(edge, Wrap16(slope)) + limits.offset);
+        };
+        const int32_t most = std::max({+in[x - 1], c, +in[x + 1]});
+        const int32_t least = std::min({+in[x - 1], c, +in[x + 1]});
+        const int32_t upper = Saturate8(std::max(most + rise(std::max(a, b), -limits.slope), most) + limits.margin);
+        const int32_t lower = Saturate8(std::min(least - rise(std::min(a, b), limits.slope), least) - limits.margin);
+        out[x] = static_cast<uint8_t>(std::min(std::max(sharpened, lower), upper));
+    }
+}
+
+template <int32_t before, int32_t length>
+void FirRow(const uint8_t* in, uint8_t* out, int32_t columns, int32_t first, int32_t end, const int16_t* taps,
+            int16_t*) {
+    for (int32_t x = 0; x < columns; ++x) {
+        out[x] = in[x];
+        if (x < first || x >= end) continue;
+        int32_t sum = x % 2 == 0 ? 4088 : 4072;
+        for (int32_t k = 0; k < length; ++k) sum += MulHigh(taps[k], Centred(in[x + k - before]));
+        out[x] = Saturate8(Wrap16(sum) >> 5);
+    }
+}
+
+void ExpandRow(const uint8_t* row, int16_t* words, int32_t width) {
+    for (int32_t x = 0; x < width; ++x) words[x] = static_cast<int16_t>(257 * row[x] - 32768);
+}
+
+void EnlargeColumns(const int16_t* const* rows, const int16_t* taps, uint8_t* out, int32_t width) {
+    for (int32_t x = 0; x < width; ++x) {
+        int32_t sum = 0;
+        for (int32_t k = 0; k < 8; ++k) sum = Saturate16(sum + MulHigh(taps[k], rows[k][x]));
+        out[x] = Saturate8(Saturate16(sum + 8192) >> 6);
+    }
+}
+
+int32_t Pulled(int32_t from, int32_t to, int32_t weight) { return from + (((to - from) * weight) >> 15); }
+
+void EnlargeChromaRow(const uint8_t* in, const int16_t* weights, uint8_t* out, int32_t count) {
+    for (int32_t o = 0; o < count; ++o) {
+        const uint8_t* pair = in + 2 * (o / 3);
+        const int32_t phase = o % 3;
+        const int32_t from = pair[phase == 2 ? 1 : 0];
+        const int32_t to = phase == 0 ? pair[-1] : pair[phase];
+        out[o] = Saturate8(Pulled(from, to, weights[phase]));
+    }
+}
+
+void EnlargeChromaColumns(const uint8_t* const* rows, uint8_t* const* outs, int32_t width) {
+    for (int32_t x = 0; x < width; ++x) {
+        outs[0][x] = static_cast<uint8_t>((11 * rows[0][x] + 53 * rows[1][x]) >> 6);
+        outs[1][x] = static_cast<uint8_t>((rows[1][x] + rows[2][x]) >> 1);
+        outs[2][x] = static_cast<uint8_t>((53 * rows[2][x] + 11 * rows[3][x]) >> 6);
+    }
+}
+
+void SharpenColumns(const uint8_t* above, const uint8_t* row, const uint8_t* below, uint8_t* out, int32_t width,
+                    int16_t gain) {
+    for (int32_t x = 0; x < width; ++x) {
+        const int32_t detail = Wrap16(gain * (2 * row[x] - above[x] - below[x]) + 4);
+        out[x] = Saturate8(row[x] + (detail >> 4));
+    }
+}
+
+void LightingVotes(const uint8_t* luma, const uint8_t* firstChroma, const uint8_t* secondChroma, int32_t pairs,
+                   uint8_t* level, uint8_t* voteA, uint8_t* voteB, uint8_t* voteC) {
+    for (int32_t i = 0; i < pairs; ++i) {
+        const int32_t mean = (luma[2 * i] + luma[2 * i + 1]) >> 1;
+        const int32_t d1 = firstChroma[i] - 128;
+        const int32_t d2 = secondChroma[i] - 128;
+        level[i] = static_cast<uint8_t>(mean);
+        voteA[i] = Saturate8(mean + ((-320 * d1 - 160 * d2) >> 8));
+        voteB[i] = std::max(level[i], Saturate8(mean + ((730 * d1) >> 8)));
+        voteC[i] = std::max(level[i], Saturate8(mean + ((870 * d2) >> 8)));
+    }
+}
+
+void SplitPackedRow(const uint8_t* packed, uint8_t* luma, uint8_t* u, uint8_t* v, int32_t pairs) {
+    for (int32_t i = 0; i < pairs; ++i) {
+        luma[2 * i] = packed[4 * i];
+        luma[2 * i + 1] = packed[4 * i + 2];
+        if (u != nullptr) {
+            u[i] = packed[4 * i + 1];
+            v[i] = packed[4 * i + 3];
+        }
+    }
+}
+
+int32_t CurveAt(int32_t luma, const LumaCurve& curve) {
+    const int32_t q = 128 * luma;
+    int32_t t = Wrap16(2 * MulHigh(q, curve.c3));
+    t = Wrap16(4 * MulHigh(Wrap16(t + curve.c2), q));
+    return MulHigh(Wrap16(t + curve.c1), q);
+}
+
+int32_t Sixteenths(int32_t value, int32_t pattern, int32_t noise) { return Wrap16(value + pattern + noise); }
+
+uint8_t Overlaid(int32_t sixteenths, int32_t keep, int32_t dither, int32_t term) {
+    return Saturate8(Saturate8(Wrap16(MulHigh(sixteenths, keep) + dither) >> 3) + term);
+}
+
+void ToneLuma(const uint8_t* in, uint8_t* out, int32_t width, const LumaCurve& curve, const int16_t* pattern,
+              const int16_t* noise, int32_t noiseStart) {
+    for (int32_t x = 0; x < width; ++x)
+        out[x] = Saturate8(
+            Sixteenths(CurveAt(in[x], curve), pattern[x % patternPeriod], noise[(noiseStart + x) % 256]) >> 4);
+}
+
+void ToneLumaOverlay(const uint8_t* in, uint8_t* out, int32_t width, const LumaCurve& curve, const int16_t* pattern,
+                     const int16_t* noise, int32_t noiseStart, const int16_t* keep, const uint8_t* term,
+                     const int16_t* dither) {
+    for (int32_t x = 0; x < width; ++x) {
+        const int32_t t = Sixteenths(CurveAt(in[x], curve), pattern[x % patternPeriod], noise[(noiseStart + x) % 256]);
+        out[x] = Overlaid(t, keep[x], dither[x % patternPeriod], term[x]);
+    }
+}
+
+void ToneChroma(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* gain, const int16_t* pattern) {
+    for (int32_t x = 0; x < width; ++x)
+        out[x] =
+            Saturate8(Sixteenths(MulHigh(128 * in[x], gain[x % patternPeriod]), pattern[x % patternPeriod], 0) >> 4);
+}
+
+void ToneChromaNoise(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* gain, const int16_t* pattern,
+                     const int16_t* noise, int32_t noiseStart) {
+    for (int32_t x = 0; x < width; ++x) {
+        const int32_t value = MulHigh(128 * in[x], gain[x % patternPeriod]);
+        out[x] = Saturate8(Sixteenths(value, pattern[x % patternPeriod], noise[(noiseStart + x) % 256]) >> 4);
+    }
+}
+
+void ToneChromaOverlay(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* gain, const int16_t* pattern,
+                       const int16_t* noise, int32_t noiseStart, const int16_t* keep, const uint8_t* term,
+                       const int16_t* dither) {
+    for (int32_t x = 0; x < width; ++x) {
+        const int32_t grain = noise[(noiseStart + x) % 256];
+        const int32_t t = Sixteenths(MulHigh(128 * in[x], gain[x % patternPeriod]), pattern[x % patternPeriod], grain);
+        out[x] = Overlaid(t, keep[x], dither[x % patternPeriod], term[x]);
+    }
+}
+
+void BlendChromaRows(const uint8_t* const* rows, uint8_t* out, int32_t width) {
+    const auto blend = [](int32_t current, int32_t neighbour) {
+        const int32_t half = (neighbour + current + 1) >> 1;
+        return static_cast<uint8_t>((half + current + 1) >> 1);
+    };
+    for (int32_t x = 0; x < width; ++x) {
+        out[2 * x] = blend(rows[0][x], rows[1][x]);
+        out[2 * x + 1] = blend(rows[2][x], rows[3][x]);
+    }
+}
+
+void Interleave(const uint8_t* a, const uint8_t* b, uint8_t* out, int32_t width) {
+    for (int32_t x = 0; x < width; ++x) {
+        out[2 * x] = a[x];
+        out[2 * x + 1] = b[x];
+    }
+}
+
+}  // namespace
+
+const KernelTable plainKernels = {
+    .name = "plain",
+    .splitRow = SplitRow,
+    .enlargeRow = EnlargeRow,
+    .limitEdges = LimitEdges,
+    .fir7 = FirRow<3, 7>,
+    .fir5 = FirRow<2, 5>,
+    .fir8 = FirRow<4, 8>,
+    .expandRow = ExpandRow,
+    .enlargeColumns = EnlargeColumns,
+    .enlargeChromaRow = EnlargeChromaRow,
+    .enlargeChromaColumns = EnlargeChromaColumns,
+    .sharpenColumns = SharpenColumns,
+    .lightingVotes = LightingVotes,
+    .splitPackedRow = SplitPackedRow,
+    .toneLuma = ToneLuma,
+    .toneLumaOverlay = ToneLumaOverlay,
+    .toneChroma = ToneChroma,
+    .toneChromaNoise = ToneChromaNoise,
+    .toneChromaOverlay = ToneChromaOverlay,
+    .blendChromaRows = BlendChromaRows,
+    .interleave = Interleave,
+};
+
+}  // namespace clarivex

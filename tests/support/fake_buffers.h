@@ -1,0 +1,128 @@
+// Buffers, outer objects and streams that count what is done to them, for tests of the media object.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "platform/guids.h"
+#include "platform/win32.h"
+
+namespace clarivex {
+
+/// A media buffer on the test's stack: its references are counted, and the test looks at the count. Its memory stands
+/// between guard bytes.
+class FakeBuffer final : public IMediaBuffer {
+public:
+    explicit FakeBuffer(size_t capacity, uint8_t fill = 0)
+        : toldCapacity(static_cast<DWORD>(capacity)),
+          length(static_cast<DWORD>(capacity)),
+          memory(capacity + 2 * guardBytes, guardValue) {
+        std::fill_n(Bytes().begin(), capacity, fill);
+    }
+
+    // What the test sets.
+    HRESULT contentResult = S_OK;   ///< of GetBufferAndLength
+    HRESULT capacityResult = S_OK;  ///< of GetMaxLength
+    DWORD toldCapacity;             ///< the real one unless the test says otherwise
+    DWORD length;                   ///< starts at the capacity
+    bool givesNull = false;         ///< GetBufferAndLength succeeds with a null pointer
+
+    // What the test looks at.
+    int references = 1;
+    int lengthsSet = 0;
+
+    std::span<uint8_t> Bytes() { return std::span(memory).subspan(guardBytes, memory.size() - 2 * guardBytes); }
+    bool HoldsOnly(uint8_t value) { return AllAre(Bytes(), value); }
+    bool GuardsIntact() const {
+        const std::span<const uint8_t> all(memory);
+        return AllAre(all.first(guardBytes), guardValue) && AllAre(all.last(guardBytes), guardValue);
+    }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
+        const bool known = IsEqualGUID(iid, iidUnknown) || IsEqualGUID(iid, iidMediaBuffer);
+        *out = known ? static_cast<IMediaBuffer*>(this) : nullptr;
+        references += known ? 1 : 0;
+        return known ? S_OK : E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++references); }
+    ULONG STDMETHODCALLTYPE Release() override { return static_cast<ULONG>(--references); }
+
+    HRESULT STDMETHODCALLTYPE SetLength(DWORD newLength) override {
+        ++lengthsSet;
+        length = newLength;
+        return newLength <= toldCapacity ? S_OK : E_INVALIDARG;
+    }
+    HRESULT STDMETHODCALLTYPE GetMaxLength(DWORD* maxLength) override {
+        if (capacityResult == S_OK) {
+            *maxLength = toldCapacity;
+        }
+        return capacityResult;
+    }
+    HRESULT STDMETHODCALLTYPE GetBufferAndLength(BYTE** buffer, DWORD* currentLength) override {
+        if (SUCCEEDED(contentResult)) {
+            *buffer = givesNull ? nullptr : Bytes().data();
+            *currentLength = length;
+        }
+        return contentResult;
+    }
+
+private:
+    static constexpr size_t guardBytes = 64;
+    static constexpr uint8_t guardValue = 0xC5;
+
+    static bool AllAre(std::span<const uint8_t> bytes, uint8_t value) {
+        return std::all_of(bytes.begin(), bytes.end(), [value](uint8_t byte) { return byte == value; });
+    }
+
+    std::vector<uint8_t> memory;
+};
+
+/// An object that contains another one: what it does not know itself it asks of `inner`.
+class FakeOuter final : public IUnknown {
+public:
+    IUnknown* inner = nullptr;  ///< the private handle of what is contained, counted by the test
+    int references = 1;
+    int questions = 0;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
+        ++questions;
+        if (IsEqualGUID(iid, iidUnknown)) {
+            ++references;
+            *out = static_cast<IUnknown*>(this);
+            return S_OK;
+        }
+        return inner->QueryInterface(iid, out);
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++references); }
+    ULONG STDMETHODCALLTYPE Release() override { return static_cast<ULONG>(--references); }
+};
+
+/// A stream that counts its references and does nothing.
+class FakeStream final : public IStream {
+public:
+    int references = 1;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** out) override {
+        *out = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++references); }
+    ULONG STDMETHODCALLTYPE Release() override { return static_cast<ULONG>(--references); }
+    HRESULT STDMETHODCALLTYPE Read(void*, ULONG, ULONG*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Write(const void*, ULONG, ULONG*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Seek(LARGE_INTEGER, DWORD, ULARGE_INTEGER*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE SetSize(ULARGE_INTEGER) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Commit(DWORD) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Revert() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Stat(STATSTG*, DWORD) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Clone(IStream**) override { return E_NOTIMPL; }
+};
+
+}  // namespace clarivex
