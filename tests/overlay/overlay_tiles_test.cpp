@@ -1,0 +1,110 @@
+#include "overlay/overlay_tiles.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace clarivex {
+namespace {
+
+bool IsNeutral(const uint8_t* group) {
+    return std::count(group, group + 8, 0) == 8 && std::count(group + 8, group + 16, 255) == 8 &&
+           std::count(group + 16, group + 24, 0) == 8;
+}
+
+TEST(OverlayTiles, RowsAreNullUntilThereIsAStore) {
+    const OverlayTiles tiles;
+    EXPECT_EQ(tiles.Row(0), nullptr);
+    EXPECT_EQ(tiles.Row(-1), nullptr);
+}
+
+TEST(OverlayTiles, ResizeMarksEveryRowAsItsOwn) {
+    OverlayTiles tiles;
+    tiles.Resize(13, 5);
+    EXPECT_EQ(tiles.GroupsPerRow(), 2);
+    EXPECT_EQ(tiles.Stride(), 48);
+    EXPECT_EQ(tiles.RowTable().size(), 5U);
+    ASSERT_NE(tiles.Row(0), nullptr);
+    EXPECT_EQ(tiles.Row(4), tiles.Row(0) + 4 * 48);
+    EXPECT_EQ(tiles.Row(5), nullptr);
+    EXPECT_EQ(tiles.Row(-1), nullptr);
+}
+
+TEST(OverlayTiles, ResizeToTheSameSizeOnlyRenewsTheTable) {
+    OverlayTiles tiles;
+    tiles.Resize(16, 4);
+    tiles.Clear();
+    tiles.Group(9, 2)[1] = 200;
+    tiles.MarkAllRowsEmpty();
+    tiles.Resize(16, 4);
+    ASSERT_NE(tiles.Row(2), nullptr);
+    EXPECT_EQ(tiles.Row(2)[24 + 1], 200);
+}
+
+TEST(OverlayTiles, ClearReachesTheLastGroup) {
+    OverlayTiles tiles;
+    tiles.Resize(17, 9);
+    for (int32_t y = 0; y < 9; ++y) {
+        std::fill_n(tiles.Group(0, y), tiles.Stride(), uint8_t{9});
+    }
+    tiles.Clear();
+    for (int32_t y = 0; y < 9; ++y) {
+        for (const int32_t x : {0, 8, 16}) {
+            EXPECT_TRUE(IsNeutral(tiles.Group(x, y))) << x << ", " << y;
+        }
+    }
+}
+
+TEST(OverlayTiles, MarksRowsInsideTheTableOnly) {
+    OverlayTiles tiles;
+    tiles.Resize(8, 6);
+    tiles.MarkAllRowsEmpty();
+    tiles.MarkRows(-3, 1);
+    tiles.MarkRows(5, 100);
+    tiles.MarkRows(4, 2);
+    const auto table = tiles.RowTable();
+    EXPECT_TRUE(std::ranges::equal(table, std::array{0, -1, -1, -1, -1, 5}));
+    EXPECT_NE(tiles.Row(5), nullptr);
+    EXPECT_EQ(tiles.Row(1), nullptr);
+}
+
+TEST(OverlayTiles, ShrunkStoreKeepsPictureSizeAndGivesNoRows) {
+    OverlayTiles tiles;
+    tiles.Resize(64, 8);
+    tiles.Reallocate(0, 0);
+    EXPECT_EQ(tiles.Stride(), 0);
+    EXPECT_EQ(tiles.Width(), 64);
+    EXPECT_EQ(tiles.RowTable().size(), 8U);
+    EXPECT_EQ(tiles.Row(0), nullptr);
+    tiles.Clear();  // nothing of the picture lies in the store
+    tiles.Reallocate(64, 8);
+    EXPECT_NE(tiles.Row(7), nullptr);
+}
+
+TEST(OverlayTiles, EmptyPictureHasNoRows) {
+    OverlayTiles tiles;
+    tiles.Resize(32, 4);
+    for (const auto& [width, height] : {std::pair{0, 4}, std::pair{32, 0}, std::pair{0, 0}}) {
+        tiles.Resize(width, height);
+        tiles.Clear();
+        EXPECT_EQ(tiles.RowTable().size(), static_cast<size_t>(height));
+        EXPECT_EQ(tiles.Row(height), nullptr);
+    }
+}
+
+TEST(OverlayCompose, LeavesTheVideoAlone) {
+    OverlayTiles tiles;
+    for (const auto& [width, height] : {std::pair{48, 10}, std::pair{48, 10}, std::pair{24, 33}}) {
+        OverlayCompose(tiles, width, height, 1.0F);
+        EXPECT_EQ(tiles.Width(), width);
+        EXPECT_EQ(tiles.AllocatedHeight(), height);
+        EXPECT_TRUE(std::ranges::all_of(tiles.RowTable(), [](int32_t entry) { return entry == -1; }));
+        EXPECT_TRUE(IsNeutral(tiles.Group(width - 1, height - 1)));
+        EXPECT_EQ(tiles.Row(0), nullptr);
+    }
+}
+
+}  // namespace
+}  // namespace clarivex
