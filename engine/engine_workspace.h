@@ -1,0 +1,19 @@
+// Working memory of the engine that is kept between frames so that none is allocated while the picture's size stays.
+#pragma once
+
+#include "algorithms/unscaled.h"
+#include "algorithms/working_image.h"
+#include "engine/picture_scaler.h"
+
+namespace clarivex {
+
+struct EngineWorkspace {
+    WorkingImage privateCopy;  ///< the frame, for stages that work in place
+    WorkingImage halfScaled;   ///< the picture between the two passes of a scale on both axes
+    ScalerScratch scaler;
+    UnscaledScratch unscaled;
+    SlackRow<uint8_t> filterSamples;  ///< post filter of the whole-picture sharpeners
+    SlackRow<int16_t> filterWords;
+};
+
+}  // namespace clarivex

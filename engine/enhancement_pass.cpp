@@ -1,0 +1,290 @@
+#include "engine/enhancement_pass.h"
+
+#include <algorithm>
+
+#include "algorithms/edge_sharpeners.h"
+#include "engine/detail_gains.h"
+#include "engine/picture_scaler.h"
+#include "engine/post_filter.h"
+#include "engine/stage_plans.h"
+#include "engine/strength.h"
+#include "platform/tsc.h"
+
+namespace clarivex {
+namespace {
+
+constexpr int64_t adoptAtOnce = 50000000;  // five seconds, as after a gap
+
+/// One pass over one frame. Run tells the steps in order.
+class FramePass {
+public:
+    FramePass(EnhancementEngine& engine, FrameRecord& frame, const SourceImage& source, const PassTarget& target,
+              float& aspect, FrameInfo& info, uint32_t planeMask, const KernelTable& kernels)
+        : engine(engine),
+          stages(engine.stages),
+          frame(frame),
+          source(source),
+          work(source),
+          target(target),
+          aspect(aspect),
+          info(info),
+          planeMask(planeMask),
+          kernels(kernels),
+          width(source.planes.luma.width),
+          height(source.planes.luma.height) {}
+
+    int32_t Run() {
+        if (width <= 0 || height <= 0) return SkipEmptyFrame();
+        StartFrame();
+        LimitSize();
+        MeasureStrength();
+        RebuildFilters();
+        const uint64_t startCycles = ReadTimeStamp();
+        AddBaseGain();
+        ReduceNoise();
+        PlacePreStages();
+        CopyForFusedStages();
+        AnalyseLightingOnce();
+        CorrectAspect();
+        SetGains();
+        if (bypass) return 0;
+        const PostFilter filter = DesignPostFilter(engine, strength, modes.horizontal);
+        const ImagePlanes out = SizeOutput();
+        const bool written = Dispatch(out, filter);
+        NoteTime(startCycles);
+        info.noiseAmplitude += 0.75F;
+        return Report(written);
+    }
+
+private:
+    int32_t SkipEmptyFrame() {
+        if (target.image != nullptr) target.image->Resize(0, 0);
+        aspect = 1.0F;
+        return 0;
+    }
+
+    void StartFrame() {
+        rebuildFilters = engine.filtersDirty != 0;
+        engine.filtersDirty = 0;
+        sharpness = engine.sharpness;
+        stages = StageSettings{};
+    }
+
+    /// Large pictures are scaled less, and the largest are not enhanced at all.
+    void LimitSize() {
+        modes = LimitModes({engine.horizontalMode, engine.verticalMode}, width, height);
+        if (engine.tuningSet == 0 && int64_t{width} * height >= bypassArea && !frame.keepFullSize) {
+            modes = {0, 0};
+            engine.sharpness = 0.0F;
+            bypass = true;
+        }
+        stages.bypassActive = bypass ? 1 : 0;
+    }
+
+    void MeasureStrength() { strength = StrengthOf(sharpness, width, height); }
+
+    void RebuildFilters() {
+        if (rebuildFilters) DesignFilters(engine, strength, modes.horizontal);
+    }
+
+    void AddBaseGain() {
+        const double gain = engine.baseDetailGain * 0.3;
+        stages.postNarrowH.baseGainLog2 = stages.postNarrowV.baseGainLog2 = static_cast<float>(gain);
+    }
+
+    void ReduceNoise() {
+        const NoiseReduction reduction = SetUpNoiseReduction(engine, modes, bypass, stages);
+        noiseKnee = reduction.knee;
+        if (!reduction.smoothsChroma) return;
+        TakePrivateCopy();
+        const Plane& first = work.planes.second;
+        const Plane& second = work.planes.third;
+        SharpenRowsNarrow(second, reduction.smoothing);
+        SharpenColumnsNarrow(first, reduction.smoothing);
+        SharpenRowsNarrow(first, reduction.smoothing);
+        SharpenColumnsNarrow(second, reduction.smoothing);
+    }
+
+    /// A pre-stage of the axis that is scaled first runs inside the scaler's strips; others run over the whole picture.
+    void PlacePreStages() {
+        const bool rowsFirst = engine.verticalFirst == 0;
+        stages.fuseHorizontal = rowsFirst && modes.horizontal != 0 ? 1 : 0;
+        stages.fuseVertical = !rowsFirst && modes.vertical != 0 ? 1 : 0;
+        if (stages.fuseVertical == 0 && ColumnPreStageOn()) SharpenColumns();
+        if (stages.fuseHorizontal == 0 && RowPreStageOn()) SharpenRows();
+    }
+
+    bool RowPreStageOn() const { return stages.preModeH != 0 || stages.gatedH != 0; }
+    bool ColumnPreStageOn() const { return stages.preModeV != 0 || stages.gatedV != 0; }
+
+    void SharpenColumns() {
+        TakePrivateCopy();
+        const Plane& luma = work.planes.luma;
+        if (stages.preModeV == 1)
+            SharpenColumnsNarrow(luma, stages.preNarrowV);
+        else if (stages.preModeV == 2)
+            SharpenColumnsPlain(luma, stages.preNarrowV, stages.preWideV);
+        if (stages.gatedV != 0) SharpenColumnsGated(luma, stages.preNarrowV, stages.preWideV);
+    }
+
+    void SharpenRows() {
+        TakePrivateCopy();
+        const Plane& luma = work.planes.luma;
+        if (stages.preModeH == 1)
+            SharpenRowsNarrow(luma, stages.preNarrowH);
+        else if (stages.preModeH == 2)
+            SharpenRowsKnee(luma, stages.preNarrowH, stages.preWideH, false, RowDither::byRow, nullptr);
+        if (stages.gatedH != 0) SharpenRowsGated(luma, stages.preNarrowH, stages.preWideH, RowDither::byRow);
+    }
+
+    /// A fused pre-stage works in place on its source strips, and the decoder's frame must survive.
+    void CopyForFusedStages() {
+        const bool rowsFused = stages.fuseHorizontal != 0 && RowPreStageOn();
+        const bool columnsFused = stages.fuseVertical != 0 && ColumnPreStageOn();
+        if (rowsFused || (columnsFused && modes.horizontal == 1)) TakePrivateCopy();
+    }
+
+    void TakePrivateCopy() {
+        if (haveCopy) return;
+        PrepareWorkingImage(engine.workspace.privateCopy, source.planes, source.end);
+        work = SourceOf(engine.workspace.privateCopy);
+        haveCopy = true;
+    }
+
+    static SourceImage SourceOf(const WorkingImage& image) {
+        const ImagePlanes& planes = image.Planes();
+        const PlaneLayout layout = LayoutPlanes(planes.luma.width, planes.luma.height);
+        return {planes, planes.luma.data + layout.blockBytes};
+    }
+
+    /// A frame that passes twice is analysed once.
+    void AnalyseLightingOnce() {
+        if (engine.lightingEnabled == 0) return;
+        const bool adoptNow = engine.lightingAdoptNow != 0;
+        engine.lightingAdoptNow = 0;
+        LightingCache& cache = frame.lightingCache;
+        if (cache.valid && !adoptNow) {
+            info.correction = cache.correction;
+            return;
+        }
+        const bool outright = frame.keepFullSize || adoptNow;
+        const int64_t elapsed = outright ? adoptAtOnce : frame.sampleStop - frame.sampleStart;
+        if (!bypass) info.correction = AnalyseLighting(work.planes, elapsed, engine.lighting, kernels);
+        cache = {true, info.correction};
+    }
+
+    void CorrectAspect() {
+        constexpr float factors[3] = {1.0F, 1.5F, 2.0F};
+        aspect = aspect * factors[modes.horizontal] / factors[modes.vertical];
+    }
+
+    void SetGains() {
+        const DetailInputs inputs{modes, strength, noiseKnee, width, height, aspect, bypass};
+        info.noiseAmplitude = SetUpDetailGains(engine, inputs, stages);
+    }
+
+    static int32_t Scaled(int32_t length, int32_t mode) {
+        if (mode == 2) return 2 * length;
+        return mode == 1 ? (3 * length) >> 1 : length;
+    }
+
+    bool WillWrite() const {
+        if (modes.horizontal == 2) return false;
+        return modes.horizontal == 1 || haveCopy || engine.sharpness != 0.0F;
+    }
+
+    ImagePlanes SizeOutput() {
+        if (target.planes != nullptr) return *target.planes;
+        if (WillWrite()) target.image->Resize(Scaled(width, modes.horizontal), Scaled(height, modes.vertical));
+        return target.image->Planes();
+    }
+
+    /// By the modes; twofold ones have no stages here yet and leave the frame to the caller.
+    bool Dispatch(const ImagePlanes& out, const PostFilter& filter) {
+        if (!WillWrite()) return false;
+        if (modes.horizontal == 0) {
+            KeepSize(out, filter);
+        } else if (modes.vertical == 0) {
+            PictureScaler scaler = Scaler();
+            scaler.ScaleHorizontal(out, work, PlanRows(engine, filter, stages.postNarrowV), filter.chromaOdd,
+                                   allPlanes);
+        } else if (engine.verticalFirst == 0) {
+            ScaleRowsFirst(out, filter);
+        } else {
+            ScaleColumnsFirst(out, filter);
+        }
+        return true;
+    }
+
+    PictureScaler Scaler() { return {engine.workspace.scaler, kernels, engine.splitView != 0}; }
+
+    void KeepSize(const ImagePlanes& out, const PostFilter& filter) {
+        const CopyBounds bounds{.targetEnd = nullptr, .sourceEnd = work.end};
+        if ((planeMask & lumaPlane) != 0)
+            EnhanceUnscaled(out, work, filter.taps, stages.postNarrowV, engine.workspace.unscaled, kernels);
+        if ((planeMask & secondPlane) != 0) CopyPlane(out.second, work.planes.second, bounds);
+        if ((planeMask & thirdPlane) != 0) CopyPlane(out.third, work.planes.third, bounds);
+    }
+
+    void ScaleRowsFirst(const ImagePlanes& out, const PostFilter& filter) {
+        PictureScaler scaler = Scaler();
+        WorkingImage& half = engine.workspace.halfScaled;
+        scaler.ScaleHorizontalPlane(half, work, PlanRows(engine, filter, {}), filter.chromaOdd, planeMask);
+        scaler.ScaleVertical(out, SourceOf(half), PlanColumns(engine), planeMask);
+    }
+
+    void ScaleColumnsFirst(const ImagePlanes& out, const PostFilter& filter) {
+        PictureScaler scaler = Scaler();
+        WorkingImage& half = engine.workspace.halfScaled;
+        scaler.ScaleVerticalFirst(half, work, PlanColumns(engine), allPlanes);
+        scaler.ScaleHorizontal(out, SourceOf(half), PlanRows(engine, filter, {}), filter.chromaOdd, allPlanes);
+    }
+
+    TimingClass ClassOf() const {
+        if (modes.horizontal == 1 && modes.vertical == 0) return TimingClass::rowsOnly;
+        if (modes.horizontal == 1 && modes.vertical == 1)
+            return engine.verticalFirst == 1 ? TimingClass::columnsFirst : TimingClass::bothAxes;
+        return modes.horizontal == 2 && modes.vertical == 1 ? TimingClass::twofoldRows : TimingClass::none;
+    }
+
+    void NoteTime(uint64_t startCycles) {
+        engine.timing.Note(ClassOf(), width, height, static_cast<int64_t>(ReadTimeStamp() - startCycles));
+    }
+
+    int32_t Report(bool written) {
+        const bool enlarged = modes.horizontal != 0;
+        info.writtenWidth = written ? Scaled(width, modes.horizontal) : 0;
+        info.writtenHeight = written ? Scaled(height, enlarged ? modes.vertical : 0) : 0;
+        return written ? 1 : 0;
+    }
+
+    EnhancementEngine& engine;
+    StageSettings& stages;
+    FrameRecord& frame;
+    const SourceImage& source;
+    SourceImage work;  // the source, or the private copy once a stage needs one
+    const PassTarget& target;
+    float& aspect;
+    FrameInfo& info;
+    uint32_t planeMask;
+    const KernelTable& kernels;
+    int32_t width;
+    int32_t height;
+    bool rebuildFilters = false;
+    bool bypass = false;
+    bool haveCopy = false;
+    float sharpness = 0.0F;
+    ScaleModes modes;
+    Strength strength;
+    double noiseKnee = 0.0;
+};
+
+}  // namespace
+
+int32_t EnhancementPass(EnhancementEngine& engine, FrameRecord& frame, const SourceImage& source,
+                        const PassTarget& target, float& aspect, FrameInfo& info, uint32_t planeMask,
+                        const KernelTable& kernels) {
+    return FramePass(engine, frame, source, target, aspect, info, planeMask, kernels).Run();
+}
+
+}  // namespace clarivex

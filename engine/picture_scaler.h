@@ -1,0 +1,54 @@
+// Whole pictures enlarged by three halves along one axis: luma through the strip scalers, chroma by interpolation.
+#pragma once
+
+#include <cstdint>
+
+#include "algorithms/readable_row.h"
+#include "algorithms/working_image.h"
+#include "engine/column_scaler.h"
+#include "engine/row_scaler.h"
+
+namespace clarivex {
+
+/// Bits of a plane mask.
+constexpr uint32_t lumaPlane = 1;
+constexpr uint32_t secondPlane = 2;
+constexpr uint32_t thirdPlane = 4;
+constexpr uint32_t allPlanes = 7;
+
+/// Working memory of both scalers and of chroma, kept between frames.
+struct ScalerScratch {
+    RowScratch rows;
+    ColumnScratch columns;
+    SlackRow<uint8_t> chroma;
+};
+
+class PictureScaler {
+public:
+    /// splitView  enlarge only the right part of the luma plane and leave the rest of the target as it is.
+    PictureScaler(ScalerScratch& scratch, const KernelTable& kernels, bool splitView)
+        : scratch(scratch), kernels(kernels), splitView(splitView) {}
+
+    /// Along the rows, the planes named by `planes`, into planes sized by the caller.
+    void ScaleHorizontal(const ImagePlanes& target, const SourceImage& source, const RowStages& stages, bool chromaOdd,
+                         uint32_t planes);
+
+    /// The same into an image that gets (3 · width) >> 1 columns and the source's height first.
+    void ScaleHorizontalPlane(WorkingImage& target, const SourceImage& source, const RowStages& stages, bool chromaOdd,
+                              uint32_t planes);
+
+    /// Down the columns, the planes named by `planes`, into planes sized by the caller.
+    void ScaleVertical(const ImagePlanes& target, const SourceImage& source, const ColumnStages& stages,
+                       uint32_t planes);
+
+    /// The same into an image that gets the source's width and (3 · height) >> 1 rows first.
+    void ScaleVerticalFirst(WorkingImage& target, const SourceImage& source, const ColumnStages& stages,
+                            uint32_t planes);
+
+private:
+    ScalerScratch& scratch;
+    const KernelTable& kernels;
+    bool splitView;
+};
+
+}  // namespace clarivex

@@ -1,0 +1,21 @@
+// The taps of the post filter, which carries the sharpness along the rows.
+#pragma once
+
+#include <cstdint>
+
+#include "algorithms/detail_fir.h"
+#include "engine/strength.h"
+
+namespace clarivex {
+
+/// Whether the post filter runs, and how.
+struct PostFilter {
+    bool on = false;
+    bool chromaOdd = false;  ///< grid of the chroma interpolation: shifted for even filters
+    DetailTaps taps{};       ///< of a filter that is off: those that let samples pass
+};
+
+/// The filter for a horizontal mode (0 … 2). Off below sharpenScheme 2.
+PostFilter DesignPostFilter(const EngineSettings& settings, const Strength& strength, int32_t horizontalMode);
+
+}  // namespace clarivex

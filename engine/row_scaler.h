@@ -1,0 +1,68 @@
+// Luma enlarged by three halves along its rows, strip by strip, with all stages that work along the rows.
+#pragma once
+
+#include <cstdint>
+
+#include "algorithms/detail_fir.h"
+#include "algorithms/filter_design.h"
+#include "algorithms/readable_row.h"
+#include "algorithms/sharpen_params.h"
+#include "algorithms/slack_row.h"
+#include "engine/cross_stage.h"
+#include "engine/detail_stages.h"
+#include "simd/kernel_table.h"
+
+namespace clarivex {
+
+enum class EdgeStage { none, simple, full };
+
+/// The detail kernels in front of a scaler: the gated one, then narrow or knee.
+struct PreStage {
+    bool gated = false;
+    int32_t mode = 0;  ///< 0 none, 1 narrow kernel, 2 narrow and wide kernels
+    SharpenCoefficients gains;
+
+    bool IsOn() const { return gated || mode != 0; }
+};
+
+/// What runs on each strip, and with which values.
+struct RowStages {
+    ThreeHalvesTaps taps;
+    PreStage preStage;  ///< works in place on the source
+    EdgeStage edgeStage = EdgeStage::full;
+    EdgeLimits edgeLimits;
+    SimpleLimits simpleLimits;
+    bool detailOn = false;
+    SharpenCoefficients detailGains;
+    bool postFilterOn = false;
+    DetailTaps postTaps{};
+    int32_t evenFilterPasses = 2;
+    bool boosterOn = false;
+    BoosterGains booster;
+    bool crossOn = false;
+    CrossGains cross;
+};
+
+/// Working rows of the scaler, kept between frames.
+struct RowScratch {
+    SlackRow<uint8_t> source;
+    SlackRow<int16_t> even;
+    SlackRow<int16_t> odd;
+    SlackRow<uint8_t> enlarged;
+    SlackRow<uint8_t> limited;
+    SlackRow<int16_t> words;
+    SlackRow<uint8_t> line;
+};
+
+/// Enlarges `source` into `target`, in strips of 16 rows that go through all stages while they are in the cache.
+///
+/// target     (3 · width) >> 1 columns, the source's height, stride a multiple of 64. Of the spare columns those up to
+///            the next multiple of 4 are written.
+/// source     width at least 1; written to only by an active pre-stage, which needs a working image.
+/// sourceEnd  end of the memory that may be read behind the source: its rows are read up to a multiple of 8.
+/// edges      left of a row its first sample is repeated; right of it follow what memory holds, a copy of the last of
+///            those samples, and mid-grey. The stages behind the resampler leave some samples at both ends alone.
+void ScaleLumaStrips(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const RowStages& stages,
+                     RowScratch& scratch, const KernelTable& kernels);
+
+}  // namespace clarivex

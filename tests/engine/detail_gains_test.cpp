@@ -1,0 +1,195 @@
+#include "engine/detail_gains.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace clarivex {
+namespace {
+
+constexpr ScaleModes bothAxes{1, 1};
+
+Strength Of(double value) {
+    const auto level = static_cast<int32_t>(value);
+    return {value, level, value - level};
+}
+
+double KneeOf(float level, ScaleModes modes = bothAxes, bool bypass = false) {
+    EngineSettings settings;
+    settings.noiseReduction = level;
+    StageSettings stages;
+    return SetUpNoiseReduction(settings, modes, bypass, stages).knee;
+}
+
+TEST(SetUpNoiseReduction, MixesTheLevelsWithTheLowerOneInFull) {
+    EXPECT_NEAR(KneeOf(0.5F), 0.235, 1e-6);
+    EXPECT_NEAR(KneeOf(1.0F), 0.47, 1e-6);
+    EXPECT_NEAR(KneeOf(1.5F), 1.081, 1e-6);
+    EXPECT_NEAR(KneeOf(2.5F), 2.209, 1e-6);
+    EXPECT_NEAR(KneeOf(6.0F), 17.670872, 1e-6);
+    EXPECT_EQ(KneeOf(std::numeric_limits<float>::infinity()), KneeOf(6.0F));
+}
+
+TEST(SetUpNoiseReduction, IsOffWhereThePictureIsTooLargeOrDoubled) {
+    EXPECT_EQ(KneeOf(3.0F, {2, 2}), 0);
+    EXPECT_EQ(KneeOf(3.0F, {0, 0}, true), 0);
+    EXPECT_EQ(KneeOf(-3.0F), 0);
+    EXPECT_GT(KneeOf(3.0F, {2, 1}), 0);
+}
+
+/// What one axis is to run.
+struct AxisWords {
+    int16_t stageCount;
+    bool gatedAllowed;
+    int16_t gated;
+    int16_t mode;
+    SharpenParams narrow;
+    SharpenParams wide;
+};
+
+void ExpectRecord(const SharpenParams& actual, const SharpenParams& expected, const std::string& what) {
+    EXPECT_FLOAT_EQ(actual.baseGainLog2, expected.baseGainLog2) << what;
+    EXPECT_FLOAT_EQ(actual.extraGainLog2, expected.extraGainLog2) << what;
+    EXPECT_FLOAT_EQ(actual.knee, expected.knee) << what;
+}
+
+SharpenParams Curve(float base, float extra, float knee) {
+    SharpenParams params;
+    params.baseGainLog2 = base;
+    params.extraGainLog2 = extra;
+    params.knee = knee;
+    return params;
+}
+
+TEST(SetUpNoiseReduction, ChoosesTheKernelsOfEachAxisByItsStages) {
+    const SharpenParams none;
+    const SharpenParams narrow = Curve(-500, 500, 0.47F);
+    const SharpenParams wide = Curve(-500, 500, 0.564F);
+    const SharpenParams gatedNarrow = Curve(-496.2F, 500, 0.47F);
+    const SharpenParams gatedWide = Curve(-496.9F, 500, 0.564F);
+    const AxisWords cases[] = {{0, true, 0, 0, none, none},
+                               {1, true, 0, 1, narrow, none},
+                               {2, true, 0, 2, narrow, wide},
+                               {3, false, 0, 2, narrow, wide},
+                               {3, true, 2, 0, gatedNarrow, gatedWide}};
+    for (const AxisWords& rows : cases)
+        for (const AxisWords& columns : cases) {
+            if (rows.gatedAllowed != columns.gatedAllowed) continue;
+            EngineSettings settings;
+            settings.noiseReduction = 1.0F;
+            settings.noiseStagesH = rows.stageCount;
+            settings.noiseStagesV = columns.stageCount;
+            settings.gatedSharpen = rows.gatedAllowed ? 1 : 0;
+            StageSettings stages;
+            SetUpNoiseReduction(settings, bothAxes, false, stages);
+            const std::string what =
+                "stages " + std::to_string(rows.stageCount) + " and " + std::to_string(columns.stageCount);
+            EXPECT_EQ(stages.gatedH, rows.gated) << what;
+            EXPECT_EQ(stages.gatedV, columns.gated) << what;
+            EXPECT_EQ(stages.preModeH, rows.mode) << what;
+            EXPECT_EQ(stages.preModeV, columns.mode) << what;
+            ExpectRecord(stages.preNarrowH, rows.narrow, what);
+            ExpectRecord(stages.preWideH, rows.wide, what);
+            const float kneeFactor = columns.gated != 0 ? 1.01F : 1.0F;  // of the columns only
+            SharpenParams narrowV = columns.narrow;
+            SharpenParams wideV = columns.wide;
+            narrowV.knee *= kneeFactor;
+            wideV.knee *= kneeFactor;
+            ExpectRecord(stages.preNarrowV, narrowV, what);
+            ExpectRecord(stages.preWideV, wideV, what);
+        }
+}
+
+TEST(SetUpNoiseReduction, SmoothsChromaFromTheLevelOfTwoAndAHalf) {
+    EngineSettings settings;
+    settings.noiseStagesH = 1;
+    StageSettings stages;
+    settings.noiseReduction = 2.49F;
+    EXPECT_FALSE(SetUpNoiseReduction(settings, bothAxes, false, stages).smoothsChroma);
+    settings.noiseReduction = 2.5F;
+    const NoiseReduction reduction = SetUpNoiseReduction(settings, bothAxes, false, stages);
+    EXPECT_TRUE(reduction.smoothsChroma);
+    ExpectRecord(reduction.smoothing, Curve(-500, 500, 2.209F * 0.63F), "chroma");
+}
+
+TEST(SetUpNoiseReduction, RunsAtLevelZeroWhenForcedInThreeHalves) {
+    EngineSettings settings;
+    settings.forceDetailB = 1;
+    settings.noiseStagesH = settings.noiseStagesV = 3;
+    StageSettings forced, unscaled;
+    SetUpNoiseReduction(settings, bothAxes, false, forced);
+    EXPECT_EQ(forced.preModeH, 1) << "a knee of 0 leaves the gated kernels without gains";
+    EXPECT_EQ(forced.gatedH, 0);
+    SetUpNoiseReduction(settings, {0, 0}, false, unscaled);
+    EXPECT_EQ(unscaled.preModeH, 0);
+}
+
+/// Settings that drive the gains behind the scaler, and what comes of them: base gain, extra gain and knee of the narrow
+/// record of rows and of columns and of the wide record.
+struct GainCase {
+    const char* name;
+    ScaleModes modes;
+    double strength;
+    double noiseKnee;
+    void (*set)(EngineSettings&);
+    float noise;
+    SharpenParams rows, columns, wide;
+};
+
+void Nothing(EngineSettings&) {}
+void CurveOn(EngineSettings& settings) { settings.curveSharpening = 1; }
+
+// clang-format off
+const GainCase gainCases[] = {
+    {"start-up values, scaled", {1, 1}, 1.5, 0, Nothing,
+     0, Curve(0, 0, 0), Curve(0, 0, 0), Curve(6.3F, -6.3F, 15)},
+    {"start-up values, unscaled", {0, 0}, 1.5, 0, Nothing,
+     0, Curve(0, 0, 0), Curve(0.65F, 0, 0), Curve(0, 0, 0)},
+    {"curve, rows only, weak", {1, 0}, 0.5, 0, [](EngineSettings& s) { CurveOn(s); s.baseDetailGain = 2; },
+     0, Curve(0.816049397F, 0, 0), Curve(1.18481481F, 0, 0), Curve(6.3F, -6.37716055F, 15)},
+    {"curve, scaled, strong, coring", {1, 1}, 6.0, 4.0,
+     [](EngineSettings& s) {
+         CurveOn(s);
+         s.coringLevel = s.fusedNarrowGain = 3;
+         s.fusedWideGain = 5;
+         s.verticalDetailGain = 4;
+         s.ditherGain = 0.5F;
+     },
+     1.69230771F, Curve(0, 2.4F, 2.356F), Curve(0, 1.8F, 2.356F), Curve(6.95739841F, -6.3F, 15)},
+    {"curve, unscaled", {0, 0}, 3.75, 9.0, [](EngineSettings& s) { CurveOn(s); s.coringLevel = 1; },
+     0, Curve(0, 1.67F, 3), Curve(0, 2.825F, 3), Curve(0.0701328143F, 0, 0)},
+    {"below the level tables, unscaled", {0, 0}, 8.5, 0,
+     [](EngineSettings& s) { s.sharpenScheme = 1; s.ditherGain = 1; },
+     4.41025639F, Curve(2.625F, 0, 0), Curve(1.4F, 0, 0), Curve(0.950217783F, 0, 0)},
+    {"twofold", {2, 1}, 2.0, 0, [](EngineSettings& s) { CurveOn(s); s.twofoldWideGain = 4; },
+     0, Curve(2.38415956F, 0, 0), Curve(1.24555552F, 0, 0), Curve(1.8F, -1.85F, 3)},
+    {"curve without strength", {1, 1}, 0.0, 0, CurveOn,
+     0, Curve(0, 0, 0), Curve(0, 0, 0), Curve(6.3F, -6.3F, 15)},
+};
+// clang-format on
+
+TEST(SetUpDetailGains, FollowsStrengthModesAndSettings) {
+    for (const GainCase& test : gainCases) {
+        EngineSettings settings;
+        test.set(settings);
+        StageSettings stages;  // as the pass leaves them: the base gain is in
+        stages.postNarrowH.baseGainLog2 = stages.postNarrowV.baseGainLog2 =
+            static_cast<float>(settings.baseDetailGain * 0.3);
+        const DetailInputs inputs{test.modes, Of(test.strength), test.noiseKnee, 100, 80, 1.0F, false};
+        EXPECT_FLOAT_EQ(SetUpDetailGains(settings, inputs, stages), test.noise) << test.name;
+        ExpectRecord(stages.postNarrowH, test.rows, std::string(test.name) + ", rows");
+        ExpectRecord(stages.postNarrowV, test.columns, std::string(test.name) + ", columns");
+        ExpectRecord(stages.postWide, test.wide, std::string(test.name) + ", wide");
+    }
+}
+
+TEST(SetUpDetailGains, AddsNoNoiseToAPictureThatIsTooLarge) {
+    EngineSettings settings;
+    settings.ditherGain = 1.0F;
+    StageSettings stages;
+    EXPECT_EQ(SetUpDetailGains(settings, {{0, 0}, Of(2), 0, 2000, 1000, 1.0F, true}, stages), 0);
+    EXPECT_GT(SetUpDetailGains(settings, {{0, 0}, Of(2), 0, 200, 100, 1.0F, false}, stages), 0);
+}
+
+}  // namespace
+}  // namespace clarivex

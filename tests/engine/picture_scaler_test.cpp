@@ -1,0 +1,104 @@
+#include "engine/picture_scaler.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/engine/plain_scalers.h"
+#include "tests/support/test_images.h"
+
+namespace clarivex {
+namespace {
+
+RowStages Rows() {
+    RowStages stages;
+    stages.taps = UsualTaps();
+    return stages;
+}
+
+ColumnStages Columns() {
+    ColumnStages stages;
+    stages.taps = UsualTaps();
+    return stages;
+}
+
+Plane PartOf(const Plane& plane, int32_t firstColumn) {
+    return {plane.data + firstColumn, plane.width - firstColumn, plane.height, plane.stride};
+}
+
+TEST(PictureScaler, EnlargesAllPlanesOfBothOrders) {
+    for (const auto& [width, height] : {std::pair{33, 9}, {40, 17}, {85, 12}, {86, 8}}) {
+        const DecodedPicture picture(width, height, width + width % 2, Texture::soft, 1);
+        ScalerScratch scratch;
+        PictureScaler scaler(scratch, scalarKernels, false);
+        WorkingImage half, rowsFirst, tall, columnsFirst;
+        scaler.ScaleHorizontalPlane(half, picture.Source(), Rows(), false, allPlanes);
+        scaler.ScaleVerticalFirst(rowsFirst, SourceOf(half), Columns(), allPlanes);
+        scaler.ScaleVerticalFirst(tall, picture.Source(), Columns(), allPlanes);
+        scaler.ScaleHorizontalPlane(columnsFirst, SourceOf(tall), Rows(), false, allPlanes);
+
+        const ImagePlanes& source = picture.Source().planes;
+        const WorkingImage wide = TestImage(3 * width / 2, height, Texture::hard, 1);
+        PlainScaleRows(wide.Planes().luma, source.luma, picture.Source().end, Rows());
+        EXPECT_TRUE(SameSamples(half.Planes().luma, wide.Planes().luma)) << width;
+        const WorkingImage both = TestImage(3 * width / 2, 3 * height / 2, Texture::hard, 1);
+        PlainScaleColumns(both.Planes().luma, half.Planes().luma, EndOf(half), Columns());
+        EXPECT_TRUE(SameSamples(rowsFirst.Planes().luma, both.Planes().luma)) << width;
+        PlainScaleColumns(both.Planes().luma, source.luma, picture.Source().end, Columns());
+        EXPECT_TRUE(SameSamples(tall.Planes().luma, both.Planes().luma, width, 3 * height / 2)) << width;
+        PlainScaleRows(both.Planes().luma, tall.Planes().luma, EndOf(tall), Rows());
+        EXPECT_TRUE(SameSamples(columnsFirst.Planes().luma, both.Planes().luma)) << width;
+
+        PlainScaleChromaRows(wide.Planes().third, source.third, false);
+        PlainScaleChromaColumns(both.Planes().third, wide.Planes().third);
+        EXPECT_TRUE(SameSamples(rowsFirst.Planes().third, both.Planes().third)) << width;
+        PlainScaleChromaColumns(tall.Planes().second, source.second);
+        PlainScaleChromaRows(both.Planes().second, tall.Planes().second, false);
+        EXPECT_TRUE(SameSamples(columnsFirst.Planes().second, both.Planes().second)) << width;
+    }
+}
+
+TEST(PictureScaler, TouchesOnlyThePlanesNamed) {
+    const WorkingImage source = TestImage(32, 16, Texture::soft, 1);
+    const WorkingImage untouched = TestImage(48, 24, Texture::hard, 2);
+    for (uint32_t planes = 0; planes <= allPlanes; ++planes) {
+        const WorkingImage target = TestImage(48, 24, Texture::hard, 2);
+        ScalerScratch scratch;
+        PictureScaler scaler(scratch, scalarKernels, false);
+        scaler.ScaleHorizontal(target.Planes(), SourceOf(source), Rows(), false, planes);
+        scaler.ScaleVertical(target.Planes(), SourceOf(source), Columns(), planes);
+        const auto same = [&](Plane ImagePlanes::*plane) {
+            return static_cast<bool>(SameSamples(target.Planes().*plane, untouched.Planes().*plane));
+        };
+        EXPECT_EQ(same(&ImagePlanes::luma), (planes & lumaPlane) == 0);
+        EXPECT_EQ(same(&ImagePlanes::second), (planes & secondPlane) == 0);
+        EXPECT_EQ(same(&ImagePlanes::third), (planes & thirdPlane) == 0);
+    }
+}
+
+TEST(PictureScaler, ShowsTheRightPartInASplitView) {
+    ScalerScratch scratch;
+    PictureScaler scaler(scratch, scalarKernels, true);
+    const WorkingImage source = TestImage(200, 8, Texture::soft, 1);
+    const WorkingImage wide = TestImage(300, 8, Texture::hard, 2);
+    const WorkingImage expectedWide = TestImage(300, 8, Texture::hard, 2);
+    // (200 / 2 − 4) >> 5 times 16 is 48: from column 96 of the source and 144 of the target on.
+    scaler.ScaleHorizontal(wide.Planes(), SourceOf(source), Rows(), false, lumaPlane);
+    PlainScaleRows(PartOf(expectedWide.Planes().luma, 144), PartOf(source.Planes().luma, 96), EndOf(source), Rows());
+    EXPECT_TRUE(SameSamples(wide.Planes().luma, expectedWide.Planes().luma));
+
+    const WorkingImage tall = TestImage(200, 12, Texture::hard, 2);
+    const WorkingImage expectedTall = TestImage(200, 12, Texture::hard, 2);
+    // 200 / 2 − 4 without its low four bits is 96, in both.
+    scaler.ScaleVertical(tall.Planes(), SourceOf(source), Columns(), lumaPlane);
+    PlainScaleColumns(PartOf(expectedTall.Planes().luma, 96), PartOf(source.Planes().luma, 96), EndOf(source), Columns());
+    EXPECT_TRUE(SameSamples(tall.Planes().luma, expectedTall.Planes().luma));
+
+    const WorkingImage narrow = TestImage(4, 8, Texture::soft, 1);
+    WorkingImage whole;
+    scaler.ScaleHorizontalPlane(whole, SourceOf(narrow), Rows(), false, lumaPlane);
+    const WorkingImage expected = TestImage(6, 8, Texture::hard, 2);
+    PlainScaleRows(expected.Planes().luma, narrow.Planes().luma, EndOf(narrow), Rows());
+    EXPECT_TRUE(SameSamples(whole.Planes().luma, expected.Planes().luma)) << "too narrow to be split";
+}
+
+}  // namespace
+}  // namespace clarivex

@@ -1,0 +1,25 @@
+// The scalers once more, stage after stage over the whole picture in plain integers: what the strips are compared with.
+#pragma once
+
+#include "engine/column_scaler.h"
+#include "engine/row_scaler.h"
+
+namespace clarivex {
+
+/// Luma along the rows. The target has room for 12 columns for every 8 of the source; source may be written to by a
+/// pre-stage.
+void PlainScaleRows(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const RowStages& stages);
+
+/// Luma down the columns; the target has 3 · height / 2 rows.
+void PlainScaleColumns(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const ColumnStages& stages);
+
+/// Chroma along the rows: 3 · ⌈width / 2⌉ columns.
+void PlainScaleChromaRows(const Plane& target, const Plane& source, bool chromaOdd);
+
+/// Chroma down the columns.
+void PlainScaleChromaColumns(const Plane& target, const Plane& source);
+
+/// Tap sets of ordinary strength.
+ThreeHalvesTaps UsualTaps();
+
+}  // namespace clarivex

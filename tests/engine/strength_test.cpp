@@ -1,0 +1,126 @@
+#include "engine/strength.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace clarivex {
+namespace {
+
+using Pair = std::pair<int32_t, int32_t>;
+
+Pair Limited(ScaleModes wanted, int32_t width, int32_t height) {
+    const ScaleModes modes = LimitModes(wanted, width, height);
+    return {modes.horizontal, modes.vertical};
+}
+
+TEST(LimitModes, GivesUpOneAxisThenBoth) {
+    EXPECT_EQ(Limited({1, 1}, 2047, 1021), Pair(1, 1));
+    EXPECT_EQ(Limited({1, 1}, 600, 1022), Pair(1, 0));
+    EXPECT_EQ(Limited({1, 1}, 2047, 1535), Pair(1, 0));
+    EXPECT_EQ(Limited({1, 1}, 600, 1536), Pair(0, 0));
+    EXPECT_EQ(Limited({1, 1}, 2048, 100), Pair(0, 0)) << "too wide for the columns is too wide for the rows as well";
+    EXPECT_EQ(Limited({1, 0}, 2047, 1535), Pair(1, 0));
+    EXPECT_EQ(Limited({0, 1}, 4096, 4096), Pair(0, 1));
+}
+
+TEST(LimitModes, FallsFromTwofoldToThreeHalves) {
+    EXPECT_EQ(Limited({2, 2}, 1023, 767), Pair(2, 2));
+    EXPECT_EQ(Limited({2, 2}, 1024, 100), Pair(0, 0));
+    EXPECT_EQ(Limited({2, 2}, 100, 768), Pair(0, 0));
+    EXPECT_EQ(Limited({2, 1}, 1361, 1021), Pair(2, 1));
+    EXPECT_EQ(Limited({2, 1}, 1362, 1021), Pair(1, 1));
+    EXPECT_EQ(Limited({2, 1}, 1361, 1022), Pair(1, 0));
+    EXPECT_EQ(Limited({2, 1}, 2048, 1022), Pair(0, 0));
+}
+
+TEST(LimitModes, TakesPairsThatNoScalerHasAsNoScaling) {
+    for (const ScaleModes odd : {ScaleModes{1, 2}, {2, 0}, {3, 1}, {1, -1}, {0, 3}, {-1, 0}})
+        EXPECT_EQ(Limited(odd, 100, 100), Pair(0, 0)) << odd.horizontal << ", " << odd.vertical;
+}
+
+TEST(StrengthOf, IsReducedForSmallPicturesOnly) {
+    EXPECT_NEAR(StrengthOf(1, 160, 120).value, 0.3193, 0.0001);
+    EXPECT_NEAR(StrengthOf(2, 160, 120).value, 2 * 0.3193, 0.0002);
+    EXPECT_LT(StrengthOf(1, 320, 249).value, 1);
+    EXPECT_EQ(StrengthOf(1, 400, 209).value, 1);
+    EXPECT_EQ(StrengthOf(-3, 32, 8).value, 3) << "negative stands for its absolute value at any size";
+}
+
+TEST(StrengthOf, StaysWithinItsTables) {
+    const Strength strongest = StrengthOf(50, 1000, 1000);
+    EXPECT_EQ(strongest.value, 8.9999);
+    EXPECT_EQ(strongest.level, 8);
+    EXPECT_NEAR(strongest.fraction, 0.9999, 1e-12);
+    EXPECT_EQ(StrengthOf(-std::numeric_limits<float>::infinity(), 9, 9).level, 8);
+    EXPECT_EQ(StrengthOf(std::numeric_limits<float>::quiet_NaN(), 9, 9).value, 0);
+    EXPECT_EQ(MixRows(tapRows15, strongest, 1), 0);
+    EXPECT_DOUBLE_EQ(MixRows(tapRows15, StrengthOf(-1.25F, 9, 9), 1), -29);
+}
+
+class DesignedFilters : public testing::Test {
+protected:
+    void Design(float strength) { DesignFilters(engine, StrengthOf(-strength, 1, 1), 1); }
+
+    EnhancementEngine engine;
+};
+
+TEST_F(DesignedFilters, ChangeDownTheColumnsWithTheStrength) {
+    Design(0.795536458F);
+    EXPECT_EQ(engine.tapsHorizontal.a, (TapSet{-1, 149, -925, 4093, 12929, 241, -223, 57}));
+    EXPECT_EQ(engine.tapsHorizontal.b, (TapSet{8, 142, -1202, 9212, 9212, -1202, 142, 8}));
+    EXPECT_EQ(engine.tapsVertical.a, (TapSet{-1, 234, -2202, 2988, 18428, -2746, -451, 70}));
+    EXPECT_EQ(engine.tapsVertical.c, (TapSet{70, -451, -2746, 18428, 2988, -2202, 234, -1}));
+    const TapSet rows = engine.tapsHorizontal.a;
+    Design(1.3641479F);
+    EXPECT_EQ(engine.tapsHorizontal.a, rows);
+    EXPECT_EQ(engine.tapsVertical.b, (TapSet{6, 289, -4513, 12378, 12378, -4513, 289, 6}));
+}
+
+TEST_F(DesignedFilters, HaveFixedColumnsBelowTheLevelTables) {
+    engine.sharpenScheme = 1;
+    Design(0.5F);
+    const ThreeHalvesTaps weak = engine.tapsVertical;
+    Design(4.0F);
+    EXPECT_EQ(engine.tapsVertical.a, weak.a);
+    EXPECT_NE(engine.tapsVertical.a, engine.tapsHorizontal.a);
+}
+
+TEST_F(DesignedFilters, AreTrimmedAlongTheRowsOnly) {
+    Design(1.0F);
+    const ThreeHalvesTaps columns = engine.tapsVertical;
+    const ThreeHalvesTaps rows = engine.tapsHorizontal;
+    for (const int32_t trim : {1, 2}) {
+        engine.spectrumTrim = trim;
+        Design(1.0F);
+        EXPECT_NE(engine.tapsHorizontal.a, rows.a);
+        EXPECT_EQ(engine.responses[0][5], 0);
+        EXPECT_EQ(engine.responses[0][4] != 0, trim == 1);
+        EXPECT_EQ(engine.tapsVertical.a, columns.a);
+    }
+}
+
+TEST_F(DesignedFilters, FollowCutoffWindowAndTwofoldComb) {
+    Design(1.0F);
+    const PrototypeKernel usual = engine.responses[0];
+    engine.kernelCutoff = 0;
+    Design(1.0F);
+    const PrototypeKernel lowest = engine.responses[0];
+    EXPECT_NE(lowest, usual);
+    engine.kernelCutoff = -100;
+    Design(1.0F);
+    EXPECT_EQ(engine.responses[0], lowest);
+    engine.kernelCutoff = 75;
+    engine.windowKind = 2;
+    Design(1.0F);
+    EXPECT_NE(engine.responses[0], usual);
+    engine.windowKind = 0;
+    DesignFilters(engine, {}, 2);
+    EXPECT_EQ(engine.responses[0], usual) << "tuning set 0 has the comb of the other modes";
+    engine.tuningSet = 1;
+    DesignFilters(engine, {}, 2);
+    EXPECT_NE(engine.responses[0], usual);
+}
+
+}  // namespace
+}  // namespace clarivex
