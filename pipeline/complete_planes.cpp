@@ -1,0 +1,55 @@
+#include "pipeline/complete_planes.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace clarivex {
+namespace {
+
+constexpr uint8_t blackLuma = 16;
+constexpr uint8_t neutralChroma = 128;
+
+/// The written part of one plane, and what stands right of it.
+struct PlanePart {
+    int32_t width;
+    int32_t height;
+    bool repeatLast;  // repeat the last written column instead of black
+};
+
+void FillFrom(uint8_t* row, int32_t first, int32_t width, uint8_t value) {
+    if (first < width) std::memset(row + first, value, static_cast<size_t>(width - first));
+}
+
+void CompletePlane(const Plane& picture, const Plane& source, const PlanePart& part, uint8_t black) {
+    const int32_t writtenRows = std::min(part.height, picture.height);
+    for (int32_t y = 0; y < writtenRows; ++y) {
+        uint8_t* row = picture.Row(y);
+        FillFrom(row, part.width, picture.width, part.repeatLast ? row[part.width - 1] : black);
+    }
+    for (int32_t y = writtenRows; y < picture.height; ++y) {
+        const int32_t shared = y < source.height ? std::min(source.width, picture.width) : 0;
+        if (shared > 0) std::memcpy(picture.Row(y), source.Row(y), static_cast<size_t>(shared));
+        FillFrom(picture.Row(y), shared, picture.width, black);
+    }
+}
+
+PlanePart ChromaPart(const ImagePlanes& picture, const ImagePlanes& source, const WrittenPart& written) {
+    if (written.height == 0) return {0, 0, false};
+    const bool wider = written.width > source.luma.width;
+    const bool higher = written.height > source.luma.height;
+    return {wider ? 3 * ((source.second.width + 1) >> 1) : source.second.width,
+            higher ? picture.second.height : source.second.height, wider};
+}
+
+}  // namespace
+
+void CompletePlanes(const ImagePlanes& picture, const ImagePlanes& source, const WrittenPart& written) {
+    CompletePlane(picture.luma, source.luma, {written.width, written.height, written.width > source.luma.width},
+                  blackLuma);
+    if (!written.chroma) return;
+    const PlanePart chroma = ChromaPart(picture, source, written);
+    CompletePlane(picture.second, source.second, chroma, neutralChroma);
+    CompletePlane(picture.third, source.third, chroma, neutralChroma);
+}
+
+}  // namespace clarivex

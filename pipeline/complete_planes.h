@@ -1,0 +1,23 @@
+// Fills what the engine has not written of a planar picture, so that left-over memory is never shown.
+#pragma once
+
+#include <cstdint>
+
+#include "runtime/planes.h"
+
+namespace clarivex {
+
+/// What the engine wrote: luma samples from the upper left, 0 for none, and whether chroma belongs to its picture too.
+struct WrittenPart {
+    int32_t width = 0;
+    int32_t height = 0;
+    bool chroma = false;
+};
+
+/// Samples outside the written part become the source's at the same place, and black where the source has none. In a
+/// picture whose columns were enlarged, the few that rounding its width added repeat the last one before them.
+///
+/// picture  planes of the output's size, completed in place
+void CompletePlanes(const ImagePlanes& picture, const ImagePlanes& source, const WrittenPart& written);
+
+}  // namespace clarivex

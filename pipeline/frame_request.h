@@ -1,0 +1,60 @@
+// What the media object hands to the frame path: the negotiated formats, the settings of one frame and its buffers.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace clarivex {
+
+enum class PixelFormat { yv12, iyuv, yuy2, other };
+
+/// A target rectangle of a media type, in samples; empty when right <= left or bottom <= top.
+struct PictureRect {
+    int32_t left = 0;
+    int32_t top = 0;
+    int32_t right = 0;
+    int32_t bottom = 0;
+};
+
+/// What a media type says of its picture.
+///
+/// width, height  biWidth and biHeight as they stand; height is negative for a top-down picture
+/// readable       the type has a format block of a known kind with a whole bitmap header in it
+struct ImageFormat {
+    bool readable = false;
+    int32_t width = 0;
+    int32_t height = 0;
+    int32_t bitCount = 0;
+    int32_t xPelsPerMeter = 0;
+    PictureRect target;
+};
+
+/// Memory that may be read or written: `capacity` bytes from `data`.
+struct InputBuffer {
+    const uint8_t* data = nullptr;
+    size_t capacity = 0;
+};
+struct OutputBuffer {
+    uint8_t* data = nullptr;
+    size_t capacity = 0;
+};
+
+/// One frame: formats settled in the negotiation and the user's settings as they stand now. Values only.
+struct FrameRequest {
+    PixelFormat format = PixelFormat::other;  ///< subtype of the input type; both buffers have it
+    ImageFormat input;                        ///< of the input type
+    ImageFormat output;                       ///< of the output type
+    ImageFormat source;                       ///< of the input type as it was when the output type was offered
+    int32_t sourceWidth = 0;                  ///< picture size after clipping to the target rectangle
+    int32_t sourceHeight = 0;
+    bool scalingOn = false;  ///< the stream is enlarged and all planes are enhanced
+    bool sourceIsVih2WithoutBitrate = false;
+    float pixelAspect = 1.0F;
+    bool newStream = false;      ///< first frame since an input type was set
+    bool settingsDirty = false;  ///< the sharpness changed since the last enhanced frame
+    bool enabled = true;         ///< false: frames are copied without enhancement
+    bool enableLighting = true;
+    float sharpness = 1.0F;  ///< slider value, 0 … 2
+};
+
+}  // namespace clarivex

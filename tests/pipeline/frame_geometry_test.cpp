@@ -1,0 +1,348 @@
+#include "pipeline/frame_geometry.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace clarivex {
+namespace {
+
+constexpr size_t plenty = size_t{1} << 28;
+
+ImageFormat Planar(int32_t width, int32_t height) {
+    return {.readable = true, .width = width, .height = height, .bitCount = 12, .target = {}};
+}
+
+ImageFormat Packed(int32_t width, int32_t height) {
+    return {.readable = true, .width = width, .height = height, .bitCount = 16, .target = {}};
+}
+
+// A stream as the negotiation sets it up.
+FrameRequest Stream(PixelFormat format, int32_t width, int32_t height, bool scalingOn) {
+    const bool packed = format == PixelFormat::yuy2;
+    FrameRequest request;
+    request.format = format;
+    request.input = packed ? Packed(width, height) : Planar(width, height);
+    request.source = request.input;
+    request.output = request.input;
+    if (scalingOn) {
+        request.output.width = ((width * 3) / 2 + 7) & ~7;
+        request.output.height = ((height & ~1) * 3) / 2;
+    }
+    request.sourceWidth = width;
+    request.sourceHeight = height;
+    request.scalingOn = scalingOn;
+    return request;
+}
+
+// Lays a frame out in buffers that are never touched.
+struct Trial {
+    HRESULT code;
+    FrameLayout layout;
+    const uint8_t* input;
+    uint8_t* output;
+
+    explicit Trial(const FrameRequest& request, size_t inputBytes = plenty, size_t outputBytes = plenty)
+        : input(reinterpret_cast<const uint8_t*>(uintptr_t{0x10000000})),
+          output(reinterpret_cast<uint8_t*>(uintptr_t{0x30000000})) {
+        code = LayOutFrame(request, {output, outputBytes}, {input, inputBytes}, layout);
+    }
+};
+
+// The smallest capacities that do.
+size_t LeastInput(const FrameRequest& request) {
+    size_t bytes = 0;
+    while (FAILED(Trial(request, bytes).code)) {
+        ++bytes;
+    }
+    return bytes;
+}
+
+size_t LeastOutput(const FrameRequest& request) {
+    size_t bytes = 0;
+    while (FAILED(Trial(request, plenty, bytes).code)) {
+        ++bytes;
+    }
+    return bytes;
+}
+
+TEST(OutputSize, IsThreeHalvesRoundedUpToEightColumns) {
+    const auto size = [](int32_t width, int32_t height) { return OutputSize(width, height, true); };
+    EXPECT_EQ(size(640, 480).width, 960);
+    EXPECT_EQ(size(640, 480).height, 720);
+    EXPECT_EQ(size(100, 100).width, 152);
+    EXPECT_EQ(size(100, 101).height, 150);
+    EXPECT_EQ(size(352, 102).height, 153);
+    EXPECT_EQ(OutputSize(33, 101, false).width, 33);
+    EXPECT_EQ(OutputSize(33, 101, false).height, 100);
+}
+
+TEST(LayOutFrame, PlacesThePlanesOfAPlainPlanarFrame) {
+    const Trial trial(Stream(PixelFormat::yv12, 64, 48, true));
+    ASSERT_EQ(trial.code, S_OK);
+    const FrameLayout& layout = trial.layout;
+    EXPECT_EQ(layout.input.luma.data, trial.input);
+    EXPECT_EQ(layout.input.luma.stride, 64);
+    EXPECT_EQ(layout.input.second.data, trial.input + 64 * 48);
+    EXPECT_EQ(layout.input.third.data, trial.input + 64 * 48 + 32 * 24);
+    EXPECT_EQ(layout.input.third.stride, 32);
+    EXPECT_EQ(layout.outputWidth, 96);
+    EXPECT_EQ(layout.output.second.data, trial.output + 96 * 72);
+    EXPECT_EQ(layout.output.third.data, trial.output + 96 * 72 + 48 * 36);
+    EXPECT_EQ(layout.output.third.width, 48);
+    EXPECT_EQ(layout.output.third.height, 36);
+    EXPECT_EQ(layout.inputEnd, trial.input + plenty);
+    EXPECT_EQ(layout.outputEnd, trial.output + plenty);
+}
+
+TEST(LayOutFrame, OddPlanarSizesOverlapByHalvedStrides) {
+    const Trial trial(Stream(PixelFormat::iyuv, 101, 51, false));
+    ASSERT_EQ(trial.code, S_OK);
+    EXPECT_EQ(trial.layout.input.second.stride, 50);
+    EXPECT_EQ(trial.layout.input.second.width, 51);
+    EXPECT_EQ(trial.layout.input.second.height, 26);
+    EXPECT_EQ(trial.layout.input.third.data, trial.input + 101 * 51 + 50 * 25);
+    // The output keeps the type's odd height for its planes but is written on 50 rows.
+    EXPECT_EQ(trial.layout.outputHeight, 50);
+    EXPECT_EQ(trial.layout.output.second.data, trial.output + 101 * 51);
+    EXPECT_EQ(trial.layout.output.second.height, 25);
+}
+
+TEST(LayOutFrame, RoundsPackedRowsUpToFourBytes) {
+    const Trial trial(Stream(PixelFormat::yuy2, 33, 9, true));
+    ASSERT_EQ(trial.code, S_OK);
+    EXPECT_EQ(trial.layout.input.luma.stride, 68);
+    EXPECT_EQ(trial.layout.input.luma.width, 33);
+    EXPECT_EQ(trial.layout.output.luma.stride, 112);
+    EXPECT_EQ(trial.layout.output.luma.height, 12);
+    EXPECT_EQ(trial.layout.input.second.data, nullptr);
+}
+
+TEST(LayOutFrame, NeedsExactlyTheBytesUpToTheLastSample) {
+    // The usual image sizes are enough, odd ones included.
+    for (const int32_t width : {32, 33, 34, 40}) {
+        for (const int32_t height : {8, 9, 10, 11}) {
+            for (const bool scalingOn : {false, true}) {
+                const FrameRequest planar = Stream(PixelFormat::yv12, width, height, scalingOn);
+                EXPECT_LE(LeastInput(planar), static_cast<size_t>(width * height * 12 / 8));
+                const int32_t outputSamples = planar.output.width * planar.output.height;
+                EXPECT_LE(LeastOutput(planar), static_cast<size_t>(outputSamples * 12 / 8));
+            }
+        }
+    }
+    EXPECT_EQ(LeastInput(Stream(PixelFormat::yv12, 32, 8, true)), 32U * 8 * 3 / 2);
+    EXPECT_EQ(LeastOutput(Stream(PixelFormat::yv12, 32, 8, true)), 48U * 12 * 3 / 2);
+    EXPECT_EQ(LeastInput(Stream(PixelFormat::yuy2, 33, 8, false)), 68U * 8);
+    FrameRequest wide = Stream(PixelFormat::yuy2, 40, 8, false);
+    wide.sourceWidth = 34;
+    EXPECT_EQ(LeastInput(wide), 80U * 7 + 68);
+}
+
+TEST(LayOutFrame, FollowsTheRectangleIntoThePicture) {
+    FrameRequest request = Stream(PixelFormat::yuy2, 64, 32, false);
+    request.input.target = {4, 3, 64, 32};
+    EXPECT_EQ(Trial(request).layout.input.luma.data - Trial(request).input, 3 * 128 + 8);
+    request.input.target = {4, 32, 64, 32};  // empty
+    EXPECT_EQ(Trial(request).layout.input.luma.data, Trial(request).input);
+
+    FrameRequest planar = Stream(PixelFormat::yv12, 64, 32, false);
+    planar.output.target = {8, 2, 64, 32};
+    EXPECT_EQ(Trial(planar).layout.output.luma.data - Trial(planar).output, 2 * 64 + 12);
+    planar.output.target = {-8, 0, 64, 32};
+    EXPECT_EQ(Trial(planar).code, E_INVALIDARG);
+}
+
+TEST(LayOutFrame, TakesTheSourceTypesHeightWhenScaling) {
+    FrameRequest request = Stream(PixelFormat::yv12, 64, 32, true);
+    request.source.height = -40;
+    EXPECT_EQ(LocateInput(request).height, 40);
+    request.scalingOn = false;
+    EXPECT_EQ(LocateInput(request).height, 32);
+}
+
+// A decoder that writes into a buffer negotiated at the output's size.
+TEST(LocateInput, ChoosesTheStrideOfAStretchedPackedDecoder) {
+    FrameRequest request = Stream(PixelFormat::yuy2, 96, 48, true);
+    request.sourceWidth = 64;
+    request.input.target = {0, 0, 64, 32};
+    request.source.target = request.input.target;
+    EXPECT_EQ(LocateInput(request).stride, 2 * 64) << "stride of the source's rectangle";
+
+    request.source.target = {};
+    EXPECT_EQ(LocateInput(request).stride, (64 * 2 / 3 * 2 + 3) & ~3) << "no rectangle: two thirds";
+
+    request.input.xPelsPerMeter = 1;
+    EXPECT_EQ(LocateInput(request).stride, 2 * 96) << "a resolution asks for the type's width";
+
+    request.input.xPelsPerMeter = 0;
+    request.input.width = 160;
+    EXPECT_EQ(LocateInput(request).stride, 2 * 160) << "rectangle much narrower than the rows";
+
+    request.sourceIsVih2WithoutBitrate = true;
+    EXPECT_EQ(LocateInput(request).stride, 2 * 64) << "tight rows";
+    request.sourceWidth = 65;
+    EXPECT_EQ(LocateInput(request).stride, 2 * 160);
+    request.scalingOn = false;
+    request.sourceWidth = 64;
+    EXPECT_EQ(LocateInput(request).stride, 2 * 160);
+}
+
+TEST(LocateInput, ChoosesTheStrideOfAStretchedPlanarDecoder) {
+    FrameRequest request = Stream(PixelFormat::yv12, 96, 48, true);
+    request.sourceWidth = 64;
+    request.input.target = {0, 0, 64, 32};
+    EXPECT_EQ(LocateInput(request).stride, 96);
+    EXPECT_TRUE(LocateInput(request).chromaAtOutputHeight);
+
+    request.sourceIsVih2WithoutBitrate = true;
+    EXPECT_EQ(LocateInput(request).stride, 64);
+    EXPECT_FALSE(LocateInput(request).chromaAtOutputHeight);
+
+    request.sourceIsVih2WithoutBitrate = false;
+    request.sourceWidth = 63;
+    EXPECT_FALSE(LocateInput(request).chromaAtOutputHeight);
+}
+
+TEST(LayOutFrame, FallsBackToPlainPlanesInAPlainBuffer) {
+    FrameRequest request = Stream(PixelFormat::yv12, 64, 32, true);
+    request.input.target = {0, 0, 64, 32};
+    const size_t spacedBytes = 64 * 48 + 32 * 24 + 32 * 16;
+    const Trial spaced(request, spacedBytes);
+    ASSERT_EQ(spaced.code, S_OK);
+    EXPECT_EQ(spaced.layout.input.second.data, spaced.input + 64 * 48);
+    EXPECT_EQ(spaced.layout.input.third.data, spaced.input + 64 * 48 + 32 * 24);
+
+    for (const size_t bytes : {spacedBytes - 1, size_t{64 * 32 * 3 / 2}}) {
+        const Trial plain(request, bytes);
+        ASSERT_EQ(plain.code, S_OK);
+        EXPECT_EQ(plain.layout.input.second.data, plain.input + 64 * 32);
+        EXPECT_EQ(plain.layout.input.third.data, plain.input + 64 * 32 + 32 * 16);
+    }
+    EXPECT_EQ(Trial(request, 64 * 32 * 3 / 2 - 1).code, E_INVALIDARG);
+
+    FrameRequest odd = Stream(PixelFormat::yv12, 64, 34, true);  // 51 rows of output
+    odd.input.target = {0, 0, 64, 34};
+    const ImagePlanes planes = Trial(odd).layout.input;
+    EXPECT_EQ(planes.third.data - planes.second.data, 32 * 26);
+}
+
+TEST(LayOutFrame, RefusesWhatIsNotThere) {
+    FrameLayout layout;
+    uint8_t byte = 0;
+    FrameRequest request = Stream(PixelFormat::yv12, 64, 32, true);
+    EXPECT_EQ(LayOutFrame(request, {nullptr, plenty}, {&byte, plenty}, layout), E_POINTER);
+    EXPECT_EQ(LayOutFrame(request, {&byte, plenty}, {nullptr, plenty}, layout), E_POINTER);
+    for (ImageFormat* format : {&request.input, &request.output, &request.source}) {
+        format->readable = false;
+        EXPECT_EQ(Trial(request).code, E_UNEXPECTED);
+        format->readable = true;
+    }
+    EXPECT_EQ(Trial(request).code, S_OK);
+}
+
+TEST(LayOutFrame, LeavesSmallPicturesAlone) {
+    for (const auto& [width, height] : {std::pair{31, 100}, std::pair{100, 7}, std::pair{0, 0}, std::pair{-64, -64}}) {
+        const Trial trial(Stream(PixelFormat::yv12, width, height, false), 0, 0);
+        EXPECT_EQ(trial.code, S_OK);
+        EXPECT_TRUE(trial.layout.tooSmall);
+    }
+    EXPECT_FALSE(Trial(Stream(PixelFormat::yv12, 32, 8, true)).layout.tooSmall);
+}
+
+TEST(LayOutFrame, RefusesNonsenseSizesAndStrides) {
+    constexpr int32_t most = std::numeric_limits<int32_t>::max();
+    const FrameRequest good = Stream(PixelFormat::yuy2, 64, 32, true);
+    const auto codeOf = [&good](auto change) {
+        FrameRequest request = good;
+        change(request);
+        return Trial(request).code;
+    };
+    EXPECT_EQ(codeOf([](FrameRequest& r) { r.input.width = -64; }), E_INVALIDARG);
+    EXPECT_EQ(codeOf([](FrameRequest& r) { r.output.width = 0; }), E_INVALIDARG);
+    EXPECT_EQ(codeOf([](FrameRequest& r) { r.sourceWidth = r.input.width = most; }), E_INVALIDARG);
+    EXPECT_EQ(codeOf([](FrameRequest& r) { r.sourceHeight = most; }), E_INVALIDARG);
+    EXPECT_EQ(codeOf([](FrameRequest& r) { r.sourceWidth = r.sourceHeight = 60000; }), E_INVALIDARG);
+    EXPECT_EQ(codeOf([](FrameRequest& r) { r.output.target = {0, most - 1, 1, most}; }), E_INVALIDARG);
+    EXPECT_EQ(codeOf([](FrameRequest& r) { r.input.target = {most - 1, 0, most, 1}; }), E_INVALIDARG);
+    EXPECT_EQ(codeOf([](FrameRequest& r) {  // offsets whose sums would leave 64 bits
+                  r.format = PixelFormat::yv12;
+                  r.output = Planar(most, std::numeric_limits<int32_t>::min());
+                  r.output.target = {0, most - 1, 1, most};
+              }),
+              E_INVALIDARG);
+    EXPECT_EQ(codeOf([](FrameRequest& r) {
+                  r.format = PixelFormat::yv12;
+                  r.input = Planar(1, 32);  // chroma rows of no bytes
+              }),
+              E_INVALIDARG);
+}
+
+bool Inside(const Plane& plane, int32_t rowBytes, const uint8_t* begin, size_t bytes) {
+    const auto first = reinterpret_cast<uintptr_t>(plane.data);
+    const auto last = reinterpret_cast<uintptr_t>(plane.Row(plane.height - 1)) + static_cast<uintptr_t>(rowBytes);
+    const auto start = reinterpret_cast<uintptr_t>(begin);
+    return plane.stride > 0 && first >= start && last <= start + bytes;
+}
+
+// Whatever types, rectangles and flags come together: a layout that is given lies inside both buffers.
+TEST(LayOutFrame, NeverLeavesTheBuffers) {
+    std::mt19937 random(20240607);
+    const auto number = [&random]() -> int32_t {
+        constexpr int32_t ends[] = {
+            0, 1, -1, 8, 12, 16, 24, 65536, std::numeric_limits<int32_t>::max(), std::numeric_limits<int32_t>::min()};
+        return random() % 8 == 0 ? ends[random() % std::size(ends)] : static_cast<int32_t>(random() % 200);
+    };
+    const auto format = [&]() -> ImageFormat {
+        const int32_t bits = random() % 4 == 0 ? number() & 0xFFFF : static_cast<int32_t>(12 + random() % 2 * 4);
+        ImageFormat made{true, number(), number(), bits, number() % 2, {}};
+        if (random() % 2 == 0) {
+            made.target = {number() % 16, number() % 16, number(), number()};
+        }
+        return made;
+    };
+    int accepted = 0;
+    for (int round = 0; round < 200000; ++round) {
+        FrameRequest request;
+        request.format = random() % 2 == 0 ? PixelFormat::yv12 : PixelFormat::yuy2;
+        request.input = format();
+        request.output = format();
+        request.source = random() % 2 == 0 ? request.input : format();
+        request.sourceWidth = random() % 2 == 0 ? request.input.width : number();
+        request.sourceHeight = number();
+        request.scalingOn = random() % 2 == 0;
+        request.sourceIsVih2WithoutBitrate = random() % 2 == 0;
+        const size_t inputBytes = random() % 60000;
+        const size_t outputBytes = random() % 120000;
+        const Trial trial(request, inputBytes, outputBytes);
+        if (FAILED(trial.code) || trial.layout.tooSmall) {
+            continue;
+        }
+        ++accepted;
+        const FrameLayout& layout = trial.layout;
+        if (request.format == PixelFormat::yuy2) {
+            ASSERT_TRUE(Inside(layout.input.luma, (layout.width + 1) / 2 * 4, trial.input, inputBytes));
+            ASSERT_TRUE(Inside(layout.output.luma, (layout.outputWidth + 1) / 2 * 4, trial.output, outputBytes));
+            continue;
+        }
+        for (const Plane& plane : {layout.input.luma, layout.input.second, layout.input.third}) {
+            ASSERT_TRUE(Inside(plane, plane.width, trial.input, inputBytes));
+        }
+        for (const Plane& plane : {layout.output.luma, layout.output.second, layout.output.third}) {
+            ASSERT_TRUE(Inside(plane, plane.width, trial.output, outputBytes));
+        }
+    }
+    EXPECT_GT(accepted, 1000);
+}
+
+TEST(LayOutFrame, UnknownCapacityDoesNotWrapTheEnd) {
+    const Trial trial(Stream(PixelFormat::yv12, 64, 32, true), std::numeric_limits<size_t>::max(),
+                      std::numeric_limits<size_t>::max());
+    ASSERT_EQ(trial.code, S_OK);
+    EXPECT_GT(trial.layout.inputEnd, trial.input);
+    EXPECT_GT(trial.layout.outputEnd, trial.output);
+}
+
+}  // namespace
+}  // namespace clarivex
