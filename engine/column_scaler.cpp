@@ -1,7 +1,6 @@
 #include "engine/column_scaler.h"
 
 #include <algorithm>
-#include <array>
 
 #include "algorithms/detail_strips.h"
 #include "algorithms/readable_row.h"
@@ -13,59 +12,33 @@ constexpr int32_t smallestHeight = 4;
 constexpr int32_t tapCount = 8;
 constexpr int32_t tapsAbove = 4;  // taps on rows above the one that a phase refers to
 
-// Columns that are walked together: the window's rows of words stay in the first-level cache.
-constexpr int32_t walkColumns = 512;
+// Source rows are kept as words while taps stand on them. The columns go in parts of which the window, eight to ten rows
+// in use, stays in the first-level cache.
+constexpr int32_t windowRows = 16;
+constexpr int32_t partColumns = 1024;
+constexpr int32_t windowStride = slackBefore + partColumns + slackBehind;
+constexpr int32_t partWindow = windowRows * windowStride;
 
-/// A part of the columns, walked from the top to the bottom.
-class ColumnWalk {
+/// The source row behind the last one that output row y takes.
+int32_t EndOfTaps(int32_t y) { return 2 * (y / 3) + y % 3 + tapCount - tapsAbove; }
+
+/// Rows of a part's window by source row, modulo its size; rows above and below the source are repeated in it.
+class Window {
 public:
-    ColumnWalk(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const ThreeHalvesTaps& taps,
-               ColumnScratch& scratch, const KernelTable& kernels)
-        : target(target),
-          source(source),
-          sourceEnd(sourceEnd),
-          phases{taps.a.data(), taps.b.data(), taps.c.data()},
-          kernels(kernels),
-          copy(scratch.source.Prepare(target.width)),
-          rowsByTap(scratch.rowsByTap.Prepare(source.height + tapCount)) {
-        for (size_t i = 0; i < window.size(); ++i) window[i] = scratch.window[i].Prepare(walkColumns);
-        for (int32_t i = 0; i < source.height + tapCount; ++i)
-            rowsByTap[i] = WindowRow(std::clamp(i - tapsAbove, 0, source.height - 1));
+    explicit Window(int16_t* first) {
+        for (int32_t i = 0; i < 2 * windowRows; ++i) rows[i] = first + i % windowRows * windowStride;
     }
 
-    void Run() {
-        const int32_t rows = std::min((3 * source.height) >> 1, target.height);
-        for (int32_t y = 0; y < rows; ++y) {
-            const int32_t reference = 2 * (y / 3) + y % 3;  // the input row that tap 4 stands on
-            ExpandUpTo(reference + tapCount - tapsAbove - 1);
-            kernels.enlargeColumns(rowsByTap + reference, phases[static_cast<size_t>(y % 3)], target.Row(y),
-                                   target.width);
-        }
-    }
+    /// The pointers to this row and the next ones, at least as many as there are taps.
+    int16_t* const* From(int32_t row) const { return &rows[row & (windowRows - 1)]; }
 
 private:
-    int16_t* WindowRow(int32_t y) const { return window[static_cast<size_t>(y % ColumnScratch::windowRows)]; }
-
-    void ExpandUpTo(int32_t last) {
-        for (; expanded <= std::min(last, source.height - 1); ++expanded)
-            kernels.expandRow(ReadableRow(source, expanded, target.width, sourceEnd, copy), WindowRow(expanded),
-                              target.width);
-    }
-
-    Plane target;
-    Plane source;
-    const uint8_t* sourceEnd;
-    std::array<const int16_t*, 3> phases;
-    const KernelTable& kernels;
-    uint8_t* copy;
-    const int16_t** rowsByTap;
-    std::array<int16_t*, ColumnScratch::windowRows> window{};
-    int32_t expanded = 0;
+    int16_t* rows[2 * windowRows];  // twice, so that a run of them can begin anywhere
 };
 
-/// The part of a plane from column x on, at most `width` columns of the `columns` that are worked on.
-Plane ColumnsOf(const Plane& plane, int32_t x, int32_t width, int32_t columns) {
-    return {plane.data + x, std::min(width, columns - x), plane.height, plane.stride};
+/// The columns of a plane from x on, as many as a part takes of `columns`.
+Plane PartOf(const Plane& plane, int32_t x, int32_t columns) {
+    return {plane.data + x, std::min(partColumns, columns - x), plane.height, plane.stride};
 }
 
 /// Strips are whole: spare columns to the right are read again by a pass along the rows.
@@ -85,16 +58,52 @@ void RunPreStage(const Plane& source, const PreStage& preStage) {
 
 }  // namespace
 
+ColumnScaler::ColumnScaler(const Plane& target, const Plane& source, const uint8_t* sourceEnd,
+                           const ThreeHalvesTaps& taps, ColumnScratch& scratch, const KernelTable& kernels)
+    : target(target),
+      source(source),
+      sourceEnd(sourceEnd),
+      phases{taps.a.data(), taps.b.data(), taps.c.data()},
+      kernels(kernels),
+      columns((source.width + 7) & ~7),
+      rowCount(source.height < smallestHeight ? 0 : std::min((3 * source.height) >> 1, target.height)),
+      nextExpanded(-tapsAbove) {
+    const int32_t parts = (columns + partColumns - 1) / partColumns;
+    window = scratch.window.Prepare(parts * partWindow);
+    copy = scratch.source.Prepare(partColumns);
+}
+
+void ColumnScaler::Advance(int32_t finalRows) {
+    // Rows below the picture are as final as its last one.
+    const int32_t endSource = finalRows < source.height ? finalRows : source.height + tapCount;
+    int32_t endRow = nextRow;
+    while (endRow < rowCount && EndOfTaps(endRow) <= endSource) ++endRow;
+    if (endRow == nextRow) return;
+    for (int32_t x = 0; x < columns; x += partColumns) ScalePart(x, endRow);
+    nextRow = endRow;
+    nextExpanded = EndOfTaps(endRow - 1);
+}
+
+void ColumnScaler::ScalePart(int32_t x, int32_t endRow) {
+    const Plane to = PartOf(target, x, columns);
+    const Plane from = PartOf(source, x, source.width);
+    const Window rows(window + x / partColumns * partWindow);
+    int32_t expanded = nextExpanded;
+    for (int32_t y = nextRow; y < endRow; ++y) {
+        for (; expanded < EndOfTaps(y); ++expanded) {
+            const int32_t row = std::clamp(expanded, 0, source.height - 1);
+            kernels.expandRow(ReadableRow(from, row, to.width, sourceEnd, copy), *rows.From(expanded), to.width);
+        }
+        kernels.enlargeColumns(rows.From(EndOfTaps(y) - tapCount), phases[static_cast<size_t>(y % 3)], to.Row(y),
+                               to.width);
+    }
+}
+
 void ScaleLumaStrips(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const ColumnStages& stages,
                      ColumnScratch& scratch, const KernelTable& kernels) {
     if (source.height < smallestHeight) return;
     RunPreStage(source, stages.preStage);
-    const int32_t columns = (source.width + 7) & ~7;
-    for (int32_t x = 0; x < columns; x += walkColumns) {
-        const Plane part = ColumnsOf(target, x, walkColumns, columns);
-        ColumnWalk(part, ColumnsOf(source, x, walkColumns, source.width), sourceEnd, stages.taps, scratch, kernels)
-            .Run();
-    }
+    ColumnScaler(target, source, sourceEnd, stages.taps, scratch, kernels).Advance(source.height);
     if (stages.crossOn)
         for (int32_t x = 0; x < source.width; x += stripSize) CrossColumns(StripOf(target, x), stages.cross);
 }

@@ -1,6 +1,7 @@
 // Luma enlarged by three halves down its columns, without a transposed copy of the picture.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "algorithms/filter_design.h"
@@ -18,21 +19,47 @@ struct ColumnStages {
     CrossGains cross;
 };
 
-/// Working memory of the pass, kept between frames: source rows as words, as many as the filter's window needs.
+/// Working memory of the pass, kept between frames.
 struct ColumnScratch {
-    static constexpr int32_t windowRows = 16;
-    SlackRow<int16_t> window[windowRows];
-    SlackRow<const int16_t*> rowsByTap;  ///< window rows by source row, with those above and below the source
+    SlackRow<int16_t> window;
     SlackRow<uint8_t> source;
 };
 
-/// Enlarges `source` into `target`.
+/// Enlarges `source` into `target` as source rows become final, so that they can be taken while they are in the cache.
 ///
 /// target     the source's width, up to (3 · height) >> 1 rows; stride a multiple of 64. Spare columns up to the next
 ///            multiple of 8 are written.
-/// source     written to only by an active pre-stage, which needs a working image. A height below 4 gives no output.
+/// source     a height below 4 gives no output.
 /// sourceEnd  end of the memory that may be read behind the source: its rows are read up to a multiple of 8.
 /// edges      above and below the source its first and last row are repeated.
+class ColumnScaler {
+public:
+    ColumnScaler(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const ThreeHalvesTaps& taps,
+                 ColumnScratch& scratch, const KernelTable& kernels);
+
+    /// Makes all target rows that need no source row from `finalRows` on. Calls come with growing numbers, the last one
+    /// with the source's height.
+    void Advance(int32_t finalRows);
+
+private:
+    void ScalePart(int32_t x, int32_t endRow);
+
+    Plane target;
+    Plane source;
+    const uint8_t* sourceEnd;
+    std::array<const int16_t*, 3> phases;
+    const KernelTable& kernels;
+    int16_t* window;
+    uint8_t* copy;
+    int32_t columns;  // worked on: the width and its spare columns
+    int32_t rowCount;
+    int32_t nextRow = 0;
+    int32_t nextExpanded;  // source row that is next to be kept as words
+};
+
+/// Enlarges the whole `source` into `target`, as ColumnScaler does, with the stages around the resampler.
+///
+/// source  written to only by an active pre-stage, which needs a working image.
 void ScaleLumaStrips(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const ColumnStages& stages,
                      ColumnScratch& scratch, const KernelTable& kernels);
 

@@ -229,8 +229,12 @@ private:
     void ScaleRowsFirst(const ImagePlanes& out, const PostFilter& filter) {
         PictureScaler scaler = Scaler();
         WorkingImage& half = engine.workspace.halfScaled;
-        scaler.ScaleHorizontalPlane(half, work, PlanRows(engine, filter, {}), filter.chromaOdd, planeMask);
-        scaler.ScaleVertical(out, SourceOf(half), PlanColumns(engine), planeMask);
+        const RowStages rowStages = PlanRows(engine, filter, {});
+        const ColumnStages columnStages = PlanColumns(engine);
+        const uint32_t chromaPlanes = planeMask & ~lumaPlane;
+        scaler.ScaleHorizontalPlane(half, work, rowStages, filter.chromaOdd, chromaPlanes);
+        if ((planeMask & lumaPlane) != 0) scaler.ScaleLumaBothAxes(out, half, work, rowStages, columnStages.taps);
+        scaler.ScaleVertical(out, SourceOf(half), columnStages, chromaPlanes);
     }
 
     void ScaleColumnsFirst(const ImagePlanes& out, const PostFilter& filter) {

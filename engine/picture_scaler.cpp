@@ -2,19 +2,43 @@
 
 #include <algorithm>
 
+#include "algorithms/detail_strips.h"
 #include "engine/chroma_scalers.h"
 
 namespace clarivex {
 namespace {
 
+/// The two planes of a pass, without the columns that a split view leaves out.
+struct PassPlanes {
+    Plane target;
+    Plane source;
+};
+
 Plane RightOf(const Plane& plane, int32_t columns) {
     return {plane.data + columns, plane.width - columns, plane.height, plane.stride};
 }
 
-/// Source columns left of the part that a split view shows.
-int32_t SplitOffset(const Plane& target, const Plane& source, int32_t shift, int32_t step) {
+/// Half the picture's width less 4 samples, rounded down to a multiple of `unit`.
+int32_t SplitColumns(const Plane& target, const Plane& source, int32_t unit) {
     const int32_t narrower = std::min(target.width, source.width);
-    return std::max(((narrower / 2 - 4) >> shift) * step, 0);
+    return std::max((narrower / 2 - 4) & ~(unit - 1), 0);
+}
+
+PassPlanes AlongRows(const Plane& target, const Plane& source, bool splitView) {
+    // The caller's planes may be larger than what three halves of the source fill.
+    const Plane filled{target.data, (3 * source.width) >> 1, source.height, target.stride};
+    const int32_t offset = splitView ? SplitColumns(filled, source, 32) / 2 : 0;
+    return {RightOf(filled, 3 * offset), RightOf(source, 2 * offset)};
+}
+
+PassPlanes DownColumns(const Plane& target, const Plane& source, bool splitView) {
+    const int32_t offset = splitView ? SplitColumns(target, source, 16) : 0;
+    return {RightOf(target, offset), RightOf(source, offset)};
+}
+
+const uint8_t* EndOf(const WorkingImage& image) {
+    const Plane& luma = image.Planes().luma;
+    return luma.data + LayoutPlanes(luma.width, luma.height).blockBytes;
 }
 
 }  // namespace
@@ -22,11 +46,8 @@ int32_t SplitOffset(const Plane& target, const Plane& source, int32_t shift, int
 void PictureScaler::ScaleHorizontal(const ImagePlanes& target, const SourceImage& source, const RowStages& stages,
                                     bool chromaOdd, uint32_t planes) {
     if ((planes & lumaPlane) != 0) {
-        const Plane& from = source.planes.luma;
-        // The caller's planes may be larger than what three halves of the source fill.
-        const Plane to{target.luma.data, (3 * from.width) >> 1, from.height, target.luma.stride};
-        const int32_t offset = splitView ? SplitOffset(to, from, 5, 16) : 0;
-        ScaleLumaStrips(RightOf(to, 3 * offset), RightOf(from, 2 * offset), source.end, stages, scratch.rows, kernels);
+        const PassPlanes luma = AlongRows(target.luma, source.planes.luma, splitView);
+        ScaleLumaStrips(luma.target, luma.source, source.end, stages, scratch.rows, kernels);
     }
     if ((planes & secondPlane) != 0)
         ScaleChromaRows(target.second, source.planes.second, chromaOdd, scratch.chroma, kernels);
@@ -44,9 +65,8 @@ void PictureScaler::ScaleHorizontalPlane(WorkingImage& target, const SourceImage
 void PictureScaler::ScaleVertical(const ImagePlanes& target, const SourceImage& source, const ColumnStages& stages,
                                   uint32_t planes) {
     if ((planes & lumaPlane) != 0) {
-        const int32_t offset = splitView ? SplitOffset(target.luma, source.planes.luma, 4, 16) : 0;
-        ScaleLumaStrips(RightOf(target.luma, offset), RightOf(source.planes.luma, offset), source.end, stages,
-                        scratch.columns, kernels);
+        const PassPlanes luma = DownColumns(target.luma, source.planes.luma, splitView);
+        ScaleLumaStrips(luma.target, luma.source, source.end, stages, scratch.columns, kernels);
     }
     if ((planes & secondPlane) != 0)
         ScaleChromaColumns(target.second, source.planes.second, source.end, scratch.chroma, kernels);
@@ -59,6 +79,19 @@ void PictureScaler::ScaleVerticalFirst(WorkingImage& target, const SourceImage& 
     const Plane& luma = source.planes.luma;
     target.Resize(luma.width, (3 * luma.height) >> 1);
     ScaleVertical(target.Planes(), source, stages, planes);
+}
+
+void PictureScaler::ScaleLumaBothAxes(const ImagePlanes& target, const WorkingImage& half, const SourceImage& source,
+                                      const RowStages& rowStages, const ThreeHalvesTaps& columnTaps) {
+    const Plane& between = half.Planes().luma;
+    const PassPlanes rows = AlongRows(between, source.planes.luma, splitView);
+    const PassPlanes columns = DownColumns(target.luma, between, splitView);
+    RowScaler rowScaler(rows.target, rows.source, source.end, rowStages, scratch.rows, kernels);
+    ColumnScaler columnScaler(columns.target, columns.source, EndOf(half), columnTaps, scratch.columns, kernels);
+    for (int32_t y = 0; y < between.height; y += stripSize) {
+        rowScaler.ScaleStrip(y);
+        columnScaler.Advance(std::min(y + stripSize, between.height));
+    }
 }
 
 }  // namespace clarivex

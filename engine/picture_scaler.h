@@ -45,6 +45,13 @@ public:
     void ScaleVerticalFirst(WorkingImage& target, const SourceImage& source, const ColumnStages& stages,
                             uint32_t planes);
 
+    /// Luma on both axes, strip after strip, so that the pass down the columns finds its rows in the cache.
+    ///
+    /// half       receives what the rows pass makes; its size is that of ScaleHorizontalPlane.
+    /// rowStages  without a stage across the rows
+    void ScaleLumaBothAxes(const ImagePlanes& target, const WorkingImage& half, const SourceImage& source,
+                           const RowStages& rowStages, const ThreeHalvesTaps& columnTaps);
+
 private:
     ScalerScratch& scratch;
     const KernelTable& kernels;

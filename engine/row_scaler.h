@@ -1,6 +1,7 @@
 // Luma enlarged by three halves along its rows, strip by strip, with all stages that work along the rows.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "algorithms/detail_fir.h"
@@ -62,6 +63,48 @@ struct RowScratch {
 /// sourceEnd  end of the memory that may be read behind the source: its rows are read up to a multiple of 8.
 /// edges      left of a row its first sample is repeated; right of it follow what memory holds, a copy of the last of
 ///            those samples, and mid-grey. The stages behind the resampler leave some samples at both ends alone.
+class RowScaler {
+public:
+    /// stages and scratch must outlive the scaler.
+    RowScaler(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const RowStages& stages,
+              RowScratch& scratch, const KernelTable& kernels);
+
+    /// Makes rows y … y + 15, as far as the source has them; y = 0, 16, 32 … in order. With the stage across the rows
+    /// the strip's last row is final only after the next strip.
+    void ScaleStrip(int32_t y);
+
+private:
+    struct Rows {
+        uint8_t* source;
+        int16_t* even;
+        int16_t* odd;
+        uint8_t* enlarged;
+        uint8_t* limited;
+        int16_t* words;
+    };
+
+    void RunPreStage(int32_t y);
+    void ScaleRow(int32_t y);
+    void SplitSourceRow(int32_t y);
+    const uint8_t* LimitRow();
+    bool PostFilterOnRow() const;
+    void FilterRow(const uint8_t* row, uint8_t* out);
+    void RunStripStages(const Plane& strip);
+
+    Plane target;
+    Plane source;
+    const uint8_t* sourceEnd;
+    const RowStages& stages;
+    const KernelTable& kernels;
+    int32_t groups;
+    int32_t columns;
+    DetailFirForm form;
+    CrossStage cross;
+    Rows rows;
+    std::array<int16_t, 24> taps;
+};
+
+/// Enlarges the whole `source` into `target`, as RowScaler does.
 void ScaleLumaStrips(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const RowStages& stages,
                      RowScratch& scratch, const KernelTable& kernels);
 
