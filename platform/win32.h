@@ -21,7 +21,12 @@
 #include <amvideo.h>
 #include <dvdmedia.h>
 
-#include <dmo.h>
+#include <mediaerr.h>
+#include <mediaobj.h>
+
+extern "C" {  // the header does not say so itself
+#include <dmort.h>
+}
 
 #undef small  // a type name of the interface compiler's headers
 

@@ -56,6 +56,9 @@ public:
     /// Lets go of everything; says what is left behind.
     std::string Finish();
 
+    /// Frames that changed their output buffer.
+    int FramesMade() const { return framesMade; }
+
 private:
     using Result = std::string;
 
@@ -74,6 +77,7 @@ private:
     std::unique_ptr<FakeBuffer> AnyBuffer();
 
     Result SetType();
+    Result StartStream();
     Result AskForOutput();
     Result AskForTypes();
     Result ChangeSettings();
@@ -85,16 +89,19 @@ private:
     NumberSource numbers;
     TestObject object;
     std::unique_ptr<FakeBuffer> in;  // what the object may hold
+    int framesMade = 0;
 };
 
 inline NegotiationWalk::~NegotiationWalk() { object.media->Flush(); }
 
 inline std::string NegotiationWalk::Step() {
-    static constexpr std::array steps = {&NegotiationWalk::SetType,        &NegotiationWalk::SetType,
-                                         &NegotiationWalk::AskForOutput,   &NegotiationWalk::AskForTypes,
-                                         &NegotiationWalk::ChangeSettings, &NegotiationWalk::GiveInput,
-                                         &NegotiationWalk::GiveInput,      &NegotiationWalk::TakeOutput,
-                                         &NegotiationWalk::TakeOutput,     &NegotiationWalk::CallTheRest};
+    // clang-format off
+    static constexpr std::array steps = {
+        &NegotiationWalk::SetType, &NegotiationWalk::StartStream, &NegotiationWalk::AskForOutput,
+        &NegotiationWalk::AskForTypes, &NegotiationWalk::ChangeSettings, &NegotiationWalk::CallTheRest,
+        &NegotiationWalk::GiveInput, &NegotiationWalk::GiveInput, &NegotiationWalk::GiveInput,
+        &NegotiationWalk::TakeOutput, &NegotiationWalk::TakeOutput, &NegotiationWalk::TakeOutput};
+    // clang-format on
     const Result result = (this->*walking::Pick(numbers, steps))();
     return result.empty() ? CheckInput() : result;
 }
@@ -157,6 +164,22 @@ inline std::string NegotiationWalk::SetType() {
     return walking::Check(walking::IsKnown(result), "setting a type gave an unknown result");
 }
 
+// What a sensible player does, so that frames run through; the rectangle selects among the layouts of a buffer.
+inline std::string NegotiationWalk::StartStream() {
+    static constexpr std::array subtypes = {mediaSubtypeYv12, mediaSubtypeYuy2, mediaSubtypeIyuv};
+    const auto width = static_cast<int32_t>(16 + numbers(120));
+    const auto height = static_cast<int32_t>(16 + numbers(80));
+    VideoInfo2Type type(width, OneIn(4) ? -height : height, walking::Pick(numbers, subtypes));
+    type.Bitmap().biXPelsPerMeter = static_cast<int32_t>(numbers(2));
+    type.header.dwBitRate = numbers(2);
+    if (OneIn(2)) {
+        type.Target() = {0, 0, OneIn(2) ? width : width - static_cast<int32_t>(numbers(16)), height};
+    }
+    object.settings->put_CVXMode(OneIn(3) ? 0 : 2);
+    const bool taken = object.media->SetInputType(0, type.Type(), 0) == S_OK;
+    return taken ? AskForOutput() : "a good type was refused";
+}
+
 // Takes the offer as the output type most of the time, so that frames run through.
 inline std::string NegotiationWalk::AskForOutput() {
     ReceivedType type;
@@ -165,11 +188,10 @@ inline std::string NegotiationWalk::AskForOutput() {
         return walking::Check(walking::IsKnown(result) && type.Get().pbFormat == nullptr,
                               "a refused offer came with a type");
     }
-    if (OneIn(8)) {
-        return "";
-    }
-    return walking::Check(object.media->SetOutputType(0, &type.Get(), 0) == S_OK,
-                          "the offered type was not taken back");
+    if (OneIn(8)) return "";
+    const HRESULT taken = object.media->SetOutputType(0, &type.Get(), 0);
+    // A target rectangle that began to the right of the corner may now reach beyond the picture.
+    return walking::Check(taken == S_OK || taken == DMO_E_TYPE_NOT_ACCEPTED, "the offered type made trouble");
 }
 
 inline std::string NegotiationWalk::AskForTypes() {
@@ -204,13 +226,16 @@ inline std::unique_ptr<FakeBuffer> NegotiationWalk::AnyBuffer() {
     DWORD wanted = 0;
     DWORD alignment = 0;
     object.media->GetOutputSizeInfo(0, &wanted, &alignment);
-    const auto most = static_cast<uint32_t>(mostBytes);
-    size_t capacity = OneIn(4) ? numbers(most) : std::min<size_t>(wanted, mostBytes);
-    capacity -= OneIn(4) ? std::min<size_t>(capacity, numbers(300)) : 0;
+    size_t capacity = std::min<size_t>(wanted, mostBytes);
+    switch (numbers(6)) {
+        case 0: capacity = numbers(static_cast<uint32_t>(mostBytes)); break;
+        case 1: capacity -= std::min<size_t>(capacity, numbers(300)); break;
+        default: break;
+    }
     auto buffer = std::make_unique<FakeBuffer>(capacity, static_cast<uint8_t>(numbers(256)));
     buffer->capacityResult = OneIn(8) && capacity >= wanted ? E_NOTIMPL : S_OK;
-    buffer->contentResult = OneIn(12) ? E_FAIL : S_OK;
-    buffer->givesNull = OneIn(20);
+    buffer->contentResult = OneIn(20) ? E_FAIL : S_OK;
+    buffer->givesNull = OneIn(30);
     return buffer;
 }
 
@@ -228,6 +253,7 @@ inline std::string NegotiationWalk::GiveInput() {
 
 inline std::string NegotiationWalk::TakeOutput() {
     const auto out = AnyBuffer();
+    const uint8_t fill = out->Bytes().empty() ? 0 : out->Bytes()[0];
     DMO_OUTPUT_DATA_BUFFER output = {OneIn(15) ? nullptr : out.get(), 0, 0, 0};
     DWORD status = 0;
     const HRESULT result = object.media->ProcessOutput(0, OneIn(20) ? 2 : 1, &output, OneIn(3) ? nullptr : &status);
@@ -236,6 +262,7 @@ inline std::string NegotiationWalk::TakeOutput() {
     if (!walking::IsKnown(result)) {
         return "output gave an unknown result";
     }
+    framesMade += result == S_OK && !out->HoldsOnly(fill) ? 1 : 0;
     if (result == S_OK && accepts != 1) {
         return "a finished frame left its input behind";
     }

@@ -1,0 +1,100 @@
+// Measures the processor against the performance counter and scores it for a picture size.
+#include "shell/cpu_speed.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/tsc.h"
+#include "platform/win32.h"
+
+namespace clarivex {
+namespace {
+
+int64_t ReadPerformanceCounter() {
+    LARGE_INTEGER count{};
+    QueryPerformanceCounter(&count);
+    return count.QuadPart;
+}
+
+int64_t ReadPerformanceFrequency() {
+    LARGE_INTEGER countsPerSecond{};
+    QueryPerformanceFrequency(&countsPerSecond);
+    return countsPerSecond.QuadPart;
+}
+
+void SleepFor(uint32_t milliseconds) { Sleep(milliseconds); }
+
+// Counts of both clocks across a sleep.
+struct Interval {
+    int64_t stamps = 0;
+    int64_t counts = 0;
+};
+
+Interval TimeSleep(const SpeedSources& sources, uint32_t milliseconds) {
+    const int64_t countBefore = sources.performanceCounter();
+    const uint64_t stampBefore = sources.timeStamp();
+    sources.sleep(milliseconds);
+    const uint64_t stampAfter = sources.timeStamp();
+    const int64_t countAfter = sources.performanceCounter();
+    return {static_cast<int64_t>(stampAfter - stampBefore), countAfter - countBefore};
+}
+
+// Nearest whole number; 0 for what no clock rate can be.
+int64_t RoundHertz(double hertz) {
+    constexpr double limit = 9.0e18;
+    return std::abs(hertz) < limit ? static_cast<int64_t>(std::nearbyint(hertz)) : 0;
+}
+
+int64_t MeasureRound(const SpeedSources& sources, uint32_t milliseconds) {
+    const HANDLE thread = GetCurrentThread();
+    const int priority = GetThreadPriority(thread);
+    const BOOL raised = SetThreadPriority(thread, THREAD_PRIORITY_TIME_CRITICAL);
+    const Interval interval = TimeSleep(sources, milliseconds);
+    SetThreadPriority(thread, raised);  // near normal while the rest is worked out
+    const double ratio = static_cast<double>(interval.stamps) / static_cast<double>(interval.counts);
+    const int64_t hertz = RoundHertz(static_cast<double>(sources.performanceFrequency()) * ratio);
+    SetThreadPriority(thread, priority);
+    return hertz;
+}
+
+}  // namespace
+
+SpeedSources SystemSpeedSources() {
+    return {.timeStamp = ReadTimeStamp,
+            .performanceCounter = ReadPerformanceCounter,
+            .performanceFrequency = ReadPerformanceFrequency,
+            .sleep = SleepFor};
+}
+
+float CpuSpeedMeter::Measure() {
+    const float known = cpuSpeedGHz.load();
+    if (known > 0.0F) {
+        return known;
+    }
+    int64_t highest = MeasureRound(sources, 100);
+    highest = std::max(highest, MeasureRound(sources, 50));
+    highest = std::max(highest, MeasureRound(sources, 50));
+    const float measured = highest > 0 ? static_cast<float>(static_cast<double>(highest) / 1e9) : 0.0F;
+    const float speed = measured > 0.0F ? measured : 1.0F;
+    cpuSpeedGHz.store(speed);
+    return speed;
+}
+
+float MeasureCpuSpeed() {
+    static CpuSpeedMeter meter(SystemSpeedSources());
+    return meter.Measure();
+}
+
+double SpeedScore(float speedGHz, int64_t area) {
+    return static_cast<double>(speedGHz) / (static_cast<double>(area) / 100000.0) * 1.64 * 0.92 * 1.024 * 1.0563;
+}
+
+int64_t LargestAutomaticArea(float speedGHz) {
+    auto area = static_cast<int64_t>(SpeedScore(speedGHz, 1)) + 1;  // rounding may move the end by one
+    while (area > 0 && SpeedScore(speedGHz, area) < 1.0) {
+        --area;
+    }
+    return area;
+}
+
+}  // namespace clarivex

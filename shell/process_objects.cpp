@@ -1,0 +1,65 @@
+// The one place where the objects of the process are made and bound to an instruction set.
+#include "shell/process_objects.h"
+
+#include <algorithm>
+#include <atomic>
+
+#include "engine/enhancement_engine.h"
+#include "overlay/overlay_tiles.h"
+#include "pipeline/noise_table.h"
+#include "runtime/cpu_features.h"
+#include "shell/instruction_set.h"
+#include "simd/kernel_table.h"
+
+namespace clarivex {
+namespace {
+
+// Built when the module loads, before anything of it can be called.
+EnhancementEngine engine;
+NoiseTable noiseTable;
+OverlayTiles overlayTiles;
+
+InstructionSets RunnableSets() {
+    const SimdSupport support = DetectSimdSupport();
+    return {.sse2 = support.sse2, .avx2 = support.avx2, .avx512 = support.avx512bw};
+}
+
+std::atomic<const KernelTable*> kernels = &SelectKernels(RunnableSets());
+
+}  // namespace
+
+EnhancementEngine& ProcessEngine() { return engine; }
+
+FramePipeline MakeProcessPipeline() { return FramePipeline(engine, noiseTable, overlayTiles, *kernels.load()); }
+
+std::vector<std::string_view> RunnableInstructionSets() {
+    std::vector<std::string_view> names;
+    const InstructionSets sets = RunnableSets();
+    for (const KernelTable* table : AllKernels()) {
+        if (CanRun(*table, sets)) {
+            names.push_back(table->name);
+        }
+    }
+    return names;
+}
+
+bool UseInstructionSet(std::string_view name) {
+    const InstructionSets sets = RunnableSets();
+    if (name == "auto") {
+        kernels.store(&SelectKernels(sets));
+        return true;
+    }
+    const auto tables = AllKernels();
+    const auto found = std::find_if(tables.begin(), tables.end(), [&](const KernelTable* table) {
+        return table->name == name && CanRun(*table, sets);
+    });
+    if (found == tables.end()) {
+        return false;
+    }
+    kernels.store(*found);
+    return true;
+}
+
+std::string_view InstructionSetInUse() { return kernels.load()->name; }
+
+}  // namespace clarivex

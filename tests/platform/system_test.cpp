@@ -1,0 +1,154 @@
+// The system's calls as the floors above rely on them, on both systems.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <thread>
+
+#include "platform/guids.h"
+#include "platform/resources.h"
+#include "platform/tsc.h"
+#include "platform/win32.h"
+
+namespace clarivex {
+namespace {
+
+struct Closer {
+    void operator()(HANDLE handle) const { CloseHandle(handle); }
+};
+using EventHandle = std::unique_ptr<void, Closer>;
+
+EventHandle MakeEvent(bool manualReset, bool signalled) {
+    return EventHandle(CreateEventA(nullptr, manualReset ? TRUE : FALSE, signalled ? TRUE : FALSE, nullptr));
+}
+
+TEST(Events, OneSignalOfAnAutoResetEventLetsOneWaitThrough) {
+    const EventHandle event = MakeEvent(false, false);
+    EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(event.get(), 0));
+    SetEvent(event.get());
+    SetEvent(event.get());
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(event.get(), 0));
+    EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(event.get(), 0));
+}
+
+TEST(Events, ManualResetEventStaysSignalled) {
+    const EventHandle event = MakeEvent(true, true);
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(event.get(), 0));
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(event.get(), INFINITE));
+}
+
+TEST(Events, SignalWakesAWaitingThread) {
+    const EventHandle event = MakeEvent(false, false);
+    DWORD result = WAIT_TIMEOUT;
+    std::thread waiter([&] { result = WaitForSingleObject(event.get(), INFINITE); });
+    SetEvent(event.get());
+    waiter.join();
+    EXPECT_EQ(WAIT_OBJECT_0, result);
+}
+
+TEST(CriticalSections, OwnerMayEnterAgainAndOthersWaitForTheLastLeave) {
+    CRITICAL_SECTION section;
+    InitializeCriticalSection(&section);
+    EnterCriticalSection(&section);
+    EnterCriticalSection(&section);
+    std::atomic<bool> left = false;
+    bool seenLeft = false;
+    std::thread other([&] {
+        EnterCriticalSection(&section);
+        seenLeft = left;
+        LeaveCriticalSection(&section);
+    });
+    LeaveCriticalSection(&section);
+    Sleep(20);  // a chance for the other thread to get in too early
+    left = true;
+    LeaveCriticalSection(&section);
+    other.join();
+    EXPECT_TRUE(seenLeft);
+    DeleteCriticalSection(&section);
+}
+
+TEST(Threads, HaveIdsOfTheirOwn) {
+    DWORD other = 0;
+    std::thread([&] { other = GetCurrentThreadId(); }).join();
+    EXPECT_NE(0U, GetCurrentThreadId());
+    EXPECT_NE(other, GetCurrentThreadId());
+}
+
+TEST(Threads, PriorityIsRememberedAndUnknownOnesAreRefused) {
+    const HANDLE self = GetCurrentThread();
+    const int before = GetThreadPriority(self);
+    EXPECT_TRUE(SetThreadPriority(self, THREAD_PRIORITY_TIME_CRITICAL));
+    EXPECT_EQ(THREAD_PRIORITY_TIME_CRITICAL, GetThreadPriority(self));
+    EXPECT_FALSE(SetThreadPriority(self, 99));
+    EXPECT_EQ(THREAD_PRIORITY_TIME_CRITICAL, GetThreadPriority(self));
+    EXPECT_TRUE(SetThreadPriority(self, before));
+}
+
+TEST(Clocks, CountersNeverGoBack) {
+    LARGE_INTEGER perSecond{};
+    LARGE_INTEGER before{};
+    LARGE_INTEGER after{};
+    ASSERT_TRUE(QueryPerformanceFrequency(&perSecond));
+    ASSERT_TRUE(QueryPerformanceCounter(&before));
+    const DWORD milliseconds = timeGetTime();
+    Sleep(2);
+    ASSERT_TRUE(QueryPerformanceCounter(&after));
+    EXPECT_GT(perSecond.QuadPart, 1000);
+    EXPECT_GT(after.QuadPart, before.QuadPart);
+    EXPECT_LT(timeGetTime() - milliseconds, 0x80000000U);  // modulo 2³²
+}
+
+TEST(Processor, TellsItsHighestLeaves) {
+    EXPECT_GE(Cpuid(0, 0).eax, 1U);
+    EXPECT_GE(Cpuid(0x80000000, 0).eax, 0x80000001U);
+}
+
+TEST(VideoHeaders, HaveTheSystemsLayout) {
+    EXPECT_EQ(88U, sizeof(VIDEOINFOHEADER));
+    EXPECT_EQ(112U, sizeof(VIDEOINFOHEADER2));
+    EXPECT_EQ(48U, offsetof(VIDEOINFOHEADER, bmiHeader));
+    EXPECT_EQ(72U, offsetof(VIDEOINFOHEADER2, bmiHeader));
+    EXPECT_EQ(40U, sizeof(BITMAPINFOHEADER));
+}
+
+TEST(MediaTypes, CopyOwnsItsFormatBlock) {
+    BYTE block[3] = {1, 2, 3};
+    DMO_MEDIA_TYPE source = {};
+    source.majortype = mediaTypeVideo;
+    source.lSampleSize = 7;
+    source.cbFormat = sizeof block;
+    source.pbFormat = block;
+    DMO_MEDIA_TYPE copy = {};
+    ASSERT_EQ(S_OK, MoCopyMediaType(&copy, &source));
+    block[1] = 99;
+    EXPECT_NE(block, copy.pbFormat);
+    ASSERT_EQ(3U, copy.cbFormat);
+    EXPECT_EQ(2, copy.pbFormat[1]);
+
+    EXPECT_EQ(S_OK, MoFreeMediaType(&copy));
+    EXPECT_EQ(nullptr, copy.pbFormat);
+    EXPECT_TRUE(IsEqualGUID(mediaTypeVideo, copy.majortype));
+    EXPECT_EQ(7U, copy.lSampleSize);
+}
+
+TEST(MediaTypes, NullIsRefused) {
+    DMO_MEDIA_TYPE type = {};
+    EXPECT_EQ(E_POINTER, MoCopyMediaType(&type, nullptr));
+    EXPECT_EQ(E_POINTER, MoCopyMediaType(nullptr, &type));
+    EXPECT_EQ(E_POINTER, MoFreeMediaType(nullptr));
+}
+
+TEST(WideText, IsComparedWithoutCase) {
+    EXPECT_EQ(0, _wcsicmp(L"IconStreams", L"iCONstreamS"));
+    EXPECT_NE(0, _wcsicmp(L"IconStreams", L"IconStream"));
+}
+
+TEST(Icon, ModuleWithoutOneGivesAnInvalidHandle) {
+    auto* stream = reinterpret_cast<IStream*>(1);
+    EXPECT_EQ(static_cast<HRESULT>(0x80070006U), LoadIconStream(nullptr, &stream));
+    EXPECT_EQ(nullptr, stream);
+    EXPECT_EQ(E_POINTER, LoadIconStream(nullptr, nullptr));
+}
+
+}  // namespace
+}  // namespace clarivex

@@ -1,0 +1,103 @@
+// Identity, interfaces, counting and aggregation of the plug-in's objects, in both shapes.
+#include "shell/com_object.h"
+
+#include <gtest/gtest.h>
+
+#include "shell/media_object.h"
+#include "shell/module.h"
+#include "tests/support/fake_buffers.h"
+#include "tests/support/test_object.h"
+
+namespace clarivex {
+namespace {
+
+constexpr GUID objectInterfaces[] = {iidCvxSettings, iidMediaObject, iidWmpPluginEnable, iidSpecifyPropertyPages,
+                                     iidPropertyBag};
+
+int32_t ModuleLocks() { return ThisModule().lockCount; }
+
+ULONG ReferencesTo(IUnknown* object) {
+    object->AddRef();
+    return object->Release();
+}
+
+TEST(PlainShape, EveryInterfaceLeadsToEveryOtherAndToOneIdentity) {
+    const auto object = MakeObject<IUnknown>(iidUnknown);
+    const auto identity = Ask<IUnknown>(object.get(), iidCvxSettings);
+    for (const GUID& from : objectInterfaces) {
+        const auto start = Ask<IUnknown>(object.get(), from);
+        ASSERT_NE(nullptr, start);
+        EXPECT_EQ(identity.get(), Ask<IUnknown>(start.get(), iidUnknown).get());
+        for (const GUID& to : objectInterfaces) {
+            EXPECT_EQ(Ask<IUnknown>(object.get(), to).get(), Ask<IUnknown>(start.get(), to).get());
+        }
+    }
+}
+
+TEST(PlainShape, OtherInterfacesAreRefusedAndClearThePointer) {
+    const auto object = MakeObject<IUnknown>(iidUnknown);
+    for (const GUID& iid : {iidClassFactory, iidStream, iidMediaBuffer, noGuid}) {
+        void* out = object.get();
+        EXPECT_EQ(E_NOINTERFACE, object->QueryInterface(iid, &out));
+        EXPECT_EQ(nullptr, out);
+    }
+    EXPECT_EQ(E_POINTER, object->QueryInterface(iidUnknown, nullptr));
+    EXPECT_EQ(1U, ReferencesTo(object.get()));
+}
+
+TEST(PlainShape, CountsEveryInterfaceTogether) {
+    const int32_t locksBefore = ModuleLocks();
+    {
+        const auto object = MakeObject<IMediaObject>(iidMediaObject);
+        EXPECT_EQ(locksBefore + 1, ModuleLocks());
+        EXPECT_EQ(1U, ReferencesTo(object.get()));
+        const auto bag = Ask<IPropertyBag>(object.get(), iidPropertyBag);
+        EXPECT_EQ(3U, bag->AddRef());
+        EXPECT_EQ(2U, object->Release());
+    }
+    EXPECT_EQ(locksBefore, ModuleLocks());
+}
+
+TEST(PlainShape, ObjectWithoutTheWantedInterfaceDoesNotSurviveItsCreation) {
+    const int32_t locksBefore = ModuleLocks();
+    void* out = &out;
+    EXPECT_EQ(E_NOINTERFACE, CreateObject<CVXMediaObject>(nullptr, iidClassFactory, &out));
+    EXPECT_EQ(nullptr, out);
+    EXPECT_EQ(locksBefore, ModuleLocks());
+}
+
+TEST(AggregatedShape, InterfacesAskAndCountThroughTheOuterObject) {
+    FakeOuter outer;
+    const int32_t locksBefore = ModuleLocks();
+    auto inner = MakeObject<IUnknown>(iidUnknown, &outer);
+    outer.inner = inner.get();
+    EXPECT_EQ(1, outer.references);  // the part keeps no reference to the whole
+    EXPECT_EQ(locksBefore + 1, ModuleLocks());
+    for (const GUID& iid : objectInterfaces) {
+        const auto asked = Ask<IUnknown>(inner.get(), iid);
+        ASSERT_NE(nullptr, asked);
+        EXPECT_EQ(2, outer.references);
+        EXPECT_EQ(1U, ReferencesTo(inner.get()));
+        EXPECT_EQ(static_cast<IUnknown*>(&outer), Ask<IUnknown>(asked.get(), iidUnknown).get());
+        EXPECT_EQ(asked.get(), Ask<IUnknown>(asked.get(), iid).get());
+    }
+    EXPECT_EQ(1, outer.references);
+    EXPECT_EQ(2 * 5, outer.questions);
+    inner.reset();
+    EXPECT_EQ(locksBefore, ModuleLocks());
+}
+
+TEST(AggregatedShape, PrivateHandleIsItsOwnIdentity) {
+    FakeOuter outer;
+    const auto inner = MakeObject<IUnknown>(iidUnknown, &outer);
+    outer.inner = inner.get();
+    EXPECT_EQ(inner.get(), Ask<IUnknown>(inner.get(), iidUnknown).get());
+    EXPECT_EQ(1, outer.references);
+    void* out = &out;
+    EXPECT_EQ(E_NOINTERFACE, inner->QueryInterface(iidClassFactory, &out));
+    EXPECT_EQ(nullptr, out);
+    EXPECT_EQ(E_POINTER, inner->QueryInterface(iidUnknown, nullptr));
+}
+
+}  // namespace
+}  // namespace clarivex

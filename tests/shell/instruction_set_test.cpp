@@ -1,0 +1,39 @@
+// The choice of an instruction set by name.
+#include "shell/instruction_set.h"
+
+#include <gtest/gtest.h>
+
+namespace clarivex {
+namespace {
+
+class InstructionSetChoice : public testing::Test {
+protected:
+    ~InstructionSetChoice() override { UseInstructionSet("auto"); }
+};
+
+TEST_F(InstructionSetChoice, EveryRunnableOneCanBeTaken) {
+    const auto runnable = RunnableInstructionSets();
+    ASSERT_FALSE(runnable.empty());
+    EXPECT_EQ("scalar", runnable.front());
+    for (const std::string_view name : runnable) {
+        EXPECT_TRUE(UseInstructionSet(name));
+        EXPECT_EQ(name, InstructionSetInUse());
+    }
+}
+
+TEST_F(InstructionSetChoice, AutoIsTheWidest) {
+    ASSERT_TRUE(UseInstructionSet("scalar"));
+    EXPECT_TRUE(UseInstructionSet("auto"));
+    EXPECT_EQ(RunnableInstructionSets().back(), InstructionSetInUse());
+}
+
+TEST_F(InstructionSetChoice, UnknownNameChangesNothing) {
+    ASSERT_TRUE(UseInstructionSet("scalar"));
+    for (const std::string_view name : {"", "SSE2", "avx", "scalar "}) {
+        EXPECT_FALSE(UseInstructionSet(name)) << name;
+        EXPECT_EQ("scalar", InstructionSetInUse());
+    }
+}
+
+}  // namespace
+}  // namespace clarivex

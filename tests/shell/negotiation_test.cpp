@@ -1,0 +1,282 @@
+// The media object before its first frame, through its interfaces.
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "engine/enhancement_engine.h"
+#include "shell/media_type.h"
+#include "shell/process_objects.h"
+#include "tests/support/fake_buffers.h"
+#include "tests/support/test_object.h"
+#include "tests/support/video_types.h"
+
+namespace clarivex {
+namespace {
+
+constexpr DWORD testOnly = DMO_SET_TYPEF_TEST_ONLY;
+constexpr DWORD clear = DMO_SET_TYPEF_CLEAR;
+
+class Negotiation : public testing::Test {
+protected:
+    Negotiation() { object.settings->put_CVXMode(2); }
+
+    IMediaObject& Media() { return *object.media; }
+
+    template <class Type>
+    HRESULT SetInput(Type type, DWORD flags = 0) {
+        return Media().SetInputType(0, type.Type(), flags);
+    }
+    template <class Type>
+    HRESULT SetOutput(Type type, DWORD flags = 0) {
+        return Media().SetOutputType(0, type.Type(), flags);
+    }
+    HRESULT Offer() { return Media().GetOutputType(0, 0, offered.Out()); }
+
+    TestObject object;
+    ReceivedType offered;
+};
+
+TEST_F(Negotiation, StreamsAreOneEachAndTellTheirFlags) {
+    DWORD in = 0;
+    DWORD out = 0;
+    EXPECT_EQ(S_OK, Media().GetStreamCount(&in, &out));
+    EXPECT_EQ(1U, in);
+    EXPECT_EQ(1U, out);
+    EXPECT_EQ(S_OK, Media().GetInputStreamInfo(0, &in));
+    EXPECT_EQ(S_OK, Media().GetOutputStreamInfo(0, &out));
+    EXPECT_EQ(11U, in);
+    EXPECT_EQ(3U, out);
+}
+
+TEST_F(Negotiation, NullPointersAndIndicesAreTestedInOrder) {
+    DWORD word = 0;
+    DMO_MEDIA_TYPE type = {};
+    VideoInfoType good(320, 240);
+    EXPECT_EQ(E_POINTER, Media().GetStreamCount(nullptr, &word));
+    EXPECT_EQ(E_POINTER, Media().GetStreamCount(&word, nullptr));
+    EXPECT_EQ(E_POINTER, Media().GetInputStreamInfo(1, nullptr));
+    EXPECT_EQ(DMO_E_INVALIDSTREAMINDEX, Media().GetInputStreamInfo(1, &word));
+    EXPECT_EQ(E_POINTER, Media().GetOutputStreamInfo(1, nullptr));
+    EXPECT_EQ(DMO_E_INVALIDSTREAMINDEX, Media().GetOutputStreamInfo(1, &word));
+    EXPECT_EQ(DMO_E_INVALIDSTREAMINDEX, Media().GetInputType(1, 9, nullptr));
+    EXPECT_EQ(DMO_E_INVALIDSTREAMINDEX, Media().GetOutputType(1, 9, nullptr));
+    EXPECT_EQ(DMO_E_NO_MORE_ITEMS, Media().GetInputType(0, 3, nullptr));
+    EXPECT_EQ(DMO_E_NO_MORE_ITEMS, Media().GetOutputType(0, 3, nullptr));
+    EXPECT_EQ(S_OK, Media().GetInputType(0, 2, nullptr));
+    EXPECT_EQ(S_OK, Media().GetOutputType(0, 2, nullptr));
+    EXPECT_EQ(DMO_E_INVALIDSTREAMINDEX, Media().SetInputType(1, nullptr, clear));
+    EXPECT_EQ(DMO_E_INVALIDSTREAMINDEX, Media().SetOutputType(1, nullptr, clear));
+    EXPECT_EQ(E_POINTER, Media().SetInputType(0, nullptr, testOnly));
+    EXPECT_EQ(E_POINTER, Media().SetOutputType(0, nullptr, 0));
+    EXPECT_EQ(DMO_E_INVALIDSTREAMINDEX, Media().GetInputCurrentType(1, nullptr));
+    EXPECT_EQ(E_POINTER, Media().GetInputCurrentType(0, nullptr));
+    EXPECT_EQ(DMO_E_TYPE_NOT_SET, Media().GetInputCurrentType(0, &type));
+    EXPECT_EQ(DMO_E_INVALIDSTREAMINDEX, Media().GetOutputCurrentType(1, nullptr));
+    EXPECT_EQ(E_POINTER, Media().GetOutputCurrentType(0, nullptr));
+    EXPECT_EQ(DMO_E_TYPE_NOT_SET, Media().GetOutputCurrentType(0, &type));
+}
+
+TEST_F(Negotiation, SizeInfoTestsItsArgumentsInOrder) {
+    DWORD word = 0;
+    EXPECT_EQ(DMO_E_INVALIDSTREAMINDEX, Media().GetInputSizeInfo(1, nullptr, nullptr, nullptr));
+    EXPECT_EQ(E_POINTER, Media().GetInputSizeInfo(0, nullptr, &word, &word));
+    EXPECT_EQ(E_POINTER, Media().GetInputSizeInfo(0, &word, nullptr, &word));
+    EXPECT_EQ(E_POINTER, Media().GetInputSizeInfo(0, &word, &word, nullptr));
+    EXPECT_EQ(DMO_E_TYPE_NOT_SET, Media().GetInputSizeInfo(0, &word, &word, &word));
+    EXPECT_EQ(DMO_E_INVALIDSTREAMINDEX, Media().GetOutputSizeInfo(1, nullptr, nullptr));
+    EXPECT_EQ(E_POINTER, Media().GetOutputSizeInfo(0, nullptr, &word));
+    EXPECT_EQ(E_POINTER, Media().GetOutputSizeInfo(0, &word, nullptr));
+    EXPECT_EQ(DMO_E_TYPE_NOT_SET, Media().GetOutputSizeInfo(0, &word, &word));
+}
+
+TEST_F(Negotiation, LatencyIsNotImplemented) {
+    REFERENCE_TIME latency = 0;
+    EXPECT_EQ(E_NOTIMPL, Media().GetInputMaxLatency(0, &latency));
+    EXPECT_EQ(E_NOTIMPL, Media().SetInputMaxLatency(0, 1));
+}
+
+TEST_F(Negotiation, InputTypesAreListedUntilOneIsSet) {
+    const std::array<GUID, 3> subtypes = {mediaSubtypeYv12, mediaSubtypeYuy2, mediaSubtypeIyuv};
+    ReceivedType type;
+    for (DWORD i = 0; i < 3; ++i) {
+        ASSERT_EQ(S_OK, Media().GetInputType(0, i, type.Out()));
+        EXPECT_TRUE(IsEqualGUID(mediaTypeVideo, type.Get().majortype));
+        EXPECT_TRUE(IsEqualGUID(subtypes[i], type.Get().subtype));
+        EXPECT_TRUE(IsEqualGUID(noGuid, type.Get().formattype));
+        EXPECT_EQ(nullptr, type.Get().pbFormat);
+    }
+    ASSERT_EQ(S_OK, SetInput(VideoInfoType(320, 240, mediaSubtypeIyuv)));
+    for (DWORD i = 0; i < 3; ++i) {
+        ASSERT_EQ(S_OK, Media().GetInputType(0, i, type.Out()));
+        EXPECT_TRUE(IsEqualGUID(mediaSubtypeIyuv, type.Get().subtype));
+        EXPECT_EQ(320, type.As<VIDEOINFOHEADER>().bmiHeader.biWidth);
+    }
+}
+
+TEST_F(Negotiation, NothingIsOfferedBeforeAnInputTypeIsSet) {
+    EXPECT_EQ(DMO_E_TYPE_NOT_ACCEPTED, Offer());
+    EXPECT_EQ(DMO_E_TYPE_NOT_ACCEPTED, SetOutput(VideoInfoType(320, 240)));
+    EXPECT_EQ(S_FALSE, SetOutput(VideoInfoType(320, 240), testOnly));
+    ASSERT_EQ(S_OK, SetInput(VideoInfoType(320, 240)));
+    EXPECT_EQ(S_OK, SetOutput(VideoInfoType(320, 240)));
+}
+
+TEST_F(Negotiation, OfferIsTheInputTypeWithTheEnlargedPicture) {
+    VideoInfo2Type input(640, 480, mediaSubtypeYuy2);
+    input.formatBytes = sizeof(VIDEOINFOHEADER2) + 5;  // what stands behind the header goes along
+    input.header.dwInterlaceFlags = 1;
+    input.header.dwBitRate = 1000;
+    input.header.rcSource = {1, 2, 3, 4};
+    input.header.AvgTimePerFrame = 400000;
+    input.Target() = {0, 0, 640, 480};
+    ASSERT_EQ(S_OK, SetInput(input));
+    ASSERT_EQ(S_OK, Offer());
+    EXPECT_TRUE(object.ScalingActive());
+    EXPECT_TRUE(IsEqualGUID(mediaSubtypeYuy2, offered.Get().subtype));
+    EXPECT_EQ(input.Type()->lSampleSize, offered.Get().lSampleSize);
+    EXPECT_EQ(sizeof(VIDEOINFOHEADER2) + 5, offered.Get().cbFormat);
+    const auto header = offered.As<VIDEOINFOHEADER2>();
+    EXPECT_EQ(960, header.bmiHeader.biWidth);
+    EXPECT_EQ(720, header.bmiHeader.biHeight);
+    EXPECT_EQ(960U * 720 * 2, header.bmiHeader.biSizeImage);
+    EXPECT_EQ(640, header.rcTarget.right);
+    EXPECT_EQ(4, header.rcSource.bottom);
+    EXPECT_EQ(0U, header.dwInterlaceFlags);
+    EXPECT_EQ(400000, header.AvgTimePerFrame);
+}
+
+TEST_F(Negotiation, EveryTypeIndexGivesTheSameOffer) {
+    ASSERT_EQ(S_OK, SetInput(VideoInfoType(352, -288)));
+    for (DWORD i = 0; i < 3; ++i) {
+        ASSERT_EQ(S_OK, Media().GetOutputType(0, i, offered.Out()));
+        EXPECT_TRUE(IsEqualGUID(mediaSubtypeYv12, offered.Get().subtype));
+        EXPECT_EQ(528, offered.As<VIDEOINFOHEADER>().bmiHeader.biWidth);
+        EXPECT_EQ(-432, offered.As<VIDEOINFOHEADER>().bmiHeader.biHeight);
+    }
+    EXPECT_EQ(S_OK, SetOutput(VideoInfoType(528, -432)));
+}
+
+TEST_F(Negotiation, ModeNeverOffersTheOddHeightAsItIs) {
+    object.settings->put_CVXMode(0);
+    ASSERT_EQ(S_OK, SetInput(VideoInfoType(100, 101)));
+    ASSERT_EQ(S_OK, Offer());
+    EXPECT_FALSE(object.ScalingActive());
+    EXPECT_EQ(100, offered.As<VIDEOINFOHEADER>().bmiHeader.biWidth);
+    EXPECT_EQ(101, offered.As<VIDEOINFOHEADER>().bmiHeader.biHeight);
+}
+
+TEST_F(Negotiation, EveryRefusedOfferSwitchesScalingOff) {
+    const auto scaleThen = [this](auto type) {
+        EXPECT_EQ(S_OK, SetInput(VideoInfoType(64, 64)));
+        EXPECT_EQ(S_OK, Offer());
+        EXPECT_TRUE(object.ScalingActive());
+        EXPECT_EQ(S_OK, SetInput(type));
+        EXPECT_EQ(DMO_E_TYPE_NOT_ACCEPTED, Offer());
+        EXPECT_FALSE(object.ScalingActive());
+    };
+    scaleThen(VideoInfoType(15, 64));
+    scaleThen(VideoInfoType(1024, 576));
+    object.settings->put_AllowHD(1);
+    ASSERT_EQ(S_OK, Offer());
+    EXPECT_TRUE(object.ScalingActive());
+    ASSERT_EQ(S_OK, Media().SetInputType(0, nullptr, clear));
+    EXPECT_EQ(DMO_E_TYPE_NOT_ACCEPTED, Offer());
+    EXPECT_FALSE(object.ScalingActive());
+}
+
+TEST_F(Negotiation, QuestionWithoutATypeDecidesNothing) {
+    ASSERT_EQ(S_OK, SetInput(VideoInfoType(64, 64)));
+    ASSERT_EQ(S_OK, Offer());
+    object.settings->put_CVXMode(0);
+    EXPECT_EQ(S_OK, Media().GetOutputType(0, 0, nullptr));
+    EXPECT_TRUE(object.ScalingActive());
+}
+
+TEST_F(Negotiation, FlagsTestWithoutStoring) {
+    ReceivedType type;
+    EXPECT_EQ(S_OK, SetInput(VideoInfoType(320, 240), testOnly));
+    EXPECT_EQ(S_OK, SetInput(VideoInfoType(320, 240), 4));
+    EXPECT_EQ(S_FALSE, SetInput(VideoInfoType(0, 240), testOnly));
+    EXPECT_EQ(DMO_E_TYPE_NOT_ACCEPTED, SetInput(VideoInfoType(0, 240), 4));
+    EXPECT_EQ(DMO_E_TYPE_NOT_ACCEPTED, SetInput(VideoInfoType(0, 240)));
+    EXPECT_EQ(DMO_E_TYPE_NOT_SET, Media().GetInputCurrentType(0, type.Out()));
+
+    ASSERT_EQ(S_OK, SetInput(VideoInfoType(320, 240)));
+    EXPECT_EQ(DMO_E_TYPE_NOT_ACCEPTED, SetInput(VideoInfoType(0, 240)));  // keeps the old one
+    EXPECT_EQ(S_OK, Media().GetInputCurrentType(0, type.Out()));
+    EXPECT_EQ(S_OK, SetOutput(VideoInfoType(320, 240), testOnly));
+    EXPECT_EQ(DMO_E_TYPE_NOT_SET, Media().GetOutputCurrentType(0, type.Out()));
+}
+
+TEST_F(Negotiation, ClearNeedsNoTypeAndWinsOverTheTestFlag) {
+    ReceivedType type;
+    auto* nowhere = reinterpret_cast<const DMO_MEDIA_TYPE*>(4);
+    ASSERT_EQ(S_OK, SetInput(VideoInfoType(320, 240)));
+    ASSERT_EQ(S_OK, SetOutput(VideoInfoType(320, 240)));
+    EXPECT_EQ(S_OK, Media().SetOutputType(0, nowhere, clear | testOnly));
+    EXPECT_EQ(S_OK, Media().SetInputType(0, nowhere, clear));
+    EXPECT_EQ(DMO_E_TYPE_NOT_SET, Media().GetInputCurrentType(0, type.Out()));
+    EXPECT_EQ(DMO_E_TYPE_NOT_SET, Media().GetOutputCurrentType(0, type.Out()));
+}
+
+TEST_F(Negotiation, CurrentTypeReplacesWhatTheCallerHeld) {
+    ASSERT_EQ(S_OK, SetInput(VideoInfoType(320, 240)));
+    ReceivedType type;
+    ASSERT_EQ(S_OK, Media().GetInputCurrentType(0, type.Out()));
+    auto* held = const_cast<DMO_MEDIA_TYPE*>(&type.Get());
+    EXPECT_EQ(S_OK, Media().GetInputCurrentType(0, held));  // a leak here is one for the leak checker
+    EXPECT_EQ(320, type.As<VIDEOINFOHEADER>().bmiHeader.biWidth);
+}
+
+TEST_F(Negotiation, SizesFollowFromTheTypes) {
+    DWORD size = 0;
+    DWORD lookahead = 9;
+    DWORD alignment = 0;
+    ASSERT_EQ(S_OK, SetInput(VideoInfoType(33, -10)));
+    ASSERT_EQ(S_OK, SetOutput(VideoInfoType(64, 16, mediaSubtypeYuy2)));
+    EXPECT_EQ(S_OK, Media().GetInputSizeInfo(0, &size, &lookahead, &alignment));
+    EXPECT_EQ(520U, size);
+    EXPECT_EQ(0U, lookahead);
+    EXPECT_EQ(1U, alignment);
+    EXPECT_EQ(S_OK, Media().GetOutputSizeInfo(0, &size, &alignment));
+    EXPECT_EQ(64U * 16 * 2, size);
+    EXPECT_EQ(1U, alignment);
+}
+
+// The start of a stream is seen in the engine's levels, which go back to video range with the next frame.
+class NewStream : public Negotiation {
+protected:
+    NewStream() {
+        object.player->SetEnable(FALSE);
+        EXPECT_EQ(S_OK, SetInput(VideoInfoType(64, 32)));
+        EXPECT_EQ(S_OK, SetOutput(VideoInfoType(64, 32)));
+        EXPECT_EQ(S_OK, Offer());
+    }
+
+    bool StartsWithNextFrame() {
+        ProcessEngine().lighting.trackedBlack = 99.0F;
+        EXPECT_EQ(S_OK, Media().ProcessInput(0, &in, 0, 0, 0));
+        DMO_OUTPUT_DATA_BUFFER output = {&out, 0, 0, 0};
+        EXPECT_EQ(S_OK, Media().ProcessOutput(0, 1, &output, nullptr));
+        return ProcessEngine().lighting.trackedBlack == 16.0F;
+    }
+
+    FakeBuffer in{64 * 32 * 3};
+    FakeBuffer out{96 * 48 * 3};
+};
+
+TEST_F(NewStream, StartsOnceAfterEverySetInputTypeWhateverItsResult) {
+    EXPECT_TRUE(StartsWithNextFrame());
+    EXPECT_FALSE(StartsWithNextFrame());
+    EXPECT_EQ(S_OK, SetInput(VideoInfoType(64, 32), testOnly));
+    EXPECT_TRUE(StartsWithNextFrame());
+    EXPECT_EQ(DMO_E_TYPE_NOT_ACCEPTED, SetInput(VideoInfoType(0, 0)));
+    EXPECT_TRUE(StartsWithNextFrame());
+    EXPECT_EQ(DMO_E_INVALIDSTREAMINDEX, Media().SetInputType(5, nullptr, 0));
+    EXPECT_TRUE(StartsWithNextFrame());
+    EXPECT_EQ(S_OK, SetOutput(VideoInfoType(64, 32)));
+    EXPECT_FALSE(StartsWithNextFrame());
+}
+
+}  // namespace
+}  // namespace clarivex

@@ -1,0 +1,172 @@
+// The media object's settings, switch, pages, property bag and lock.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cmath>
+#include <limits>
+#include <thread>
+
+#include "shell/media_object.h"
+#include "shell/plugin_settings.h"
+#include "tests/support/fake_buffers.h"
+#include "tests/support/test_object.h"
+
+namespace clarivex {
+namespace {
+
+TEST(Settings, StartValues) {
+    TestObject object;
+    double scaleFactor = -1.0;
+    float sharpness = -1.0F;
+    unsigned mode = 99;
+    int allowHd = 99;
+    int lighting = 99;
+    int active = 99;
+    BOOL enabled = 99;
+    EXPECT_EQ(S_OK, object.settings->get_ScaleFactor(&scaleFactor));
+    EXPECT_EQ(S_OK, object.settings->get_Sharpness(&sharpness));
+    EXPECT_EQ(S_OK, object.settings->get_CVXMode(&mode));
+    EXPECT_EQ(S_OK, object.settings->get_AllowHD(&allowHd));
+    EXPECT_EQ(S_OK, object.settings->get_EnableLighting(&lighting));
+    EXPECT_EQ(S_OK, object.settings->get_ScalingActive(&active));
+    EXPECT_EQ(S_OK, object.player->GetEnable(&enabled));
+    EXPECT_EQ(0.0, scaleFactor);
+    EXPECT_EQ(1.0F, sharpness);
+    EXPECT_EQ(1U, mode);
+    EXPECT_EQ(0, allowHd);
+    EXPECT_EQ(1, lighting);
+    EXPECT_EQ(0, active);
+    EXPECT_EQ(1, enabled);
+}
+
+TEST(Settings, ComeBackAsTheyWereGiven) {
+    TestObject object;
+    object.settings->put_ScaleFactor(0.25);
+    object.settings->put_Sharpness(std::numeric_limits<float>::quiet_NaN());
+    object.settings->put_CVXMode(0xFFFFFFFFU);
+    object.settings->put_AllowHD(-7);
+    object.settings->put_EnableLighting(0);
+    object.player->SetEnable(0);
+    double scaleFactor = 0.0;
+    float sharpness = 0.0F;
+    unsigned mode = 0;
+    int allowHd = 0;
+    int lighting = 9;
+    BOOL enabled = 9;
+    object.settings->get_ScaleFactor(&scaleFactor);
+    object.settings->get_Sharpness(&sharpness);
+    object.settings->get_CVXMode(&mode);
+    object.settings->get_AllowHD(&allowHd);
+    object.settings->get_EnableLighting(&lighting);
+    object.player->GetEnable(&enabled);
+    EXPECT_EQ(0.25, scaleFactor);
+    EXPECT_TRUE(std::isnan(sharpness));
+    EXPECT_EQ(0xFFFFFFFFU, mode);
+    EXPECT_EQ(1, allowHd);
+    EXPECT_EQ(0, lighting);
+    EXPECT_EQ(0, enabled);
+}
+
+TEST(Settings, OnlyTheScaleFactorMindsANullPointer) {
+    TestObject object;
+    EXPECT_EQ(E_POINTER, object.settings->get_ScaleFactor(nullptr));
+    EXPECT_EQ(S_OK, object.settings->get_Sharpness(nullptr));
+    EXPECT_EQ(S_OK, object.settings->get_CVXMode(nullptr));
+    EXPECT_EQ(S_OK, object.settings->get_AllowHD(nullptr));
+    EXPECT_EQ(S_OK, object.settings->get_EnableLighting(nullptr));
+    EXPECT_EQ(S_OK, object.settings->get_ScalingActive(nullptr));
+    EXPECT_EQ(E_POINTER, object.player->GetEnable(nullptr));
+}
+
+TEST(Settings, SharpnessChangesWithItsBits) {
+    PluginSettings settings;
+    EXPECT_TRUE(settings.TakeSharpnessChange());  // the first frame takes what there is
+    EXPECT_FALSE(settings.TakeSharpnessChange());
+    settings.SetSharpness(1.0F);
+    EXPECT_FALSE(settings.TakeSharpnessChange());
+    settings.SetSharpness(0.0F);
+    EXPECT_TRUE(settings.TakeSharpnessChange());
+    settings.SetSharpness(-0.0F);
+    EXPECT_TRUE(settings.TakeSharpnessChange());
+    settings.SetSharpness(std::numeric_limits<float>::quiet_NaN());
+    EXPECT_TRUE(settings.TakeSharpnessChange());
+    settings.SetSharpness(std::numeric_limits<float>::quiet_NaN());
+    EXPECT_FALSE(settings.TakeSharpnessChange());
+    settings.SetSharpness(2.0F);
+    settings.SetSharpness(2.0F);  // leaves the change of the first call standing
+    EXPECT_TRUE(settings.TakeSharpnessChange());
+}
+
+TEST(PropertyPages, NameOnePageInTheCallersMemory) {
+    TestObject object;
+    EXPECT_EQ(E_POINTER, object.pages->GetPages(nullptr));
+    CAUUID pages = {};
+    ASSERT_EQ(S_OK, object.pages->GetPages(&pages));
+    ASSERT_EQ(1U, pages.cElems);
+    EXPECT_TRUE(IsEqualGUID(clsidPropertyPage, pages.pElems[0]));
+    CoTaskMemFree(pages.pElems);
+}
+
+// A media object whose icon is a stream of the test's.
+class ObjectWithIcon : public CVXMediaObject {
+public:
+    HRESULT LoadIconStream(IStream** stream) override {
+        *stream = &icon;
+        icon.AddRef();
+        return S_OK;
+    }
+    static inline FakeStream icon;
+};
+
+TEST(PropertyBag, GivesTheIconWithOneReferenceInAnyCase) {
+    ObjectWithIcon::icon.references = 0;
+    auto* object = new PlainObject<ObjectWithIcon>;
+    object->AddRef();
+    for (const wchar_t* name : {L"IconStreams", L"ICONSTREAMS", L"iconstreams"}) {
+        VARIANT value = {};
+        ASSERT_EQ(S_OK, object->Read(name, &value, nullptr));
+        EXPECT_EQ(VT_UNKNOWN, value.vt);
+        EXPECT_EQ(static_cast<IUnknown*>(&ObjectWithIcon::icon), value.punkVal);
+        EXPECT_EQ(1, ObjectWithIcon::icon.references);
+        value.punkVal->Release();
+    }
+    object->Release();
+}
+
+TEST(PropertyBag, LeavesTheValueForOtherNamesAndFailures) {
+    TestObject object;
+    VARIANT value = {};
+    value.vt = VT_I4;
+    value.lVal = 42;
+    EXPECT_EQ(E_POINTER, object.bag->Read(L"IconStreams", nullptr, nullptr));
+    EXPECT_EQ(static_cast<HRESULT>(0x80070006U), object.bag->Read(L"IconStreams", &value, nullptr));  // no resource
+    EXPECT_EQ(S_OK, object.bag->Read(L"IconStream", &value, nullptr));
+    EXPECT_EQ(S_OK, object.bag->Read(nullptr, &value, nullptr));
+    EXPECT_EQ(VT_I4, value.vt);
+    EXPECT_EQ(42, value.lVal);
+    EXPECT_EQ(S_OK, object.bag->Write(L"IconStreams", &value));
+    EXPECT_EQ(S_OK, object.bag->Write(nullptr, nullptr));
+}
+
+TEST(MediaObjectLock, KeepsOtherThreadsOutUntilTheLastLeave) {
+    TestObject object;
+    EXPECT_EQ(S_OK, object.media->Lock(1));
+    EXPECT_EQ(S_OK, object.media->Lock(-1));
+    std::atomic<bool> left = false;
+    bool seenLeft = false;
+    std::thread other([&] {
+        object.media->Lock(1);
+        seenLeft = left;
+        object.media->Lock(0);
+    });
+    DWORD flags = 0;
+    EXPECT_EQ(S_OK, object.media->GetInputStatus(0, &flags));  // the object itself does not mind
+    EXPECT_EQ(S_OK, object.media->Lock(0));
+    left = true;
+    EXPECT_EQ(S_OK, object.media->Lock(0));
+    other.join();
+    EXPECT_TRUE(seenLeft);
+}
+
+}  // namespace
+}  // namespace clarivex

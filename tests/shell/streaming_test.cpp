@@ -1,0 +1,292 @@
+// The media object while frames run through it: its two states, times, buffers good and bad.
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "engine/enhancement_engine.h"
+#include "shell/process_objects.h"
+#include "tests/support/fake_buffers.h"
+#include "tests/support/test_object.h"
+#include "tests/support/video_types.h"
+
+namespace clarivex {
+namespace {
+
+constexpr int32_t width = 64;
+constexpr int32_t height = 32;
+constexpr size_t frameBytes = width * height * 3 / 2;
+constexpr size_t enlargedBytes = 96 * 48 * 3 / 2;
+constexpr DWORD timeValid = DMO_INPUT_DATA_BUFFERF_TIME;
+constexpr DWORD lengthValid = DMO_INPUT_DATA_BUFFERF_TIMELENGTH;
+
+class Streaming : public testing::Test {
+protected:
+    Streaming() { Negotiate(2); }
+    ~Streaming() override { Media().Flush(); }  // the buffers end before the object
+
+    void Negotiate(unsigned mode) {
+        ReceivedType offered;
+        object.settings->put_CVXMode(mode);
+        EXPECT_EQ(S_OK, Media().SetInputType(0, VideoInfoType(width, height).Type(), 0));
+        EXPECT_EQ(S_OK, Media().GetOutputType(0, 0, offered.Out()));
+        EXPECT_EQ(S_OK, Media().SetOutputType(0, &offered.Get(), 0));
+    }
+
+    IMediaObject& Media() { return *object.media; }
+    HRESULT Give(DWORD flags = 0, REFERENCE_TIME time = 0, REFERENCE_TIME length = 0) {
+        return Media().ProcessInput(0, &in, flags, time, length);
+    }
+    HRESULT Take() { return Media().ProcessOutput(0, 1, &output, &status); }
+
+    bool Accepts() {
+        DWORD flags = 99;
+        EXPECT_EQ(S_OK, Media().GetInputStatus(0, &flags));
+        EXPECT_LE(flags, 1U);
+        return flags == 1;
+    }
+
+    testing::AssertionResult KeepsTheInputAfter(HRESULT expected) {
+        const HRESULT result = Take();
+        if (result != expected || Accepts() || in.references != 2) {
+            return testing::AssertionFailure() << "result " << std::hex << result << ", references " << in.references;
+        }
+        return testing::AssertionSuccess();
+    }
+
+    TestObject object;
+    FakeBuffer in{frameBytes, 100};
+    FakeBuffer out{enlargedBytes, 7};
+    DMO_OUTPUT_DATA_BUFFER output = {&out, 77, 11, 22};
+    DWORD status = 55;
+};
+
+TEST_F(Streaming, HoldsOneBufferFromInputToOutput) {
+    EXPECT_TRUE(Accepts());
+    EXPECT_EQ(S_OK, Give());
+    EXPECT_FALSE(Accepts());
+    EXPECT_EQ(2, in.references);
+    EXPECT_EQ(DMO_E_NOTACCEPTING, Give());
+    EXPECT_EQ(2, in.references);
+    EXPECT_EQ(S_OK, Take());
+    EXPECT_EQ(0U, status);
+    EXPECT_TRUE(Accepts());
+    EXPECT_EQ(1, in.references);
+    EXPECT_EQ(1, out.references);
+    EXPECT_FALSE(out.HoldsOnly(7));
+    EXPECT_TRUE(in.HoldsOnly(100));
+    EXPECT_TRUE(in.GuardsIntact());
+    EXPECT_TRUE(out.GuardsIntact());
+}
+
+TEST_F(Streaming, OutputLengthIsThatOfTheInputType) {
+    ASSERT_EQ(S_OK, Give());
+    ASSERT_EQ(S_OK, Take());
+    EXPECT_EQ(frameBytes, out.length);
+    EXPECT_EQ(1, out.lengthsSet);
+}
+
+TEST_F(Streaming, InputArgumentsAreTestedInOrder) {
+    EXPECT_EQ(DMO_E_INVALIDSTREAMINDEX, Media().ProcessInput(1, nullptr, 0, 0, 0));
+    EXPECT_EQ(E_POINTER, Media().ProcessInput(0, nullptr, 0, 0, 0));
+    TestObject fresh;
+    EXPECT_EQ(DMO_E_TYPE_NOT_SET, fresh.media->ProcessInput(0, &in, 0, 0, 0));
+    in.contentResult = E_FAIL;
+    EXPECT_EQ(E_FAIL, Give());
+    EXPECT_TRUE(Accepts());
+    EXPECT_EQ(1, in.references);
+    DWORD flags = 0;
+    EXPECT_EQ(DMO_E_INVALIDSTREAMINDEX, Media().GetInputStatus(1, nullptr));
+    EXPECT_EQ(E_POINTER, Media().GetInputStatus(0, nullptr));
+    EXPECT_EQ(DMO_E_INVALIDSTREAMINDEX, Media().GetInputStatus(1, &flags));
+}
+
+TEST_F(Streaming, OutputArgumentsAreTestedInOrder) {
+    TestObject fresh;
+    EXPECT_EQ(E_POINTER, fresh.media->ProcessOutput(0, 2, nullptr, &status));
+    EXPECT_EQ(E_INVALIDARG, fresh.media->ProcessOutput(0, 2, &output, &status));
+    EXPECT_EQ(E_INVALIDARG, fresh.media->ProcessOutput(0, 0, &output, &status));
+    EXPECT_EQ(DMO_E_TYPE_NOT_SET, fresh.media->ProcessOutput(0, 1, &output, &status));
+    EXPECT_EQ(55U, status);
+    EXPECT_EQ(77U, output.dwStatus);
+    EXPECT_EQ(0, out.lengthsSet);
+}
+
+TEST_F(Streaming, NothingHeldEmptiesTheOutput) {
+    EXPECT_EQ(S_FALSE, Take());
+    EXPECT_EQ(0U, out.length);
+    EXPECT_EQ(0U, output.dwStatus);
+    EXPECT_EQ(0U, status);
+    output.pBuffer = nullptr;
+    EXPECT_EQ(S_FALSE, Media().ProcessOutput(0, 1, &output, nullptr));
+}
+
+TEST_F(Streaming, OutputWithoutABufferKeepsTheInput) {
+    ASSERT_EQ(S_OK, Give());
+    output.pBuffer = nullptr;
+    EXPECT_TRUE(KeepsTheInputAfter(S_FALSE));
+    EXPECT_EQ(0U, output.dwStatus);
+    output.pBuffer = &out;
+    EXPECT_EQ(S_OK, Take());
+}
+
+TEST_F(Streaming, TimesPassThroughWhereTheyAreValid) {
+    ASSERT_EQ(S_OK, Give(timeValid | lengthValid, -5, 1LL << 40));
+    ASSERT_EQ(S_OK, Take());
+    EXPECT_EQ(6U, output.dwStatus);
+    EXPECT_EQ(-5, output.rtTimestamp);
+    EXPECT_EQ(1LL << 40, output.rtTimelength);
+
+    output = {&out, 0, 11, 22};
+    ASSERT_EQ(S_OK, Give(lengthValid, 900, 400));
+    ASSERT_EQ(S_OK, Take());
+    EXPECT_EQ(6U, output.dwStatus);
+    EXPECT_EQ(11, output.rtTimestamp);
+    EXPECT_EQ(400, output.rtTimelength);
+
+    output = {&out, 0, 11, 22};
+    ASSERT_EQ(S_OK, Give(DMO_INPUT_DATA_BUFFERF_SYNCPOINT, 900, 400));
+    ASSERT_EQ(S_OK, Take());
+    EXPECT_EQ(6U, output.dwStatus);
+    EXPECT_EQ(11, output.rtTimestamp);
+    EXPECT_EQ(22, output.rtTimelength);
+}
+
+TEST_F(Streaming, FlushAndFreeLetGoOfTheInputAndItsTimes) {
+    for (auto release : {&IMediaObject::Flush, &IMediaObject::FreeStreamingResources}) {
+        ASSERT_EQ(S_OK, Give(timeValid, 5, 0));
+        EXPECT_EQ(S_OK, (Media().*release)());
+        EXPECT_TRUE(Accepts());
+        EXPECT_EQ(1, in.references);
+        EXPECT_EQ(S_FALSE, Take());
+    }
+}
+
+TEST_F(Streaming, DiscontinuityAndAllocationChangeNothing) {
+    ASSERT_EQ(S_OK, Give());
+    EXPECT_EQ(S_OK, Media().Discontinuity(17));
+    EXPECT_EQ(S_OK, Media().AllocateStreamingResources());
+    EXPECT_FALSE(Accepts());
+}
+
+TEST_F(Streaming, EndOfTheObjectLetsGoOfTheInput) {
+    ASSERT_EQ(S_OK, Give());
+    object = TestObject{};
+    EXPECT_EQ(1, in.references);
+}
+
+TEST_F(Streaming, BuffersThatFailKeepTheInput) {
+    ASSERT_EQ(S_OK, Give());
+    out.contentResult = E_FAIL;
+    in.contentResult = E_UNEXPECTED;
+    EXPECT_TRUE(KeepsTheInputAfter(E_FAIL));
+    out.contentResult = S_OK;
+    EXPECT_TRUE(KeepsTheInputAfter(E_UNEXPECTED));
+    EXPECT_EQ(6U, output.dwStatus);
+    in.contentResult = S_OK;
+    in.givesNull = true;
+    EXPECT_TRUE(KeepsTheInputAfter(E_POINTER));
+    in.givesNull = false;
+    out.givesNull = true;
+    EXPECT_TRUE(KeepsTheInputAfter(E_POINTER));
+    out.givesNull = false;
+    EXPECT_EQ(S_OK, Take());
+}
+
+TEST_F(Streaming, BuffersBelowTheirPictureAreRefusedUntouched) {
+    ASSERT_EQ(S_OK, Give());
+    out.toldCapacity = enlargedBytes - 1;
+    EXPECT_TRUE(KeepsTheInputAfter(E_INVALIDARG));
+    out.toldCapacity = 0;
+    EXPECT_TRUE(KeepsTheInputAfter(E_INVALIDARG));
+    out.toldCapacity = enlargedBytes;
+    in.toldCapacity = frameBytes - 1;
+    EXPECT_TRUE(KeepsTheInputAfter(E_INVALIDARG));
+    EXPECT_TRUE(out.HoldsOnly(7));
+    in.toldCapacity = frameBytes;
+    EXPECT_EQ(S_OK, Take());
+}
+
+TEST_F(Streaming, UntoldCapacitiesAreTheInputsLengthAndTheOutputTypesSize) {
+    ASSERT_EQ(S_OK, Give());
+    out.capacityResult = E_NOTIMPL;
+    in.capacityResult = E_NOTIMPL;
+    in.length = frameBytes - 1;
+    EXPECT_TRUE(KeepsTheInputAfter(E_INVALIDARG));
+    in.length = frameBytes;
+    EXPECT_EQ(S_OK, Take());
+}
+
+TEST_F(Streaming, TypesChangedInMidFrameAreCheckedAgainstTheBuffers) {
+    ASSERT_EQ(S_OK, Give());
+    ASSERT_EQ(S_OK, Media().SetOutputType(0, VideoInfoType(640, 480).Type(), 0));
+    EXPECT_TRUE(KeepsTheInputAfter(E_INVALIDARG));
+    ASSERT_EQ(S_OK, Media().SetInputType(0, nullptr, DMO_SET_TYPEF_CLEAR));
+    EXPECT_EQ(S_OK, Take());  // no picture is known: none is made
+    EXPECT_TRUE(out.HoldsOnly(7));
+}
+
+TEST_F(Streaming, OutputTypeSmallerThanThePictureStaysInsideTheBuffer) {
+    for (const GUID& subtype : {mediaSubtypeYv12, mediaSubtypeYuy2}) {
+        ASSERT_EQ(S_OK, Media().SetOutputType(0, VideoInfoType(16, 16, subtype).Type(), 0));
+        ASSERT_EQ(S_OK, Give());
+        Take();
+        EXPECT_TRUE(out.GuardsIntact());
+        Media().Flush();
+    }
+}
+
+TEST_F(Streaming, SwitchedOffObjectCopiesToTheUpperLeft) {
+    object.player->SetEnable(FALSE);
+    ASSERT_EQ(S_OK, Give());
+    ASSERT_EQ(S_OK, Take());
+    const auto bytes = out.Bytes();
+    EXPECT_EQ(100, bytes[0]);
+    EXPECT_EQ(100, bytes[31 * 96 + 63]);
+    EXPECT_EQ(7, bytes[64]);
+    EXPECT_EQ(7, bytes[32 * 96]);
+}
+
+TEST_F(Streaming, PictureTooNarrowToProcessLeavesTheOutputAlone) {
+    ASSERT_EQ(S_OK, Media().SetInputType(0, VideoInfoType(31, 32).Type(), 0));
+    ReceivedType offered;
+    ASSERT_EQ(S_OK, Media().GetOutputType(0, 0, offered.Out()));
+    ASSERT_EQ(S_OK, Media().SetOutputType(0, &offered.Get(), 0));
+    ASSERT_EQ(S_OK, Give());
+    EXPECT_EQ(S_OK, Take());
+    EXPECT_TRUE(Accepts());
+    EXPECT_TRUE(out.HoldsOnly(7));
+}
+
+// Whether a frame designs its filters anew shows in a tap set that the test has spoilt.
+TEST_F(Streaming, SharpnessReachesTheFirstEnhancedFrameEvenAfterCopiedOnes) {
+    const auto frameDesignsFilters = [this] {
+        ProcessEngine().filtersDirty = 0;
+        ProcessEngine().tapsHorizontal.a = {};
+        EXPECT_EQ(S_OK, Give());
+        EXPECT_EQ(S_OK, Take());
+        return ProcessEngine().tapsHorizontal.a != TapSet{};
+    };
+    EXPECT_TRUE(frameDesignsFilters());
+    EXPECT_FALSE(frameDesignsFilters());
+    object.settings->put_Sharpness(0.5F);
+    object.player->SetEnable(FALSE);
+    EXPECT_FALSE(frameDesignsFilters());
+    object.player->SetEnable(TRUE);
+    EXPECT_TRUE(frameDesignsFilters());
+    object.settings->put_Sharpness(0.5F);
+    EXPECT_FALSE(frameDesignsFilters());
+    ProcessEngine().filtersDirty = 1;  // the spoilt taps are of no use to anybody
+}
+
+TEST_F(Streaming, NumbersThatAreNoStrengthStillMakePictures) {
+    for (float value : {-1.0F, -0.0F, 1e30F, 65535.0F, std::numeric_limits<float>::infinity(),
+                        std::numeric_limits<float>::quiet_NaN()}) {
+        object.settings->put_Sharpness(value);
+        ASSERT_EQ(S_OK, Give());
+        EXPECT_EQ(S_OK, Take()) << value;
+        EXPECT_TRUE(out.GuardsIntact());
+    }
+}
+
+}  // namespace
+}  // namespace clarivex
