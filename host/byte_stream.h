@@ -1,0 +1,71 @@
+// Bytes in and out of files and pipes, "-" being standard input or output.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace clarivex {
+
+class ByteSource {
+public:
+    virtual ~ByteSource() = default;
+
+    /// Fills `bytes` from the stream. The result is below bytes.size() only at the end of the stream. Throws RunError
+    /// when the system cannot read.
+    virtual size_t Read(std::span<uint8_t> bytes) = 0;
+};
+
+class ByteSink {
+public:
+    virtual ~ByteSink() = default;
+
+    /// Writes all bytes. Throws RunError when the system cannot, a closed pipe included.
+    virtual void Write(std::span<const uint8_t> bytes) = 0;
+
+    /// Hands everything written so far to the system. Throws RunError.
+    virtual void Flush() = 0;
+};
+
+struct FileCloser {
+    void operator()(std::FILE* file) const;  ///< leaves the standard streams open
+};
+using OwnedFile = std::unique_ptr<std::FILE, FileCloser>;
+
+/// A file opened for reading, or standard input for "-".
+class FileSource : public ByteSource {
+public:
+    /// Throws RunError when the path cannot be opened.
+    explicit FileSource(const std::string& path);
+
+    size_t Read(std::span<uint8_t> bytes) override;
+
+    /// Bytes of the whole file; nothing for a pipe or a device.
+    std::optional<uint64_t> Size() const { return size; }
+
+private:
+    OwnedFile file;
+    std::optional<uint64_t> size;
+};
+
+/// A file opened anew for writing, or standard output for "-".
+class FileSink : public ByteSink {
+public:
+    /// Throws RunError when the path cannot be opened.
+    explicit FileSink(const std::string& path);
+
+    void Write(std::span<const uint8_t> bytes) override;
+    void Flush() override;
+
+private:
+    OwnedFile file;
+};
+
+/// Whether both paths name one existing file. "-" names none.
+bool SameFile(const std::string& first, const std::string& second);
+
+}  // namespace clarivex

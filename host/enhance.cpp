@@ -1,0 +1,172 @@
+// Reads, plays and writes frame by frame; every error gets the name of the stream it belongs to.
+#include "host/enhance.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <optional>
+#include <string>
+
+#include "host/byte_stream.h"
+#include "host/errors.h"
+#include "host/player.h"
+#include "host/plugin_library.h"
+#include "host/progress.h"
+#include "host/y4m.h"
+#include "platform/console.h"
+#include "shell/instruction_set.h"
+
+namespace clarivex {
+
+namespace {
+
+std::string InputName(const EnhanceOptions& options) { return options.input == "-" ? "standard input" : options.input; }
+
+std::string OutputName(const EnhanceOptions& options) {
+    return options.output == "-" ? "standard output" : options.output;
+}
+
+/// Runs `action` and puts the name in front of its errors.
+template <class Action>
+auto Naming(const std::string& name, Action action) {
+    try {
+        return action();
+    } catch (const RunError& error) {
+        throw RunError(name + ": " + error.what());
+    }
+}
+
+void Note(const EnhanceOptions& options, const std::string& text) {
+    if (!options.quiet) std::fprintf(stderr, "clarivex: note: %s\n", text.c_str());
+}
+
+void ChooseSimd(const std::string& name) {
+    if (UseInstructionSet(name)) return;
+    std::string runnable;
+    for (const std::string_view one : RunnableInstructionSets())
+        runnable += (runnable.empty() ? "" : ", ") + std::string(one);
+    throw RunError("--simd " + name + ": this processor cannot run it; it runs " + runnable);
+}
+
+std::optional<PluginLibrary> LoadPlugin(const std::string& path) {
+    return path.empty() ? std::nullopt : std::optional<PluginLibrary>(path);
+}
+
+VideoFormat FormatOf(const Y4mHeader& header, PixelFormat pixelFormat) {
+    return {pixelFormat, header.size, header.frameRate, header.sampleAspect};
+}
+
+PlayerSettings SettingsOf(const EnhanceOptions& options) {
+    return {static_cast<uint32_t>(options.mode), options.sharpness, options.lighting, options.allowHd};
+}
+
+/// One run of the command. The members' order is the order in which they are needed.
+class Enhancement {
+public:
+    explicit Enhancement(const EnhanceOptions& given);
+    void Run();
+
+private:
+    void NoteLimits();
+    std::optional<uint64_t> ExpectedFrames() const;
+    FileSink OpenOutput() const;
+    std::string OutputHeader() const;
+    PictureSize OutputSize() const { return bypassed ? reader.Header().size : player.OutputSize(); }
+    void CopyFrames(Progress& progress);
+    bool ReadFrame() {
+        return Naming(InputName(options), [this] { return reader.ReadFrame(frame); });
+    }
+    void WriteFrame();
+    void Report(const Progress& progress) const;
+
+    const EnhanceOptions& options;
+    std::optional<PluginLibrary> plugin;
+    FileSource source;
+    Y4mReader reader;
+    Player player;
+    bool bypassed;
+    FileSink sink;
+    Y4mWriter writer;
+    Y4mFrame frame;
+};
+
+Enhancement::Enhancement(const EnhanceOptions& given)
+    : options(given),
+      plugin(LoadPlugin(given.plugin)),
+      source(Naming(InputName(given), [&] { return FileSource(given.input); })),
+      reader(Naming(InputName(given), [this] { return Y4mReader(source); })),
+      player(plugin ? plugin->MakeMediaObject() : MakeLinkedMediaObject(), FormatOf(reader.Header(), given.format),
+             SettingsOf(given)),
+      bypassed(Naming(InputName(given), [this] { return player.Negotiate() == Negotiated::bypassedForHd; })),
+      sink(OpenOutput()),
+      writer(Naming(OutputName(given), [this] { return Y4mWriter(sink, OutputHeader()); })) {
+    NoteLimits();
+    if (options.timing) player.NoteTimes();
+}
+
+FileSink Enhancement::OpenOutput() const {
+    if (SameFile(options.input, options.output))
+        throw RunError(options.output + ": is the input file too; name another output");
+    return Naming(OutputName(options), [this] { return FileSink(options.output); });
+}
+
+std::string Enhancement::OutputHeader() const {
+    const bool fullHeightChroma = !bypassed && options.format == PixelFormat::yuy2;
+    return Y4mHeaderLine(reader.Header(), OutputSize(), fullHeightChroma);
+}
+
+void Enhancement::NoteLimits() {
+    if (bypassed)
+        Note(options, "high definition is bypassed: the pictures pass unchanged (--hd allow enhances them)");
+    else if (reader.Header().size.width < smallestEnhancedWidth)
+        Note(options, "pictures less than " + std::to_string(smallestEnhancedWidth) + " wide pass without enhancement");
+    if (options.caption) Note(options, "the caption is not available in this version; the pictures come without it");
+}
+
+std::optional<uint64_t> Enhancement::ExpectedFrames() const {
+    const auto size = source.Size();
+    if (size) return std::min(reader.FramesIn(*size), options.frames);
+    return options.frames == UINT64_MAX ? std::nullopt : std::optional(options.frames);
+}
+
+void Enhancement::Run() {
+    Progress progress(!options.quiet && IsTerminal(stderr), ExpectedFrames());
+    CopyFrames(progress);
+    if (!bypassed) player.Finish();
+    progress.Wipe();
+    Report(progress);
+}
+
+void Enhancement::CopyFrames(Progress& progress) {
+    try {
+        while (progress.Frames() < options.frames && ReadFrame()) {
+            WriteFrame();
+            progress.FrameDone();
+        }
+    } catch (const RunError& error) {
+        const uint64_t written = progress.Frames();
+        throw RunError(std::string(error.what()) + "; " + std::to_string(written) +
+                       (written == 1 ? " whole frame was written" : " whole frames were written"));
+    }
+}
+
+void Enhancement::WriteFrame() {
+    const PicturePlanes planes =
+        bypassed ? PlanarPicture{reader.Header().size, frame.samples}.Planes() : player.Play(frame.samples);
+    Naming(OutputName(options), [&] { writer.WriteFrame(frame.parameters, planes); });
+}
+
+void Enhancement::Report(const Progress& progress) const {
+    if (!options.quiet)
+        std::fprintf(stderr, "clarivex: %s\n",
+                     SummaryText(progress.Frames(), reader.Header().size, OutputSize(), progress.Seconds()).c_str());
+    if (options.timing) std::fprintf(stderr, "clarivex: %s\n", TimingText(player.ProcessTimes()).c_str());
+}
+
+}  // namespace
+
+void RunEnhance(const EnhanceOptions& options) {
+    if (options.plugin.empty()) ChooseSimd(options.simd);
+    Enhancement(options).Run();
+}
+
+}  // namespace clarivex

@@ -1,0 +1,25 @@
+// The two ways in which the command line ends early.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace clarivex {
+
+/// The command line asks for something that does not exist; exit code 2.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// The run itself failed: a file, a stream, a picture size or the media object; exit code 1.
+class RunError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Text from a stranger, fit for one line on a terminal: at most 40 letters, unprintable ones as '?'.
+std::string Printable(std::string_view text);
+
+}  // namespace clarivex

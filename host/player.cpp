@@ -1,0 +1,155 @@
+// The calls of a player in their order, every result looked at.
+#include "host/player.h"
+
+#include <cstdio>
+#include <string>
+#include <utility>
+
+#include "host/errors.h"
+#include "platform/guids.h"
+#include "shell/settings.h"
+
+namespace clarivex {
+
+namespace {
+
+constexpr int32_t largestOutputSide = 16384;  // twice what this program reads; buffers stay below 2 GB
+
+void Check(HRESULT code, const char* call) {
+    if (code == S_OK) return;
+    char text[96];
+    std::snprintf(text, sizeof text, "the media object failed in %s with code 0x%08X", call,
+                  static_cast<unsigned>(code));
+    throw RunError(text);
+}
+
+ComPointer<ICVXSettings> SettingsOf(IMediaObject& object) {
+    void* settings = nullptr;
+    Check(object.QueryInterface(iidCvxSettings, &settings), "QueryInterface for its settings");
+    return ComPointer<ICVXSettings>(static_cast<ICVXSettings*>(settings));
+}
+
+void ApplySettings(IMediaObject& object, const PlayerSettings& wanted) {
+    const ComPointer<ICVXSettings> settings = SettingsOf(object);
+    Check(settings->put_CVXMode(wanted.mode), "put_CVXMode");
+    Check(settings->put_Sharpness(wanted.sharpness), "put_Sharpness");
+    Check(settings->put_EnableLighting(wanted.lighting ? 1 : 0), "put_EnableLighting");
+    Check(settings->put_AllowHD(wanted.allowHd ? 1 : 0), "put_AllowHD");
+}
+
+/// A media type whose format block came from the object.
+struct ReceivedType : DMO_MEDIA_TYPE {
+    ReceivedType() : DMO_MEDIA_TYPE{} {}
+    ~ReceivedType() { MoFreeMediaType(this); }
+    ReceivedType(const ReceivedType&) = delete;
+    ReceivedType& operator=(const ReceivedType&) = delete;
+};
+
+/// Whether the object would take the video if high definition were allowed: then its size alone made it refuse.
+bool TakesItAsHd(IMediaObject& object) {
+    ReceivedType type;
+    return SettingsOf(object)->put_AllowHD(1) == S_OK && object.GetOutputType(0, 0, &type) == S_OK;
+}
+
+std::string SizeText(PictureSize size) { return std::to_string(size.width) + "x" + std::to_string(size.height); }
+
+[[noreturn]] void ThrowRefused(PictureSize size) {
+    if (size.width < smallestSide || size.height < smallestSide)
+        throw RunError("a picture of " + SizeText(size) + " is too small: width and height must be at least " +
+                       std::to_string(smallestSide));
+    throw RunError("the media object refuses pictures of " + SizeText(size));
+}
+
+}  // namespace
+
+int64_t FrameStart(uint64_t frame, Ratio rate) {
+    // Whole and broken ticks of a frame apart, so that products stay small.
+    const uint64_t ticks = static_cast<uint64_t>(ticksPerSecond) * rate.denominator;
+    const uint64_t whole = ticks / rate.numerator;
+    const uint64_t rest = ticks % rate.numerator;
+    return static_cast<int64_t>(frame * whole + frame * rest / rate.numerator);
+}
+
+Player::Player(ComPointer<IMediaObject> mediaObject, const VideoFormat& format, const PlayerSettings& settings)
+    : object(std::move(mediaObject)),
+      video(format),
+      wanted(settings),
+      inputLayout(format.pixelFormat, format.size),
+      outputLayout(inputLayout) {
+    ApplySettings(*object, wanted);
+}
+
+Player::~Player() { object->FreeStreamingResources(); }
+
+Negotiated Player::Negotiate() {
+    const VideoType inputType(video);
+    if (object->SetInputType(0, &inputType.Type(), 0) != S_OK) ThrowRefused(video.size);
+    PictureSize outputSize;
+    if (!OfferOutput(outputSize)) {
+        if (!wanted.allowHd && TakesItAsHd(*object)) return Negotiated::bypassedForHd;
+        ThrowRefused(video.size);
+    }
+    outputLayout = FrameLayout(video.pixelFormat, outputSize);
+    MakeBuffers();
+    Check(object->AllocateStreamingResources(), "AllocateStreamingResources");
+    return Negotiated::playing;
+}
+
+bool Player::OfferOutput(PictureSize& size) {
+    ReceivedType offered;
+    if (object->GetOutputType(0, 0, &offered) != S_OK) return false;
+    const auto offeredSize = PictureSizeIn(offered, video.pixelFormat);
+    if (!offeredSize || offeredSize->width < video.size.width || offeredSize->height < video.size.height ||
+        offeredSize->width > largestOutputSide || offeredSize->height > largestOutputSide)
+        throw RunError("the media object offers an output type that cannot be shown");
+    Check(object->SetOutputType(0, &offered, 0), "SetOutputType");
+    size = *offeredSize;
+    return true;
+}
+
+void Player::MakeBuffers() {
+    DWORD inputBytes = 0, outputBytes = 0, lookahead = 0, alignment = 0;
+    Check(object->GetInputSizeInfo(0, &inputBytes, &lookahead, &alignment), "GetInputSizeInfo");
+    Check(object->GetOutputSizeInfo(0, &outputBytes, &alignment), "GetOutputSizeInfo");
+    if (inputBytes < inputLayout.Bytes() || outputBytes < outputLayout.Bytes())
+        throw RunError("the media object asks for buffers that cannot hold a picture");
+    input = MediaBuffer::Make(inputBytes);
+    output = MediaBuffer::Make(outputBytes);
+}
+
+PicturePlanes Player::Play(std::span<const uint8_t> samples) {
+    const PlanarPicture picture{video.size, samples};
+    inputLayout.Put(picture, input->Bytes());
+    outputLayout.Put(picture, output->Bytes());  // the object may write nothing, or only a part
+    FeedInput();
+    TakeOutput();
+    ++framesPlayed;
+    return outputLayout.Get(output->Bytes(), unpacked);
+}
+
+void Player::FeedInput() {
+    DWORD flags = DMO_INPUT_DATA_BUFFERF_SYNCPOINT;
+    int64_t start = 0, length = 0;
+    if (video.frameRate.Known()) {
+        flags |= DMO_INPUT_DATA_BUFFERF_TIME | DMO_INPUT_DATA_BUFFERF_TIMELENGTH;
+        start = FrameStart(framesPlayed, video.frameRate);
+        length = FrameStart(framesPlayed + 1, video.frameRate) - start;
+    }
+    Check(input->SetLength(static_cast<DWORD>(input->Bytes().size())), "SetLength");
+    Check(object->ProcessInput(0, input.get(), flags, start, length), "ProcessInput");
+}
+
+void Player::TakeOutput() {
+    Check(output->SetLength(0), "SetLength");
+    DMO_OUTPUT_DATA_BUFFER data = {};
+    data.pBuffer = output.get();
+    DWORD status = 0;
+    const auto before = Clock::now();
+    const HRESULT code = object->ProcessOutput(0, 1, &data, &status);
+    if (noteTimes) processTimes.push_back(Clock::now() - before);
+    Check(code, "ProcessOutput");
+}
+
+void Player::Finish() { Check(object->Discontinuity(0), "Discontinuity"); }
+
+}  // namespace clarivex

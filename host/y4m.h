@@ -1,0 +1,72 @@
+// Reads and writes YUV4MPEG2 ("Y4M") streams of 8 bits a sample: 4:2:0 in, 4:2:0 or 4:2:2 out.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/byte_stream.h"
+#include "host/picture.h"
+
+namespace clarivex {
+
+constexpr int32_t largestSide = 8192;    ///< of a picture, in luma samples
+constexpr size_t longestY4mLine = 2048;  ///< of a stream's or a frame's header, in bytes
+
+/// What the first line of a stream tells.
+struct Y4mHeader {
+    PictureSize size;
+    Ratio frameRate;                ///< frames a second
+    Ratio sampleAspect;             ///< width to height of one sample
+    std::vector<std::string> tags;  ///< every word behind the magic one, as it came
+};
+
+/// Parses the first line of a stream, without its line end. Throws RunError for anything that is not 8-bit 4:2:0 with
+/// sides of 1 … largestSide, or whose numbers cannot be read.
+Y4mHeader ParseY4mHeader(std::string_view line);
+
+/// The first line of a stream like `input` but with another size, line end included. Tags for rate, aspect, interlacing
+/// and colour are kept. With `fullHeightChroma` it is a 4:2:2 stream.
+std::string Y4mHeaderLine(const Y4mHeader& input, PictureSize size, bool fullHeightChroma);
+
+/// One frame as it stands in the stream. Kept from frame to frame, so that its memory is used again.
+struct Y4mFrame {
+    std::string parameters;        ///< of the frame's own header: "" or words that begin with a space
+    std::vector<uint8_t> samples;  ///< Y, U, V
+};
+
+class Y4mReader {
+public:
+    /// Reads the stream's header. `stream` must outlive the reader. Throws RunError.
+    explicit Y4mReader(ByteSource& stream);
+
+    const Y4mHeader& Header() const { return header; }
+
+    /// Reads the next frame. False at the end of the stream, when that comes between two frames. Throws RunError for a
+    /// damaged frame header and for a frame that is cut short.
+    bool ReadFrame(Y4mFrame& frame);
+
+    /// Frames that a whole stream of this many bytes holds, if no frame has parameters.
+    uint64_t FramesIn(uint64_t streamBytes) const;
+
+private:
+    ByteSource& source;
+    Y4mHeader header;
+    uint64_t headerBytes = 0;
+    uint64_t framesRead = 0;
+};
+
+class Y4mWriter {
+public:
+    /// Writes the stream's header. `stream` must outlive the writer. Throws RunError.
+    Y4mWriter(ByteSink& stream, std::string_view headerLine);
+
+    /// Writes one frame of three planes. `parameters` as in Y4mFrame. Throws RunError.
+    void WriteFrame(std::string_view parameters, const PicturePlanes& planes);
+
+private:
+    ByteSink& sink;
+};
+
+}  // namespace clarivex

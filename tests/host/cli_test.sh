@@ -1,0 +1,115 @@
+#!/usr/bin/env bash
+# Runs the clarivex program as a person or a script would and checks its exit codes, its error lines and that what it
+# wrote before an error is whole: cli_test.sh PATH_OF_CLARIVEX
+set -u
+clarivex=$1
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder" || exit 1
+
+failures=0
+fail() {
+    printf 'FAILED: %s\n' "$*"
+    [ -s errors ] && sed 's/^/    /' errors
+    failures=$((failures + 1))
+}
+
+# expect CODE PATTERN ARGUMENT…: the exit code, and exactly one line on standard error that matches the pattern.
+expect() {
+    local code=$1 pattern=$2
+    shift 2
+    timeout 60 "$clarivex" "$@" >output 2>errors </dev/null
+    local got=$?
+    [ "$got" = "$code" ] || fail "exit code $got instead of $code: $*"
+    [ "$(wc -l <errors)" = 1 ] || fail "one line on standard error was expected: $*"
+    grep -Eq -- "$pattern" errors || fail "standard error does not say '$pattern': $*"
+}
+
+# frames COUNT: so many frames of 64x48 with something to see in them.
+frames() {
+    for ((n = 0; n < $1; ++n)); do
+        printf 'FRAME\n'
+        head -c 4608 "$clarivex"
+    done
+}
+header='YUV4MPEG2 W64 H48 F25:1 Ip A1:1 C420jpeg XCOLORRANGE=LIMITED'
+enlarged_bytes=$((6 + 96 * 72 * 3 / 2))  # a frame of 96x72 with its FRAME line
+{ echo "$header" && frames 5; } >clip.y4m
+
+# Wrong use: code 2.
+expect 2 'a command is missing.*--help'
+expect 2 'unknown command polish' polish
+expect 2 'unknown option --sharp;' enhance --sharp clip.y4m out.y4m
+expect 2 '--format rgb: the value must be one of yv12, iyuv, yuy2' enhance --format rgb clip.y4m out.y4m
+expect 2 '--sharpness 3: the value must be a number from 0 to 2' enhance --sharpness 3 clip.y4m out.y4m
+expect 2 'needs two files' enhance clip.y4m
+expect 2 '--plugin works in the Windows program only' enhance --plugin some.dll clip.y4m out.y4m
+[ ! -e out.y4m ] || fail 'wrong use left an output file'
+
+# Streams that cannot be enhanced: code 1, and no output file.
+stream() { { echo "$1" && frames "${2:-1}"; } >bad.y4m; }
+expect 1 'missing.y4m: cannot be opened for reading' enhance missing.y4m out.y4m
+expect 1 ': cannot be opened for reading: it is a folder' enhance . out.y4m
+expect 1 'standard input: is empty' enhance - out.y4m
+stream 'RIFF....AVI' && expect 1 'bad.y4m: is not a Y4M stream; ffmpeg' enhance bad.y4m out.y4m
+stream 'YUV4MPEG2 W64 H48 C422' && expect 1 'bad.y4m: chroma format C422 .*yuv420p' enhance bad.y4m out.y4m
+stream 'YUV4MPEG2 W64 H48 C420p10' && expect 1 'chroma format C420p10' enhance bad.y4m out.y4m
+stream 'YUV4MPEG2 W64' && expect 1 'no height' enhance bad.y4m out.y4m
+stream 'YUV4MPEG2 W99999 H48' && expect 1 'W99999: the width must be 1 to 8192' enhance bad.y4m out.y4m
+stream 'YUV4MPEG2 W12 H48' && expect 1 '12x48 is too small: .* at least 16' enhance bad.y4m out.y4m
+[ ! -e out.y4m ] || fail 'a refused stream left an output file'
+
+# Outputs that cannot be written: code 1.
+expect 1 'no/out.y4m: cannot be opened for writing' enhance clip.y4m no/out.y4m
+cp clip.y4m same.y4m
+expect 1 'same.y4m: is the input file too' enhance same.y4m ./same.y4m
+cmp -s clip.y4m same.y4m || fail 'the input was harmed'
+if [ -c /dev/full ]; then
+    expect 1 '/dev/full: cannot be written any further.*0 whole frames were written' enhance clip.y4m /dev/full
+fi
+
+# A good run keeps the tags and tells what it did.
+expect 0 '5 frames, 64x48 to 96x72, [0-9.]+ frames/s' enhance clip.y4m good.y4m
+first=$(head -n 1 good.y4m)
+[ "$first" = "${header/W64 H48/W96 H72}" ] || fail "header of the output: $first"
+[ "$(wc -c <good.y4m)" = $((${#first} + 1 + 5 * enlarged_bytes)) ] || fail 'size of the output'
+timeout 60 "$clarivex" enhance --quiet clip.y4m - >piped.y4m 2>errors || fail 'a run into a pipe'
+cmp -s good.y4m piped.y4m || fail 'a pipe carries other bytes than a file'
+[ ! -s errors ] || fail '--quiet spoke'
+timeout 60 "$clarivex" enhance --quiet - piped.y4m <clip.y4m || fail 'a run from a pipe'
+cmp -s good.y4m piped.y4m || fail 'standard input gives other bytes than a file'
+expect 0 '^clarivex: timing: 2 frames in ProcessOutput, total .* mean .* minimum .* median' \
+    enhance --quiet --timing --frames 2 clip.y4m two.y4m
+cmp -s <(head -c "$(wc -c <two.y4m)" good.y4m) two.y4m || fail '--frames gives other frames'
+expect 0 '64x48 to 96x72' enhance --format yuy2 clip.y4m packed.y4m
+head -n 1 packed.y4m | grep -q 'W96 H72 .*C422' || fail 'yuy2 is not written as 4:2:2'
+expect 0 '64x48 to 64x48' enhance --mode never clip.y4m plain.y4m
+
+# High definition, bypassed, comes through byte for byte.
+{ echo 'YUV4MPEG2 W1024 H576 F25:1' && printf 'FRAME\n' && yes abc | head -c $((1024 * 576 * 3 / 2)); } >hd.y4m
+timeout 60 "$clarivex" enhance --hd bypass hd.y4m same_hd.y4m 2>errors || fail 'bypassing high definition'
+grep -q 'note: high definition is bypassed' errors || fail 'no word about the bypass'
+cmp -s hd.y4m same_hd.y4m || fail 'a bypassed video was changed'
+
+# What breaks off is told, and the frames before it are whole.
+head -c $((${#header} + 1 + 2 * 4614 + 6 + 1000)) clip.y4m >cut.y4m
+expect 1 'cut.y4m: frame 2 is cut short: 4608 bytes expected, 1000 found; 2 whole frames were written' \
+    enhance cut.y4m cut_out.y4m
+cmp -s <(head -c $((${#first} + 1 + 2 * enlarged_bytes)) good.y4m) cut_out.y4m || fail 'the whole frames before a cut'
+
+# A closed pipe ends the run with one line; it must neither hang nor die of a signal.
+{ echo "$header" && frames 200; } >long.y4m
+timeout 60 "$clarivex" enhance long.y4m - 2>errors | head -c 10 >/dev/null
+codes=("${PIPESTATUS[@]}")
+[ "${codes[0]}" = 1 ] || fail "exit code ${codes[0]} after a closed pipe"
+[ "$(wc -l <errors)" = 1 ] || fail 'one line about a closed pipe was expected'
+grep -q 'standard output: cannot be written' errors || fail 'no line about a closed pipe'
+
+# What needs no video.
+for option in --help --version info; do
+    timeout 60 "$clarivex" "$option" >output 2>errors || fail "$option"
+    [ -s output ] || fail "$option says nothing"
+    [ ! -s errors ] || fail "$option speaks on standard error"
+done
+
+[ "$failures" = 0 ] || { echo "$failures checks failed" && exit 1; }

@@ -1,0 +1,151 @@
+// A media object that notes the calls made to it and does what a test tells it to.
+#pragma once
+
+#include <cstring>
+#include <functional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "host/com_pointer.h"
+#include "host/picture.h"
+#include "platform/guids.h"
+#include "platform/win32.h"
+#include "shell/settings.h"
+
+namespace clarivex {
+
+/// Lives on the test's stack: its references are counted, and the test looks at the count. Methods that a player has no
+/// use for answer E_NOTIMPL.
+class FakeMediaObject final : public IMediaObject, public ICVXSettings {
+public:
+    // What the test sets.
+    std::function<PictureSize(PictureSize)> outputSizeOf = [](PictureSize size) { return size; };
+    std::function<HRESULT()> offerResult = [] { return S_OK; };
+    std::function<HRESULT(std::span<const BYTE> in, BYTE* out)> process = [](auto, BYTE*) { return S_OK; };
+    DWORD inputBytes = 1 << 20;
+    DWORD outputBytes = 1 << 20;
+
+    // What the test looks at.
+    std::vector<std::string> calls;
+    VIDEOINFOHEADER2 inputHeader = {};
+    GUID inputSubtype = {};
+    std::vector<int64_t> starts, lengths;
+    std::vector<DWORD> inputFlags;
+    DWORD outputLengthBefore = 1;
+    ULONG references = 1;
+    unsigned mode = 99;
+    float sharpness = -1.0f;
+    int lighting = -1;
+    int allowHd = -1;
+
+    ComPointer<IMediaObject> Reference() {
+        ++references;
+        return ComPointer<IMediaObject>(this);
+    }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
+        *out = IsEqualGUID(iid, iidCvxSettings) ? static_cast<ICVXSettings*>(this) : nullptr;
+        if (!*out) return E_NOINTERFACE;
+        ++references;
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
+    ULONG STDMETHODCALLTYPE Release() override { return --references; }
+
+    HRESULT STDMETHODCALLTYPE SetInputType(DWORD, const DMO_MEDIA_TYPE* type, DWORD) override {
+        calls.push_back("SetInputType");
+        inputSubtype = type->subtype;
+        std::memcpy(&inputHeader, type->pbFormat, sizeof inputHeader);
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetOutputType(DWORD, DWORD, DMO_MEDIA_TYPE* type) override {
+        calls.push_back("GetOutputType");
+        if (offerResult() != S_OK) return offerResult();
+        VIDEOINFOHEADER2 header = inputHeader;
+        const PictureSize size = outputSizeOf({header.bmiHeader.biWidth, header.bmiHeader.biHeight});
+        header.bmiHeader.biWidth = size.width;
+        header.bmiHeader.biHeight = size.height;
+        DMO_MEDIA_TYPE offered = {};
+        offered.majortype = mediaTypeVideo;
+        offered.subtype = inputSubtype;
+        offered.formattype = formatVideoInfo2;
+        offered.cbFormat = sizeof header;
+        offered.pbFormat = reinterpret_cast<BYTE*>(&header);
+        return MoCopyMediaType(type, &offered);
+    }
+    HRESULT STDMETHODCALLTYPE SetOutputType(DWORD, const DMO_MEDIA_TYPE*, DWORD) override {
+        calls.push_back("SetOutputType");
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetInputSizeInfo(DWORD, DWORD* size, DWORD* lookahead, DWORD* alignment) override {
+        *size = inputBytes;
+        *lookahead = 0;
+        *alignment = 1;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetOutputSizeInfo(DWORD, DWORD* size, DWORD* alignment) override {
+        *size = outputBytes;
+        *alignment = 1;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE AllocateStreamingResources() override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE FreeStreamingResources() override { return Flush(); }
+    HRESULT STDMETHODCALLTYPE Discontinuity(DWORD) override {
+        calls.push_back("Discontinuity");
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE Flush() override {
+        if (held) held->Release();
+        held = nullptr;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE ProcessInput(DWORD, IMediaBuffer* buffer, DWORD flags, REFERENCE_TIME time,
+                                           REFERENCE_TIME length) override {
+        calls.push_back("ProcessInput");
+        buffer->AddRef();
+        held = buffer;
+        inputFlags.push_back(flags);
+        starts.push_back(time);
+        lengths.push_back(length);
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE ProcessOutput(DWORD, DWORD, DMO_OUTPUT_DATA_BUFFER* buffers, DWORD*) override {
+        calls.push_back("ProcessOutput");
+        BYTE *in = nullptr, *out = nullptr;
+        DWORD inLength = 0;
+        held->GetBufferAndLength(&in, &inLength);
+        buffers->pBuffer->GetBufferAndLength(&out, &outputLengthBefore);
+        const HRESULT result = process({in, inLength}, out);
+        if (result == S_OK) Flush();
+        return result;
+    }
+
+    HRESULT STDMETHODCALLTYPE GetStreamCount(DWORD*, DWORD*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetInputStreamInfo(DWORD, DWORD*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetOutputStreamInfo(DWORD, DWORD*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetInputType(DWORD, DWORD, DMO_MEDIA_TYPE*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetInputCurrentType(DWORD, DMO_MEDIA_TYPE*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetOutputCurrentType(DWORD, DMO_MEDIA_TYPE*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetInputMaxLatency(DWORD, REFERENCE_TIME*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE SetInputMaxLatency(DWORD, REFERENCE_TIME) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetInputStatus(DWORD, DWORD*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Lock(LONG) override { return E_NOTIMPL; }
+
+    HRESULT STDMETHODCALLTYPE get_ScaleFactor(double*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE put_ScaleFactor(double) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE get_Sharpness(float*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE put_Sharpness(float value) override { return sharpness = value, S_OK; }
+    HRESULT STDMETHODCALLTYPE get_CVXMode(unsigned*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE put_CVXMode(unsigned value) override { return mode = value, S_OK; }
+    HRESULT STDMETHODCALLTYPE get_AllowHD(int*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE put_AllowHD(int value) override { return allowHd = value, S_OK; }
+    HRESULT STDMETHODCALLTYPE get_EnableLighting(int*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE put_EnableLighting(int value) override { return lighting = value, S_OK; }
+    HRESULT STDMETHODCALLTYPE get_ScalingActive(int*) override { return E_NOTIMPL; }
+
+private:
+    IMediaBuffer* held = nullptr;
+};
+
+}  // namespace clarivex

@@ -1,0 +1,42 @@
+// The plug-in's own library, loaded as a host loads it.
+#include "host/plugin_library.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "host/errors.h"
+#include "host/player.h"
+
+namespace clarivex {
+namespace {
+
+std::string ErrorOf(const char* path) {
+    try {
+        const PluginLibrary library(path);
+    } catch (const RunError& error) {
+        return error.what();
+    }
+    return "";
+}
+
+TEST(PluginLibrary, PlaysThroughTheLibrarysOwnClassFactory) {
+    const PluginLibrary library("WMP_CVX.dll");  // beside this program
+    const PictureSize size{64, 48};
+    Player player(library.MakeMediaObject(), {PixelFormat::yv12, size, {25, 1}, {}}, {.lighting = false});
+    ASSERT_EQ(player.Negotiate(), Negotiated::playing);
+    EXPECT_EQ(player.OutputSize(), (PictureSize{96, 72}));
+    const PicturePlanes planes = player.Play(std::vector<uint8_t>(size.PlanarBytes(), 120));
+    EXPECT_GT(*std::min_element(planes[0].begin(), planes[0].end()), 60)
+        << "the whole picture is written, none is black";
+}
+
+TEST(PluginLibrary, FilesThatAreNoPluginsAreNamed) {
+    EXPECT_NE(ErrorOf("no_such_plugin.dll").find("no_such_plugin.dll: cannot be loaded"), std::string::npos);
+    EXPECT_EQ(ErrorOf("winmm.dll"), "winmm.dll: is not a plug-in: it exports no DllGetClassObject");
+}
+
+}  // namespace
+}  // namespace clarivex

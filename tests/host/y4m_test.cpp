@@ -1,0 +1,162 @@
+// Y4M headers and frames, friendly and hostile.
+#include "host/y4m.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/host/memory_stream.h"
+
+namespace clarivex {
+namespace {
+
+std::string HeaderError(std::string_view line) {
+    try {
+        ParseY4mHeader(line);
+    } catch (const RunError& error) {
+        return error.what();
+    }
+    return "";
+}
+
+/// The error of reading a whole stream, and how many frames came before it.
+struct Reading {
+    std::string error;
+    int frames = 0;
+};
+
+Reading ReadAll(std::string_view stream) {
+    Reading reading;
+    try {
+        MemorySource source(stream);
+        Y4mReader reader(source);
+        Y4mFrame frame;
+        while (reader.ReadFrame(frame)) ++reading.frames;
+    } catch (const RunError& error) {
+        reading.error = error.what();
+    }
+    return reading;
+}
+
+TEST(Y4mHeader, ReadsSizeRateAndAspect) {
+    const Y4mHeader header = ParseY4mHeader("YUV4MPEG2 W352 H288 F30000:1001 It A128:117 C420mpeg2 XCOLORRANGE=FULL");
+    EXPECT_EQ(header.size, (PictureSize{352, 288}));
+    EXPECT_EQ(header.frameRate, (Ratio{30000, 1001}));
+    EXPECT_EQ(header.sampleAspect, (Ratio{128, 117}));
+}
+
+TEST(Y4mHeader, RateAspectAndChromaMayBeMissing) {
+    const Y4mHeader header = ParseY4mHeader("YUV4MPEG2  H3 W5");
+    EXPECT_EQ(header.size, (PictureSize{5, 3}));
+    EXPECT_FALSE(header.frameRate.Known());
+    EXPECT_FALSE(header.sampleAspect.Known());
+    EXPECT_FALSE(ParseY4mHeader("YUV4MPEG2 W5 H3 F0:0 A0:0").frameRate.Known());
+}
+
+TEST(Y4mHeader, EveryTagButTheSizeIsKept) {
+    const Y4mHeader header =
+        ParseY4mHeader("YUV4MPEG2 W352 H288 F25:1 Ib A12:11 C420jpeg XYSCSS=420JPEG XCOLORRANGE=LIMITED Qnew");
+    EXPECT_EQ(Y4mHeaderLine(header, {528, 432}, false),
+              "YUV4MPEG2 W528 H432 F25:1 Ib A12:11 C420jpeg XYSCSS=420JPEG XCOLORRANGE=LIMITED Qnew\n");
+    EXPECT_EQ(Y4mHeaderLine(header, {528, 432}, true),
+              "YUV4MPEG2 W528 H432 F25:1 Ib A12:11 C422 XYSCSS=422 XCOLORRANGE=LIMITED Qnew\n");
+    EXPECT_EQ(Y4mHeaderLine(ParseY4mHeader("YUV4MPEG2 W2 H2"), {3, 3}, true), "YUV4MPEG2 W3 H3 C422\n");
+}
+
+TEST(Y4mHeader, OnlyEightBitHalfChromaIsTaken) {
+    for (const char* good : {"C420", "C420jpeg", "C420mpeg2", "C420paldv", "XYSCSS=420JPEG", "C420 XYSCSS=444"})
+        EXPECT_EQ(HeaderError(std::string("YUV4MPEG2 W64 H64 ") + good), "") << good;
+    for (const char* bad : {"C422", "C444", "C420p10", "Cmono", "C411", "C444alpha", "C", "XYSCSS=444"}) {
+        const std::string error = HeaderError(std::string("YUV4MPEG2 W64 H64 ") + bad);
+        EXPECT_NE(error.find(std::string("chroma format ") + bad + " is not supported"), std::string::npos) << error;
+    }
+}
+
+TEST(Y4mHeader, AbsurdNumbersAreNamed) {
+    for (const char* side : {"W0", "W8193", "W4294967360", "W-64", "W", "W6x4", "W99999999999999999999"}) {
+        const std::string error = HeaderError(std::string("YUV4MPEG2 H64 ") + side);
+        EXPECT_EQ(error, std::string("header tag ") + side + ": the width must be 1 to 8192");
+    }
+    EXPECT_EQ(HeaderError("YUV4MPEG2 W64 H1000000"), "header tag H1000000: the height must be 1 to 8192");
+    for (const char* tag : {"F25", "F:", "F25:", "F-1:1", "F1:4294967296", "F1:3601", "F1000001:1", "A4", "A4:3:2"})
+        EXPECT_NE(HeaderError(std::string("YUV4MPEG2 W64 H64 ") + tag), "") << tag;
+    EXPECT_EQ(HeaderError("YUV4MPEG2 W8192 H8192 F4294967295:4294967295"), "");
+}
+
+TEST(Y4mHeader, MissingPartsAreNamed) {
+    EXPECT_NE(HeaderError("YUV4MPEG2 H64").find("no width"), std::string::npos);
+    EXPECT_NE(HeaderError("YUV4MPEG2 W64").find("no height"), std::string::npos);
+    EXPECT_NE(HeaderError("YUV4MPEG22 W64 H64").find("not a Y4M"), std::string::npos);
+    EXPECT_NE(HeaderError("RIFF").find("not a Y4M"), std::string::npos);
+}
+
+TEST(Y4mHeader, ForeignTextIsShownHarmlessly) {
+    const std::string error = HeaderError("YUV4MPEG2 W64 H64 C\x1b]0;x\x07" + std::string(500, 'z'));
+    EXPECT_EQ(error.find('\x1b'), std::string::npos);
+    EXPECT_LT(error.size(), 250u);
+}
+
+TEST(Y4mReader, CountsFramesToTheEnd) {
+    const std::string frame(6, 'a');
+    const std::string stream = "YUV4MPEG2 W2 H2\nFRAME\n" + frame + "FRAME Ip XQ=1\n" + frame;
+    MemorySource source(stream);
+    Y4mReader reader(source);
+    Y4mFrame got;
+    EXPECT_EQ(reader.FramesIn(stream.size()), 2u);
+    ASSERT_TRUE(reader.ReadFrame(got));
+    EXPECT_EQ(got.parameters, "");
+    ASSERT_TRUE(reader.ReadFrame(got));
+    EXPECT_EQ(got.parameters, " Ip XQ=1");
+    EXPECT_EQ(got.samples, std::vector<uint8_t>(6, 'a'));
+    EXPECT_FALSE(reader.ReadFrame(got));
+}
+
+TEST(Y4mReader, AStreamMayHaveNoFrames) {
+    const Reading reading = ReadAll("YUV4MPEG2 W2 H2\n");
+    EXPECT_EQ(reading.error, "");
+    EXPECT_EQ(reading.frames, 0);
+}
+
+TEST(Y4mReader, ACutIsToldWithItsFrameAndBytes) {
+    const std::string begin = "YUV4MPEG2 W2 H2\nFRAME\nabcdef";
+    EXPECT_EQ(ReadAll(begin + "FRAME\nabc").error, "frame 1 is cut short: 6 bytes expected, 3 found");
+    EXPECT_EQ(ReadAll(begin + "FRAME\n").error, "frame 1 is cut short: 6 bytes expected, 0 found");
+    EXPECT_EQ(ReadAll(begin + "FRA").error, "frame 1 is cut short: 6 bytes expected, 0 found");
+    EXPECT_EQ(ReadAll(begin + "FRAME Ip").error, "frame 1 is cut short: 6 bytes expected, 0 found");
+    EXPECT_EQ(ReadAll(begin + "FRAME\nabc").frames, 1);
+}
+
+TEST(Y4mReader, DamageBetweenFramesIsTold) {
+    const std::string begin = "YUV4MPEG2 W2 H2\nFRAME\nabcdef";
+    for (const std::string& damage : {std::string("x"), std::string("FRAMES\nabcdef"), std::string("\n"),
+                                      "FRAME " + std::string(longestY4mLine, 'I') + "\nabcdef"}) {
+        const Reading reading = ReadAll(begin + damage);
+        EXPECT_NE(reading.error.find("frame 1 does not begin"), std::string::npos) << reading.error;
+        EXPECT_EQ(reading.frames, 1);
+    }
+}
+
+TEST(Y4mReader, HeadersWithoutEndOrContentAreTold) {
+    EXPECT_NE(ReadAll("").error.find("is empty"), std::string::npos);
+    EXPECT_NE(ReadAll("YUV4MPEG2 W2 H2").error.find("no line end"), std::string::npos);
+    EXPECT_NE(ReadAll("YUV4MPEG2 " + std::string(longestY4mLine, 'X') + " W2 H2\n").error.find("no line end"),
+              std::string::npos);
+    EXPECT_NE(ReadAll(std::string(100000, '\0')).error.find("not a Y4M"), std::string::npos);
+}
+
+TEST(Y4mWriter, WritesWhatTheReaderReads) {
+    MemorySink sink;
+    const std::vector<uint8_t> luma = {1, 2, 3, 4}, u = {5}, v = {6};
+    Y4mWriter writer(sink, Y4mHeaderLine(ParseY4mHeader("YUV4MPEG2 W9 H9 F25:1"), {2, 2}, false));
+    writer.WriteFrame(" Ip", {luma, u, v});
+    EXPECT_EQ(sink.text, "YUV4MPEG2 W2 H2 F25:1\nFRAME Ip\n\1\2\3\4\5\6");
+    EXPECT_EQ(sink.flushedBytes, sink.text.size());
+}
+
+TEST(Y4mWriter, AFullSinkThrows) {
+    MemorySink sink(24);
+    const std::vector<uint8_t> plane(100);
+    Y4mWriter writer(sink, "YUV4MPEG2 W2 H2\n");
+    EXPECT_THROW(writer.WriteFrame("", {plane, plane, plane}), RunError);
+}
+
+}  // namespace
+}  // namespace clarivex
