@@ -1,0 +1,189 @@
+// Every kernel at every width that this processor runs, on rows that stay in the first-level cache. Counts output
+// samples a second.
+#include <benchmark/benchmark.h>
+
+#include <array>
+#include <random>
+#include <string>
+
+#include "algorithms/slack_row.h"
+#include "runtime/cpu_features.h"
+#include "simd/kernel_table.h"
+
+namespace clarivex {
+namespace {
+
+constexpr int32_t longestRow = 1920;
+
+/// Rows with the content and the room that the kernels ask for.
+class BenchRows {
+public:
+    BenchRows() {
+        std::mt19937 random(1);
+        for (auto& row : byteRows)
+            for (uint8_t *sample = row.Prepare(2 * longestRow), *end = sample + 2 * longestRow; sample < end; ++sample)
+                *sample = static_cast<uint8_t>(random());
+        for (auto& row : wordRows)
+            for (int16_t *word = row.Prepare(longestRow), *end = word + longestRow; word < end; ++word)
+                *word = static_cast<int16_t>(257 * static_cast<int32_t>(random() % 256) - 32768);
+        int16_t* keep = keepRow.Prepare(longestRow);
+        for (int32_t x = 0; x < longestRow; ++x) keep[x] = static_cast<int16_t>(random() % 32768);
+        for (int16_t& word : noise) word = static_cast<int16_t>(random() % 64);
+    }
+
+    uint8_t* Bytes(size_t i) { return byteRows[i].Prepare(2 * longestRow); }
+    int16_t* Words(size_t i) { return wordRows[i].Prepare(longestRow); }
+    int16_t* Keep() { return keepRow.Prepare(longestRow); }
+
+    std::array<int16_t, 24> taps{-120, 480,   -1800, 9600, 9600, -1800, 480,   -120, -120, 480,   -1800, 9600,
+                                 9600, -1800, 480,   -120, -120, 480,   -1800, 9600, 9600, -1800, 480,   -120};
+    alignas(64) std::array<int16_t, patternLength> pattern{};
+    alignas(64) std::array<int16_t, 256 + 64> noise{};
+
+private:
+    std::array<SlackRow<uint8_t>, 8> byteRows;
+    std::array<SlackRow<int16_t>, 8> wordRows;
+    SlackRow<int16_t> keepRow;
+};
+
+/// One call of a kernel that writes `width` samples, or that many in each of `rowsWritten` rows.
+struct KernelBench {
+    const char* name;
+    int32_t rowsWritten;
+    void (*call)(const KernelTable& table, BenchRows& rows, int32_t width);
+};
+
+void CallEnlargeColumns(const KernelTable& table, BenchRows& rows, int32_t width) {
+    std::array<const int16_t*, 8> in{};
+    for (size_t k = 0; k < 8; ++k) in[k] = rows.Words(k);
+    table.enlargeColumns(in.data(), rows.taps.data(), rows.Bytes(0), width);
+}
+
+void CallEnlargeChromaColumns(const KernelTable& table, BenchRows& rows, int32_t width) {
+    const std::array<const uint8_t*, 4> in{rows.Bytes(0), rows.Bytes(1), rows.Bytes(2), rows.Bytes(3)};
+    const std::array<uint8_t*, 3> outs{rows.Bytes(4), rows.Bytes(5), rows.Bytes(6)};
+    table.enlargeChromaColumns(in.data(), outs.data(), width);
+}
+
+void CallEnlargeChromaRow(const KernelTable& table, BenchRows& rows, int32_t width) {
+    constexpr std::array<int16_t, 3> weights{43 * 128, 16384, 43 * 128};
+    table.enlargeChromaRow(rows.Bytes(0), weights.data(), rows.Bytes(1), width);
+}
+
+void CallBlendChromaRows(const KernelTable& table, BenchRows& rows, int32_t width) {
+    const std::array<const uint8_t*, 4> in{rows.Bytes(0), rows.Bytes(1), rows.Bytes(2), rows.Bytes(3)};
+    table.blendChromaRows(in.data(), rows.Bytes(4), width / 2);
+}
+
+constexpr LumaCurve contrastCurve{900, -400, 8100};
+constexpr int32_t noiseStart = 40;
+
+const KernelBench kernelBenches[] = {
+    {"splitRow", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.splitRow(rows.Bytes(0), rows.Words(0), rows.Words(1), width);
+     }},
+    {"enlargeRow", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.enlargeRow(rows.Words(0), rows.Words(1), rows.taps.data(), rows.Bytes(0), width / 3);
+     }},
+    {"limitEdges", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.limitEdges(rows.Bytes(0), rows.Bytes(1), width, EdgeLimits{});
+     }},
+    {"limitEdgesOddZone", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         EdgeLimits limits;
+         limits.deadZone = 30;
+         table.limitEdges(rows.Bytes(0), rows.Bytes(1), width, limits);
+     }},
+    {"fir5", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.fir5(rows.Bytes(0), rows.Bytes(1), width, 4, width - 4, rows.taps.data(), rows.Words(0));
+     }},
+    {"fir7", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.fir7(rows.Bytes(0), rows.Bytes(1), width, 4, width - 4, rows.taps.data(), rows.Words(0));
+     }},
+    {"fir8", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.fir8(rows.Bytes(0), rows.Bytes(1), width, 4, width - 4, rows.taps.data(), rows.Words(0));
+     }},
+    {"expandRow", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.expandRow(rows.Bytes(0), rows.Words(0), width);
+     }},
+    {"enlargeColumns", 1, CallEnlargeColumns},
+    {"enlargeChromaRow", 1, CallEnlargeChromaRow},
+    {"enlargeChromaColumns", 3, CallEnlargeChromaColumns},
+    {"sharpenColumns", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.sharpenColumns(rows.Bytes(0), rows.Bytes(1), rows.Bytes(2), rows.Bytes(3), width, 9);
+     }},
+    {"lightingVotes", 2,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.lightingVotes(rows.Bytes(0), rows.Bytes(1), rows.Bytes(2), width / 2, rows.Bytes(3), rows.Bytes(4),
+                             rows.Bytes(5), rows.Bytes(6));
+     }},
+    {"splitPackedRow", 2,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.splitPackedRow(rows.Bytes(0), rows.Bytes(1), rows.Bytes(2), rows.Bytes(3), width / 2);
+     }},
+    {"toneLuma", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.toneLuma(rows.Bytes(0), rows.Bytes(1), width, contrastCurve, rows.pattern.data(), rows.noise.data(),
+                        noiseStart);
+     }},
+    {"toneLumaOverlay", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.toneLumaOverlay(rows.Bytes(0), rows.Bytes(1), width, contrastCurve, rows.pattern.data(),
+                               rows.noise.data(), noiseStart, rows.Keep(), rows.Bytes(2), rows.pattern.data());
+     }},
+    {"toneChroma", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.toneChroma(rows.Bytes(0), rows.Bytes(1), width, rows.pattern.data(), rows.pattern.data());
+     }},
+    {"toneChromaNoise", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.toneChromaNoise(rows.Bytes(0), rows.Bytes(1), width, rows.pattern.data(), rows.pattern.data(),
+                               rows.noise.data(), noiseStart);
+     }},
+    {"toneChromaOverlay", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.toneChromaOverlay(rows.Bytes(0), rows.Bytes(1), width, rows.pattern.data(), rows.pattern.data(),
+                                 rows.noise.data(), noiseStart, rows.Keep(), rows.Bytes(2), rows.pattern.data());
+     }},
+    {"blendChromaRows", 1, CallBlendChromaRows},
+    {"interleave", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.interleave(rows.Bytes(0), rows.Bytes(1), rows.Bytes(2), width / 2);
+     }},
+};
+
+void RunKernel(benchmark::State& state, const KernelBench& bench, const KernelTable& table, int32_t width) {
+    BenchRows rows;
+    for (auto _ : state) {
+        bench.call(table, rows, width);
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * width * bench.rowsWritten);
+}
+
+bool RegisterKernels() {
+    const SimdSupport support = DetectSimdSupport();
+    const InstructionSets sets{.sse2 = support.sse2, .avx2 = support.avx2, .avx512 = support.avx512bw};
+    for (const KernelBench& bench : kernelBenches)
+        for (const int32_t width : {960, longestRow})
+            for (const KernelTable* table : AllKernels())
+                if (CanRun(*table, sets)) {
+                    const std::string name =
+                        std::string("kernel/") + bench.name + "/" + std::to_string(width) + "/" + table->name;
+                    benchmark::RegisterBenchmark(name.c_str(), RunKernel, bench, *table, width)->MinTime(0.05);
+                }
+    return true;
+}
+
+[[maybe_unused]] const bool kernelsRegistered = RegisterKernels();
+
+}  // namespace
+}  // namespace clarivex
