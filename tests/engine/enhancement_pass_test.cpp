@@ -111,7 +111,8 @@ TEST_F(Pass, ReportsSizeAndAspectOfWhatItWrote) {
 TEST_F(Pass, WritesThePlanesNamedUnlessOneAxisIsScaled) {
     const DecodedPicture picture(40, 20, 40, Texture::soft, 1);
     engine.sharpness = -1.0F;
-    for (const auto& [modes, whole] : {std::pair{ScaleModes{0, 0}, false}, {ScaleModes{1, 1}, false}, {ScaleModes{1, 0}, true}}) {
+    for (const auto& [modes, whole] :
+         {std::pair{ScaleModes{0, 0}, false}, {ScaleModes{1, 1}, false}, {ScaleModes{1, 0}, true}}) {
         engine.horizontalMode = modes.horizontal;
         engine.verticalMode = modes.vertical;
         const WorkingImage target = TestImage(60, 30, Texture::hard, 2);
@@ -196,7 +197,8 @@ public:
         DesignFilters(engine, strength, modes.horizontal);
         filter = DesignPostFilter(engine, strength, modes.horizontal);
         StageSettings& stages = engine.stages;
-        stages.postNarrowH.baseGainLog2 = stages.postNarrowV.baseGainLog2 = static_cast<float>(engine.baseDetailGain * 0.3);
+        stages.postNarrowH.baseGainLog2 = stages.postNarrowV.baseGainLog2 =
+            static_cast<float>(engine.baseDetailGain * 0.3);
         reduction = SetUpNoiseReduction(engine, modes, false, stages);
         work = source;
         if (stages.preModeH != 0 || stages.preModeV != 0 || stages.gatedH != 0 || stages.gatedV != 0 ||
@@ -296,7 +298,8 @@ protected:
         WorkingImage actual, expected;
         float aspect = 1.0F;
         FrameInfo info;
-        if (EnhancementPass(engine, frame, picture.Source(), {&actual, nullptr}, aspect, info, allPlanes, scalarKernels) != 1)
+        if (EnhancementPass(engine, frame, picture.Source(), {&actual, nullptr}, aspect, info, allPlanes,
+                            scalarKernels) != 1)
             return testing::AssertionFailure() << "nothing written";
         if (picture.Bytes() != before) return testing::AssertionFailure() << "the decoder's frame has changed";
         expected.Resize(actual.Planes().luma.width, actual.Planes().luma.height);
@@ -355,7 +358,8 @@ std::string ModeName(const testing::TestParamInfo<std::tuple<int32_t, int32_t>>&
     return std::string(names[std::get<0>(mode.param)]) + (std::get<1>(mode.param) != 0 ? "ColumnsFirst" : "RowsFirst");
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryMode, PassInModes, testing::Combine(testing::Range(0, 3), testing::Range(0, 2)), ModeName);
+INSTANTIATE_TEST_SUITE_P(EveryMode, PassInModes, testing::Combine(testing::Range(0, 3), testing::Range(0, 2)),
+                         ModeName);
 
 }  // namespace
 }  // namespace clarivex

@@ -24,38 +24,6 @@ Plane PartOf(const Plane& plane, int32_t firstColumn) {
     return {plane.data + firstColumn, plane.width - firstColumn, plane.height, plane.stride};
 }
 
-TEST(PictureScaler, EnlargesAllPlanesOfBothOrders) {
-    for (const auto& [width, height] : {std::pair{33, 9}, {40, 17}, {85, 12}, {86, 8}}) {
-        const DecodedPicture picture(width, height, width + width % 2, Texture::soft, 1);
-        ScalerScratch scratch;
-        PictureScaler scaler(scratch, scalarKernels, false);
-        WorkingImage half, rowsFirst, tall, columnsFirst;
-        scaler.ScaleHorizontalPlane(half, picture.Source(), Rows(), false, allPlanes);
-        scaler.ScaleVerticalFirst(rowsFirst, SourceOf(half), Columns(), allPlanes);
-        scaler.ScaleVerticalFirst(tall, picture.Source(), Columns(), allPlanes);
-        scaler.ScaleHorizontalPlane(columnsFirst, SourceOf(tall), Rows(), false, allPlanes);
-
-        const ImagePlanes& source = picture.Source().planes;
-        const WorkingImage wide = TestImage(3 * width / 2, height, Texture::hard, 1);
-        PlainScaleRows(wide.Planes().luma, source.luma, picture.Source().end, Rows());
-        EXPECT_TRUE(SameSamples(half.Planes().luma, wide.Planes().luma)) << width;
-        const WorkingImage both = TestImage(3 * width / 2, 3 * height / 2, Texture::hard, 1);
-        PlainScaleColumns(both.Planes().luma, half.Planes().luma, EndOf(half), Columns());
-        EXPECT_TRUE(SameSamples(rowsFirst.Planes().luma, both.Planes().luma)) << width;
-        PlainScaleColumns(both.Planes().luma, source.luma, picture.Source().end, Columns());
-        EXPECT_TRUE(SameSamples(tall.Planes().luma, both.Planes().luma, width, 3 * height / 2)) << width;
-        PlainScaleRows(both.Planes().luma, tall.Planes().luma, EndOf(tall), Rows());
-        EXPECT_TRUE(SameSamples(columnsFirst.Planes().luma, both.Planes().luma)) << width;
-
-        PlainScaleChromaRows(wide.Planes().third, source.third, false);
-        PlainScaleChromaColumns(both.Planes().third, wide.Planes().third);
-        EXPECT_TRUE(SameSamples(rowsFirst.Planes().third, both.Planes().third)) << width;
-        PlainScaleChromaColumns(tall.Planes().second, source.second);
-        PlainScaleChromaRows(both.Planes().second, tall.Planes().second, false);
-        EXPECT_TRUE(SameSamples(columnsFirst.Planes().second, both.Planes().second)) << width;
-    }
-}
-
 TEST(PictureScaler, TouchesOnlyThePlanesNamed) {
     const WorkingImage source = TestImage(32, 16, Texture::soft, 1);
     const WorkingImage untouched = TestImage(48, 24, Texture::hard, 2);
@@ -89,7 +57,8 @@ TEST(PictureScaler, ShowsTheRightPartInASplitView) {
     const WorkingImage expectedTall = TestImage(200, 12, Texture::hard, 2);
     // 200 / 2 − 4 without its low four bits is 96, in both.
     scaler.ScaleVertical(tall.Planes(), SourceOf(source), Columns(), lumaPlane);
-    PlainScaleColumns(PartOf(expectedTall.Planes().luma, 96), PartOf(source.Planes().luma, 96), EndOf(source), Columns());
+    PlainScaleColumns(PartOf(expectedTall.Planes().luma, 96), PartOf(source.Planes().luma, 96), EndOf(source),
+                      Columns());
     EXPECT_TRUE(SameSamples(tall.Planes().luma, expectedTall.Planes().luma));
 
     const WorkingImage narrow = TestImage(4, 8, Texture::soft, 1);

@@ -8,9 +8,7 @@
 namespace clarivex {
 namespace {
 
-uint8_t Limited(int32_t value) {
-    return static_cast<uint8_t>(std::clamp(value, 0, 255));
-}
+uint8_t Limited(int32_t value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
 
 /// Sample x of a row as it lies in memory; behind the end of memory the row's last sample.
 int32_t SampleAt(const Plane& plane, const uint8_t* end, int32_t x, int32_t y) {
@@ -95,13 +93,13 @@ void PlainScaleRows(const Plane& target, const Plane& source, const uint8_t* sou
 void PlainScaleColumns(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const ColumnStages& stages) {
     if (source.height < 4) return;
     for (int32_t x = 0; x < source.width; x += 16) {
-        const Plane strip{source.data + x, std::min(16, source.width - x), source.height, source.stride};
+        const Plane strip{source.data + x, 16, source.height, source.stride};
         if (stages.preStage.gated) GatedDetailColumns(strip, stages.preStage.gains);
         if (stages.preStage.mode == 1) NarrowDetailColumns(strip, stages.preStage.gains);
         if (stages.preStage.mode == 2) KneeDetailColumns(strip, stages.preStage.gains);
     }
     for (int32_t out = 0; out < 3 * source.height / 2; ++out)
-        for (int32_t x = 0; x < source.width; ++x) {
+        for (int32_t x = 0; x < (source.width + 7) / 8 * 8; ++x) {
             int32_t sum = 0;
             for (int32_t k = 0; k < 8; ++k) {
                 const int32_t row = std::clamp(2 * (out / 3) + out % 3 + k - 4, 0, source.height - 1);
@@ -120,8 +118,8 @@ void PlainScaleChromaRows(const Plane& target, const Plane& source, bool chromaO
         const auto p = [&](int32_t x) { return int32_t{source.Row(y)[std::clamp(x, 0, source.width - 1)]}; };
         uint8_t* out = target.Row(y);
         for (int32_t n = 0; n <= lastPair; ++n, out += 3) {
-            const int32_t near = chromaOdd && n < lastPair ? 171 : 213;
-            out[0] = static_cast<uint8_t>((near * p(2 * n) + (256 - near) * p(2 * n - 1)) >> 8);
+            const int32_t weight = chromaOdd && n < lastPair ? 171 : 213;
+            out[0] = static_cast<uint8_t>((weight * p(2 * n) + (256 - weight) * p(2 * n - 1)) >> 8);
             if (chromaOdd && n < lastPair) {
                 out[1] = static_cast<uint8_t>((171 * p(2 * n) + 85 * p(2 * n + 1)) >> 8);
                 out[2] = static_cast<uint8_t>(p(2 * n + 1));

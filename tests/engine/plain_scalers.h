@@ -10,7 +10,8 @@ namespace clarivex {
 /// pre-stage.
 void PlainScaleRows(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const RowStages& stages);
 
-/// Luma down the columns; the target has 3 · height / 2 rows.
+/// Luma down the columns, spare ones up to a multiple of 8 included, which a pass along the rows reads. The target has
+/// 3 · height / 2 rows.
 void PlainScaleColumns(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const ColumnStages& stages);
 
 /// Chroma along the rows: 3 · ⌈width / 2⌉ columns.

@@ -29,7 +29,8 @@ void SetDetail(RowStages& stages) {
     stages.detailOn = true;
     stages.detailGains = Gains(0.5F, 0.5F, 3.0F);
 }
-void SetPostFilter(RowStages& stages, const DetailTaps& taps = {0, 0, 0, 0, 0, 138, 385, -3321, 13756, -3321, 385, 138}) {
+void SetPostFilter(RowStages& stages,
+                   const DetailTaps& taps = {0, 0, 0, 0, 0, 138, 385, -3321, 13756, -3321, 385, 138}) {
     stages.postFilterOn = true;
     stages.postTaps = taps;
 }

@@ -19,12 +19,14 @@ char KindOf(const Plane& picture, const Plane& before, const Plane& source, uint
 /// Samples of one value each, so that their origin shows: 200 written, 100 the source's.
 class CompletedPicture {
 public:
-    CompletedPicture(std::pair<int32_t, int32_t> size, std::pair<int32_t, int32_t> sourceSize, const WrittenPart& written) {
+    CompletedPicture(std::pair<int32_t, int32_t> size, std::pair<int32_t, int32_t> sourceSize,
+                     const WrittenPart& written) {
         Fill(picture, size.first, size.second, 200);
         Fill(before, size.first, size.second, 200);
         Fill(source, sourceSize.first, sourceSize.second, 100);
         // A written picture tells its columns apart.
-        for (const Plane& plane : {picture.Planes().luma, before.Planes().luma, picture.Planes().third, before.Planes().third})
+        for (const Plane& plane :
+             {picture.Planes().luma, before.Planes().luma, picture.Planes().third, before.Planes().third})
             for (int32_t y = 0; y < plane.height; ++y)
                 for (int32_t x = 0; x < plane.stride; ++x) plane.Row(y)[x] = static_cast<uint8_t>(200 + x % 50);
         CompletePlanes(picture.Planes(), source.Planes(), written);

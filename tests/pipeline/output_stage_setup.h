@@ -73,17 +73,11 @@ inline NoiseSample NoiseAt(const NoiseTable& noise, int32_t x, int32_t y) {
     return {group[column % 8], group[8 + column % 8]};
 }
 
-inline int32_t High(int32_t a, int32_t b) {
-    return (static_cast<int16_t>(a) * static_cast<int16_t>(b)) >> 16;
-}
+inline int32_t High(int32_t a, int32_t b) { return (static_cast<int16_t>(a) * static_cast<int16_t>(b)) >> 16; }
 
-inline int32_t Wrap(int32_t value) {
-    return static_cast<int16_t>(value);
-}
+inline int32_t Wrap(int32_t value) { return static_cast<int16_t>(value); }
 
-inline uint8_t Limit(int32_t value) {
-    return static_cast<uint8_t>(std::clamp(value, 0, 255));
-}
+inline uint8_t Limit(int32_t value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
 
 inline int32_t CurveAt(const OutputConstants& c, int32_t sample) {
     const int32_t q = sample << 7;

@@ -91,6 +91,7 @@ constexpr Shape shapes[] = {
     {33, 10, 33, 10, 68, 0},    // odd width
     {45, 15, 45, 15, 92, 0},    // odd height without a row below
     {45, 15, 48, 22, 160, 60},  // scaled along its rows only: a black row below
+    {45, 14, 48, 22, 160, 0},   // the same with an even height: one black word beside the black row
     {64, 9, 64, 8, 130, 2},     // a margin of half a word
     {150, 6, 152, 6, 304, 0},
 };
@@ -145,7 +146,8 @@ TEST_F(PackedOutput, WritesNoByteWithoutAPicture) {
     std::vector<uint8_t> bytes(128 * 4, 0xA5);
     const std::vector<uint8_t> before = bytes;
     const LightingCorrection neutral;
-    ImagePlanes chromaOnly = TestImage(64, 4, Texture::soft, 3).Planes();
+    const WorkingImage source = TestImage(64, 4, Texture::soft, 3);
+    ImagePlanes chromaOnly = source.Planes();
     chromaOnly.luma = {};
     PackedOutputStage({bytes.data(), 64, 4, 128}, bytes.data() + bytes.size(), chromaOnly,
                       {neutral, tiles, noise, scalarKernels, scratch});

@@ -31,8 +31,7 @@ public:
         for (int32_t y = 0; y < height; y += 2) {
             for (int32_t x = 0; x < chromaWidth; ++x) {
                 target.second.Row(y / 2)[x] = Chroma(source.second.Row(y / 2)[x], x, 1, y);
-                if (Overlay(y) != nullptr)
-                    target.third.Row(y / 2)[x] = Chroma(source.third.Row(y / 2)[x], x, 0, y);
+                if (Overlay(y) != nullptr) target.third.Row(y / 2)[x] = Chroma(source.third.Row(y / 2)[x], x, 0, y);
             }
             FillMargin(target.second, y / 2, chromaWidth, 0x80);
         }

@@ -20,7 +20,8 @@ namespace clarivex {
 enum class Texture { hard, soft };
 
 inline uint8_t TextureSample(Texture texture, int32_t x, int32_t y, uint32_t noise) {
-    if (texture == Texture::hard) return static_cast<uint8_t>((noise & 256) != 0 ? noise : (noise & 512) != 0 ? 255 : 0);
+    if (texture == Texture::hard)
+        return static_cast<uint8_t>((noise & 256) != 0 ? noise : (noise & 512) != 0 ? 255 : 0);
     const int32_t step = (x / 9 + y / 7) % 3 * 30;
     return static_cast<uint8_t>(80 + step + x % 32 + static_cast<int32_t>(noise % 9));
 }
@@ -40,9 +41,7 @@ inline const uint8_t* EndOf(const WorkingImage& image) {
     return luma.data + LayoutPlanes(luma.width, luma.height).blockBytes;
 }
 
-inline SourceImage SourceOf(const WorkingImage& image) {
-    return {image.Planes(), EndOf(image)};
-}
+inline SourceImage SourceOf(const WorkingImage& image) { return {image.Planes(), EndOf(image)}; }
 
 /// A working image full of samples, spare columns and rows included. The same arguments give the same image.
 inline WorkingImage TestImage(int32_t width, int32_t height, Texture texture, uint32_t seed) {

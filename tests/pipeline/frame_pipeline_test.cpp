@@ -1,0 +1,203 @@
+#include "pipeline/frame_pipeline.h"
+
+#include <gtest/gtest.h>
+
+#include "engine/enhancement_engine.h"
+#include "overlay/overlay_tiles.h"
+#include "pipeline/noise_table.h"
+#include "tests/support/memory_count.h"
+#include "tests/support/synthetic_video.h"
+#include "tests/support/test_images.h"
+
+namespace clarivex {
+namespace {
+
+constexpr PixelFormat formats[] = {PixelFormat::yv12, PixelFormat::iyuv, PixelFormat::yuy2};
+
+/// What a process has once, fresh for each test.
+struct Process {
+    explicit Process(const KernelTable& kernels = scalarKernels) : pipeline(engine, noise, overlay, kernels) {}
+
+    FrameResult Run(SyntheticVideo& video) {
+        video.NextFrame();
+        const FrameResult result = pipeline.RunFrame(video.request, video.Output(), video.Input());
+        video.request.newStream = video.request.settingsDirty = false;
+        return result;
+    }
+
+    EnhancementEngine engine;
+    NoiseTable noise;
+    OverlayTiles overlay;
+    FramePipeline pipeline;
+};
+
+/// Three frames of a stream and the digest of its visible samples, for YV12, IYUV and YUY2.
+struct Stream {
+    int32_t width, height;
+    bool scaled;
+    float sharpness;
+    bool lighting;
+    uint32_t digests[3];
+};
+
+// clang-format off
+// Pictures of 1024 rows are enlarged along their rows only, those of 2050 columns not at all.
+constexpr Stream streams[] = {
+    {  33,   17, true,   1.0F, true,  {0xa0fb4420, 0x150e2ebe, 0x556db497}},
+    {  50,   36, true,   0.5F, false, {0x64bd7a10, 0xefbc54a1, 0xa6ece739}},
+    {  61,   45, true,   2.0F, true,  {0x8a807a96, 0xe0d59357, 0x20166e5c}},
+    {  47,   29, true,   1.5F, false, {0x11d8bfac, 0xaac44524, 0xde583b4c}},
+    {  88,   40, true,  0.37F, true,  {0xb9e3b55f, 0x6327d4bf, 0xebd28e2e}},
+    { 700,   24, true,   1.2F, false, {0x3afe871e, 0xcbd96b7d, 0xa4097a94}},
+    {  64, 1024, true,   1.0F, true,  {0x2624d738, 0xc499f226, 0x23451e66}},
+    {2050,   16, true,   0.8F, false, {0x89ebc601, 0x89ebc601, 0x6b3c3c36}},
+    {  33,   17, false,  1.0F, false, {0xe768aaca, 0x3e37fa36, 0xe9b78dbc}},
+    {  50,   36, false,  0.5F, true,  {0xe03c26ce, 0x7f584efd, 0x3dbf713d}},
+    {  61,   45, false,  2.0F, false, {0x52f5acb7, 0x9519c61e, 0x7030ddf4}},
+    {  47,   29, false,  1.5F, true,  {0x8800dbb8, 0xe79a9d18, 0x7245f0e6}},
+    {  88,   40, false, 0.37F, false, {0xfdbc5c77, 0xfdbc5c77, 0x4a2e3c8f}},
+    { 700,   24, false,  1.2F, true,  {0x3a768ad4, 0x90523e12, 0x95689bd2}},
+    {  64, 1024, false,  1.0F, false, {0xbccbb718, 0xbccbb718, 0xb278fb55}},
+    {2050,   16, false,  0.8F, true,  {0x57420eb6, 0xc658de49, 0x5270eb4c}},
+};
+// clang-format on
+
+uint32_t DigestOf(const Stream& stream, PixelFormat format, const KernelTable& kernels) {
+    Process process(kernels);
+    SyntheticVideo video(format, stream.width, stream.height, stream.scaled);
+    video.request.sharpness = stream.sharpness;
+    video.request.enableLighting = stream.lighting;
+    uint32_t digest = 0;
+    for (int32_t frame = 0; frame < 3; ++frame) {
+        EXPECT_EQ(process.Run(video).code, S_OK);
+        digest = video.Digest(digest);
+    }
+    return digest;
+}
+
+TEST(RunFrame, GivesTheSameBytesOnEverySystemAndAtEveryWidth) {
+    ForEachRunnableTable([](const KernelTable& kernels) {
+        for (const Stream& stream : streams)
+            for (size_t format = 0; format < std::size(formats); ++format)
+                EXPECT_EQ(DigestOf(stream, formats[format], kernels), stream.digests[format])
+                    << kernels.name << ", format " << format << ", " << stream.width << " x " << stream.height
+                    << (stream.scaled ? ", scaled" : "");
+    });
+}
+
+TEST(RunFrame, AllocatesNothingFromTheSecondFrameOn) {
+    for (const PixelFormat format : formats)
+        for (const bool scaled : {false, true}) {
+            Process process;
+            SyntheticVideo video(format, 61, 45, scaled);
+            process.Run(video);
+            const MemoryCount memory;
+            for (int32_t frame = 0; frame < 5; ++frame) process.Run(video);
+            video.request.sharpness = 1.7F;
+            video.request.settingsDirty = true;
+            process.Run(video);
+            EXPECT_EQ(MemoryCount::Attempts(), 0) << static_cast<int>(format) << ", scaled " << scaled;
+        }
+}
+
+TEST(RunFrame, AllocatesNoMoreWhenNoiseReductionRunsAgain) {
+    Process process;
+    process.engine.noiseReduction = 3.0F;
+    process.engine.noiseStagesH = process.engine.noiseStagesV = 2;
+    SyntheticVideo video(PixelFormat::yv12, 61, 45, true);
+    process.Run(video);
+    const MemoryCount memory;
+    process.Run(video);
+    EXPECT_EQ(MemoryCount::Attempts(), 0);
+}
+
+TEST(RunFrame, WaitsWhileMemoryIsShortAndThenFinishes) {
+    Process ample, scarce;
+    SyntheticVideo expected(PixelFormat::yuy2, 33, 17, true);
+    SyntheticVideo video(PixelFormat::yuy2, 33, 17, true);
+    ample.Run(expected);
+    const MemoryCount memory(2);
+    EXPECT_EQ(scarce.Run(video).code, S_OK);
+    EXPECT_GT(MemoryCount::Attempts(), 2);
+    EXPECT_EQ(video.output, expected.output);
+}
+
+TEST(RunFrame, KeepsNothingOfAnotherSizeOrFormat) {
+    Process process;
+    int32_t framesBefore = 0;
+    for (const auto& [width, height] : {std::pair{88, 40}, {33, 17}, {61, 45}})
+        for (const PixelFormat format : formats) {
+            SyntheticVideo video(format, width, height, true);
+            SyntheticVideo alone(format, width, height, true);
+            Process fresh;
+            for (int32_t i = 0; i < framesBefore; ++i) fresh.noise.Advance();
+            fresh.Run(alone);
+            process.engine.lightingAdoptNow = 1;
+            process.Run(video);
+            EXPECT_EQ(video.output, alone.output) << width << ", format " << static_cast<int>(format);
+            ++framesBefore;
+        }
+}
+
+TEST(RunFrame, LeavesTheOutputOfTooSmallPicturesAlone) {
+    for (const auto& [width, height] : {std::pair{31, 100}, {40, 7}}) {
+        Process process;
+        SyntheticVideo video(PixelFormat::yv12, width, height, true);
+        const std::vector<uint8_t> before(video.output.size(), 0xA5);
+        video.output = before;
+        const FrameResult result = process.pipeline.RunFrame(video.request, video.Output(), video.Input());
+        EXPECT_EQ(result.code, S_OK);
+        EXPECT_FALSE(result.settingsApplied);
+        EXPECT_EQ(video.output, before);
+    }
+    Process process;
+    SyntheticVideo video(PixelFormat::yv12, 32, 8, true);
+    EXPECT_TRUE(process.Run(video).settingsApplied);
+}
+
+TEST(RunFrame, CopiesWhenDisabled) {
+    for (const PixelFormat format : formats) {
+        Process process;
+        SyntheticVideo video(format, 50, 36, true);
+        video.request.enabled = false;
+        SyntheticVideo untouched = video;
+        untouched.NextFrame();
+        EXPECT_FALSE(process.Run(video).settingsApplied);
+        EXPECT_EQ(video.output, untouched.output) << "which holds the source at its upper left already";
+        EXPECT_EQ(process.engine.sharpness, 0);
+    }
+}
+
+TEST(RunFrame, RefusesWhatItCannotReach) {
+    Process process;
+    SyntheticVideo video(PixelFormat::yuy2, 50, 36, true);
+    const std::vector<uint8_t> before = video.output;
+    EXPECT_EQ(process.pipeline.RunFrame(video.request, {nullptr, 1}, video.Input()).code, E_POINTER);
+    EXPECT_EQ(
+        process.pipeline.RunFrame(video.request, video.Output(), {video.input.data(), video.input.size() - 1}).code,
+        E_INVALIDARG);
+    EXPECT_EQ(
+        process.pipeline.RunFrame(video.request, {video.output.data(), video.output.size() - 1}, video.Input()).code,
+        E_INVALIDARG);
+    video.request.format = PixelFormat::other;
+    EXPECT_EQ(process.pipeline.RunFrame(video.request, {nullptr, 0}, {nullptr, 0}).code, S_OK);
+    EXPECT_EQ(video.output, before);
+}
+
+TEST(RunFrame, StartsTheLevelsOfANewStream) {
+    Process process;
+    SyntheticVideo video(PixelFormat::yv12, 200, 150, true);
+    process.Run(video);
+    const float tracked = process.engine.lighting.trackedBlack;
+    EXPECT_NE(tracked, 16);
+    process.Run(video);
+    EXPECT_NE(process.engine.lighting.trackedBlack, 16);
+    video.request.newStream = true;
+    video.request.enabled = false;
+    process.Run(video);
+    EXPECT_EQ(process.engine.lighting.trackedBlack, 16);
+    EXPECT_EQ(process.engine.lighting.trackedWhite, 235);
+}
+
+}  // namespace
+}  // namespace clarivex
