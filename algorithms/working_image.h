@@ -16,6 +16,9 @@ public:
     /// Views of the planes; their `owner` is null, since this object owns the block.
     const ImagePlanes& Planes() const { return planes; }
 
+    /// End of the block.
+    const uint8_t* End() const { return block.get() + LayoutPlanes(planes.luma.width, planes.luma.height).blockBytes; }
+
 private:
     SampleBlock block;
     ImagePlanes planes;

@@ -151,11 +151,7 @@ private:
         haveCopy = true;
     }
 
-    static SourceImage SourceOf(const WorkingImage& image) {
-        const ImagePlanes& planes = image.Planes();
-        const PlaneLayout layout = LayoutPlanes(planes.luma.width, planes.luma.height);
-        return {planes, planes.luma.data + layout.blockBytes};
-    }
+    static SourceImage SourceOf(const WorkingImage& image) { return {image.Planes(), image.End()}; }
 
     /// A frame that passes twice is analysed once.
     void AnalyseLightingOnce() {

@@ -36,11 +36,6 @@ PassPlanes DownColumns(const Plane& target, const Plane& source, bool splitView)
     return {RightOf(target, offset), RightOf(source, offset)};
 }
 
-const uint8_t* EndOf(const WorkingImage& image) {
-    const Plane& luma = image.Planes().luma;
-    return luma.data + LayoutPlanes(luma.width, luma.height).blockBytes;
-}
-
 }  // namespace
 
 void PictureScaler::ScaleHorizontal(const ImagePlanes& target, const SourceImage& source, const RowStages& stages,
@@ -87,7 +82,7 @@ void PictureScaler::ScaleLumaBothAxes(const ImagePlanes& target, const WorkingIm
     const PassPlanes rows = AlongRows(between, source.planes.luma, splitView);
     const PassPlanes columns = DownColumns(target.luma, between, splitView);
     RowScaler rowScaler(rows.target, rows.source, source.end, rowStages, scratch.rows, kernels);
-    ColumnScaler columnScaler(columns.target, columns.source, EndOf(half), columnTaps, scratch.columns, kernels);
+    ColumnScaler columnScaler(columns.target, columns.source, half.End(), columnTaps, scratch.columns, kernels);
     for (int32_t y = 0; y < between.height; y += stripSize) {
         rowScaler.ScaleStrip(y);
         columnScaler.Advance(std::min(y + stripSize, between.height));

@@ -42,7 +42,7 @@ RowScaler::RowScaler(const Plane& target, const Plane& source, const uint8_t* so
       groups((source.width + groupSamples - 1) / groupSamples),
       columns((target.width + storedGroup - 1) & ~(storedGroup - 1)),
       form(stages.postFilterOn ? ChooseDetailFirForm(stages.postTaps) : DetailFirForm::general),
-      cross(stages.cross, scratch.line.Prepare(target.width + groupSamples)),
+      cross(stages.cross, stages.crossOn ? scratch.line.Prepare(target.width + groupSamples) : nullptr),
       rows{scratch.source.Prepare(groups * groupSamples),  scratch.even.Prepare(groups * groupSamples / 2),
            scratch.odd.Prepare(groups * groupSamples / 2), scratch.enlarged.Prepare(groups * groupOutputs),
            scratch.limited.Prepare(groups * groupOutputs), scratch.words.Prepare(groups * groupOutputs)},

@@ -21,12 +21,6 @@ ToneSettings ToneSettingsOf(const EngineSettings& settings) {
             .lightingEnabled = settings.lightingEnabled != 0};
 }
 
-/// End of a working image's memory.
-const uint8_t* EndOf(const WorkingImage& image) {
-    const Plane& luma = image.Planes().luma;
-    return luma.data + LayoutPlanes(luma.width, luma.height).blockBytes;
-}
-
 }  // namespace
 
 float StrengthOfSlider(float sharpness) {
@@ -59,7 +53,7 @@ void FrameDriver::ApplySettings(const FrameRequest& request) {
 void FrameDriver::EnhancePacked(const FrameRequest& request, const FrameLayout& layout) {
     workspace.split.Resize(layout.width, layout.height);
     LoadFrame(layout.input.luma, workspace.split.Planes(), kernels);
-    const SourceImage source{workspace.split.Planes(), EndOf(workspace.split)};
+    const SourceImage source{workspace.split.Planes(), workspace.split.End()};
     float aspect = request.pixelAspect;
     const FrameInfo info = RunEngine(request, source, {&workspace.enhanced, nullptr}, aspect);
 

@@ -24,6 +24,11 @@ struct Avx512Lanes {
 
     static I16 Set(int16_t v) { return _mm512_set1_epi16(v); }
     static I16 Load(const int16_t* p) { return _mm512_loadu_si512(p); }
+    /// Keeps what has been loaded in a register: for a value that is used often, compilers load it anew each time.
+    static I16 InRegister(I16 v) {
+        asm("" : "+v"(v));
+        return v;
+    }
     static void Store(int16_t* p, I16 v) { _mm512_storeu_si512(p, v); }
     static I16 LoadU8(const uint8_t* p) {
         return _mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)));

@@ -11,8 +11,8 @@ namespace {
 /// a pulled towards b by weight / 32768, rounded down.
 template <class Lanes>
 typename Lanes::I16 Pull(typename Lanes::I16 a, typename Lanes::I16 b, typename Lanes::I16 weight) {
-    const auto twice = Lanes::template ShiftLeft<1>(Lanes::SubWrap(b, a));
-    return Lanes::AddWrap(a, Lanes::MulHigh(twice, weight));
+    const auto distance = Lanes::SubWrap(b, a);
+    return Lanes::AddWrap(a, Lanes::MulHigh(Lanes::AddWrap(distance, distance), weight));
 }
 
 template <class Lanes>

@@ -18,31 +18,37 @@ void SplitRow(const uint8_t* row, int16_t* even, int16_t* odd, int32_t count) {
     });
 }
 
-/// Sum of one phase: `first` and `second` are the word rows that its taps take in turn.
+/// The words that the three phases of a register of outputs look at: even and odd samples two before to two behind.
 template <class Lanes>
-typename Lanes::I16 PhaseSum(const int16_t* first, const int16_t* second, const typename Lanes::I16* taps) {
-    auto sum = Lanes::Set(8160);
-    for (int32_t k = 0; k < 8; k += 2) {
-        sum = Lanes::AddWrap(sum, Lanes::MulHigh(Lanes::Load(first + k / 2), taps[k]));
-        sum = Lanes::AddWrap(sum, Lanes::MulHigh(Lanes::Load(second + k / 2), taps[k + 1]));
+struct PhaseWindow {
+    typename Lanes::I16 samples[10];
+
+    PhaseWindow(const int16_t* even, const int16_t* odd) {
+        for (int32_t i = 0; i < 5; ++i) {
+            samples[2 * i] = Lanes::InRegister(Lanes::Load(even + i - 2));
+            samples[2 * i + 1] = Lanes::InRegister(Lanes::Load(odd + i - 2));
+        }
     }
-    return Lanes::template ShiftRight<6>(sum);
-}
+
+    typename Lanes::I16 Sum(int32_t phase, const typename Lanes::I16* taps) const {
+        auto sum = Lanes::Set(8160);
+        for (int32_t k = 0; k < 8; ++k)
+            sum = Lanes::AddWrap(sum, Lanes::MulHigh(samples[phase + k], taps[8 * phase + k]));
+        return Lanes::template ShiftRight<6>(sum);
+    }
+};
 
 template <class Lanes>
 void EnlargeRow(const int16_t* even, const int16_t* odd, const int16_t* taps, uint8_t* out, int32_t pairs) {
     typename Lanes::I16 tapWords[24];
     for (int32_t k = 0; k < 24; ++k) tapWords[k] = Lanes::Set(taps[k]);
     for (int32_t n = 0; n < pairs; n += blockLength<Lanes>) {
-        const auto phase = [&](const int16_t* first, const int16_t* second, int32_t j) {
-            const auto low = PhaseSum<Lanes>(first, second, tapWords + 8 * j);
-            const auto high = PhaseSum<Lanes>(first + Lanes::width, second + Lanes::width, tapWords + 8 * j);
-            return typename Lanes::Pair{low, high};
-        };
-        const auto a = phase(even + n - 2, odd + n - 2, 0);
-        const auto b = phase(odd + n - 2, even + n - 1, 1);
-        const auto c = phase(even + n - 1, odd + n - 1, 2);
-        Lanes::StoreTriples(out + 3 * n, a, b, c);
+        typename Lanes::Pair phases[3];
+        const PhaseWindow<Lanes> low(even + n, odd + n);
+        for (int32_t j = 0; j < 3; ++j) phases[j].low = low.Sum(j, tapWords);
+        const PhaseWindow<Lanes> high(even + n + Lanes::width, odd + n + Lanes::width);
+        for (int32_t j = 0; j < 3; ++j) phases[j].high = high.Sum(j, tapWords);
+        Lanes::StoreTriples(out + 3 * n, phases[0], phases[1], phases[2]);
     }
 }
 

@@ -31,8 +31,8 @@ inline void CopyRowEnds(const uint8_t* in, uint8_t* out, int32_t columns, int32_
 }
 
 template <class Lanes>
-void CentreRow(const uint8_t* in, int16_t* words, int32_t first, int32_t end) {
-    for (int32_t x = first; x < end; x += blockLength<Lanes>) {
+void CentreRow(const uint8_t* in, int16_t* words, int32_t width) {
+    for (int32_t x = 0; x < width; x += blockLength<Lanes>) {
         const auto raised = Lanes::RaiseUpperHalf(Lanes::LoadBytes(in + x));
         Lanes::Store(words + x, Lanes::SignedRepeatLow(raised));
         Lanes::Store(words + x + Lanes::width, Lanes::SignedRepeatHigh(raised));
@@ -42,8 +42,7 @@ void CentreRow(const uint8_t* in, int16_t* words, int32_t first, int32_t end) {
 template <class Lanes, int32_t before, int32_t length>
 void FirRow(const uint8_t* in, uint8_t* out, int32_t columns, int32_t first, int32_t end, const int16_t* taps,
             int16_t* words) {
-    constexpr int32_t reach = blockLength < Lanes >> 8 ? blockLength<Lanes> : 8;  // whole blocks, no less than the taps
-    CentreRow<Lanes>(in, words, first < before ? -reach : 0, end + length);
+    CentreRow<Lanes>(in, words, end + length);
     typename Lanes::I16 tapWords[length];
     for (int32_t k = 0; k < length; ++k) tapWords[k] = Lanes::Set(taps[k]);
     ForEachBlock<Lanes>(columns, [&](int32_t x, auto block) {

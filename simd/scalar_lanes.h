@@ -29,6 +29,7 @@ struct ScalarLanes {
 
     static I16 Set(int16_t v) { return v; }
     static I16 Load(const int16_t* p) { return *p; }
+    static I16 InRegister(I16 v) { return v; }
     static void Store(int16_t* p, I16 v) { *p = v; }
     static I16 LoadU8(const uint8_t* p) { return *p; }
 

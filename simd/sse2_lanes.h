@@ -22,6 +22,11 @@ struct Sse2Lanes {
 
     static I16 Set(int16_t v) { return _mm_set1_epi16(v); }
     static I16 Load(const int16_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+    /// Keeps what has been loaded in a register: for a value that is used often, compilers load it anew each time.
+    static I16 InRegister(I16 v) {
+        asm("" : "+x"(v));
+        return v;
+    }
     static void Store(int16_t* p, I16 v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
     static I16 LoadU8(const uint8_t* p) {
         return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), _mm_setzero_si128());

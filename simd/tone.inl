@@ -18,7 +18,8 @@ struct CurveWords {
 
     typename Lanes::I16 operator()(typename Lanes::I16 luma) const {
         const auto q = Lanes::template ShiftLeft<7>(luma);
-        auto t = Lanes::template ShiftLeft<1>(Lanes::MulHigh(q, c3));
+        auto t = Lanes::MulHigh(q, c3);
+        t = Lanes::AddWrap(t, t);
         t = Lanes::template ShiftLeft<2>(Lanes::MulHigh(Lanes::AddWrap(t, c2), q));
         return Lanes::MulHigh(Lanes::AddWrap(t, c1), q);
     }
