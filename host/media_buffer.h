@@ -6,7 +6,7 @@
 #include <new>
 #include <span>
 
-#include "host/com_pointer.h"
+#include "platform/com_pointer.h"
 #include "platform/win32.h"
 
 namespace clarivex {

@@ -6,11 +6,11 @@
 #include <span>
 #include <vector>
 
-#include "host/com_pointer.h"
 #include "host/frame_layout.h"
 #include "host/media_buffer.h"
 #include "host/progress.h"
 #include "host/video_type.h"
+#include "platform/com_pointer.h"
 #include "platform/win32.h"
 
 namespace clarivex {

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "host/com_pointer.h"
+#include "platform/com_pointer.h"
 #include "platform/win32.h"
 
 namespace clarivex {

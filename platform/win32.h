@@ -30,23 +30,10 @@ extern "C" {  // the header does not say so itself
 
 #undef small  // a type name of the interface compiler's headers
 
-// The system's header has these as unsigned numbers, but they are results, which are signed.
-#undef DMO_E_INVALIDSTREAMINDEX
-#undef DMO_E_INVALIDTYPE
-#undef DMO_E_TYPE_NOT_SET
-#undef DMO_E_NOTACCEPTING
-#undef DMO_E_TYPE_NOT_ACCEPTED
-#undef DMO_E_NO_MORE_ITEMS
+#include "platform/windows/result_codes.h"
 
 #else
 
 #include "platform/posix/win32.h"
 
 #endif
-
-inline constexpr HRESULT DMO_E_INVALIDSTREAMINDEX = static_cast<HRESULT>(0x80040201U);
-inline constexpr HRESULT DMO_E_INVALIDTYPE = static_cast<HRESULT>(0x80040202U);
-inline constexpr HRESULT DMO_E_TYPE_NOT_SET = static_cast<HRESULT>(0x80040203U);
-inline constexpr HRESULT DMO_E_NOTACCEPTING = static_cast<HRESULT>(0x80040204U);
-inline constexpr HRESULT DMO_E_TYPE_NOT_ACCEPTED = static_cast<HRESULT>(0x80040205U);
-inline constexpr HRESULT DMO_E_NO_MORE_ITEMS = static_cast<HRESULT>(0x80040206U);

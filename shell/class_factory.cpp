@@ -1,18 +1,18 @@
-// The class table of the module: one class so far, with a factory that is made when somebody asks for it.
+// Class factories, made when somebody asks for them and kept until the module goes.
 #include "shell/class_factory.h"
 
 #include <memory>
+#include <vector>
 
-#include "shell/class_ids.h"
 #include "shell/com_object.h"
 #include "shell/critical_section.h"
-#include "shell/media_object.h"
 #include "shell/module.h"
+#include "shell/object_map.h"
 
 namespace clarivex {
 namespace {
 
-using Creator = HRESULT (*)(IUnknown* outer, REFIID iid, void** out);
+using Creator = decltype(ObjectMapEntry::create);
 
 class CVXClassFactory : public IClassFactory {
 public:
@@ -54,41 +54,38 @@ struct FactoryReleaser {
     void operator()(CachedFactory* factory) const { factory->Release(); }
 };
 
-struct ClassEntry {
-    const GUID& classId;
-    Creator creator;
-    std::unique_ptr<CachedFactory, FactoryReleaser> factory = nullptr;
-};
-
-class ClassTable {
-public:
-    ClassEntry* Find(REFCLSID classId) {
-        for (ClassEntry& entry : entries) {
-            if (IsEqualGUID(entry.classId, classId)) {
-                return &entry;
-            }
+const ObjectMapEntry* FindEntry(REFCLSID classId) {
+    for (const ObjectMapEntry& entry : ObjectMap()) {
+        if (IsEqualGUID(entry.classId, classId)) {
+            return &entry;
         }
-        return nullptr;
     }
+    return nullptr;
+}
 
+class FactoryCache {
+public:
     // Null when memory is short.
-    CachedFactory* FactoryOf(ClassEntry& entry) {
+    CachedFactory* FactoryOf(const ObjectMapEntry& entry) {
         const CriticalSectionGuard guard(creation);
-        if (entry.factory == nullptr) {
-            entry.factory.reset(new (std::nothrow) CachedFactory(entry.creator));
-            if (entry.factory != nullptr) {
-                entry.factory->AddRef();
+        OwnedFactory& factory = factories[static_cast<size_t>(&entry - ObjectMap().data())];
+        if (factory == nullptr) {
+            factory.reset(new (std::nothrow) CachedFactory(entry.create));
+            if (factory != nullptr) {
+                factory->AddRef();
             }
         }
-        return entry.factory.get();
+        return factory.get();
     }
 
 private:
+    using OwnedFactory = std::unique_ptr<CachedFactory, FactoryReleaser>;
+
     CriticalSection creation;
-    ClassEntry entries[1] = {{clsidMediaObject, CreateObject<CVXMediaObject>}};
+    std::vector<OwnedFactory> factories = std::vector<OwnedFactory>(ObjectMap().size());  // as the map is sorted
 };
 
-ClassTable classTable;
+FactoryCache factoryCache;
 
 }  // namespace
 
@@ -97,8 +94,8 @@ HRESULT GetClassObject(REFCLSID classId, REFIID riid, void** object) {
         return E_POINTER;
     }
     *object = nullptr;
-    ClassEntry* entry = classTable.Find(classId);
-    CachedFactory* factory = entry != nullptr ? classTable.FactoryOf(*entry) : nullptr;
+    const ObjectMapEntry* entry = FindEntry(classId);
+    CachedFactory* factory = entry != nullptr ? factoryCache.FactoryOf(*entry) : nullptr;
     return factory != nullptr ? factory->QueryInterface(riid, object) : CLASS_E_CLASSNOTAVAILABLE;
 }
 

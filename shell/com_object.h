@@ -130,28 +130,43 @@ private:
     ModuleLock lock;
 };
 
-/// Gives a new object's interface to its maker; without one the object ends.
-///
-/// object  null: E_OUTOFMEMORY
+/// The last step of an object's making, for classes that have one: `HRESULT Complete()`. The object can be referenced
+/// meanwhile; any result but S_OK is a failure.
+template <class Object>
+HRESULT CompleteObject(Object& object) {
+    if constexpr (requires { object.Complete(); }) {
+        return object.Complete();
+    } else {
+        return S_OK;
+    }
+}
+
+/// Completes a new object and gives its interface to its maker; on failure the object ends.
 template <class Shape>
 HRESULT HandOver(Shape* object, REFIID iid, void** out) {
-    if (object == nullptr) {
-        return E_OUTOFMEMORY;
-    }
     IUnknown* identity = object->Identity();
     identity->AddRef();
-    const HRESULT result = identity->QueryInterface(iid, out);
+    HRESULT result = CompleteObject(*object);
+    if (result == S_OK) {
+        result = identity->QueryInterface(iid, out);
+    }
     identity->Release();
     return result;
 }
 
-/// Makes an object in the shape that `outer` asks for. Results as of HandOver.
+/// Makes an object in the shape that `outer` asks for.
+///
+/// result  E_OUTOFMEMORY, what completing the object gave, E_NOINTERFACE
 template <class Object>
 HRESULT CreateObject(IUnknown* outer, REFIID iid, void** out) {
-    if (outer != nullptr) {
-        return HandOver(new (std::nothrow) AggregatedObject<Object>(outer), iid, out);
+    try {
+        if (outer != nullptr) {
+            return HandOver(new AggregatedObject<Object>(outer), iid, out);
+        }
+        return HandOver(new PlainObject<Object>, iid, out);
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
     }
-    return HandOver(new (std::nothrow) PlainObject<Object>, iid, out);
 }
 
 }  // namespace clarivex

@@ -7,6 +7,7 @@
 #include "runtime/cpu_features.h"
 #include "shell/class_ids.h"
 #include "shell/process_objects.h"
+#include "shell/start_up.h"
 
 namespace clarivex {
 namespace {
@@ -41,12 +42,15 @@ std::span<const InterfaceEntry<CVXMediaObject>> CVXMediaObject::Interfaces() {
 }
 
 CVXMediaObject::CVXMediaObject() : pipeline(MakeProcessPipeline()) {
+    CheckForUpdate();
     ProcessEngine().Start();
     DetectCpuFeatures();
     AdvanceClockCalibration();
 }
 
 CVXMediaObject::~CVXMediaObject() = default;
+
+HRESULT CVXMediaObject::Complete() { return LoadStoredSettings(settings); }
 
 HRESULT CVXMediaObject::Lock(LONG enter) {
     enter != 0 ? lock.Enter() : lock.Leave();

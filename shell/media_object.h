@@ -82,6 +82,9 @@ public:
 
     virtual ~CVXMediaObject();
 
+    /// The last step of making an object: the user's stored settings. Gives S_OK.
+    HRESULT Complete();
+
     /// The icon that the player shows, as platform/resources.h tells.
     virtual HRESULT LoadIconStream(IStream** stream);
 
@@ -110,7 +113,7 @@ public:
     HRESULT STDMETHODCALLTYPE get_ScalingActive(int* value) override;
 
 protected:
-    /// Gives the engine of the process its start state.
+    /// Checks for an update of the plug-in and gives the engine of the process its start state.
     CVXMediaObject();
 
 private:

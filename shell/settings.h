@@ -5,6 +5,7 @@
 
 namespace clarivex {
 
+// NOLINTBEGIN(readability-identifier-naming): properties are named the way COM names them.
 /// Read and written from any thread; the next frame or negotiation sees the new value. Operations give S_OK. A null
 /// pointer writes nothing and gives S_OK too, but for get_ScaleFactor, which gives E_POINTER. Slots stand in this order.
 struct ICVXSettings : public IUnknown {
@@ -31,6 +32,7 @@ struct ICVXSettings : public IUnknown {
     /// 1 when the stream negotiated last is enlarged.
     virtual HRESULT STDMETHODCALLTYPE get_ScalingActive(int* value) = 0;
 };
+// NOLINTEND(readability-identifier-naming)
 
 inline constexpr GUID iidCvxSettings{0x2C7E41D0, 0x96B3, 0x4A58, {0xB1, 0xF6, 0x83, 0xD0, 0x5A, 0x7E, 0x19, 0xC4}};
 

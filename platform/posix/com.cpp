@@ -1,10 +1,9 @@
 // Memory, media types and wide text as the system's libraries have them.
 #include "platform/posix/com.h"
 
-#include <wchar.h>
-
 #include <cstdlib>
 #include <cstring>
+#include <cwchar>
 
 #include "platform/posix/media.h"
 

@@ -3,6 +3,13 @@
 
 #include "platform/posix/com.h"
 
+inline constexpr HRESULT DMO_E_INVALIDSTREAMINDEX = static_cast<HRESULT>(0x80040201U);
+inline constexpr HRESULT DMO_E_INVALIDTYPE = static_cast<HRESULT>(0x80040202U);
+inline constexpr HRESULT DMO_E_TYPE_NOT_SET = static_cast<HRESULT>(0x80040203U);
+inline constexpr HRESULT DMO_E_NOTACCEPTING = static_cast<HRESULT>(0x80040204U);
+inline constexpr HRESULT DMO_E_TYPE_NOT_ACCEPTED = static_cast<HRESULT>(0x80040205U);
+inline constexpr HRESULT DMO_E_NO_MORE_ITEMS = static_cast<HRESULT>(0x80040206U);
+
 using REFERENCE_TIME = int64_t;  // 100 nanoseconds
 
 struct BITMAPINFOHEADER {

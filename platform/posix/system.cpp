@@ -1,13 +1,13 @@
 // Locks, events, threads and clocks on the POSIX calls.
 #include "platform/posix/system.h"
 
-#include <time.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <mutex>
 #include <new>
 #include <thread>

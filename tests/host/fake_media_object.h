@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "host/com_pointer.h"
 #include "host/picture.h"
+#include "platform/com_pointer.h"
 #include "platform/guids.h"
 #include "platform/win32.h"
 #include "shell/settings.h"

@@ -66,6 +66,29 @@ TEST(PlainShape, ObjectWithoutTheWantedInterfaceDoesNotSurviveItsCreation) {
     EXPECT_EQ(locksBefore, ModuleLocks());
 }
 
+template <HRESULT result>
+class ObjectThatFails : public CVXMediaObject {
+public:
+    static inline int references = 0;  // seen while it completes itself
+
+    HRESULT Complete() {
+        references = static_cast<int>(ReferencesTo(static_cast<ICVXSettings*>(this)));
+        return result;
+    }
+};
+
+TEST(BothShapes, ObjectThatCannotBeCompletedDoesNotSurviveItsCreation) {
+    const int32_t locksBefore = ModuleLocks();
+    FakeOuter outer;
+    void* out = nullptr;
+    EXPECT_EQ(E_HANDLE, CreateObject<ObjectThatFails<E_HANDLE>>(nullptr, iidUnknown, &out));
+    EXPECT_EQ(1, ObjectThatFails<E_HANDLE>::references);
+    EXPECT_EQ(S_FALSE, CreateObject<ObjectThatFails<S_FALSE>>(&outer, iidUnknown, &out));
+    EXPECT_EQ(nullptr, out);
+    EXPECT_EQ(1, outer.references);
+    EXPECT_EQ(locksBefore, ModuleLocks());
+}
+
 TEST(AggregatedShape, InterfacesAskAndCountThroughTheOuterObject) {
     FakeOuter outer;
     const int32_t locksBefore = ModuleLocks();

@@ -14,4 +14,13 @@ struct ComReleaser {
 template <class Interface>
 using ComPointer = std::unique_ptr<Interface, ComReleaser>;
 
+/// A reference of one's own to an object that somebody else holds; null for null.
+template <class Interface>
+ComPointer<Interface> ReferenceTo(Interface* object) {
+    if (object != nullptr) {
+        object->AddRef();
+    }
+    return ComPointer<Interface>(object);
+}
+
 }  // namespace clarivex

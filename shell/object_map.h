@@ -1,0 +1,20 @@
+// The classes that the module gives to hosts.
+#pragma once
+
+#include <span>
+
+#include "platform/win32.h"
+
+namespace clarivex {
+
+struct ObjectMapEntry {
+    GUID classId;
+    UINT registryScript;  ///< the number of the resource that enters the class in the registry
+    /// Makes an object, plain or as a part of `outer`.
+    HRESULT (*create)(IUnknown* outer, REFIID iid, void** out);
+};
+
+/// The same entries, in the same order, as long as the module is loaded.
+std::span<const ObjectMapEntry> ObjectMap();
+
+}  // namespace clarivex

@@ -1,0 +1,152 @@
+// Both registrations, step by step.
+#include "shell/windows/registration.h"
+
+#include <iterator>
+#include <string>
+
+#include "platform/com_pointer.h"
+#include "platform/guids.h"
+#include "platform/windows/registrars.h"
+#include "shell/class_ids.h"
+#include "shell/module.h"
+#include "shell/object_map.h"
+#include "shell/windows/module_path.h"
+#include "shell/windows/resource_ids.h"
+
+namespace clarivex {
+namespace {
+
+constexpr DWORD longestModulePath = MAX_PATH;
+constexpr DWORD pluginPriority = 1;
+
+struct TextFreer {
+    void operator()(OLECHAR* text) const { SysFreeString(text); }
+};
+using OwnedText = std::unique_ptr<OLECHAR, TextFreer>;
+
+HRESULT LastError() { return HRESULT_FROM_WIN32(GetLastError()); }
+
+template <class Interface>
+HRESULT CreateInProcess(REFCLSID classId, REFIID iid, ComPointer<Interface>& object) {
+    void* created = nullptr;
+    const HRESULT result = CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, iid, &created);
+    object.reset(SUCCEEDED(result) ? static_cast<Interface*>(created) : nullptr);
+    return result;
+}
+
+HRESULT CreatePluginRegistrar(ComPointer<IWMPMediaPluginRegistrar>& registrar) {
+    return CreateInProcess(clsidPluginRegistrar, iidPluginRegistrar, registrar);
+}
+
+std::wstring Widen(const std::string& text) {
+    const int bytes = static_cast<int>(text.size());
+    std::wstring wide(text.size(), L'\0');  // never longer than its bytes
+    wide.resize(static_cast<size_t>(
+        MultiByteToWideChar(CP_ACP, 0, text.data(), bytes, wide.data(), static_cast<int>(wide.size()))));
+    return wide;
+}
+
+// A text of the module's string table; null when there is none.
+OwnedText LoadText(UINT id) {
+    char text[512];
+    const int length = LoadStringA(ThisModule().instance, id, text, static_cast<int>(std::size(text)));
+    if (length <= 0) {
+        return nullptr;
+    }
+    return OwnedText(SysAllocString(Widen(std::string(text, static_cast<size_t>(length))).c_str()));
+}
+
+// A program's own path is told in its short form, where it has one.
+HRESULT ShortenProgramPath(std::string& path) {
+    char shortPath[longestModulePath];
+    const DWORD length = GetShortPathNameA(path.c_str(), shortPath, longestModulePath);
+    if (length >= longestModulePath) {
+        return E_OUTOFMEMORY;
+    }
+    // A length of 87 is taken for the error of that number, as registrars commonly do: the long path serves as well.
+    if (length != 0 && length != ERROR_INVALID_PARAMETER) {
+        path.assign(shortPath, length);
+    }
+    return S_OK;
+}
+
+HRESULT FindModulePath(std::wstring& path) {
+    const HMODULE module = ThisModule().instance;
+    std::string narrow = ModulePath(module, longestModulePath);
+    if (narrow.empty()) {
+        return LastError();
+    }
+    if (module == nullptr || module == GetModuleHandleA(nullptr)) {
+        if (const HRESULT shortened = ShortenProgramPath(narrow); FAILED(shortened)) {
+            return shortened;
+        }
+    }
+    path = Widen(narrow);
+    return S_OK;
+}
+
+// Registry scripts stand texts between single quotes.
+std::wstring DoubleQuotes(const std::wstring& text) {
+    std::wstring doubled;
+    for (const wchar_t letter : text) {
+        doubled.append(letter == L'\'' ? 2 : 1, letter);
+    }
+    return doubled;
+}
+
+HRESULT UpdateRegistry(const ObjectMapEntry& entry, bool enter) {
+    ComPointer<IRegistrar> registrar;
+    if (const HRESULT created = CreateInProcess(clsidRegistrar, iidRegistrar, registrar); FAILED(created)) {
+        return created;
+    }
+    std::wstring path;
+    if (const HRESULT found = FindModulePath(path); FAILED(found)) {
+        return found;
+    }
+    if (const HRESULT added = registrar->AddReplacement(L"Module", DoubleQuotes(path).c_str()); FAILED(added)) {
+        return added;
+    }
+    return enter ? registrar->ResourceRegister(path.c_str(), entry.registryScript, L"REGISTRY")
+                 : registrar->ResourceUnregister(path.c_str(), entry.registryScript, L"REGISTRY");
+}
+
+HRESULT EnterPlugin(IWMPMediaPluginRegistrar& registrar) {
+    const OwnedText name = LoadText(CVX_STRING_PLUGIN_NAME);
+    const OwnedText description = LoadText(CVX_STRING_PLUGIN_DESCRIPTION);
+    PluginMediaType types[] = {
+        {mediaTypeVideo, mediaSubtypeYv12}, {mediaTypeVideo, mediaSubtypeYuy2}, {mediaTypeVideo, mediaSubtypeIyuv}};
+    return registrar.WMPRegisterPlayerPlugin(name.get(), description.get(), nullptr, pluginPriority, pluginTypeDsp,
+                                             clsidMediaObject, static_cast<UINT>(std::size(types)), types);
+}
+
+}  // namespace
+
+HRESULT RegisterServer() {
+    ComPointer<IWMPMediaPluginRegistrar> registrar;
+    if (const HRESULT created = CreatePluginRegistrar(registrar); FAILED(created)) {
+        return created;
+    }
+    if (const HRESULT entered = EnterPlugin(*registrar); FAILED(entered)) {
+        return entered;
+    }
+    for (const ObjectMapEntry& entry : ObjectMap()) {
+        if (const HRESULT updated = UpdateRegistry(entry, true); FAILED(updated)) {
+            return updated;
+        }
+    }
+    return S_OK;
+}
+
+HRESULT UnregisterServer() {
+    ComPointer<IWMPMediaPluginRegistrar> registrar;
+    if (const HRESULT created = CreatePluginRegistrar(registrar); FAILED(created)) {
+        return created;
+    }
+    registrar->WMPUnRegisterPlayerPlugin(pluginTypeDsp, clsidMediaObject);
+    for (const ObjectMapEntry& entry : ObjectMap()) {
+        UpdateRegistry(entry, false);
+    }
+    return S_OK;
+}
+
+}  // namespace clarivex

@@ -1,0 +1,21 @@
+// The updater beside the module, and the settings in the registry.
+#include "shell/start_up.h"
+
+#include "shell/module.h"
+#include "shell/windows/settings_store.h"
+#include "shell/windows/update_check.h"
+
+namespace clarivex {
+
+void CheckForUpdate() {
+#if CVX_UPDATE_CHECK
+    constexpr char productCode[] = "CVX1WMP";
+    if (const HMODULE module = ThisModule().instance; module != nullptr) {
+        UpdateCheck(module, productCode);
+    }
+#endif
+}
+
+HRESULT LoadStoredSettings(PluginSettings& settings) { return LoadSettings(settings); }
+
+}  // namespace clarivex

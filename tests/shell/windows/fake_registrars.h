@@ -1,0 +1,130 @@
+// The two registrars as objects of the test's, found under their real class identifiers, that note what is asked of them.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/guids.h"
+#include "platform/win32.h"
+#include "platform/windows/registrars.h"
+#include "tests/support/test_object.h"
+
+namespace clarivex {
+
+/// Counts references without ever going; the test looks at the count.
+template <class Interface>
+class CountedFake : public Interface {
+public:
+    explicit CountedFake(const GUID& ownIid) : iid(ownIid) {}
+
+    int references = 0;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID asked, void** out) override {
+        const bool known = IsEqualGUID(asked, iidUnknown) || IsEqualGUID(asked, iid);
+        *out = known ? static_cast<Interface*>(this) : nullptr;
+        references += known ? 1 : 0;
+        return known ? S_OK : E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++references); }
+    ULONG STDMETHODCALLTYPE Release() override { return static_cast<ULONG>(--references); }
+
+private:
+    const GUID iid;
+};
+
+using CallLog = std::vector<std::wstring>;
+
+inline std::wstring TextOrNull(const OLECHAR* text) { return text != nullptr ? text : L"null"; }
+
+class FakePluginRegistrar final : public CountedFake<IWMPMediaPluginRegistrar> {
+public:
+    explicit FakePluginRegistrar(CallLog& callLog) : CountedFake(iidPluginRegistrar), log(callLog) {}
+
+    HRESULT result = S_OK;
+    DWORD priority = 0;
+    GUID pluginType = {};
+    GUID classId = {};
+    std::vector<PluginMediaType> types;
+
+    HRESULT STDMETHODCALLTYPE WMPRegisterPlayerPlugin(BSTR name, BSTR description, BSTR uninstall, DWORD newPriority,
+                                                      GUID type, CLSID id, UINT typeCount, void* newTypes) override {
+        log.push_back(L"enter plug-in: " + TextOrNull(name) + L", " + TextOrNull(description) + L", " +
+                      TextOrNull(uninstall));
+        priority = newPriority;
+        pluginType = type;
+        classId = id;
+        const auto* first = static_cast<const PluginMediaType*>(newTypes);
+        types.assign(first, first + typeCount);
+        return result;
+    }
+    HRESULT STDMETHODCALLTYPE WMPUnRegisterPlayerPlugin(GUID type, CLSID id) override {
+        log.push_back(L"remove plug-in");
+        pluginType = type;
+        classId = id;
+        return result;
+    }
+
+private:
+    CallLog& log;
+};
+
+/// Knows the calls that a module makes for itself; the others fail.
+class FakeRegistrar final : public CountedFake<IRegistrar> {
+public:
+    explicit FakeRegistrar(CallLog& callLog) : CountedFake(iidRegistrar), log(callLog) {}
+
+    HRESULT replacementResult = S_OK;
+    UINT failingScript = 0;  ///< E_ACCESSDENIED for this one
+
+    HRESULT STDMETHODCALLTYPE AddReplacement(LPCOLESTR replaced, LPCOLESTR item) override {
+        log.push_back(std::wstring(replaced) + L" = " + item);
+        return replacementResult;
+    }
+    HRESULT STDMETHODCALLTYPE ResourceRegister(LPCOLESTR file, UINT id, LPCOLESTR type) override {
+        return Note(L"enter ", file, id, type);
+    }
+    HRESULT STDMETHODCALLTYPE ResourceUnregister(LPCOLESTR file, UINT id, LPCOLESTR type) override {
+        return Note(L"remove ", file, id, type);
+    }
+    HRESULT STDMETHODCALLTYPE ClearReplacements() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE ResourceRegisterSz(LPCOLESTR, LPCOLESTR, LPCOLESTR) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE ResourceUnregisterSz(LPCOLESTR, LPCOLESTR, LPCOLESTR) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE FileRegister(LPCOLESTR) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE FileUnregister(LPCOLESTR) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE StringRegister(LPCOLESTR) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE StringUnregister(LPCOLESTR) override { return E_NOTIMPL; }
+
+private:
+    HRESULT Note(const wchar_t* what, LPCOLESTR file, UINT id, LPCOLESTR type) {
+        log.push_back(what + std::wstring(type) + L" " + std::to_wstring(id) + L" of " + file);
+        return id == failingScript ? E_ACCESSDENIED : S_OK;
+    }
+
+    CallLog& log;
+};
+
+/// Makes an object known in this process under a class identifier while it lives.
+class ClassOnOffer final : public CountedFake<IClassFactory> {
+public:
+    ClassOnOffer(REFCLSID classId, IUnknown& offered) : CountedFake(iidClassFactory), object(offered) {
+        Require(CoRegisterClassObject(classId, this, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie),
+                "CoRegisterClassObject");
+    }
+    ~ClassOnOffer() { CoRevokeClassObject(cookie); }
+    ClassOnOffer(const ClassOnOffer&) = delete;
+    ClassOnOffer& operator=(const ClassOnOffer&) = delete;
+
+    HRESULT result = S_OK;  ///< anything else is what making the object gives
+
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** out) override {
+        *out = nullptr;
+        return result == S_OK ? object.QueryInterface(iid, out) : result;
+    }
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
+
+private:
+    IUnknown& object;
+    DWORD cookie = 0;
+};
+
+}  // namespace clarivex

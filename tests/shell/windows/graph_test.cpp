@@ -1,0 +1,233 @@
+// The plug-in in a DirectShow graph, inside the system's own wrapper for media objects: what comes out of the graph is
+// what the object gives when it is driven by hand.
+#include <gtest/gtest.h>
+
+#include <dshow.h>
+
+#include <dmodshow.h>
+
+#include <thread>
+
+#include "host/frame_layout.h"
+#include "host/player.h"
+#include "shell/settings.h"
+#include "tests/shell/windows/graph_filters.h"
+#include "tests/shell/windows/plugin_module.h"
+#include "tests/shell/windows/user_registry.h"
+#include "tests/support/video_types.h"
+
+namespace clarivex {
+namespace {
+
+constexpr GUID clsidWrapper = {0x94297043, 0xBD82, 0x4DFD, {0xB0, 0xDE, 0x81, 0x77, 0x73, 0x9C, 0x6D, 0x20}};
+constexpr GUID iidWrapper = {0x52D6F586, 0x9F0F, 0x4824, {0x8F, 0xC8, 0xE3, 0x2C, 0xA0, 0x49, 0x30, 0xC2}};
+constexpr GUID videoEffects = {0xD990EE14, 0x776C, 0x4723, {0xBE, 0x46, 0x3D, 0xA2, 0xF5, 0x6F, 0x10, 0xB9}};
+
+constexpr PictureSize sourceSize{64, 48};
+constexpr size_t frameCount = 4;
+constexpr Ratio frameRate{25, 1};
+
+// A moving picture with slopes and edges: Y, U, V.
+std::vector<uint8_t> Samples(size_t frame) {
+    std::vector<uint8_t> samples;
+    const auto shift = static_cast<int32_t>(frame) * 3;
+    for (int32_t y = 0; y < sourceSize.height; ++y) {
+        for (int32_t x = 0; x < sourceSize.width; ++x) {
+            const int32_t block = (x + shift) / 9 % 2 * 70 + y / 7 % 2 * 40;
+            samples.push_back(static_cast<uint8_t>(20 + block + (x * 5 + y * 3 + shift) % 60));
+        }
+    }
+    for (int32_t i = 0; i < 2 * sourceSize.ChromaWidth() * sourceSize.ChromaHeight(); ++i) {
+        samples.push_back(static_cast<uint8_t>(90 + (i * 7 + shift) % 80));
+    }
+    return samples;
+}
+
+struct GraphCase {
+    const char* name;
+    PixelFormat format;
+    GUID subtype;
+    unsigned mode;
+};
+
+// A decoder's type: VIDEOINFOHEADER, the target rectangle the whole picture.
+VideoInfoType DecoderType(const GraphCase& wanted) {
+    VideoInfoType type(sourceSize.width, sourceSize.height, wanted.subtype);
+    type.Target() = {0, 0, sourceSize.width, sourceSize.height};
+    type.header.AvgTimePerFrame = FrameStart(1, frameRate);
+    return type;
+}
+
+class ComApartment {
+public:
+    ComApartment() { RequireSuccess(CoInitializeEx(nullptr, COINIT_MULTITHREADED), "no apartment"); }
+    ~ComApartment() { CoUninitialize(); }
+    ComApartment(const ComApartment&) = delete;
+    ComApartment& operator=(const ComApartment&) = delete;
+};
+
+// While it lives, the system finds the module's media object under its class id.
+class Offered {
+public:
+    explicit Offered(const PluginModule& plugin) {
+        Require(CoRegisterClassObject(clsidMediaObject, plugin.Factory().get(), CLSCTX_INPROC_SERVER,
+                                      REGCLS_MULTIPLEUSE, &cookie),
+                "not registered");
+    }
+    ~Offered() { CoRevokeClassObject(cookie); }
+    Offered(const Offered&) = delete;
+    Offered& operator=(const Offered&) = delete;
+
+private:
+    DWORD cookie = 0;
+};
+
+// Source, wrapper and sink, connected and ready to run.
+class Graph {
+public:
+    explicit Graph(const GraphCase& wanted) : type(DecoderType(wanted)), layout(wanted.format, sourceSize) {
+        source->AddRef();
+        sink->AddRef();
+        const auto init = Ask<IDMOWrapperFilter>(wrapper.get(), iidWrapper);
+        Require(init->Init(clsidMediaObject, videoEffects), "the wrapper does not take the plug-in");
+        Configure(wanted);
+        for (IBaseFilter* filter : {static_cast<IBaseFilter*>(source), wrapper.get(), static_cast<IBaseFilter*>(sink)})
+            RequireSuccess(builder->AddFilter(filter, nullptr), "AddFilter");
+        source->pin.type = reinterpret_cast<const AM_MEDIA_TYPE&>(*type.Type());
+        source->pin.frameBytes = static_cast<LONG>(layout.Bytes());
+        const ComPointer<IPin> in = WrapperPin(PINDIR_INPUT);
+        const ComPointer<IPin> out = WrapperPin(PINDIR_OUTPUT);
+        RequireSuccess(builder->ConnectDirect(&source->pin, in.get(), nullptr), "the input is not connected");
+        RequireSuccess(builder->ConnectDirect(out.get(), &sink->pin, nullptr), "the output is not connected");
+    }
+    ~Graph() {
+        for (IBaseFilter* filter : {static_cast<IBaseFilter*>(source), static_cast<IBaseFilter*>(sink)})
+            builder->RemoveFilter(filter);
+        source->Release();
+        sink->Release();
+    }
+    Graph(const Graph&) = delete;
+    Graph& operator=(const Graph&) = delete;
+
+    // On a thread of its own, as a decoder's would be.
+    void Play() {
+        const auto control = Ask<IMediaControl>(builder.get(), IID_IMediaControl);
+        RequireSuccess(control->Run(), "the graph does not run");
+        std::thread([this] { PushAll(); }).join();
+        RequireSuccess(control->Stop(), "the graph does not stop");
+    }
+    const SinkPin& Result() const { return sink->pin; }
+
+private:
+    // The same as a Player sets, through the wrapper that contains the object.
+    void Configure(const GraphCase& wanted) {
+        const PlayerSettings like;
+        const auto settings = Ask<ICVXSettings>(wrapper.get(), iidCvxSettings);
+        Require(settings != nullptr ? S_OK : E_NOINTERFACE, "the wrapper hides the settings");
+        settings->put_CVXMode(wanted.mode);
+        settings->put_Sharpness(like.sharpness);
+        settings->put_EnableLighting(like.lighting ? 1 : 0);
+        settings->put_AllowHD(like.allowHd ? 1 : 0);
+    }
+
+    ComPointer<IPin> WrapperPin(PIN_DIRECTION wanted) const {
+        IEnumPins* all = nullptr;
+        RequireSuccess(wrapper->EnumPins(&all), "EnumPins");
+        const ComPointer<IEnumPins> pins(all);
+        for (IPin* next = nullptr; pins->Next(1, &next, nullptr) == S_OK;) {
+            ComPointer<IPin> pin(next);
+            PIN_DIRECTION direction = {};
+            pin->QueryDirection(&direction);
+            if (direction == wanted) return pin;
+        }
+        throw std::runtime_error("the wrapper lacks a pin");
+    }
+
+    void PushAll() {
+        std::vector<uint8_t> buffer(layout.Bytes());
+        for (size_t frame = 0; frame < frameCount; ++frame) {
+            const std::vector<uint8_t> samples = Samples(frame);
+            layout.Put({sourceSize, samples}, buffer);
+            EXPECT_EQ(S_OK, source->pin.Push(buffer, FrameStart(frame, frameRate), FrameStart(frame + 1, frameRate)));
+        }
+        EXPECT_EQ(S_OK, source->pin.Finish());
+    }
+
+    VideoInfoType type;
+    const FrameLayout layout;
+    const ComPointer<IGraphBuilder> builder = Create<IGraphBuilder>(CLSID_FilterGraph, IID_IGraphBuilder, "no graph");
+    const ComPointer<IBaseFilter> wrapper = Create<IBaseFilter>(clsidWrapper, IID_IBaseFilter, "no wrapper");
+    GraphSource* const source = new GraphSource;
+    GraphSink* const sink = new GraphSink;
+};
+
+class DirectShowGraph : public testing::TestWithParam<GraphCase> {
+protected:
+    // From a freshly loaded module, whose noise and caption start where those of the graph did.
+    static std::vector<std::vector<uint8_t>> FramesByHand(const GraphCase& wanted, PictureSize& size) {
+        EXPECT_EQ(nullptr, GetModuleHandleA("WMP_CVX.dll"));
+        const PluginModule plugin;
+        PlayerSettings settings;
+        settings.mode = wanted.mode;
+        ComPointer<IMediaObject> media(plugin.Make<IMediaObject>(iidMediaObject).release());
+        Player player(std::move(media), {wanted.format, sourceSize, frameRate, {}}, settings);
+        EXPECT_EQ(Negotiated::playing, player.Negotiate());
+        size = player.OutputSize();
+        std::vector<std::vector<uint8_t>> frames;
+        for (size_t frame = 0; frame < frameCount; ++frame) frames.push_back(Joined(player.Play(Samples(frame))));
+        return frames;
+    }
+    static std::vector<uint8_t> Joined(const PicturePlanes& planes) {
+        std::vector<uint8_t> all;
+        for (const auto& plane : planes) all.insert(all.end(), plane.begin(), plane.end());
+        return all;
+    }
+
+    const UserRegistry registry;  // nobody's settings
+    const ComApartment apartment;
+};
+
+TEST_P(DirectShowGraph, GivesTheFramesThatTheObjectGivesByHand) {
+    std::vector<ReceivedFrame> received;
+    BITMAPINFOHEADER picture = {};
+    {
+        const PluginModule plugin;
+        {
+            const Offered offered(plugin);
+            Graph graph(GetParam());
+            graph.Play();
+            received = graph.Result().frames;
+            picture = graph.Result().picture;
+            EXPECT_EQ(1, graph.Result().ends);
+        }
+        EXPECT_EQ(S_OK, plugin.CanUnload());  // nothing of it is held any more
+    }
+    PictureSize size;
+    const auto expected = FramesByHand(GetParam(), size);
+    EXPECT_EQ(size, (PictureSize{picture.biWidth, picture.biHeight}));
+    ASSERT_EQ(expected.size(), received.size());
+    EXPECT_NE(expected[0], expected[1]);  // equal frames would hide one that comes late
+    const FrameLayout inputLayout(GetParam().format, sourceSize);
+    const FrameLayout outputLayout(GetParam().format, size);
+    for (size_t frame = 0; frame < frameCount; ++frame) {
+        std::vector<uint8_t> scratch;
+        ReceivedFrame& got = received[frame];
+        ASSERT_GE(got.bytes.size(), outputLayout.Bytes());
+        EXPECT_EQ(static_cast<LONG>(inputLayout.Bytes()), got.toldLength);
+        EXPECT_EQ(FrameStart(frame, frameRate), got.start);
+        EXPECT_EQ(FrameStart(frame + 1, frameRate), got.stop);
+        EXPECT_TRUE(expected[frame] == Joined(outputLayout.Get(got.bytes, scratch))) << "frame " << frame;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, DirectShowGraph,
+                         testing::Values(GraphCase{"Yv12Enlarged", PixelFormat::yv12, mediaSubtypeYv12, 2},
+                                         GraphCase{"IyuvEnlarged", PixelFormat::iyuv, mediaSubtypeIyuv, 2},
+                                         GraphCase{"Yuy2Enlarged", PixelFormat::yuy2, mediaSubtypeYuy2, 2},
+                                         GraphCase{"Yv12AtItsSize", PixelFormat::yv12, mediaSubtypeYv12, 0},
+                                         GraphCase{"IyuvAtItsSize", PixelFormat::iyuv, mediaSubtypeIyuv, 0},
+                                         GraphCase{"Yuy2AtItsSize", PixelFormat::yuy2, mediaSubtypeYuy2, 0}),
+                         [](const auto& instance) { return std::string(instance.param.name); });
+
+}  // namespace
+}  // namespace clarivex

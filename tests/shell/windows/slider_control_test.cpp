@@ -1,0 +1,99 @@
+// SliderControl on a real track bar.
+#include "shell/windows/slider_control.h"
+
+#include <commctrl.h>
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "tests/shell/windows/host_windows.h"
+
+namespace clarivex {
+namespace {
+
+class SliderControlTest : public testing::Test {
+protected:
+    HWND MakeControl(const char* windowClass, int id) const {
+        return CreateWindowA(windowClass, "", WS_CHILD | WS_VISIBLE, 0, 0, 100, 30, host.Handle(),
+                             reinterpret_cast<HMENU>(static_cast<intptr_t>(id)), nullptr, nullptr);
+    }
+    void SetUp() override {
+        const INITCOMMONCONTROLSEX classes = {sizeof classes, ICC_BAR_CLASSES};
+        ASSERT_TRUE(InitCommonControlsEx(&classes));
+        trackBar = MakeControl(TRACKBAR_CLASSA, sliderId);
+        companion = MakeControl("STATIC", textId);
+        SetWindowLongPtrA(trackBar, GWLP_USERDATA, 4711);
+    }
+    std::string Shown() const { return TextOf(companion); }
+
+    static constexpr int sliderId = 5;
+    static constexpr int textId = 6;
+    HostWindow host{"Sliders", 200, 100};
+    HWND trackBar = nullptr;
+    HWND companion = nullptr;
+    SliderControl slider;
+};
+
+TEST_F(SliderControlTest, StandsWhereItIsPutOrAtTheEndNextToThat) {
+    slider.Attach(host.Handle(), sliderId, 4, 3);
+    EXPECT_EQ(3, slider.Position());
+    EXPECT_EQ(0, SendMessageA(trackBar, TBM_GETRANGEMIN, 0, 0));
+    EXPECT_EQ(4, SendMessageA(trackBar, TBM_GETRANGEMAX, 0, 0));
+    SliderControl other;
+    MakeControl(TRACKBAR_CLASSA, 7);
+    other.Attach(host.Handle(), 7, 4, -90);
+    EXPECT_EQ(0, other.Position());
+}
+
+TEST_F(SliderControlTest, CompanionFollowsTheUserOnly) {
+    slider.Attach(host.Handle(), sliderId, 4, 1, textId);
+    EXPECT_EQ("", Shown());
+    SendMessageA(trackBar, WM_CHAR, ' ', 0);
+    EXPECT_EQ("0.25", Shown());
+    SendMessageA(trackBar, TBM_SETPOS, TRUE, 3);
+    SendMessageA(trackBar, WM_MOUSEMOVE, 0, 0);  // no button is down
+    EXPECT_EQ("0.25", Shown());
+    SendMessageA(trackBar, WM_MOUSEWHEEL, 0, 0);
+    EXPECT_EQ("0.75", Shown());
+}
+
+TEST_F(SliderControlTest, DraggingLastsFromButtonDownToButtonUp) {
+    slider.Attach(host.Handle(), sliderId, 4, 4, textId);
+    SendMessageA(trackBar, WM_LBUTTONDOWN, 0, 0);
+    SendMessageA(trackBar, TBM_SETPOS, TRUE, 2);
+    SendMessageA(trackBar, WM_MOUSEMOVE, 0, MAKELPARAM(50, 10));
+    EXPECT_NE("", Shown());
+    SendMessageA(trackBar, WM_LBUTTONUP, 0, 0);
+    SetWindowTextA(companion, "untouched");
+    SendMessageA(trackBar, WM_MOUSEMOVE, 0, 0);
+    EXPECT_EQ("untouched", Shown());
+}
+
+TEST_F(SliderControlTest, OtherThreadsGetWhatWasSeenLast) {
+    slider.Attach(host.Handle(), sliderId, 4, 1);
+    SendMessageA(trackBar, TBM_SETPOS, TRUE, 3);  // nobody has looked yet
+    int32_t seen = -1;
+    std::thread([&] { seen = slider.Position(); }).join();  // would wait for ever for this thread's answer
+    EXPECT_EQ(1, seen);
+    EXPECT_EQ(3, slider.Position());
+}
+
+TEST_F(SliderControlTest, LeavesUserDataAloneAndGivesTheProcedureBack) {
+    const LONG_PTR procedure = GetWindowLongPtrA(trackBar, GWLP_WNDPROC);
+    slider.Attach(host.Handle(), sliderId, 4, 1);
+    EXPECT_NE(procedure, GetWindowLongPtrA(trackBar, GWLP_WNDPROC));
+    EXPECT_EQ(4711, GetWindowLongPtrA(trackBar, GWLP_USERDATA));
+    DestroyWindow(trackBar);
+    EXPECT_EQ(1, slider.Position());
+    trackBar = MakeControl(TRACKBAR_CLASSA, sliderId);  // the next window starts anew
+    slider.Attach(host.Handle(), sliderId, 2, 2);
+    EXPECT_EQ(2, slider.Position());
+}
+
+TEST_F(SliderControlTest, RestsAtTheStartWithoutItsControl) {
+    slider.Attach(host.Handle(), 99, 4, 3);
+    EXPECT_EQ(0, slider.Position());
+}
+
+}  // namespace
+}  // namespace clarivex
