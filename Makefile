@@ -1,10 +1,11 @@
 # A thin door to the presets in CMakePresets.json and to scripts/. Every goal installs first what it needs.
 .NOTPARALLEL:
-.PHONY: build setup demo test bench lint clean
+.PHONY: build setup demo test bench package lint clean
 
 build: setup
 	scripts/build.sh native
 	scripts/build.sh windows-x86
+	scripts/build.sh windows-x64
 
 setup:
 	scripts/setup.sh all
@@ -16,7 +17,7 @@ demo:
 	scripts/demo.sh
 
 test: setup
-	scripts/test.sh native asan windows-x86
+	scripts/test.sh native asan windows-x86 windows-x64
 
 # ARGS=... goes to Google Benchmark, such as ARGS=--benchmark_filter=Frame
 bench:
@@ -24,6 +25,12 @@ bench:
 	scripts/build.sh native clarivex clarivex_bench
 	build/native/clarivex_bench $(ARGS)
 	bench/compare
+
+# Makes build/clarivex-VERSION-windows.zip: both DLLs, the command line, and how to install them
+package: setup
+	scripts/build.sh windows-x86 clarivex WMP_CVX
+	scripts/build.sh windows-x64 WMP_CVX
+	scripts/package.sh
 
 lint:
 	scripts/setup.sh lint

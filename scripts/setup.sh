@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that are missing, and does nothing when none is: setup.sh [native | all | lint]
 #   native  builds, tests, benches and the demo on Linux
-#   all     native, and the 32-bit Windows build and its tests under Wine
+#   all     native, and both Windows builds and their tests under Wine
 #   lint    native, and the formatter and the linter
 set -eu
 cd "$(dirname "$0")/.."
@@ -9,7 +9,10 @@ cd "$(dirname "$0")/.."
 packages=(cmake ninja-build g++ googletest libbenchmark-dev ffmpeg)
 case ${1:-all} in
 native) ;;
-all) packages+=(g++-mingw-w64-i686-posix binutils-mingw-w64-i686 wine wine64 wine32:i386 xvfb xauth) ;;
+all)
+    packages+=(g++-mingw-w64-i686-posix binutils-mingw-w64-i686 g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64)
+    packages+=(wine wine64 wine32:i386 xvfb xauth)
+    ;;
 lint) packages+=(clang-format clang-tidy) ;;
 *)
     echo "setup.sh: unknown argument '$1'; use native, all or lint" >&2
