@@ -75,10 +75,10 @@ void FileSink::Flush() {
 }
 
 bool SameFile(const std::string& first, const std::string& second) {
-    if (first == standardStream || second == standardStream) return false;
+    const std::string input = first == standardStream ? "/dev/stdin" : first;  // a file where one is redirected
     std::error_code error;
-    return std::filesystem::equivalent(first, second, error) && !error &&
-           std::filesystem::is_regular_file(first, error);
+    return second != standardStream && std::filesystem::equivalent(input, second, error) && !error &&
+           std::filesystem::is_regular_file(input, error);
 }
 
 }  // namespace clarivex

@@ -47,8 +47,8 @@ std::optional<Number> ParseWhole(Value value) {
 }
 
 void SetFormat(EnhanceOptions& options, Value value) {
-    options.format = Choose<PixelFormat>(
-        "--format", value, {{"yv12", PixelFormat::yv12}, {"iyuv", PixelFormat::iyuv}, {"yuy2", PixelFormat::yuy2}});
+    options.format = Choose<SampleFormat>(
+        "--format", value, {{"yv12", SampleFormat::yv12}, {"iyuv", SampleFormat::iyuv}, {"yuy2", SampleFormat::yuy2}});
 }
 
 void SetMode(EnhanceOptions& options, Value value) {

@@ -15,7 +15,7 @@ enum class Command { enhance, info, help, version };
 enum class EnlargeMode : uint32_t { never = 0, automatic = 1, always = 2 };
 
 struct EnhanceOptions {
-    PixelFormat format = PixelFormat::yv12;
+    SampleFormat format = SampleFormat::yv12;
     EnlargeMode mode = EnlargeMode::always;
     float sharpness = 1.0f;  ///< 0 … 2
     bool lighting = true;

@@ -51,7 +51,7 @@ std::optional<PluginLibrary> LoadPlugin(const std::string& path) {
     return path.empty() ? std::nullopt : std::optional<PluginLibrary>(path);
 }
 
-VideoFormat FormatOf(const Y4mHeader& header, PixelFormat pixelFormat) {
+VideoFormat FormatOf(const Y4mHeader& header, SampleFormat pixelFormat) {
     return {pixelFormat, header.size, header.frameRate, header.sampleAspect};
 }
 
@@ -110,15 +110,25 @@ FileSink Enhancement::OpenOutput() const {
 }
 
 std::string Enhancement::OutputHeader() const {
-    const bool fullHeightChroma = !bypassed && options.format == PixelFormat::yuy2;
+    const bool fullHeightChroma = !bypassed && options.format == SampleFormat::yuy2;
     return Y4mHeaderLine(reader.Header(), OutputSize(), fullHeightChroma);
+}
+
+/// The plug-in enlarges such pictures on one axis or none.
+bool IsTooLargeToEnlarge(const PictureSize& size) {
+    return int64_t{size.width} * size.height >= 1238400 || size.width >= 2048 || size.height >= 1022;
 }
 
 void Enhancement::NoteLimits() {
     if (bypassed)
         Note(options, "high definition is bypassed: the pictures pass unchanged (--hd allow enhances them)");
     else if (reader.Header().size.width < smallestEnhancedWidth)
-        Note(options, "pictures less than " + std::to_string(smallestEnhancedWidth) + " wide pass without enhancement");
+        Note(options, "pictures less than " + std::to_string(smallestEnhancedWidth) +
+                          " wide are not enhanced: they stand at the upper left of the output");
+    else if (IsTooLargeToEnlarge(reader.Header().size) && OutputSize().width > reader.Header().size.width)
+        Note(options,
+             "pictures this large are not enlarged in both directions: they stand at the upper left of the "
+             "output (--mode never keeps their size)");
     if (options.caption) Note(options, "the caption is not available in this version; the pictures come without it");
 }
 

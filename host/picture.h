@@ -32,7 +32,7 @@ struct Ratio {
 };
 
 /// The sample layouts that the media object takes.
-enum class PixelFormat { yv12, iyuv, yuy2 };
+enum class SampleFormat { yv12, iyuv, yuy2 };
 
 /// Luma, U and V of one picture, each without gaps between its rows.
 using PicturePlanes = std::array<std::span<const uint8_t>, 3>;

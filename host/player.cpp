@@ -7,6 +7,7 @@
 
 #include "host/errors.h"
 #include "platform/guids.h"
+#include "runtime/clock.h"
 #include "shell/settings.h"
 
 namespace clarivex {
@@ -89,7 +90,7 @@ Negotiated Player::Negotiate() {
         if (!wanted.allowHd && TakesItAsHd(*object)) return Negotiated::bypassedForHd;
         ThrowRefused(video.size);
     }
-    outputLayout = FrameLayout(video.pixelFormat, outputSize);
+    outputLayout = BufferLayout(video.pixelFormat, outputSize);
     MakeBuffers();
     Check(object->AllocateStreamingResources(), "AllocateStreamingResources");
     return Negotiated::playing;

@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "host/frame_layout.h"
+#include "host/buffer_layout.h"
 #include "host/media_buffer.h"
 #include "host/progress.h"
 #include "host/video_type.h"
@@ -68,8 +68,8 @@ private:
     ComPointer<IMediaObject> object;
     VideoFormat video;
     PlayerSettings wanted;
-    FrameLayout inputLayout;
-    FrameLayout outputLayout;
+    BufferLayout inputLayout;
+    BufferLayout outputLayout;
     ComPointer<MediaBuffer> input;
     ComPointer<MediaBuffer> output;
     std::vector<uint8_t> unpacked;

@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "platform/guids.h"
+#include "runtime/clock.h"
 
 namespace clarivex {
 
@@ -22,10 +23,10 @@ constexpr uint32_t FourCharacters(const char (&letters)[5]) {
     return code;
 }
 
-FormatNames NamesOf(PixelFormat format) {
+FormatNames NamesOf(SampleFormat format) {
     switch (format) {
-        case PixelFormat::yuy2: return {mediaSubtypeYuy2, FourCharacters("YUY2"), 16};
-        case PixelFormat::iyuv: return {mediaSubtypeIyuv, FourCharacters("IYUV"), 12};
+        case SampleFormat::yuy2: return {mediaSubtypeYuy2, FourCharacters("YUY2"), 16};
+        case SampleFormat::iyuv: return {mediaSubtypeIyuv, FourCharacters("IYUV"), 12};
         default: return {mediaSubtypeYv12, FourCharacters("YV12"), 12};
     }
 }
@@ -87,7 +88,7 @@ VideoType::VideoType(const VideoFormat& format) {
     type.pbFormat = reinterpret_cast<BYTE*>(&header);
 }
 
-std::optional<PictureSize> PictureSizeIn(const DMO_MEDIA_TYPE& type, PixelFormat format) {
+std::optional<PictureSize> PictureSizeIn(const DMO_MEDIA_TYPE& type, SampleFormat format) {
     if (!IsEqualGUID(type.majortype, mediaTypeVideo) || !IsEqualGUID(type.subtype, NamesOf(format).subtype) ||
         !IsEqualGUID(type.formattype, formatVideoInfo2) || !type.pbFormat || type.cbFormat < sizeof(VIDEOINFOHEADER2))
         return std::nullopt;

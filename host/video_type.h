@@ -9,10 +9,8 @@
 
 namespace clarivex {
 
-constexpr int64_t ticksPerSecond = 10'000'000;  ///< media times count 100 nanoseconds
-
 struct VideoFormat {
-    PixelFormat pixelFormat = PixelFormat::yv12;
+    SampleFormat pixelFormat = SampleFormat::yv12;
     PictureSize size;
     Ratio frameRate;     ///< frames a second; unknown: frames carry no times
     Ratio sampleAspect;  ///< width to height of a sample; unknown: none is stated
@@ -38,6 +36,6 @@ Ratio PictureAspect(PictureSize size, Ratio sampleAspect);
 
 /// The picture size in a type of the form VideoType makes, |biHeight| being the height. Nothing when the type has
 /// another form or subtype than `format` would have, or no sensible size.
-std::optional<PictureSize> PictureSizeIn(const DMO_MEDIA_TYPE& type, PixelFormat format);
+std::optional<PictureSize> PictureSizeIn(const DMO_MEDIA_TYPE& type, SampleFormat format);
 
 }  // namespace clarivex

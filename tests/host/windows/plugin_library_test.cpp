@@ -25,7 +25,7 @@ std::string ErrorOf(const char* path) {
 TEST(PluginLibrary, PlaysThroughTheLibrarysOwnClassFactory) {
     const PluginLibrary library("WMP_CVX.dll");  // beside this program
     const PictureSize size{64, 48};
-    Player player(library.MakeMediaObject(), {PixelFormat::yv12, size, {25, 1}, {}}, {.lighting = false});
+    Player player(library.MakeMediaObject(), {SampleFormat::yv12, size, {25, 1}, {}}, {.lighting = false});
     ASSERT_EQ(player.Negotiate(), Negotiated::playing);
     EXPECT_EQ(player.OutputSize(), (PictureSize{96, 72}));
     const PicturePlanes planes = player.Play(std::vector<uint8_t>(size.PlanarBytes(), 120));

@@ -1,31 +1,15 @@
 // Media buffer layouts against their plain description, for even and odd sizes, with guard bytes around every buffer.
-#include "host/frame_layout.h"
+#include "host/buffer_layout.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <random>
 
+#include "tests/support/fake_buffers.h"
+
 namespace clarivex {
 namespace {
-
-constexpr uint8_t guardByte = 0xA5;
-constexpr size_t guardBytes = 64;
-
-/// Memory of exactly `size` bytes between two guards.
-class GuardedBytes {
-public:
-    explicit GuardedBytes(size_t size) : memory(size + 2 * guardBytes, guardByte) {}
-    std::span<uint8_t> Bytes() { return std::span(memory).subspan(guardBytes, memory.size() - 2 * guardBytes); }
-    [[nodiscard]] bool GuardsIntact() const {
-        const auto isGuard = [](uint8_t byte) { return byte == guardByte; };
-        return std::all_of(memory.begin(), memory.begin() + guardBytes, isGuard) &&
-               std::all_of(memory.end() - guardBytes, memory.end(), isGuard);
-    }
-
-private:
-    std::vector<uint8_t> memory;
-};
 
 std::vector<uint8_t> RandomBytes(size_t count, uint32_t seed) {
     std::mt19937 random(seed);
@@ -42,13 +26,13 @@ uint8_t At(std::span<const uint8_t> plane, int32_t width, int32_t x, int32_t y) 
 const std::vector<PictureSize> sizes = {{16, 16}, {17, 16}, {16, 17}, {17, 17}, {34, 19},
                                         {33, 2},  {1, 1},   {2, 1},   {1, 2}};
 
-TEST(FrameLayout, PlanarPlacesAreThoseOfTheMediaTypes) {
+TEST(BufferLayout, PlanarPlacesAreThoseOfTheMediaTypes) {
     const PictureSize size{6, 4};
     const std::vector<uint8_t> picture = RandomBytes(size.PlanarBytes(), 1);
     const auto [luma, u, v] = PlanarPicture{size, picture}.Planes();
-    std::vector<uint8_t> yv12(FrameLayout(PixelFormat::yv12, size).Bytes()), iyuv(yv12);
-    FrameLayout(PixelFormat::yv12, size).Put({size, picture}, yv12);
-    FrameLayout(PixelFormat::iyuv, size).Put({size, picture}, iyuv);
+    std::vector<uint8_t> yv12(BufferLayout(SampleFormat::yv12, size).Bytes()), iyuv(yv12);
+    BufferLayout(SampleFormat::yv12, size).Put({size, picture}, yv12);
+    BufferLayout(SampleFormat::iyuv, size).Put({size, picture}, iyuv);
     EXPECT_EQ(iyuv, picture);
     std::vector<uint8_t> expected(luma.begin(), luma.end());
     expected.insert(expected.end(), v.begin(), v.end());
@@ -56,21 +40,21 @@ TEST(FrameLayout, PlanarPlacesAreThoseOfTheMediaTypes) {
     EXPECT_EQ(yv12, expected);
 }
 
-TEST(FrameLayout, OddPlanesOverlapAndTheLaterOneWins) {
+TEST(BufferLayout, OddPlanesOverlapAndTheLaterOneWins) {
     // 3 x 3: luma 9 bytes, chroma rows of 2 bytes one byte apart, planes one row apart.
     const PictureSize size{3, 3};
     const std::vector<uint8_t> picture = {1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 12, 13, 14, 21, 22, 23, 24};
-    FrameLayout layout(PixelFormat::iyuv, size);
+    BufferLayout layout(SampleFormat::iyuv, size);
     ASSERT_EQ(layout.Bytes(), 13u);
     std::vector<uint8_t> buffer(layout.Bytes());
     layout.Put({size, picture}, buffer);
     EXPECT_EQ(buffer, (std::vector<uint8_t>{1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 21, 23, 24}));
 }
 
-TEST(FrameLayout, OddHeightGetsTheEarlierPlanesLastRowFromAbove) {
+TEST(BufferLayout, OddHeightGetsTheEarlierPlanesLastRowFromAbove) {
     const PictureSize size{4, 5};
     const std::vector<uint8_t> picture = RandomBytes(size.PlanarBytes(), 2);
-    const FrameLayout layout(PixelFormat::yv12, size);
+    const BufferLayout layout(SampleFormat::yv12, size);
     std::vector<uint8_t> buffer(layout.Bytes()), scratch;
     layout.Put({size, picture}, buffer);
     const auto [luma, u, v] = layout.Get(buffer, scratch);
@@ -81,25 +65,10 @@ TEST(FrameLayout, OddHeightGetsTheEarlierPlanesLastRowFromAbove) {
     EXPECT_TRUE(std::ranges::equal(v.subspan(4, 2), givenV.subspan(2, 2)));
 }
 
-TEST(FrameLayout, EvenPlanarPicturesComeBackAsTheyWere) {
-    for (const PixelFormat format : {PixelFormat::yv12, PixelFormat::iyuv}) {
-        const PictureSize size{34, 18};
-        const std::vector<uint8_t> picture = RandomBytes(size.PlanarBytes(), 3);
-        const FrameLayout layout(format, size);
-        std::vector<uint8_t> buffer(layout.Bytes()), scratch;
-        layout.Put({size, picture}, buffer);
-        const PicturePlanes planes = layout.Get(buffer, scratch);
-        const PicturePlanes given = PlanarPicture{size, picture}.Planes();
-        for (size_t plane = 0; plane < 3; ++plane)
-            EXPECT_TRUE(std::ranges::equal(planes[plane], given[plane])) << plane;
-        EXPECT_TRUE(scratch.empty()) << "planes without gaps are not copied";
-    }
-}
-
-TEST(FrameLayout, PackedPicturesRepeatChromaRowsAndTheOddColumn) {
+TEST(BufferLayout, PackedPicturesRepeatChromaRowsAndTheOddColumn) {
     for (const PictureSize size : sizes) {
         const std::vector<uint8_t> picture = RandomBytes(size.PlanarBytes(), 4);
-        const FrameLayout layout(PixelFormat::yuy2, size);
+        const BufferLayout layout(SampleFormat::yuy2, size);
         ASSERT_EQ(layout.Bytes(), static_cast<size_t>((2 * size.width + 3) / 4 * 4 * size.height));
         std::vector<uint8_t> buffer(layout.Bytes()), scratch;
         layout.Put({size, picture}, buffer);
@@ -119,25 +88,25 @@ TEST(FrameLayout, PackedPicturesRepeatChromaRowsAndTheOddColumn) {
     }
 }
 
-TEST(FrameLayout, ASmallerPictureStandsAtTheUpperLeftOverBlack) {
+TEST(BufferLayout, ASmallerPictureStandsAtTheUpperLeftOverBlack) {
     const PictureSize size{17, 18}, large{32, 27};
     const std::vector<uint8_t> picture = RandomBytes(size.PlanarBytes(), 5);
     const auto [givenLuma, givenU, givenV] = PlanarPicture{size, picture}.Planes();
-    for (const PixelFormat format : {PixelFormat::yv12, PixelFormat::iyuv, PixelFormat::yuy2}) {
-        const FrameLayout layout(format, large);
+    for (const SampleFormat format : {SampleFormat::yv12, SampleFormat::iyuv, SampleFormat::yuy2}) {
+        const BufferLayout layout(format, large);
         std::vector<uint8_t> buffer(layout.Bytes(), 77), scratch;
         layout.Put({size, picture}, buffer);
         const auto [luma, u, v] = layout.Get(buffer, scratch);
         for (int32_t y = 0; y < large.height; ++y)
             for (int32_t x = 0; x < large.width; ++x) {
-                const bool packed = format == PixelFormat::yuy2;
+                const bool packed = format == SampleFormat::yuy2;
                 const bool inside = x < size.width && y < size.height;
                 const bool repeated = packed && x == size.width && y < size.height;  // the odd column's pair
                 const int expected = inside ? At(givenLuma, 17, x, y) : repeated ? At(givenLuma, 17, 16, y) : 16;
                 ASSERT_EQ(At(luma, 32, x, y), expected) << "format " << int(format) << ", " << x << ", " << y;
             }
-        const int32_t rows = format == PixelFormat::yuy2 ? large.height : large.ChromaHeight();
-        const int32_t rowStep = format == PixelFormat::yuy2 ? 2 : 1;
+        const int32_t rows = format == SampleFormat::yuy2 ? large.height : large.ChromaHeight();
+        const int32_t rowStep = format == SampleFormat::yuy2 ? 2 : 1;
         for (int32_t y = 0; y < rows; ++y)
             for (int32_t x = 0; x < 16; ++x) {
                 const bool inside = x < 9 && y / rowStep < 9;
@@ -147,11 +116,11 @@ TEST(FrameLayout, ASmallerPictureStandsAtTheUpperLeftOverBlack) {
     }
 }
 
-TEST(FrameLayout, NothingOutsideTheBufferIsTouched) {
-    for (const PixelFormat format : {PixelFormat::yv12, PixelFormat::iyuv, PixelFormat::yuy2})
+TEST(BufferLayout, NothingOutsideTheBufferIsTouched) {
+    for (const SampleFormat format : {SampleFormat::yv12, SampleFormat::iyuv, SampleFormat::yuy2})
         for (const PictureSize size : sizes) {
-            const FrameLayout layout(format, size);
-            GuardedBytes buffer(layout.Bytes());
+            const BufferLayout layout(format, size);
+            FakeBuffer buffer(layout.Bytes());
             const std::vector<uint8_t> picture = RandomBytes(size.PlanarBytes(), 6);
             layout.Put({size, picture}, buffer.Bytes());
             const std::vector<uint8_t> exact(buffer.Bytes().begin(), buffer.Bytes().end());  // reads behind it are seen

@@ -1,5 +1,5 @@
 // Copies between Y4M's planes and the media buffers' layouts, row by row.
-#include "host/frame_layout.h"
+#include "host/buffer_layout.h"
 
 #include <algorithm>
 #include <cstring>
@@ -40,51 +40,51 @@ void UnpackRow(const uint8_t* packed, int32_t width, uint8_t* luma, uint8_t* u, 
 
 }  // namespace
 
-FrameLayout::PlanePlace FrameLayout::LumaPlace() const {
+BufferLayout::PlanePlace BufferLayout::LumaPlace() const {
     return {0, static_cast<size_t>(size.width), size.width, size.height};
 }
 
-FrameLayout::PlanePlace FrameLayout::EarlierChromaPlace() const {
+BufferLayout::PlanePlace BufferLayout::EarlierChromaPlace() const {
     return {size.LumaBytes(), static_cast<size_t>(size.width / 2), size.ChromaWidth(), size.ChromaHeight()};
 }
 
-FrameLayout::PlanePlace FrameLayout::LaterChromaPlace() const {
+BufferLayout::PlanePlace BufferLayout::LaterChromaPlace() const {
     PlanePlace place = EarlierChromaPlace();
     place.offset += place.stride * static_cast<size_t>(size.height / 2);
     return place;
 }
 
-size_t FrameLayout::PackedStride() const { return (2 * static_cast<size_t>(size.width) + 3) & ~size_t{3}; }
+size_t BufferLayout::PackedStride() const { return (2 * static_cast<size_t>(size.width) + 3) & ~size_t{3}; }
 
-size_t FrameLayout::Bytes() const {
-    if (format == PixelFormat::yuy2) return PackedStride() * static_cast<size_t>(size.height);
+size_t BufferLayout::Bytes() const {
+    if (format == SampleFormat::yuy2) return PackedStride() * static_cast<size_t>(size.height);
     const PlanePlace last = LaterChromaPlace();
     return last.offset + last.stride * static_cast<size_t>(last.height - 1) + static_cast<size_t>(last.width);
 }
 
-void FrameLayout::Put(const PlanarPicture& picture, std::span<uint8_t> buffer) const {
-    if (format == PixelFormat::yuy2)
+void BufferLayout::Put(const PlanarPicture& picture, std::span<uint8_t> buffer) const {
+    if (format == SampleFormat::yuy2)
         PutPacked(picture, buffer);
     else
         PutPlanar(picture, buffer);
 }
 
-PicturePlanes FrameLayout::Get(std::span<const uint8_t> buffer, std::vector<uint8_t>& scratch) const {
-    return format == PixelFormat::yuy2 ? GetPacked(buffer, scratch) : GetPlanar(buffer, scratch);
+PicturePlanes BufferLayout::Get(std::span<const uint8_t> buffer, std::vector<uint8_t>& scratch) const {
+    return format == SampleFormat::yuy2 ? GetPacked(buffer, scratch) : GetPlanar(buffer, scratch);
 }
 
-void FrameLayout::PutPlanar(const PlanarPicture& picture, std::span<uint8_t> buffer) const {
+void BufferLayout::PutPlanar(const PlanarPicture& picture, std::span<uint8_t> buffer) const {
     const auto [luma, u, v] = picture.Planes();
-    const auto& earlier = format == PixelFormat::yv12 ? v : u;
-    const auto& later = format == PixelFormat::yv12 ? u : v;
+    const auto& earlier = format == SampleFormat::yv12 ? v : u;
+    const auto& later = format == SampleFormat::yv12 ? u : v;
     const PictureSize given = picture.size;
     PutPlane(luma, given.width, given.height, LumaPlace(), blackLuma, buffer);
     PutPlane(earlier, given.ChromaWidth(), given.ChromaHeight(), EarlierChromaPlace(), neutralChroma, buffer);
     PutPlane(later, given.ChromaWidth(), given.ChromaHeight(), LaterChromaPlace(), neutralChroma, buffer);
 }
 
-void FrameLayout::PutPlane(std::span<const uint8_t> rows, int32_t width, int32_t height, const PlanePlace& place,
-                           uint8_t black, std::span<uint8_t> buffer) {
+void BufferLayout::PutPlane(std::span<const uint8_t> rows, int32_t width, int32_t height, const PlanePlace& place,
+                            uint8_t black, std::span<uint8_t> buffer) {
     const auto copied = static_cast<size_t>(width);
     const auto blackened = static_cast<size_t>(place.width - width);
     uint8_t* target = buffer.data() + place.offset;
@@ -98,7 +98,7 @@ void FrameLayout::PutPlane(std::span<const uint8_t> rows, int32_t width, int32_t
     }
 }
 
-void FrameLayout::PutPacked(const PlanarPicture& picture, std::span<uint8_t> buffer) const {
+void BufferLayout::PutPacked(const PlanarPicture& picture, std::span<uint8_t> buffer) const {
     const auto [luma, u, v] = picture.Planes();
     const auto lumaWidth = static_cast<size_t>(picture.size.width);
     const auto chromaWidth = static_cast<size_t>(picture.size.ChromaWidth());
@@ -116,7 +116,7 @@ void FrameLayout::PutPacked(const PlanarPicture& picture, std::span<uint8_t> buf
     }
 }
 
-PicturePlanes FrameLayout::GetPlanar(std::span<const uint8_t> buffer, std::vector<uint8_t>& scratch) const {
+PicturePlanes BufferLayout::GetPlanar(std::span<const uint8_t> buffer, std::vector<uint8_t>& scratch) const {
     const size_t chroma = size.ChromaBytes();
     std::span<const uint8_t> earlier, later;
     if (size.width % 2 == 0 && size.height % 2 == 0) {
@@ -128,11 +128,11 @@ PicturePlanes FrameLayout::GetPlanar(std::span<const uint8_t> buffer, std::vecto
         earlier = std::span(scratch).subspan(0, chroma);
         later = std::span(scratch).subspan(chroma, chroma);
     }
-    const bool yv12 = format == PixelFormat::yv12;
+    const bool yv12 = format == SampleFormat::yv12;
     return {buffer.subspan(0, size.LumaBytes()), yv12 ? later : earlier, yv12 ? earlier : later};
 }
 
-void FrameLayout::CopyOverlappingChroma(std::span<const uint8_t> buffer, std::span<uint8_t> planes) const {
+void BufferLayout::CopyOverlappingChroma(std::span<const uint8_t> buffer, std::span<uint8_t> planes) const {
     const size_t chroma = size.ChromaBytes();
     const auto rowBytes = static_cast<size_t>(size.ChromaWidth());
     GetPlane(buffer, EarlierChromaPlace(), planes.subspan(0, chroma));
@@ -141,13 +141,13 @@ void FrameLayout::CopyOverlappingChroma(std::span<const uint8_t> buffer, std::sp
         std::memcpy(planes.data() + chroma - rowBytes, planes.data() + chroma - 2 * rowBytes, rowBytes);
 }
 
-void FrameLayout::GetPlane(std::span<const uint8_t> buffer, const PlanePlace& place, std::span<uint8_t> rows) {
+void BufferLayout::GetPlane(std::span<const uint8_t> buffer, const PlanePlace& place, std::span<uint8_t> rows) {
     const auto width = static_cast<size_t>(place.width);
     for (size_t y = 0; y < static_cast<size_t>(place.height); ++y)
         std::memcpy(rows.data() + width * y, buffer.data() + place.offset + place.stride * y, width);
 }
 
-PicturePlanes FrameLayout::GetPacked(std::span<const uint8_t> buffer, std::vector<uint8_t>& scratch) const {
+PicturePlanes BufferLayout::GetPacked(std::span<const uint8_t> buffer, std::vector<uint8_t>& scratch) const {
     const size_t luma = size.LumaBytes();
     const auto chromaWidth = static_cast<size_t>(size.ChromaWidth());
     const size_t chroma = chromaWidth * static_cast<size_t>(size.height);

@@ -15,9 +15,9 @@ namespace clarivex {
 /// bytes apart, the later one `height` / 2 of these below the earlier, all divisions rounded down. So with an odd width
 /// each chroma row ends on the first byte of the next, and with an odd height the earlier plane's last row is the later
 /// one's first. YUY2: rows of (2 · width + 3) & ~3 bytes holding Y0 U Y1 V for each pair of columns.
-class FrameLayout {
+class BufferLayout {
 public:
-    FrameLayout(PixelFormat pixelFormat, PictureSize pictureSize) : format(pixelFormat), size(pictureSize) {}
+    BufferLayout(SampleFormat pixelFormat, PictureSize pictureSize) : format(pixelFormat), size(pictureSize) {}
 
     PictureSize Size() const { return size; }
 
@@ -57,7 +57,7 @@ private:
                          uint8_t black, std::span<uint8_t> buffer);
     static void GetPlane(std::span<const uint8_t> buffer, const PlanePlace& place, std::span<uint8_t> rows);
 
-    PixelFormat format;
+    SampleFormat format;
     PictureSize size;
 };
 
