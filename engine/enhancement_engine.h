@@ -35,7 +35,7 @@ struct EngineSettings {
     float noiseReduction = 0.0F;   ///< 0 … 6 with fractions
     int32_t baseDetailGain = 0;    ///< added to both narrow post gains, times 0.3
     int32_t coringLevel = 0;       ///< 0 … 4: dead zone of the narrow post gains
-    int32_t columnRankMode = 2;    ///< 2 leaves the rank stages off
+    int32_t columnRankMode = 2;    ///< 2 leaves the rank stages off; none is built, so nothing reads it
     uint8_t lightingAdoptNow = 1;  ///< the next analysed frame adopts its estimate at once
     int32_t sharpenScheme = 2;     ///< 2 and more: level tables and post filter
     int32_t curveSharpening = 0;   ///< non-zero: the strength drives the detail gains too
@@ -52,11 +52,10 @@ struct EngineSettings {
     int32_t windowKind = 0;     ///< 0 Kaiser, 1 sinc, else none
     int32_t spectrumTrim = 0;   ///< 1 and 2 truncate the horizontal prototype
 
-    uint8_t diffusedDetail =
-        0;                     ///< non-zero asks for the diffused detail stage, which there is none of: no detail stage
-    uint8_t splitView = 0;     ///< enhance the right part of the picture only
-    int32_t detailBoostA = 0;  ///< dead zone factor of the small-signal booster
-    int32_t detailBoostB = 0;  ///< gain of the small-signal booster
+    uint8_t diffusedDetail = 0;   ///< non-zero: no detail stage runs, since its diffused form is not built
+    uint8_t splitView = 0;        ///< enhance the right part of the picture only
+    int32_t detailBoostA = 0;     ///< dead zone factor of the small-signal booster
+    int32_t detailBoostB = 0;     ///< gain of the small-signal booster
     int32_t fusedNarrowGain = 0;  ///< tenths, three-halves mode
     int32_t fusedWideGain = 0;    ///< twentieths, three-halves mode
     int32_t forceDetailA = 0;     ///< either non-zero runs the detail set-up without noise reduction
@@ -74,9 +73,9 @@ struct EngineSettings {
     int32_t edgeDeadZone = 4;  ///< dead zone T = (edgeDeadZone · edgeGain) >> 2
     int32_t edgeMargin = 0;
     int32_t edgeNeighbourWeight = 64;  ///< 64ths, simple limiter
-    int32_t edgeKernelSelect = 2;
-    int32_t wideSlopeBase = 13;  ///< full limiter: K = 64 + this
-    int32_t wideSlope = 25;      ///< full limiter: Q = 32 · this
+    int32_t edgeKernelSelect = 2;      ///< form of the full limiter; one form serves every machine, so nothing reads it
+    int32_t wideSlopeBase = 13;        ///< full limiter: K = 64 + this
+    int32_t wideSlope = 25;            ///< full limiter: Q = 32 · this
     int32_t wideOffset = 0;
 
     uint8_t gatedSharpen = 1;  ///< allows the gated detail kernels

@@ -1,7 +1,5 @@
 #include "engine/enhancement_pass.h"
 
-#include <algorithm>
-
 #include "algorithms/edge_sharpeners.h"
 #include "engine/detail_gains.h"
 #include "engine/picture_scaler.h"

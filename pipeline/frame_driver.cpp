@@ -26,7 +26,7 @@ ToneSettings ToneSettingsOf(const EngineSettings& settings) {
 float StrengthOfSlider(float sharpness) {
     const double slider = sharpness;
     const double strength = slider > 2.0 ? slider : 2.0 * std::pow(slider / 2.0, 1.33);
-    return static_cast<float>(strength / 9.0 * 9.0);
+    return static_cast<float>(strength / 9.0 * 9.0);  // both roundings are part of the result
 }
 
 void FrameDriver::StartStream() { engine.lighting = LightingState{}; }
@@ -87,7 +87,7 @@ void FrameDriver::EnhancePlanar(const FrameRequest& request, const FrameLayout& 
 /// The engine's pass, then the tone curve on its correction.
 FrameInfo FrameDriver::RunEngine(const FrameRequest& request, const SourceImage& source, const PassTarget& target,
                                  float& aspect) {
-    FrameRecord frame;
+    FrameRecord frame;  // always new: media times do not reach the engine, which sees 24 frames a second
     FrameInfo info;
     EnhancementPass(engine, frame, source, target, aspect, info, request.scalingOn ? allPlanes : lumaPlane, kernels);
     ToneCurve(ToneSettingsOf(engine), info.correction);

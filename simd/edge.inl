@@ -150,7 +150,8 @@ constexpr int32_t edgeMarginColumns = 8;
 /// The margins are put back as early as they can be: whoever reads the row next would wait for such small stores.
 template <class Lanes, class Decide>
 void LimitEdgesWith(const uint8_t* in, uint8_t* out, int32_t end, const Decide& decide) {
-    constexpr int32_t head = blockLength < Lanes >> edgeMarginColumns ? blockLength<Lanes> : edgeMarginColumns;
+    constexpr int32_t block = blockLength<Lanes>;
+    constexpr int32_t head = block > edgeMarginColumns ? block : edgeMarginColumns;
     LimitBlocks<Lanes>(in, out, 0, head, decide);
     std::memcpy(out, in, edgeMarginColumns);
     LimitBlocks<Lanes>(in, out, head, end, decide);

@@ -1,8 +1,9 @@
 // The pixel kernels as a table of function pointers, one table an instruction set, and its choice at run time.
 //
 // Every kernel gives the same bytes in every table. Rows are plain pointers to samples. Unless a kernel says otherwise
-// it reads and writes exactly the samples that its counts name, and out may not overlap what it reads. A row said to be *slack* may be read 64 samples before
-// its start, and read and written up to 256 samples behind its end; what is there does not change the result.
+// it reads and writes exactly the samples that its counts name, and out may not overlap what it reads. A row said to be
+// *slack* may be read 64 samples before its start, and read and written up to 256 samples behind its end; what is there
+// does not change the result.
 #pragma once
 
 #include <cstdint>
@@ -19,9 +20,9 @@ constexpr int32_t slackBehind = 256;
 constexpr int32_t patternPeriod = 4;
 constexpr int32_t patternLength = 64 + patternPeriod;
 
-/// Values of the full edge limiter. See LimitEdges in engine/.
+/// Values of the full edge limiter: see simd/edge.inl. Any value wraps or saturates as told there.
 struct EdgeLimits {
-    int16_t gain = 29;         ///< 0 … 127
+    int16_t gain = 29;
     int16_t deadZone = 29;     ///< T, 0 … 32767
     int16_t outerWeight = 77;  ///< K
     int16_t slope = 800;       ///< Q
@@ -77,7 +78,7 @@ struct KernelTable {
     /// (53·r2 + 11·r3) >> 6.
     void (*enlargeChromaColumns)(const uint8_t* const* rows, uint8_t* const* outs, int32_t width);
 
-    /// Vertical sharpening: out = sat8(c + ((gain·(2c − above − below) + 4) >> 4)) in 16 bits. out is a slack row.
+    /// Vertical sharpening: out = sat8(c + ((gain·(2c − above − below) + 4) >> 4)) in 16 bits.
     void (*sharpenColumns)(const uint8_t* above, const uint8_t* row, const uint8_t* below, uint8_t* out, int32_t width,
                            int16_t gain);
 
