@@ -46,38 +46,6 @@ TEST(ChooseDetailFirForm, FollowsSymmetryAndTheOutermostTap) {
     EXPECT_EQ(ChooseDetailFirForm(nearly), DetailFirForm::general);
 }
 
-TEST(DetailFir, TheGeneralFormReadsUnfilteredSamplesAndKeepsTheMargins) {
-    const auto expanded = [](int32_t sample) {
-        const int32_t centred = std::min(sample - 128 + (sample >= 128 ? 1 : 0), 127);
-        return 256 * centred + (centred & 255);
-    };
-    for (int32_t width = 1; width <= 40; ++width) {
-        GuardedPlane actual(width, 3, stride, 0, static_cast<uint32_t>(width));
-        const GuardedPlane before = actual;
-        GuardedPlane expected = actual;
-        for (int32_t y = 0; y < 3; ++y)
-            for (int32_t x = 4; x < 4 + 4 * std::max((width - 8) >> 2, 0); ++x) {
-                int32_t sum = x % 2 == 0 ? 4088 : 4072;
-                for (int32_t k = 5; k <= 11; ++k)
-                    sum += (general[static_cast<size_t>(k)] * expanded(before.At(x + k - 8, y))) >> 16;
-                expected.At(x, y) = Limited(sum >> 5);
-            }
-        Filter(actual.View(), general, 2);
-        EXPECT_TRUE(actual == expected) << width << ": " << FirstDifference(actual, expected);
-    }
-}
-
-TEST(DetailFir, ASingleCentreTapChangesWhiteOnly) {
-    DetailTaps taps{};
-    taps[8] = 8160;
-    GuardedPlane plane(64, 8, stride, 0, 1);
-    for (int32_t i = 0; i < 512; ++i) plane.At(i % 64, i / 64) = static_cast<uint8_t>(i / 2);
-    const GuardedPlane before = plane;
-    Filter(plane.View(), taps, 2);
-    for (int32_t y = 0; y < 8; ++y)
-        for (int32_t x = 4; x < 60; ++x) EXPECT_EQ(plane.At(x, y), std::min<int32_t>(before.At(x, y), 254));
-}
-
 TEST(DetailFir, TheSymmetricFormsReadUnfilteredSamplesAndKeepTheMargins) {
     struct Case {
         const DetailTaps& taps;
@@ -100,18 +68,6 @@ TEST(DetailFir, TheSymmetricFormsReadUnfilteredSamplesAndKeepTheMargins) {
             Filter(actual.View(), taps, 2);
             EXPECT_TRUE(actual == expected) << width << ": " << FirstDifference(actual, expected);
         }
-}
-
-TEST(DetailFir, TwoCentralTapsAverageTwoSamples) {
-    GuardedPlane plane(32, 1, stride, 0, 1);
-    plane.Fill(0);
-    plane.At(12, 0) = 101;
-    plane.At(13, 0) = 200;
-    Filter(plane.View(), Mirrored({0, 0, 0, 0, 0, 0, 0, 4096}), 2);
-    EXPECT_EQ(plane.At(12, 0), (4 * 101 + 6) >> 3);
-    EXPECT_EQ(plane.At(13, 0), (4 * 301 + 6) >> 3);
-    EXPECT_EQ(plane.At(14, 0), (4 * 200 + 6) >> 3);
-    EXPECT_EQ(plane.At(15, 0), 0);
 }
 
 TEST(DetailFir, RunsSeveralPassesFromThreeOn) {

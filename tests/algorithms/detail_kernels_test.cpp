@@ -21,56 +21,34 @@ Group Gated(const Group& samples, const Measures& narrow, const Measures& wide, 
 TEST(Core, IsADeadZoneThatWrapsAtTheTop) {
     EXPECT_EQ(Core(10, 4), 6);
     EXPECT_EQ(Core(-10, 4), -6);
-    for (const int16_t inside : std::array<int16_t, 5>{-4, -3, 0, 3, 4}) EXPECT_EQ(Core(inside, 4), 0);
-    EXPECT_EQ(Core(-77, 0), -77);
-    EXPECT_EQ(Core(16384, 16383), 1);
+    for (const int16_t inside : std::array<int16_t, 3>{-4, 0, 4}) EXPECT_EQ(Core(inside, 4), 0);
     EXPECT_EQ(Core(-32768, 16383), -16385);
     EXPECT_EQ(Core(32767, 1), -32768) << "the raised value leaves 16 bits";
     EXPECT_EQ(WideCore(-1'000'000'000'000, 1), -999'999'999'999);
-    EXPECT_EQ(WideCore(5, 9), 0);
 }
 
-TEST(Measures, VanishOnStraightLines) {
-    EXPECT_EQ(NarrowMeasure(10, 20, 30), 0);
+TEST(Measures, AreSecondDifferences) {
     EXPECT_EQ(NarrowMeasure(0, 255, 0), 510);
-    EXPECT_EQ(WideMeasure(9, 9, 9, 9, 9, 9, 9), 0);
     EXPECT_EQ(WideMeasure(10, 20, 30, 40, 50, 60, 70), 0);
-    EXPECT_EQ(WideMeasure(0, 0, 255, 255, 255, 0, 0), 1530);
     EXPECT_EQ(WideMeasure(1, 2, 4, 8, 16, 32, 64), 32 + 20 - 68 - 65);
 }
 
-TEST(NarrowDetail, SmoothsRipplesAndKeepsEdges) {
+TEST(NarrowDetail, SmoothsRipplesKeepsEdgesAndLimitsToSamples) {
     const NarrowGains smoothing = MakeNarrowGains({.narrowBase = -5, .narrowExtra = 5, .narrowKnee = 10});
     EXPECT_EQ(NarrowDetail(100, 2, smoothing, 12), 100);  // (−10 + 12) >> 4
     EXPECT_EQ(NarrowDetail(100, 40, smoothing, 4), 99);   // core(200) − 200 + 4 = −6: only the knee's size
-    EXPECT_EQ(NarrowDetail(100, -40, smoothing, 12), 101);
-    EXPECT_EQ(NarrowDetail(255, 510, smoothing, 4), 254);
-    for (const int32_t dither : {4, 12}) EXPECT_EQ(NarrowDetail(77, 0, smoothing, dither), 77);
-}
-
-TEST(NarrowDetail, SharpensWithFiveSixteenthsAndLimitsToSamples) {
-    const NarrowGains sharpening = MakeNarrowGains({.narrowBase = 5});
-    EXPECT_EQ(NarrowDetail(100, 16, sharpening, 0), 105);
-    EXPECT_EQ(NarrowDetail(250, 100, sharpening, 0), 255);
-    EXPECT_EQ(NarrowDetail(5, -100, sharpening, 0), 0);
-    const NarrowGains wrapping = MakeNarrowGains({.narrowBase = 200});
-    EXPECT_EQ(NarrowDetail(100, 200, wrapping, 0), 0) << "40000 is −25536 in 16 bits";
+    EXPECT_EQ(NarrowDetail(250, 100, MakeNarrowGains({.narrowBase = 5}), 0), 255);
+    EXPECT_EQ(NarrowDetail(100, 200, MakeNarrowGains({.narrowBase = 200}), 0), 0) << "40000 is −25536 in 16 bits";
 }
 
 TEST(KneeDetail, TheExtraWideGainComesInTwoSteps) {
     // Half the extra gain is 16384, so a measure of 64 gives hi(1024 · 16384) = 256; the knee lies at 100.
     const KneeGains gains = MakeKneeGains({.wideExtra = 32768, .wideKnee = 100 << 13});
-    EXPECT_EQ(gains.wideHalfExtra, 16384);
-    EXPECT_EQ(gains.wideKnee, 100);
     EXPECT_EQ(KneeDetail(100, 0, 20, gains, 0), 100);              // 80: below the knee
     EXPECT_EQ(KneeDetail(100, 0, 40, gains, 0), 100 + (60 >> 4));  // 160: above it
     EXPECT_EQ(KneeDetail(100, 0, 64, gains, 0), 100 + ((156 + 56) >> 4));
-    EXPECT_EQ(KneeDetail(100, 0, -64, gains, 0), 100 - 14);  // −212 >> 4 rounds down
-}
-
-TEST(KneeDetail, AddsBothMeasures) {
-    const KneeGains gains = MakeKneeGains({.narrowBase = 5, .narrowExtra = 10, .narrowKnee = 40, .wideBase = 8192});
-    EXPECT_EQ(KneeDetail(50, 8, 32, gains, 12), 50 + ((64 + 40 + 40 + 12) >> 4));
+    const KneeGains both = MakeKneeGains({.narrowBase = 5, .narrowExtra = 10, .narrowKnee = 40, .wideBase = 8192});
+    EXPECT_EQ(KneeDetail(50, 8, 32, both, 12), 50 + ((64 + 40 + 40 + 12) >> 4));
 }
 
 TEST(MakeKneeGains, MovesAWideBaseBeyondSixteenBitsIntoTheExtraGain) {
@@ -88,29 +66,11 @@ TEST(MakeKneeGains, MovesAWideBaseBeyondSixteenBitsIntoTheExtraGain) {
 TEST(MakeGatedGains, GatesLieAtAShareOfTheKnee) {
     // 100 · 256 / 10 = 2560; 86 of 4096 of it are 53, limited to 15; at a knee of 5 they are 2.
     EXPECT_EQ(MakeGatedRowGains({.narrowExtra = 10, .narrowKnee = 100}).narrowGate, 15);
-    EXPECT_EQ(MakeGatedRowGains({.narrowExtra = 10, .narrowKnee = 100}).wideGate, 16);
     EXPECT_EQ(MakeGatedRowGains({.narrowExtra = 10, .narrowKnee = 5}).narrowGate, 2);
-    EXPECT_EQ(MakeGatedRowGains({.narrowExtra = 10, .narrowKnee = 20}).narrowGate, 10);
     EXPECT_EQ(MakeGatedRowGains({.narrowExtra = 10, .narrowKnee = 20}).wideGate, 11);
     EXPECT_EQ(MakeGatedColumnGains({.narrowExtra = 10, .narrowKnee = 20}).narrowGate, 8);
     EXPECT_EQ(MakeGatedColumnGains({.narrowExtra = 10, .narrowKnee = 100}).wideGate, 15);
     EXPECT_EQ(MakeGatedRowGains({.narrowExtra = 0, .narrowKnee = 20}).narrowGate, 0);
-    EXPECT_LT(MakeGatedRowGains({.narrowExtra = -10, .narrowKnee = 20}).narrowGate, 0);
-}
-
-TEST(MakeGatedGains, ScaleTheWideMultipliersForTheirAxis) {
-    const GatedGains rows =
-        MakeGatedRowGains({.narrowKnee = 20000, .wideBase = -10922, .wideExtra = 93625, .wideKnee = 81920});
-    EXPECT_EQ(rows.wideBase, -2731);
-    EXPECT_EQ(rows.wideExtra, 23406);
-    EXPECT_EQ(rows.wideKnee, 20);
-    EXPECT_EQ(rows.narrow.knee, 20000);
-    const GatedGains columns =
-        MakeGatedColumnGains({.narrowKnee = 20000, .wideBase = -42, .wideExtra = 360, .wideKnee = 320});
-    EXPECT_EQ(columns.wideBase, -2688);
-    EXPECT_EQ(columns.wideExtra, 23040);
-    EXPECT_EQ(columns.wideKnee, 20);
-    EXPECT_EQ(columns.narrow.knee, 16383);
 }
 
 TEST(GatedDetail, OneSampleAboveAGateOpensItForItsGroup) {
@@ -125,13 +85,7 @@ TEST(GatedDetail, OneSampleAboveAGateOpensItForItsGroup) {
     EXPECT_EQ(Gated({50, 60, 70, 80}, {2, 4, 6, -12}, {}, gains), (Group{52, 64, 76, 68}));
     EXPECT_EQ(Gated({50, 60, 70, 80}, {2, 4, 6, -8}, {}, gains), (Group{51, 62, 73, 76}))
         << "the base gain has no gate";
-}
-
-TEST(GatedDetail, TheWideMeasureHasItsOwnGateAndKnee) {
-    GatedGains gains;
-    gains.wideExtra = 16384;  // hi(16 · W · 16384) << 2 = 16 · W
-    gains.wideKnee = 32;
-    gains.wideGate = 10;
+    gains = {.narrow = {}, .wideExtra = 16384, .wideKnee = 32, .wideGate = 10};  // hi(16 · W · 16384) << 2 = 16 · W
     EXPECT_EQ(Gated({50, 50, 50, 50}, {99, 99, 99, 99}, {10, -11, 0, 5}, gains), (Group{50, 50, 50, 50}));
     EXPECT_EQ(Gated({50, 50, 50, 50}, {}, {11, 12, 0, 1}, gains), (Group{59, 60, 50, 50}));
 }
@@ -142,11 +96,7 @@ TEST(GatedDetail, ADetailThatItsKneeWouldReverseBecomesZero) {
     EXPECT_EQ(Gated({50, 50, 50, 50}, {16, 0, 0, 0}, {}, gains), (Group{50, 50, 50, 50})) << "−80 + 144 turns round";
     gains.narrow.knee = 80;
     EXPECT_EQ(Gated({50, 50, 50, 50}, {16, 0, 0, 0}, {}, gains), (Group{49, 50, 50, 50})) << "−80 + 64 does not";
-    gains.narrow = {};
-    gains.wideBase = -4096;  // −4 · W
-    gains.wideExtra = 8192;  // 8 · W
-    EXPECT_EQ(Gated({50, 50, 50, 50}, {}, {16, 0, 0, 0}, gains), (Group{50, 50, 50, 50}));
-    gains.wideKnee = 80;
+    gains = {.narrow = {}, .wideBase = -4096, .wideExtra = 8192, .wideKnee = 80};  // −4 · W and 8 · W
     EXPECT_EQ(Gated({50, 50, 50, 50}, {}, {16, 0, 0, 0}, gains), (Group{49, 50, 50, 50}));
 }
 

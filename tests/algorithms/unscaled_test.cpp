@@ -87,21 +87,5 @@ TEST(EnhanceUnscaled, CopiesAllPlanesWithNothingToDo) {
     EXPECT_TRUE(SamePictures(target.Planes(), picture.Source().planes));
 }
 
-TEST(EnhanceUnscaled, RaisesBrightSamplesOfTheLastGroup) {
-    UnscaledScratch scratch;
-    SharpenParams faint = Vertical(0.01F);  // active, but its gain rounds to 0
-    for (const int32_t level : {0, 127, 128, 254, 255}) {
-        const WorkingImage source = TestImage(20, 3, Texture::hard, 1);
-        std::memset(source.Planes().luma.data, level, 3 * 64);
-        const WorkingImage target = TestImage(20, 3, Texture::hard, 2);
-        EnhanceUnscaled(target.Planes(), SourceOf(source), pass, faint, scratch, scalarKernels);
-        const uint8_t* row = target.Planes().luma.Row(1);
-        EXPECT_EQ(row[0], level);
-        EXPECT_EQ(row[8], std::min(level, 254)) << "even column";
-        EXPECT_EQ(row[9], std::min(level, 254)) << "odd column";
-        EXPECT_EQ(row[16], level >= 128 ? std::min(level + 1, 255) : level);
-    }
-}
-
 }  // namespace
 }  // namespace clarivex

@@ -29,32 +29,6 @@ TEST(WorkingImage, KeepsItsBlockWhileTheSizeStays) {
     EXPECT_EQ(image.Planes().third.height, 11);
 }
 
-TEST(WorkingImage, HoldsTheSpareRowsItPromises) {
-    WorkingImage image;
-    for (const int32_t height : {1, 15, 16, 17}) {
-        image.Resize(1, height);
-        for (const Plane& plane : {image.Planes().luma, image.Planes().second, image.Planes().third}) {
-            std::fill_n(plane.Row(plane.height), 15 * plane.stride, uint8_t{1});
-        }
-    }
-}
-
-TEST(PrepareWorkingImage, CopiesThePictureAndLeavesTheSpareRows) {
-    std::vector<uint8_t> luma(33 * 3, 10);
-    std::vector<uint8_t> chroma(17 * 2, 20);
-    ImagePlanes source;
-    source.luma = {luma.data(), 33, 3, 33};
-    source.second = {chroma.data(), 17, 2, 17};
-    source.third = source.second;
-    WorkingImage image;
-    image.Resize(33, 3);
-    *image.Planes().luma.Row(3) = 77;
-    PrepareWorkingImage(image, source);
-    EXPECT_EQ(image.Planes().luma.Row(2)[32], 10);
-    EXPECT_EQ(image.Planes().third.Row(1)[16], 20);
-    EXPECT_EQ(*image.Planes().luma.Row(3), 77);
-}
-
 TEST(PrepareWorkingImage, ReadsNothingBehindTheSourcesBuffer) {
     // Rows wide enough apart to be copied in whole units of 64, in a buffer that ends with the last visible sample.
     constexpr size_t bytes = 128 + 100;

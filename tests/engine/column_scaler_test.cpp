@@ -85,18 +85,5 @@ TEST(ScaleColumnStrips, ReadNothingBehindTheBuffer) {
     });
 }
 
-TEST(ScaleColumnStrips, KeepFlatPicturesFlat) {
-    for (int32_t level = 0; level <= 255; ++level) {
-        const WorkingImage source = TestImage(8, 8, Texture::soft, 1);
-        std::memset(source.Planes().luma.data, level, 8 * 64);
-        const WorkingImage target = TestImage(8, 12, Texture::hard, 1);
-        ColumnScratch scratch;
-        ScaleLumaStrips(target.Planes().luma, source.Planes().luma, EndOf(source), StagesOf(stageCases[0]), scratch,
-                        scalarKernels);
-        ASSERT_TRUE(SameSamples(target.Planes().luma, source.Planes().luma, 8, 8));
-        ASSERT_TRUE(SameSamples({target.Planes().luma.Row(8), 8, 4, 64}, source.Planes().luma, 8, 4));
-    }
-}
-
 }  // namespace
 }  // namespace clarivex

@@ -4,6 +4,8 @@
 
 #include <limits>
 
+#include "tests/support/sharpen_curve.h"
+
 namespace clarivex {
 namespace {
 
@@ -28,76 +30,15 @@ TEST(SetUpNoiseReduction, MixesTheLevelsWithTheLowerOneInFull) {
     EXPECT_NEAR(KneeOf(2.5F), 2.209, 1e-6);
     EXPECT_NEAR(KneeOf(6.0F), 17.670872, 1e-6);
     EXPECT_EQ(KneeOf(std::numeric_limits<float>::infinity()), KneeOf(6.0F));
-}
-
-TEST(SetUpNoiseReduction, IsOffWhereThePictureIsTooLargeOrDoubled) {
-    EXPECT_EQ(KneeOf(3.0F, {2, 2}), 0);
-    EXPECT_EQ(KneeOf(3.0F, {0, 0}, true), 0);
-    EXPECT_EQ(KneeOf(-3.0F), 0);
+    EXPECT_EQ(KneeOf(3.0F, {2, 2}), 0) << "doubled";
+    EXPECT_EQ(KneeOf(3.0F, {0, 0}, true), 0) << "too large";
     EXPECT_GT(KneeOf(3.0F, {2, 1}), 0);
 }
-
-/// What one axis is to run.
-struct AxisWords {
-    int16_t stageCount;
-    bool gatedAllowed;
-    int16_t gated;
-    int16_t mode;
-    SharpenParams narrow;
-    SharpenParams wide;
-};
 
 void ExpectRecord(const SharpenParams& actual, const SharpenParams& expected, const std::string& what) {
     EXPECT_FLOAT_EQ(actual.baseGainLog2, expected.baseGainLog2) << what;
     EXPECT_FLOAT_EQ(actual.extraGainLog2, expected.extraGainLog2) << what;
     EXPECT_FLOAT_EQ(actual.knee, expected.knee) << what;
-}
-
-SharpenParams Curve(float base, float extra, float knee) {
-    SharpenParams params;
-    params.baseGainLog2 = base;
-    params.extraGainLog2 = extra;
-    params.knee = knee;
-    return params;
-}
-
-TEST(SetUpNoiseReduction, ChoosesTheKernelsOfEachAxisByItsStages) {
-    const SharpenParams none;
-    const SharpenParams narrow = Curve(-500, 500, 0.47F);
-    const SharpenParams wide = Curve(-500, 500, 0.564F);
-    const SharpenParams gatedNarrow = Curve(-496.2F, 500, 0.47F);
-    const SharpenParams gatedWide = Curve(-496.9F, 500, 0.564F);
-    const AxisWords cases[] = {{0, true, 0, 0, none, none},
-                               {1, true, 0, 1, narrow, none},
-                               {2, true, 0, 2, narrow, wide},
-                               {3, false, 0, 2, narrow, wide},
-                               {3, true, 2, 0, gatedNarrow, gatedWide}};
-    for (const AxisWords& rows : cases)
-        for (const AxisWords& columns : cases) {
-            if (rows.gatedAllowed != columns.gatedAllowed) continue;
-            EngineSettings settings;
-            settings.noiseReduction = 1.0F;
-            settings.noiseStagesH = rows.stageCount;
-            settings.noiseStagesV = columns.stageCount;
-            settings.gatedSharpen = rows.gatedAllowed ? 1 : 0;
-            StageSettings stages;
-            SetUpNoiseReduction(settings, bothAxes, false, stages);
-            const std::string what =
-                "stages " + std::to_string(rows.stageCount) + " and " + std::to_string(columns.stageCount);
-            EXPECT_EQ(stages.gatedH, rows.gated) << what;
-            EXPECT_EQ(stages.gatedV, columns.gated) << what;
-            EXPECT_EQ(stages.preModeH, rows.mode) << what;
-            EXPECT_EQ(stages.preModeV, columns.mode) << what;
-            ExpectRecord(stages.preNarrowH, rows.narrow, what);
-            ExpectRecord(stages.preWideH, rows.wide, what);
-            const float kneeFactor = columns.gated != 0 ? 1.01F : 1.0F;  // of the columns only
-            SharpenParams narrowV = columns.narrow;
-            SharpenParams wideV = columns.wide;
-            narrowV.knee *= kneeFactor;
-            wideV.knee *= kneeFactor;
-            ExpectRecord(stages.preNarrowV, narrowV, what);
-            ExpectRecord(stages.preWideV, wideV, what);
-        }
 }
 
 TEST(SetUpNoiseReduction, SmoothsChromaFromTheLevelOfTwoAndAHalf) {
@@ -110,18 +51,6 @@ TEST(SetUpNoiseReduction, SmoothsChromaFromTheLevelOfTwoAndAHalf) {
     const NoiseReduction reduction = SetUpNoiseReduction(settings, bothAxes, false, stages);
     EXPECT_TRUE(reduction.smoothsChroma);
     ExpectRecord(reduction.smoothing, Curve(-500, 500, 2.209F * 0.63F), "chroma");
-}
-
-TEST(SetUpNoiseReduction, RunsAtLevelZeroWhenForcedInThreeHalves) {
-    EngineSettings settings;
-    settings.forceDetailB = 1;
-    settings.noiseStagesH = settings.noiseStagesV = 3;
-    StageSettings forced, unscaled;
-    SetUpNoiseReduction(settings, bothAxes, false, forced);
-    EXPECT_EQ(forced.preModeH, 1) << "a knee of 0 leaves the gated kernels without gains";
-    EXPECT_EQ(forced.gatedH, 0);
-    SetUpNoiseReduction(settings, {0, 0}, false, unscaled);
-    EXPECT_EQ(unscaled.preModeH, 0);
 }
 
 /// Settings that drive the gains behind the scaler, and what comes of them: base gain, extra gain and knee of the narrow

@@ -18,13 +18,6 @@ int32_t CoreOf(int32_t value, int32_t deadZone) {
 
 int32_t Limited(int32_t value) { return std::clamp(value, 0, 255); }
 
-/// One row of a plane with the given samples.
-GuardedPlane RowOf(const std::vector<uint8_t>& samples) {
-    GuardedPlane plane(static_cast<int32_t>(samples.size()), 1, stride, 0, 1);
-    std::copy(samples.begin(), samples.end(), &plane.At(0, 0));
-    return plane;
-}
-
 int32_t SimplyLimited(int32_t left, int32_t sample, int32_t right, const SimpleLimits& limits) {
     const int32_t towardsLeft = Limited(sample + (((left - sample) * limits.neighbourWeight) >> 6));
     const int32_t towardsRight = Limited(sample + (((right - sample) * limits.neighbourWeight) >> 6));
@@ -32,20 +25,6 @@ int32_t SimplyLimited(int32_t left, int32_t sample, int32_t right, const SimpleL
     const int32_t sharpened = Limited(sample + ((first + CoreOf(first, limits.deadZone) + 16) >> 5));
     return std::clamp(sharpened, std::min({towardsLeft, sample, towardsRight}),
                       std::max({towardsLeft, sample, towardsRight}));
-}
-
-TEST(LimitEdgesSimple, SteepensEdgesWithoutOvershoot) {
-    GuardedPlane plane = RowOf({20, 20, 20, 40, 180, 200, 200, 200});
-    LimitEdgesSimple(plane.View(), {});
-    const std::vector<uint8_t> limited(&plane.At(0, 0), &plane.At(0, 0) + 8);
-    EXPECT_EQ(limited, (std::vector<uint8_t>{20, 20, 20, 20, 200, 200, 200, 200}));
-}
-
-TEST(LimitEdgesSimple, LeavesWeakDetailInTheDeadZone) {
-    GuardedPlane plane = RowOf({100, 100, 101, 102, 103, 104, 104, 104});
-    const GuardedPlane before = plane;
-    LimitEdgesSimple(plane.View(), {});
-    EXPECT_TRUE(plane == before) << FirstDifference(plane, before);
 }
 
 TEST(LimitEdgesSimple, EqualsThePlainFormAtEveryWidth) {
@@ -72,23 +51,6 @@ TEST(DeriveBoosterGains, LimitsTheDeadZone) {
     EXPECT_EQ(DeriveBoosterGains(10, 30).gain, 7);
     EXPECT_EQ(DeriveBoosterGains(10, 30).deadZone, 75);
     EXPECT_EQ(DeriveBoosterGains(2'000'000, 2'000'000).deadZone, 0x3FFF >> 2);
-}
-
-TEST(BoostSmallSignals, AmplifiesSmallRipplesAndLargeOnesByTheDeadZone) {
-    // A lone sample: its own detail is twice the gain, of the samples two to either side once and negative.
-    GuardedPlane small(24, 1, stride, 0, 1);
-    small.Fill(100);
-    GuardedPlane large = small;
-    small.At(9, 0) = 104;
-    large.At(9, 0) = 200;
-    const BoosterGains gains{16, 128};
-    BoostSmallSignals(small.View(), gains);
-    BoostSmallSignals(large.View(), gains);
-    EXPECT_EQ(small.At(9, 0), 104 + ((16 * 8 + 32) >> 6));
-    EXPECT_EQ(small.At(8, 0), 100 + ((16 * 8 - 16 * 4 + 32) >> 6));
-    EXPECT_EQ(small.At(7, 0), 100 + ((-16 * 4 + 32) >> 6));
-    EXPECT_EQ(large.At(9, 0), 200 + ((128 + 32) >> 6));
-    EXPECT_EQ(large.At(7, 0), 100 + ((-128 + 32) >> 6));
 }
 
 TEST(BoostSmallSignals, EqualsThePlainFormAtEveryWidth) {

@@ -24,24 +24,6 @@ Plane PartOf(const Plane& plane, int32_t firstColumn) {
     return {plane.data + firstColumn, plane.width - firstColumn, plane.height, plane.stride};
 }
 
-TEST(PictureScaler, TouchesOnlyThePlanesNamed) {
-    const WorkingImage source = TestImage(32, 16, Texture::soft, 1);
-    const WorkingImage untouched = TestImage(48, 24, Texture::hard, 2);
-    for (uint32_t planes = 0; planes <= allPlanes; ++planes) {
-        const WorkingImage target = TestImage(48, 24, Texture::hard, 2);
-        ScalerScratch scratch;
-        PictureScaler scaler(scratch, scalarKernels, false);
-        scaler.ScaleHorizontal(target.Planes(), SourceOf(source), Rows(), false, planes);
-        scaler.ScaleVertical(target.Planes(), SourceOf(source), Columns(), planes);
-        const auto same = [&](Plane ImagePlanes::*plane) {
-            return static_cast<bool>(SameSamples(target.Planes().*plane, untouched.Planes().*plane));
-        };
-        EXPECT_EQ(same(&ImagePlanes::luma), (planes & lumaPlane) == 0);
-        EXPECT_EQ(same(&ImagePlanes::second), (planes & secondPlane) == 0);
-        EXPECT_EQ(same(&ImagePlanes::third), (planes & thirdPlane) == 0);
-    }
-}
-
 TEST(PictureScaler, ShowsTheRightPartInASplitView) {
     ScalerScratch scratch;
     PictureScaler scaler(scratch, scalarKernels, true);

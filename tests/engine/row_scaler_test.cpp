@@ -128,19 +128,5 @@ TEST(ScaleRowStrips, ReadWhatFollowsInTheBufferAndNothingBehindIt) {
     });
 }
 
-TEST(ScaleRowStrips, KeepFlatRowsFlatUpToTheGreyBehindThem) {
-    for (const int32_t level : {0, 1, 127, 128, 254, 255}) {
-        const WorkingImage source = TestImage(64, 1, Texture::soft, 1);
-        std::memset(source.Planes().luma.data, level, 64);
-        WorkingImage target;
-        target.Resize(96, 1);
-        RowStages stages;
-        stages.taps = UsualTaps();
-        RowScratch scratch;
-        ScaleLumaStrips(target.Planes().luma, source.Planes().luma, EndOf(source), stages, scratch, scalarKernels);
-        for (int32_t x = 0; x < 90; ++x) ASSERT_EQ(target.Planes().luma.data[x], std::min(level, 254)) << x;
-    }
-}
-
 }  // namespace
 }  // namespace clarivex

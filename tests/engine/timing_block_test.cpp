@@ -22,7 +22,6 @@ TEST(TimingBlock, KeepsTheSmallestMeanOfThreeSamples) {
     EXPECT_EQ(block.Figures(kind).bestMean, 6);
     EXPECT_EQ(block.Figures(kind).meanCount, 3);
     EXPECT_EQ(block.Figures(kind).sampleCount, 0);
-    EXPECT_EQ(block.Figures(TimingClass::rowsOnly).sampleCount, 0);
 }
 
 TEST(TimingBlock, StartsAnewForAnotherSize) {

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <limits>
 
 #include "tests/support/crc32.h"
@@ -13,36 +12,18 @@ namespace {
 
 constexpr size_t tableBytes = 512 * 256;
 
-std::array<int, 16> FirstGroup(const NoiseTable& table) {
-    std::array<int, 16> group{};
-    std::copy_n(table.bytes.data, group.size(), group.begin());
-    return group;
-}
-
 TEST(Random15, DrawsTheFixedSequence) {
     Random15 random;
-    for (const int expected : {41, 18467, 6334, 26500, 19169, 15724, 11478, 29358, 26962, 24464}) {
+    for (const int expected : {41, 18467, 6334, 26500, 19169, 15724, 11478, 29358, 26962, 24464})
         EXPECT_EQ(random.Next(), expected);
-    }
-}
-
-TEST(NoiseTable, StartsWithoutNoise) {
-    const NoiseTable table;
-    EXPECT_EQ(table.level, 0.0F);
-    EXPECT_EQ(std::count(table.bytes.data, table.bytes.data + tableBytes, 128), ptrdiff_t{tableBytes});
-    EXPECT_EQ(table.LumaRow(255)[319], 512);
-    EXPECT_EQ(table.ChromaRow(0)[0], 512);
 }
 
 TEST(NoiseTable, DrawsTheSameBytesInEveryBuild) {
     NoiseTable table;
+    EXPECT_EQ(std::count(table.bytes.data, table.bytes.data + tableBytes, 128), ptrdiff_t{tableBytes});
     table.Build(0.75F);
-    EXPECT_EQ(FirstGroup(table),
-              (std::array{126, 125, 131, 128, 130, 123, 130, 130, 126, 130, 131, 127, 126, 126, 131, 130}));
     EXPECT_EQ(Crc32(table.bytes), 0x120CAC1FU);
     table.Build(3.0F);
-    EXPECT_EQ(FirstGroup(table),
-              (std::array{122, 116, 141, 130, 134, 107, 138, 136, 119, 137, 138, 123, 122, 122, 140, 134}));
     EXPECT_EQ(Crc32(table.bytes), 0x06A1FCA1U);
 }
 
@@ -60,9 +41,7 @@ TEST(NoiseTable, BuildingDoesNotMoveTheOffsets) {
     NoiseTable once;
     once.Build(0.75F);
     NoiseTable often;
-    for (const float level : {0.75F, 0.75F, 3.0F, 0.75F}) {
-        often.Build(level);
-    }
+    for (const float level : {0.75F, 0.75F, 3.0F, 0.75F}) often.Build(level);
     once.Advance();
     often.Advance();
     EXPECT_EQ(once.offsetX, 117);
@@ -85,18 +64,6 @@ TEST(NoiseTable, MovesEachOffsetBy32To221AndWraps) {
     }
     EXPECT_EQ(least, 32);
     EXPECT_EQ(most, 221);
-}
-
-TEST(NoiseTable, WordRowsFollowTheBytesAndRepeatTheirStart) {
-    NoiseTable table;
-    table.Build(3.0F);
-    for (const int32_t y : {0, 1, 77, 255}) {
-        for (int32_t x = 0; x < 320; ++x) {
-            const uint8_t* group = table.bytes.Row(y) + (x & 255) / 8 * 16;
-            ASSERT_EQ(table.LumaRow(y)[x], group[x % 8] * 4) << x;
-            ASSERT_EQ(table.ChromaRow(y)[x], group[8 + x % 8] * 4) << x;
-        }
-    }
 }
 
 }  // namespace

@@ -21,42 +21,26 @@ TEST(MakeOutputConstants, PutsEachParameterInItsPlace) {
     EXPECT_EQ(MakeOutputConstants(params), expected);
 }
 
-TEST(MakeOutputConstants, RoundsTiesToEven) {
-    LightingCorrection params;
-    params.lumaOffset = 0.5F / 16;
-    params.chromaOffsetU = 1.5F / 16;
-    params.chromaOffsetV = -2.5F / 16;
-    const OutputConstants constants = MakeOutputConstants(params);
-    EXPECT_EQ(constants.c0, 0);
-    EXPECT_EQ(constants.oU, 2);
-    EXPECT_EQ(constants.oV, -2);
-}
-
-TEST(MakeOutputConstants, FoldsOverAndSurvivesNonsense) {
+TEST(MakeOutputConstants, RoundsTiesToEvenFoldsOverAndSurvivesNonsense) {
     LightingCorrection params;
     params.lumaGain = 4.0F;       // 32768
     params.lumaOffset = 4097.0F;  // 65552
+    params.chromaOffsetU = 1.5F / 16;
+    params.chromaOffsetV = -2.5F / 16;
     params.chromaGainU = std::numeric_limits<float>::infinity();
     params.chromaGainV = std::numeric_limits<float>::quiet_NaN();
+    const OutputConstants expected = {.c3 = 0, .c2 = 0, .c1 = -32768, .c0 = 16, .gU = 0, .oU = 2, .gV = 0, .oV = -2};
+    EXPECT_EQ(MakeOutputConstants(params), expected);
     params.chromaOffsetU = -1e30F;
-    const OutputConstants constants = MakeOutputConstants(params);
-    EXPECT_EQ(constants.c1, -32768);
-    EXPECT_EQ(constants.c0, 16);
-    EXPECT_EQ(constants.gU, 0);
-    EXPECT_EQ(constants.gV, 0);
-    EXPECT_EQ(constants.oU, 0);
+    EXPECT_EQ(MakeOutputConstants(params).oU, 0);
 }
 
-TEST(NeedsWork, OnlyThePackedStageOverlooksInvisibleNoise) {
+TEST(NeedsWork, OnlyThePackedStageOverlooksWhatRoundsAway) {
     const LightingCorrection neutral;
-    EXPECT_FALSE(PackedNeedsWork(neutral, MakeOutputConstants(neutral), 0.0F));
     EXPECT_FALSE(PackedNeedsWork(neutral, MakeOutputConstants(neutral), 0.00005F));
     EXPECT_TRUE(PackedNeedsWork(neutral, MakeOutputConstants(neutral), 0.75F));
     EXPECT_FALSE(PlanarNeedsWork(neutral, 0.0F));
     EXPECT_TRUE(PlanarNeedsWork(neutral, 0.00005F));
-}
-
-TEST(NeedsWork, OnlyThePackedStageOverlooksParametersThatRoundAway) {
     LightingCorrection nearly;
     nearly.lumaGain = 0.99999994F;
     nearly.lumaOffset = 6.6e-07F;

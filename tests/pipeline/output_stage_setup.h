@@ -86,6 +86,35 @@ inline int32_t CurveAt(const OutputConstants& c, int32_t sample) {
     return High(t + c.c1, q);
 }
 
+/// Fixture of both stages: what its inputs refer to.
+class OutputStageTest : public testing::Test {
+protected:
+    OutputStageInputs Inputs(const OutputCase& test, int32_t width, int32_t height, bool overlay,
+                             const KernelTable& kernels) {
+        noise.Build(test.noiseLevel);
+        noise.Advance();
+        MakeOverlay(tiles, width, height, overlay, 7);
+        return {test.params, tiles, noise, kernels, scratch};
+    }
+
+    /// Runs write(data, end) and writePlainly(data, end) on memory that ends with the picture and guards behind it.
+    template <class Write, class WritePlainly>
+    static testing::AssertionResult GiveTheSame(size_t bytes, int32_t stride, Write write, WritePlainly writePlainly) {
+        constexpr size_t guard = 100;
+        std::vector<uint8_t> actual(bytes + guard, 0xA5), expected(bytes + guard, 0xA5);
+        write(actual.data(), actual.data() + bytes);
+        writePlainly(expected.data(), expected.data() + bytes);
+        if (actual == expected) return testing::AssertionSuccess();
+        const auto differs = std::mismatch(actual.begin(), actual.end(), expected.begin()).first - actual.begin();
+        return testing::AssertionFailure() << "row " << differs / stride << ", byte " << differs % stride;
+    }
+
+    NoiseTable noise;
+    OverlayTiles tiles;
+    OutputScratch scratch;
+    LightingCorrection neutral;
+};
+
 /// A sum in sixteenths under the overlay.
 inline uint8_t Blend(int32_t sum, int32_t keep, int32_t dither, int32_t term) {
     return Limit(Limit(Wrap(High(sum, keep) + dither) >> 3) + term);

@@ -72,7 +72,7 @@ private:
         return Blend(sum, over.keep, blended[y % 2][x % 4], over.chromaTerm);
     }
 
-    const Plane& target;
+    Plane target;
     const uint8_t* end;
     const ImagePlanes& source;
     const OutputStageInputs& inputs;
@@ -96,61 +96,45 @@ constexpr Shape shapes[] = {
     {150, 6, 152, 6, 304, 0},
 };
 
-class PackedOutput : public testing::Test {
-protected:
-    void Compare(const Shape& shape, const OutputCase& test, bool overlay, const KernelTable& kernels) {
-        const WorkingImage source = TestImage(shape.width, shape.height, Texture::hard, 3);
-        noise.Build(test.noiseLevel);
-        noise.Advance();
-        MakeOverlay(tiles, shape.targetWidth, shape.targetHeight, overlay, 7);
-        const OutputStageInputs inputs{test.params, tiles, noise, kernels, scratch};
-        const auto bytes = static_cast<size_t>(shape.stride * shape.targetHeight - shape.missing);
-        std::vector<uint8_t> actual(bytes + guard, 0xA5), expected(bytes + guard, 0xA5);
-        const Plane to{actual.data(), shape.targetWidth, shape.targetHeight, shape.stride};
-        const Plane plain{expected.data(), shape.targetWidth, shape.targetHeight, shape.stride};
-        PackedOutputStage(to, actual.data() + bytes, source.Planes(), inputs);
-        PlainStage(plain, expected.data() + bytes, source.Planes(), inputs).Run();
-        const auto differs = std::mismatch(actual.begin(), actual.end(), expected.begin()).first - actual.begin();
-        ASSERT_EQ(actual, expected) << test.name << ", " << kernels.name << ", width " << shape.width << ", overlay "
-                                    << overlay << ": row " << differs / shape.stride << ", byte "
-                                    << differs % shape.stride;
-    }
-
-    static constexpr size_t guard = 100;
-    NoiseTable noise;
-    OverlayTiles tiles;
-    OutputScratch scratch;
-};
+using PackedOutput = OutputStageTest;
 
 TEST_F(PackedOutput, EqualsThePlainFormAndWritesNothingElse) {
     ForEachRunnableTable([&](const KernelTable& kernels) {
         for (const OutputCase& test : OutputCases())
             for (const Shape& shape : shapes)
-                for (const bool overlay : {false, true}) Compare(shape, test, overlay, kernels);
+                for (const bool overlay : {false, true}) {
+                    const WorkingImage source = TestImage(shape.width, shape.height, Texture::hard, 3);
+                    const OutputStageInputs inputs =
+                        Inputs(test, shape.targetWidth, shape.targetHeight, overlay, kernels);
+                    const auto target = [&](uint8_t* data) {
+                        return Plane{data, shape.targetWidth, shape.targetHeight, shape.stride};
+                    };
+                    const auto write = [&](uint8_t* data, const uint8_t* end) {
+                        PackedOutputStage(target(data), end, source.Planes(), inputs);
+                    };
+                    const auto writePlainly = [&](uint8_t* data, const uint8_t* end) {
+                        PlainStage(target(data), end, source.Planes(), inputs).Run();
+                    };
+                    const auto bytes = static_cast<size_t>(shape.stride * shape.targetHeight - shape.missing);
+                    ASSERT_TRUE(GiveTheSame(bytes, shape.stride, write, writePlainly))
+                        << test.name << ", " << kernels.name << ", width " << shape.width << ", overlay " << overlay;
+                }
     });
 }
 
-TEST_F(PackedOutput, DoesWithoutAnOverlayThatIsTooNarrow) {
+TEST_F(PackedOutput, DoesWithoutAnOverlayThatIsTooNarrowAndWithoutAPicture) {
     const WorkingImage source = TestImage(64, 4, Texture::soft, 3);
     MakeOverlay(tiles, 56, 4, true, 7);
-    const LightingCorrection neutral;
+    const OutputStageInputs inputs{neutral, tiles, noise, scalarKernels, scratch};
     std::vector<uint8_t> bytes(128 * 4);
-    PackedOutputStage({bytes.data(), 64, 4, 128}, bytes.data() + bytes.size(), source.Planes(),
-                      {neutral, tiles, noise, scalarKernels, scratch});
+    const Plane target{bytes.data(), 64, 4, 128};
+    PackedOutputStage(target, bytes.data() + bytes.size(), source.Planes(), inputs);
     for (int32_t y = 0; y < 4; ++y)
-        for (int32_t x = 0; x < 64; ++x)
-            ASSERT_EQ(bytes[static_cast<size_t>(128 * y + 2 * x)], source.Planes().luma.Row(y)[x]);
-}
-
-TEST_F(PackedOutput, WritesNoByteWithoutAPicture) {
-    std::vector<uint8_t> bytes(128 * 4, 0xA5);
+        for (int32_t x = 0; x < 64; ++x) ASSERT_EQ(target.Row(y)[2 * x], source.Planes().luma.Row(y)[x]);
     const std::vector<uint8_t> before = bytes;
-    const LightingCorrection neutral;
-    const WorkingImage source = TestImage(64, 4, Texture::soft, 3);
     ImagePlanes chromaOnly = source.Planes();
     chromaOnly.luma = {};
-    PackedOutputStage({bytes.data(), 64, 4, 128}, bytes.data() + bytes.size(), chromaOnly,
-                      {neutral, tiles, noise, scalarKernels, scratch});
+    PackedOutputStage(target, bytes.data() + bytes.size(), chromaOnly, inputs);
     EXPECT_EQ(bytes, before);
 }
 

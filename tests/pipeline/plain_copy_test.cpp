@@ -34,9 +34,7 @@ struct CopiedFrame {
 
     CopiedFrame(const FrameRequest& request, size_t inputBytes, size_t outputBytes)
         : input(inputBytes), output(outputBytes, untouched) {
-        for (size_t i = 0; i < inputBytes; ++i) {
-            input[i] = static_cast<uint8_t>(i % 211);
-        }
+        for (size_t i = 0; i < inputBytes; ++i) input[i] = static_cast<uint8_t>(i % 211);
         EXPECT_EQ(LayOutFrame(request, {output.data(), outputBytes}, {input.data(), inputBytes}, layout), S_OK);
         PlainCopy(request.format, layout);
     }
@@ -47,32 +45,34 @@ struct CopiedFrame {
 };
 
 bool SameSamples(const Plane& a, const Plane& b, int32_t rowBytes) {
-    for (int32_t y = 0; y < std::min(a.height, b.height); ++y) {
-        if (!std::equal(a.Row(y), a.Row(y) + rowBytes, b.Row(y))) {
-            return false;
-        }
-    }
+    for (int32_t y = 0; y < std::min(a.height, b.height); ++y)
+        if (!std::equal(a.Row(y), a.Row(y) + rowBytes, b.Row(y))) return false;
     return true;
 }
 
-TEST(PlainCopy, PutsAPlanarFrameAtTheUpperLeftOfALargerOutput) {
-    const CopiedFrame frame(Stream(PixelFormat::yv12, 36, 20, 56, 30), 36 * 20 * 3 / 2, 56 * 30 * 3 / 2);
-    EXPECT_TRUE(SameSamples(frame.layout.input.luma, frame.layout.output.luma, 36));
-    EXPECT_TRUE(SameSamples(frame.layout.input.second, frame.layout.output.second, 18));
-    EXPECT_TRUE(SameSamples(frame.layout.input.third, frame.layout.output.third, 18));
-    EXPECT_EQ(frame.TouchedBytes(), 36 * 20 * 3 / 2);
-}
+struct CopyCase {
+    PixelFormat format;
+    int32_t width, height, outputWidth, outputHeight;
+    size_t inputBytes, outputBytes;
+    int32_t rowBytes, touched;
+};
 
-TEST(PlainCopy, CopiesAnEvenNumberOfPackedRows) {
-    const CopiedFrame frame(Stream(PixelFormat::yuy2, 40, 11, 40, 11), 80 * 11, 80 * 11);
-    EXPECT_TRUE(std::equal(frame.input.begin(), frame.input.begin() + 800, frame.output.begin()));
-    EXPECT_EQ(frame.TouchedBytes(), 800);
-}
-
-TEST(PlainCopy, LeavesTheSecondSampleOfAnOddPackedPair) {
-    const CopiedFrame frame(Stream(PixelFormat::yuy2, 33, 8, 56, 12), 68 * 8, 112 * 12);
-    EXPECT_TRUE(SameSamples(frame.layout.input.luma, frame.layout.output.luma, 66));
-    EXPECT_EQ(frame.TouchedBytes(), 66 * 8);
+// A larger output, an odd packed width, whose pair's second sample stays, and odd sizes.
+TEST(PlainCopy, PutsWholePairsOfRowsAtTheUpperLeftAndTouchesNothingElse) {
+    const CopyCase cases[] = {{PixelFormat::yv12, 36, 20, 56, 30, 1080, 2520, 36, 1080},
+                              {PixelFormat::yuy2, 33, 8, 56, 12, 68 * 8, 112 * 12, 66, 66 * 8},
+                              {PixelFormat::yuy2, 40, 11, 40, 11, 80 * 11, 80 * 11, 80, 800},
+                              {PixelFormat::iyuv, 37, 9, 37, 9, 37 * 9 * 2, 37 * 9 * 2, 37, 37 * 8 + 8 * 18}};
+    for (const CopyCase& test : cases) {
+        SCOPED_TRACE(test.width);
+        const CopiedFrame frame(Stream(test.format, test.width, test.height, test.outputWidth, test.outputHeight),
+                                test.inputBytes, test.outputBytes);
+        EXPECT_TRUE(SameSamples(frame.layout.input.luma, frame.layout.output.luma, test.rowBytes));
+        EXPECT_EQ(frame.TouchedBytes(), test.touched);
+        if (test.format == PixelFormat::yuy2) continue;
+        EXPECT_TRUE(SameSamples(frame.layout.input.second, frame.layout.output.second, test.width / 2));
+        EXPECT_TRUE(SameSamples(frame.layout.input.third, frame.layout.output.third, test.width / 2));
+    }
 }
 
 TEST(PlainCopy, StaysInsideBuffersThatEndWithTheLastSample) {
@@ -89,12 +89,6 @@ TEST(PlainCopy, StaysInsideBuffersThatEndWithTheLastSample) {
     const size_t runBytes = 7 * 128 + 120;
     const CopiedFrame run(packed, runBytes, runBytes);
     EXPECT_EQ(run.TouchedBytes(), static_cast<ptrdiff_t>(runBytes));
-}
-
-TEST(PlainCopy, TakesOddPlanarSizes) {
-    const CopiedFrame frame(Stream(PixelFormat::iyuv, 37, 9, 37, 9), 37 * 9 * 2, 37 * 9 * 2);
-    EXPECT_TRUE(SameSamples(frame.layout.input.luma, frame.layout.output.luma, 37));
-    EXPECT_TRUE(SameSamples(frame.layout.input.third, frame.layout.output.third, 18));
 }
 
 }  // namespace

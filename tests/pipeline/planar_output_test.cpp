@@ -77,7 +77,7 @@ private:
         return Blend(sum, keep, blended[position % 4], OverlayAt(overlay, position).chromaTerm);
     }
 
-    const ImagePlanes& target;
+    ImagePlanes target;
     const uint8_t* end;
     const ImagePlanes& source;
     const OutputStageInputs& inputs;
@@ -113,35 +113,26 @@ size_t BytesOf(const Shape& shape) {
     return static_cast<size_t>(shape.stride * shape.height + rows + (shape.width + 1) / 2);
 }
 
-class PlanarOutput : public testing::Test {
-protected:
-    void Compare(const Shape& shape, const OutputCase& test, bool overlay, const KernelTable& kernels) {
-        const DecodedPicture picture(shape.width, shape.height, shape.width + shape.shift, Texture::hard, 3);
-        noise.Build(test.noiseLevel);
-        noise.Advance();
-        MakeOverlay(tiles, shape.width, shape.height, overlay, 7);
-        const OutputStageInputs inputs{test.params, tiles, noise, kernels, scratch};
-        const size_t bytes = BytesOf(shape);
-        std::vector<uint8_t> actual(bytes + guard, 0xA5), expected(bytes + guard, 0xA5);
-        PlanarOutputStage(PlanesAt(actual.data(), shape), actual.data() + bytes, picture.Source().planes, inputs);
-        const ImagePlanes plain = PlanesAt(expected.data(), shape);
-        PlainStage(plain, expected.data() + bytes, picture.Source().planes, inputs).Run();
-        const auto differs = std::mismatch(actual.begin(), actual.end(), expected.begin()).first - actual.begin();
-        ASSERT_EQ(actual, expected) << test.name << ", " << kernels.name << ", width " << shape.width << ", overlay "
-                                    << overlay << ": byte " << differs << ", row " << differs / shape.stride;
-    }
-
-    static constexpr size_t guard = 100;
-    NoiseTable noise;
-    OverlayTiles tiles;
-    OutputScratch scratch;
-};
+using PlanarOutput = OutputStageTest;
 
 TEST_F(PlanarOutput, EqualsThePlainFormAndWritesNothingElse) {
     ForEachRunnableTable([&](const KernelTable& kernels) {
         for (const OutputCase& test : OutputCases())
             for (const Shape& shape : shapes)
-                for (const bool overlay : {false, true}) Compare(shape, test, overlay, kernels);
+                for (const bool overlay : {false, true}) {
+                    const DecodedPicture picture(shape.width, shape.height, shape.width + shape.shift, Texture::hard,
+                                                 3);
+                    const ImagePlanes& source = picture.Source().planes;
+                    const OutputStageInputs inputs = Inputs(test, shape.width, shape.height, overlay, kernels);
+                    const auto write = [&](uint8_t* data, const uint8_t* end) {
+                        PlanarOutputStage(PlanesAt(data, shape), end, source, inputs);
+                    };
+                    const auto writePlainly = [&](uint8_t* data, const uint8_t* end) {
+                        PlainStage(PlanesAt(data, shape), end, source, inputs).Run();
+                    };
+                    ASSERT_TRUE(GiveTheSame(BytesOf(shape), shape.stride, write, writePlainly))
+                        << test.name << ", " << kernels.name << ", width " << shape.width << ", overlay " << overlay;
+                }
     });
 }
 
@@ -153,7 +144,6 @@ TEST_F(PlanarOutput, LeavesChromaAloneUnderAnOverlayOnOddRows) {
     tiles.MarkAllRowsEmpty();
     tiles.MarkRows(3, 4);
     std::memset(tiles.Group(0, 3), 0, static_cast<size_t>(tiles.Stride()));  // black, nothing of the video kept
-    const LightingCorrection neutral;
     std::vector<uint8_t> bytes(BytesOf(shape));
     const ImagePlanes target = PlanesAt(bytes.data(), shape);
     PlanarOutputStage(target, bytes.data() + bytes.size(), picture.Source().planes,

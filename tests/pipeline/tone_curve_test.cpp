@@ -38,29 +38,8 @@ TEST(ToneCurve, MeasuredCorrectionsGiveTheKnownConstants) {
         {Linear(1.1816591F, -9.9393864F, 1.1547596F, -19.809231F), {3235, -3109, 10510, -174, 9146, -238, 9146, -238}},
         {Linear(1.0479807F, -10.761669F, 1.0363439F, -4.652019F), {2256, -2466, 9351, -188, 8208, -4, 8208, -4}},
     };
-    for (const auto& test : cases) {
-        EXPECT_EQ(MakeOutputConstants(After(lit, test.correction)), test.expected);
-    }
+    for (const auto& test : cases) EXPECT_EQ(MakeOutputConstants(After(lit, test.correction)), test.expected);
     EXPECT_EQ(MakeOutputConstants(After(unlit, {})), OutputConstants{});
-}
-
-TEST(ToneCurve, KeepsBlackNearlyAndLiftsTheTop) {
-    const LightingCorrection params = After(lit, {});
-    EXPECT_NEAR(LumaAt(params, 16), 16, 0.001);
-    EXPECT_NEAR(LumaAt(params, 235), 235, 2);
-    EXPECT_LT(LumaAt(params, 17) - LumaAt(params, 16), 1);
-    EXPECT_GT(LumaAt(params, 235) - LumaAt(params, 234), 1.3);
-    EXPECT_NEAR(params.chromaGainU, 0.96681, 0.00001);
-    EXPECT_NEAR(128 * params.chromaGainV + params.chromaOffsetV, 128, 0.001);
-}
-
-TEST(ToneCurve, BendsWithNeutralBiasesToo) {
-    const ToneSettings sloped = {.lightingEnabled = true};
-    const LightingCorrection params = After(sloped, {});
-    EXPECT_NE(params.cubic, 0.0F);
-    EXPECT_EQ(params.chromaGainU, 1.0F);
-    EXPECT_NEAR(LumaAt(params, 16), 16, 0.001);
-    EXPECT_NEAR(LumaAt(params, 235), 235, 0.001);
 }
 
 TEST(ToneCurve, KeepsIncomingCurvesOnlyWhileItsOwnIsStraight) {
@@ -71,16 +50,6 @@ TEST(ToneCurve, KeepsIncomingCurvesOnlyWhileItsOwnIsStraight) {
     EXPECT_NEAR(straight.cubic, curved.cubic, 1e-11);
     EXPECT_NEAR(straight.square, curved.square, 1e-9);
     EXPECT_EQ(After(lit, curved).cubic, After(lit, {}).cubic);
-}
-
-TEST(ToneCurve, IsNeutralWhenNotActive) {
-    ToneSettings settings = lit;
-    settings.active = false;
-    const LightingCorrection params = After(settings, Linear(1.25F, -3.0F, 1.5F, 2.0F));
-    EXPECT_NEAR(params.lumaGain, 1.25, 1e-6);
-    EXPECT_NEAR(params.lumaOffset, -3, 1e-4);
-    EXPECT_EQ(params.chromaGainU, 1.5F);
-    EXPECT_EQ(params.chromaOffsetV, 2.0F);
 }
 
 LightingCorrection WithBiases(int32_t a, int32_t b, int32_t c) {
@@ -107,10 +76,8 @@ TEST(ToneCurve, BiasesActOnTheirOwnEnd) {
     EXPECT_LT(LumaAt(WithBiases(40, 50, 50), 235), 220);
     EXPECT_NEAR(LumaAt(WithBiases(40, 50, 50), 16), 16, 0.001);
     EXPECT_NEAR(LumaAt(WithBiases(60, 50, 50), 235), 235, 0.001);
-    EXPECT_GT(LumaAt(WithBiases(60, 50, 50), 200), 200);
     EXPECT_GT(LumaAt(WithBiases(50, 70, 50), 16), 20);
     EXPECT_NEAR(LumaAt(WithBiases(50, 30, 50), 16), 16, 0.001);
-    EXPECT_LT(LumaAt(WithBiases(50, 30, 50), 60), 60);
     EXPECT_EQ(WithBiases(50, 50, 100).chromaGainU, 2.0F);
     EXPECT_NEAR(WithBiases(50, 50, 0).chromaGainU, 0, 1e-6);
 }

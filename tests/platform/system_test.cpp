@@ -1,13 +1,11 @@
 // The system's calls as the floors above rely on them, on both systems.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <memory>
 #include <thread>
 
 #include "platform/guids.h"
 #include "platform/resources.h"
-#include "platform/tsc.h"
 #include "platform/win32.h"
 
 namespace clarivex {
@@ -31,47 +29,14 @@ TEST(Events, OneSignalOfAnAutoResetEventLetsOneWaitThrough) {
     EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(event.get(), 0));
 }
 
-TEST(Events, ManualResetEventStaysSignalled) {
-    const EventHandle event = MakeEvent(true, true);
-    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(event.get(), 0));
-    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(event.get(), INFINITE));
-}
-
-TEST(Events, SignalWakesAWaitingThread) {
-    const EventHandle event = MakeEvent(false, false);
+TEST(Events, ManualResetEventStaysSignalledAndWakesAWaitingThread) {
+    const EventHandle event = MakeEvent(true, false);
     DWORD result = WAIT_TIMEOUT;
     std::thread waiter([&] { result = WaitForSingleObject(event.get(), INFINITE); });
     SetEvent(event.get());
     waiter.join();
     EXPECT_EQ(WAIT_OBJECT_0, result);
-}
-
-TEST(CriticalSections, OwnerMayEnterAgainAndOthersWaitForTheLastLeave) {
-    CRITICAL_SECTION section;
-    InitializeCriticalSection(&section);
-    EnterCriticalSection(&section);
-    EnterCriticalSection(&section);
-    std::atomic<bool> left = false;
-    bool seenLeft = false;
-    std::thread other([&] {
-        EnterCriticalSection(&section);
-        seenLeft = left;
-        LeaveCriticalSection(&section);
-    });
-    LeaveCriticalSection(&section);
-    Sleep(20);  // a chance for the other thread to get in too early
-    left = true;
-    LeaveCriticalSection(&section);
-    other.join();
-    EXPECT_TRUE(seenLeft);
-    DeleteCriticalSection(&section);
-}
-
-TEST(Threads, HaveIdsOfTheirOwn) {
-    DWORD other = 0;
-    std::thread([&] { other = GetCurrentThreadId(); }).join();
-    EXPECT_NE(0U, GetCurrentThreadId());
-    EXPECT_NE(other, GetCurrentThreadId());
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(event.get(), 0));
 }
 
 TEST(Threads, PriorityIsRememberedAndUnknownOnesAreRefused) {
@@ -98,17 +63,11 @@ TEST(Clocks, CountersNeverGoBack) {
     EXPECT_LT(timeGetTime() - milliseconds, 0x80000000U);  // modulo 2³²
 }
 
-TEST(Processor, TellsItsHighestLeaves) {
-    EXPECT_GE(Cpuid(0, 0).eax, 1U);
-    EXPECT_GE(Cpuid(0x80000000, 0).eax, 0x80000001U);
-}
-
 TEST(VideoHeaders, HaveTheSystemsLayout) {
     EXPECT_EQ(88U, sizeof(VIDEOINFOHEADER));
     EXPECT_EQ(112U, sizeof(VIDEOINFOHEADER2));
     EXPECT_EQ(48U, offsetof(VIDEOINFOHEADER, bmiHeader));
     EXPECT_EQ(72U, offsetof(VIDEOINFOHEADER2, bmiHeader));
-    EXPECT_EQ(40U, sizeof(BITMAPINFOHEADER));
 }
 
 TEST(MediaTypes, CopyOwnsItsFormatBlock) {
@@ -127,14 +86,9 @@ TEST(MediaTypes, CopyOwnsItsFormatBlock) {
 
     EXPECT_EQ(S_OK, MoFreeMediaType(&copy));
     EXPECT_EQ(nullptr, copy.pbFormat);
-    EXPECT_TRUE(IsEqualGUID(mediaTypeVideo, copy.majortype));
     EXPECT_EQ(7U, copy.lSampleSize);
-}
-
-TEST(MediaTypes, NullIsRefused) {
-    DMO_MEDIA_TYPE type = {};
-    EXPECT_EQ(E_POINTER, MoCopyMediaType(&type, nullptr));
-    EXPECT_EQ(E_POINTER, MoCopyMediaType(nullptr, &type));
+    EXPECT_EQ(E_POINTER, MoCopyMediaType(&copy, nullptr));
+    EXPECT_EQ(E_POINTER, MoCopyMediaType(nullptr, &copy));
     EXPECT_EQ(E_POINTER, MoFreeMediaType(nullptr));
 }
 

@@ -45,12 +45,9 @@ TEST(HiResClock, StaysMonotonicAcrossTheWrapOfTheTimer) {
     EXPECT_EQ(at(3), (int64_t{1} << 32) * 10'000 + 30'000);
     EXPECT_EQ(at(0x90000000), ((int64_t{1} << 32) + 0x90000000) * 10'000);
     EXPECT_EQ(at(0), (int64_t{2} << 32) * 10'000);
-}
-
-TEST(HiResClock, StartsRightOnATimerPastItsHalf) {
-    HiResClock clock(FakeMachine::Start(0));
+    HiResClock late(FakeMachine::Start(0));
     FakeMachine::timer = 0xC0000000;
-    EXPECT_EQ(clock.Now(), int64_t{0xC0000000} * 10'000);
+    EXPECT_EQ(late.Now(), int64_t{0xC0000000} * 10'000) << "started past the half";
 }
 
 TEST(HiResClock, GivesUpACounterThatReadsZeroForGood) {
@@ -83,31 +80,12 @@ TEST(HiResClock, ReadsOnlyTheTimeStampAfterFiveSamples) {
     EXPECT_EQ(clock.Now(), 36'055'000'010);
 }
 
-TEST(HiResClock, TakesNoTwoSamplesWithinASecond) {
-    HiResClock clock(FakeMachine::Start(1'000'000));
-    RunSeconds(clock, 4);
-    for (int i = 0; i < 20; ++i) {
-        FakeMachine::counter += 10;
-        FakeMachine::stamp += 1;
-        clock.Now();
-    }
-    const int reads = FakeMachine::counterReads;
-    clock.Now();
-    EXPECT_EQ(FakeMachine::counterReads, reads + 1);
-}
-
 TEST(HiResClock, NeverTrustsATimeStampThatStandsStill) {
     HiResClock clock(FakeMachine::Start(1'000'000));
     for (int i = 0; i < 20; ++i) {
         FakeMachine::counter += 1'000'000;
         EXPECT_EQ(clock.Now(), FakeMachine::counter * 10);
     }
-}
-
-TEST(HiResClock, OfTheProcessRuns) {
-    const int64_t first = ProcessClock().Now();
-    EXPECT_GT(first, 0);
-    EXPECT_GE(ProcessClock().Now(), first);
 }
 
 }  // namespace

@@ -28,9 +28,8 @@ TEST(PlainShape, EveryInterfaceLeadsToEveryOtherAndToOneIdentity) {
         const auto start = Ask<IUnknown>(object.get(), from);
         ASSERT_NE(nullptr, start);
         EXPECT_EQ(identity.get(), Ask<IUnknown>(start.get(), iidUnknown).get());
-        for (const GUID& to : objectInterfaces) {
+        for (const GUID& to : objectInterfaces)
             EXPECT_EQ(Ask<IUnknown>(object.get(), to).get(), Ask<IUnknown>(start.get(), to).get());
-        }
     }
 }
 

@@ -53,20 +53,14 @@ TEST(CpuSpeed, IsMeasuredOnce) {
     machine.stampsPerCount = {9000.0, 9000.0, 9000.0};
     EXPECT_FLOAT_EQ(2.0F, meter.Measure());
     EXPECT_EQ(3U, machine.sleeps.size());
+    EXPECT_GT(MeasureCpuSpeed(), 0.0F);
 }
 
-TEST(CpuSpeed, CountersThatStandStillOrRunBackGiveOneGigahertz) {
+TEST(CpuSpeed, OneUsableRoundIsEnoughAndWithoutOneItIsOneGigahertz) {
+    EXPECT_FLOAT_EQ(1.5F, SpeedAt({-7.0, 0.0, 1500.0}));
     EXPECT_EQ(1.0F, SpeedAt({0.0, 0.0, 0.0}));
     EXPECT_EQ(1.0F, SpeedAt({-5.0, -5.0, -5.0}));
     EXPECT_EQ(1.0F, SpeedAt({2000.0, 2000.0, 2000.0}, 0));  // neither clock moves
-}
-
-TEST(CpuSpeed, OneUsableRoundIsEnough) { EXPECT_FLOAT_EQ(1.5F, SpeedAt({-7.0, 0.0, 1500.0})); }
-
-TEST(CpuSpeed, OfThisMachineIsPositiveAndStays) {
-    const float speed = MeasureCpuSpeed();
-    EXPECT_GT(speed, 0.0F);
-    EXPECT_EQ(speed, MeasureCpuSpeed());
 }
 
 TEST(SpeedScore, BreaksEvenAt163200PixelsAGigahertz) {

@@ -16,9 +16,8 @@ TEST_P(RandomWalk, FindsNothingWrong) {
     constexpr int steps = 1500;
     {
         NegotiationWalk walk([&](uint32_t bound) { return static_cast<uint32_t>(random() % bound); });
-        for (int step = 0; step < steps; ++step) {
+        for (int step = 0; step < steps; ++step)
             ASSERT_EQ("", walk.Step()) << "seed " << GetParam() << ", step " << step;
-        }
         EXPECT_EQ("", walk.Finish());
         EXPECT_GE(walk.FramesMade(), 10);  // else it has not been far
     }

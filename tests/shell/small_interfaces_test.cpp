@@ -5,6 +5,8 @@
 #include <cmath>
 #include <limits>
 #include <thread>
+#include <tuple>
+#include <utility>
 
 #include "shell/media_object.h"
 #include "shell/plugin_settings.h"
@@ -14,57 +16,36 @@
 namespace clarivex {
 namespace {
 
-TEST(Settings, StartValues) {
-    TestObject object;
+/// Everything that can be asked of the settings.
+struct Values {
     double scaleFactor = -1.0;
     float sharpness = -1.0F;
     unsigned mode = 99;
-    int allowHd = 99;
-    int lighting = 99;
-    int active = 99;
+    int allowHd = 99, lighting = 99, active = 99;
     BOOL enabled = 99;
-    EXPECT_EQ(S_OK, object.settings->get_ScaleFactor(&scaleFactor));
-    EXPECT_EQ(S_OK, object.settings->get_Sharpness(&sharpness));
-    EXPECT_EQ(S_OK, object.settings->get_CVXMode(&mode));
-    EXPECT_EQ(S_OK, object.settings->get_AllowHD(&allowHd));
-    EXPECT_EQ(S_OK, object.settings->get_EnableLighting(&lighting));
-    EXPECT_EQ(S_OK, object.settings->get_ScalingActive(&active));
-    EXPECT_EQ(S_OK, object.player->GetEnable(&enabled));
-    EXPECT_EQ(0.0, scaleFactor);
-    EXPECT_EQ(1.0F, sharpness);
-    EXPECT_EQ(1U, mode);
-    EXPECT_EQ(0, allowHd);
-    EXPECT_EQ(1, lighting);
-    EXPECT_EQ(0, active);
-    EXPECT_EQ(1, enabled);
-}
 
-TEST(Settings, ComeBackAsTheyWereGiven) {
+    explicit Values(TestObject& object) {
+        for (HRESULT result : {object.settings->get_ScaleFactor(&scaleFactor),
+                               object.settings->get_Sharpness(&sharpness), object.settings->get_CVXMode(&mode),
+                               object.settings->get_AllowHD(&allowHd), object.settings->get_EnableLighting(&lighting),
+                               object.settings->get_ScalingActive(&active), object.player->GetEnable(&enabled)})
+            EXPECT_EQ(S_OK, result);
+    }
+    auto Numbers() const { return std::tuple(scaleFactor, mode, allowHd, lighting, active, enabled); }
+};
+
+TEST(Settings, HaveStartValuesAndComeBackAsTheyWereGiven) {
     TestObject object;
+    EXPECT_EQ(std::tuple(0.0, 1U, 0, 1, 0, 1), Values(object).Numbers());
+    EXPECT_EQ(1.0F, Values(object).sharpness);
     object.settings->put_ScaleFactor(0.25);
     object.settings->put_Sharpness(std::numeric_limits<float>::quiet_NaN());
     object.settings->put_CVXMode(0xFFFFFFFFU);
     object.settings->put_AllowHD(-7);
     object.settings->put_EnableLighting(0);
     object.player->SetEnable(0);
-    double scaleFactor = 0.0;
-    float sharpness = 0.0F;
-    unsigned mode = 0;
-    int allowHd = 0;
-    int lighting = 9;
-    BOOL enabled = 9;
-    object.settings->get_ScaleFactor(&scaleFactor);
-    object.settings->get_Sharpness(&sharpness);
-    object.settings->get_CVXMode(&mode);
-    object.settings->get_AllowHD(&allowHd);
-    object.settings->get_EnableLighting(&lighting);
-    object.player->GetEnable(&enabled);
-    EXPECT_EQ(0.25, scaleFactor);
-    EXPECT_TRUE(std::isnan(sharpness));
-    EXPECT_EQ(0xFFFFFFFFU, mode);
-    EXPECT_EQ(1, allowHd);
-    EXPECT_EQ(0, lighting);
-    EXPECT_EQ(0, enabled);
+    EXPECT_EQ(std::tuple(0.25, 0xFFFFFFFFU, 1, 0, 0, 0), Values(object).Numbers());
+    EXPECT_TRUE(std::isnan(Values(object).sharpness));
 }
 
 TEST(Settings, OnlyTheScaleFactorMindsANullPointer) {
@@ -79,19 +60,16 @@ TEST(Settings, OnlyTheScaleFactorMindsANullPointer) {
 }
 
 TEST(Settings, SharpnessChangesWithItsBits) {
+    constexpr float noNumber = std::numeric_limits<float>::quiet_NaN();
     PluginSettings settings;
     EXPECT_TRUE(settings.TakeSharpnessChange());  // the first frame takes what there is
     EXPECT_FALSE(settings.TakeSharpnessChange());
-    settings.SetSharpness(1.0F);
-    EXPECT_FALSE(settings.TakeSharpnessChange());
-    settings.SetSharpness(0.0F);
-    EXPECT_TRUE(settings.TakeSharpnessChange());
-    settings.SetSharpness(-0.0F);
-    EXPECT_TRUE(settings.TakeSharpnessChange());
-    settings.SetSharpness(std::numeric_limits<float>::quiet_NaN());
-    EXPECT_TRUE(settings.TakeSharpnessChange());
-    settings.SetSharpness(std::numeric_limits<float>::quiet_NaN());
-    EXPECT_FALSE(settings.TakeSharpnessChange());
+    const std::pair<float, bool> steps[] = {
+        {1.0F, false}, {0.0F, true}, {-0.0F, true}, {noNumber, true}, {noNumber, false}};
+    for (const auto& [sharpness, changes] : steps) {
+        settings.SetSharpness(sharpness);
+        EXPECT_EQ(changes, settings.TakeSharpnessChange()) << sharpness;
+    }
     settings.SetSharpness(2.0F);
     settings.SetSharpness(2.0F);  // leaves the change of the first call standing
     EXPECT_TRUE(settings.TakeSharpnessChange());

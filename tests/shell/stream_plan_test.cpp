@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 #include "shell/plugin_settings.h"
 
 namespace clarivex {
@@ -25,95 +27,77 @@ constexpr PlanSettings always{.mode = modeAlways, .allowHd = false, .speedGHz = 
 constexpr PlanSettings never{.mode = modeNever, .allowHd = false, .speedGHz = NeverAsked};
 
 struct OfferCase {
-    int32_t width, height;
-    int32_t enlargedWidth, enlargedHeight;
+    int32_t width, height, enlargedWidth, enlargedHeight;
 };
 
 TEST(PlanStream, EnlargesByThreeHalvesInEightsAndKeepsTheSizeOtherwise) {
-    for (const OfferCase& size : {OfferCase{640, 480, 960, 720},
-                                  {352, 288, 528, 432},
-                                  {100, 100, 152, 150},
-                                  {16, 16, 24, 24},
-                                  {100, 101, 152, 150},
-                                  {17, 17, 32, 24}}) {
+    for (const auto& [width, height, enlargedWidth, enlargedHeight] :
+         {OfferCase{640, 480, 960, 720}, {16, 16, 24, 24}, {100, 101, 152, 150}, {17, -17, 32, -24}}) {
         StreamPlan plan;
-        VideoHeader header = Header(size.width, size.height);
+        VideoHeader header = Header(width, height);
         ASSERT_TRUE(PlanStream(always, header, plan));
         EXPECT_TRUE(plan.scalingOn);
-        EXPECT_EQ(size.enlargedWidth, header.bitmap.biWidth);
-        EXPECT_EQ(size.enlargedHeight, header.bitmap.biHeight);
-        EXPECT_EQ(static_cast<DWORD>(size.enlargedWidth * size.enlargedHeight * 12 / 8), header.bitmap.biSizeImage);
-
-        header = Header(size.width, size.height);
+        EXPECT_EQ(enlargedWidth, header.bitmap.biWidth);
+        EXPECT_EQ(enlargedHeight, header.bitmap.biHeight);
+        EXPECT_EQ(static_cast<DWORD>(enlargedWidth * std::abs(enlargedHeight) * 12 / 8), header.bitmap.biSizeImage);
+        header = Header(width, height);
         ASSERT_TRUE(PlanStream(never, header, plan));
         EXPECT_FALSE(plan.scalingOn);
-        EXPECT_EQ(size.width, header.bitmap.biWidth);
-        EXPECT_EQ(size.height, header.bitmap.biHeight);
+        EXPECT_EQ(width, header.bitmap.biWidth);
+        EXPECT_EQ(height, header.bitmap.biHeight);
     }
 }
 
-TEST(PlanStream, KeepsTheSignOfTheHeightAndMovesTheTargetToTheCorner) {
-    StreamPlan plan;
-    VideoHeader header = Header(320, -240);
-    header.target = {10, 20, 300, 230};
-    ASSERT_TRUE(PlanStream(always, header, plan));
-    EXPECT_EQ(-360, header.bitmap.biHeight);
-    EXPECT_EQ(0, header.target.left);
-    EXPECT_EQ(0, header.target.top);
-    EXPECT_EQ(300, header.target.right);
-    EXPECT_EQ(230, header.target.bottom);
-    EXPECT_EQ(300, plan.sourceWidth);
-    EXPECT_EQ(230, plan.sourceHeight);
+struct TargetCase {
+    RECT target;
+    int32_t sourceWidth, sourceHeight;
+};
+
+TEST(PlanStream, TargetMovesToTheCornerAndClipsWhereItLiesInside) {
+    for (const auto& [target, sourceWidth, sourceHeight] :
+         {TargetCase{{10, 20, 300, 230}, 300, 230}, {{0, 0, 8, 8}, 8, 8}, {{0, 0, 321, 0}, 320, 240}}) {
+        StreamPlan plan;
+        VideoHeader header = Header(320, 240);
+        header.target = target;
+        ASSERT_TRUE(PlanStream(always, header, plan));
+        EXPECT_EQ(0, header.target.left | header.target.top);
+        EXPECT_EQ(target.right, header.target.right);
+        EXPECT_EQ(target.bottom, header.target.bottom);
+        EXPECT_EQ(sourceWidth, plan.sourceWidth);
+        EXPECT_EQ(sourceHeight, plan.sourceHeight);
+    }
 }
 
-TEST(PlanStream, TargetEdgesAtNothingOrBeyondThePictureDoNotClip) {
-    StreamPlan plan;
-    VideoHeader header = Header(320, 240);
-    header.target = {0, 0, 321, 0};
-    ASSERT_TRUE(PlanStream(never, header, plan));
-    EXPECT_EQ(320, plan.sourceWidth);
-    EXPECT_EQ(240, plan.sourceHeight);
-}
+struct LimitCase {
+    int32_t width, height;
+    bool allowHd;
+    RECT target;
+    bool taken, hdAccepted;
+};
 
-TEST(PlanStream, HighDefinitionIsRefusedFrom1024By576OnUnlessAllowed) {
-    StreamPlan plan;
-    VideoHeader header = Header(1024, 576);
-    plan.scalingOn = true;
-    EXPECT_FALSE(PlanStream(always, header, plan));
-    EXPECT_FALSE(plan.hdAccepted);
-    EXPECT_FALSE(plan.scalingOn);
-    EXPECT_EQ(1024, plan.sourceWidth);
-
-    header = Header(1024, 575);
-    EXPECT_TRUE(PlanStream(always, header, plan));
-    EXPECT_TRUE(plan.hdAccepted);
-
-    header = Header(1024, 576);
-    header.target = {0, 0, 640, 360};
-    EXPECT_TRUE(PlanStream(always, header, plan));
-
-    PlanSettings allowing = always;
-    allowing.allowHd = true;
-    header = Header(1920, 1080);
-    EXPECT_TRUE(PlanStream(allowing, header, plan));
-}
-
-TEST(PlanStream, SidesBelowSixteenAreRefusedByTheHeaderNotTheTarget) {
-    StreamPlan plan;
-    for (auto [width, height] : {std::pair{15, 64}, {64, 15}, {64, -15}}) {
+TEST(PlanStream, RefusesHighDefinitionUnlessAllowedAndSidesBelowSixteen) {
+    for (const auto& [width, height, allowHd, target, taken, hdAccepted] :
+         {LimitCase{1024, 576, false, {}, false, false},
+          {1024, 575, false, {}, true, true},
+          {1023, 576, false, {}, true, true},
+          {1024, 576, false, {0, 0, 640, 360}, true, true},
+          {1920, 1080, true, {}, true, true},
+          {15, 64, false, {}, false, true},
+          {64, -15, false, {}, false, true}}) {
+        PlanSettings settings = always;
+        settings.allowHd = allowHd;
+        StreamPlan plan;
+        plan.scalingOn = true;
         VideoHeader header = Header(width, height);
-        EXPECT_FALSE(PlanStream(always, header, plan));
-        EXPECT_FALSE(plan.scalingOn);
-        EXPECT_TRUE(plan.hdAccepted);
+        header.target = target;
+        EXPECT_EQ(taken, PlanStream(settings, header, plan)) << width << " x " << height;
+        EXPECT_EQ(taken, plan.scalingOn);
+        EXPECT_EQ(hdAccepted, plan.hdAccepted);
     }
-    VideoHeader header = Header(64, 64);
-    header.target = {0, 0, 8, 8};
-    EXPECT_TRUE(PlanStream(always, header, plan));
-    EXPECT_EQ(8, plan.sourceWidth);
 }
 
 TEST(PlanStream, EveryOtherModeWeighsSpeedAgainstArea) {
-    for (uint32_t mode : {modeAuto, 3U, 7U, 0xFFFFFFFFU}) {
+    for (uint32_t mode : {modeAuto, 3U, 0xFFFFFFFFU}) {
         StreamPlan plan;
         VideoHeader header = Header(640, 480);
         ASSERT_TRUE(PlanStream({.mode = mode, .speedGHz = [] { return 1.89F; }}, header, plan));
@@ -121,39 +105,27 @@ TEST(PlanStream, EveryOtherModeWeighsSpeedAgainstArea) {
         header = Header(640, 480);
         ASSERT_TRUE(PlanStream({.mode = mode, .speedGHz = [] { return 1.88F; }}, header, plan));
         EXPECT_FALSE(plan.scalingOn);
-        EXPECT_EQ(640, header.bitmap.biWidth);
     }
 }
 
-TEST(PlanStream, PixelAspectFollowsFromThePictureAspect) {
-    StreamPlan plan;
+TEST(PlanStream, NotesPixelAspectAndASecondHeaderWithoutBitRate) {
     VideoHeader header = Header(720, 576);
-    ASSERT_TRUE(PlanStream(never, header, plan));
-    EXPECT_EQ(1.0F, plan.pixelAspect);
-
-    header = Header(720, 576);
-    header.kind = HeaderKind::videoInfo2;
     header.aspectX = 4;
     header.aspectY = 3;
-    ASSERT_TRUE(PlanStream(never, header, plan));
-    EXPECT_FLOAT_EQ(0.9375F, plan.pixelAspect);
-
+    for (auto [kind, bitRate, noted] : {std::tuple{HeaderKind::videoInfo, 0U, false},
+                                        {HeaderKind::videoInfo2, 0U, true},
+                                        {HeaderKind::videoInfo2, 1U, false}}) {
+        StreamPlan plan;
+        header.kind = kind;
+        header.bitRate = bitRate;
+        ASSERT_TRUE(PlanStream(never, header, plan));
+        EXPECT_EQ(noted, plan.sourceIsVih2WithoutBitrate);
+        EXPECT_FLOAT_EQ(0.9375F, plan.pixelAspect);
+    }
+    StreamPlan plan;
     header.aspectY = 0;
     ASSERT_TRUE(PlanStream(never, header, plan));
     EXPECT_EQ(1.0F, plan.pixelAspect);
-}
-
-TEST(PlanStream, NotesASecondHeaderWithoutBitRate) {
-    StreamPlan plan;
-    for (auto [kind, bitRate, noted] : {std::tuple{HeaderKind::videoInfo, 0, false},
-                                        {HeaderKind::videoInfo2, 0, true},
-                                        {HeaderKind::videoInfo2, 1, false}}) {
-        VideoHeader header = Header(64, 64);
-        header.kind = kind;
-        header.bitRate = static_cast<DWORD>(bitRate);
-        ASSERT_TRUE(PlanStream(never, header, plan));
-        EXPECT_EQ(noted, plan.sourceIsVih2WithoutBitrate);
-    }
 }
 
 }  // namespace

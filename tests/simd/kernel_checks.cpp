@@ -226,47 +226,30 @@ OverlayRow PickOverlay(CallRows& rows, int32_t width) {
     return {keep, term, Pattern(rows, "dither to")};
 }
 
+template <bool withOverlay>
 void CallToneLuma(const KernelTable& table, CallRows& rows, int32_t width) {
     const uint8_t* in = rows.Bytes(width);
     const LumaCurve curve = PickCurve(rows);
     const int16_t* pattern = Pattern(rows, "pattern to");
     const Noise noise = PickNoise(rows);
-    table.toneLuma(in, rows.Out(width), width, curve, pattern, noise.row, noise.start);
-}
-
-void CallToneLumaOverlay(const KernelTable& table, CallRows& rows, int32_t width) {
-    const uint8_t* in = rows.Bytes(width);
-    const LumaCurve curve = PickCurve(rows);
-    const int16_t* pattern = Pattern(rows, "pattern to");
-    const Noise noise = PickNoise(rows);
+    if (!withOverlay) return table.toneLuma(in, rows.Out(width), width, curve, pattern, noise.row, noise.start);
     const OverlayRow overlay = PickOverlay(rows, width);
     table.toneLumaOverlay(in, rows.Out(width), width, curve, pattern, noise.row, noise.start, overlay.keep,
                           overlay.term, overlay.dither);
 }
 
+template <bool withNoise, bool withOverlay>
 void CallToneChroma(const KernelTable& table, CallRows& rows, int32_t width) {
     const uint8_t* in = rows.Bytes(width);
     const int16_t* gain = Pattern(rows, "gain to");
     const int16_t* pattern = Pattern(rows, "pattern to");
-    table.toneChroma(in, rows.Out(width), width, gain, pattern);
-}
-
-void CallToneChromaNoise(const KernelTable& table, CallRows& rows, int32_t width) {
-    const uint8_t* in = rows.Bytes(width);
-    const int16_t* gain = Pattern(rows, "gain to");
-    const int16_t* pattern = Pattern(rows, "pattern to");
+    uint8_t* out = rows.Out(width);
+    if (!withNoise) return table.toneChroma(in, out, width, gain, pattern);
     const Noise noise = PickNoise(rows);
-    table.toneChromaNoise(in, rows.Out(width), width, gain, pattern, noise.row, noise.start);
-}
-
-void CallToneChromaOverlay(const KernelTable& table, CallRows& rows, int32_t width) {
-    const uint8_t* in = rows.Bytes(width);
-    const int16_t* gain = Pattern(rows, "gain to");
-    const int16_t* pattern = Pattern(rows, "pattern to");
-    const Noise noise = PickNoise(rows);
+    if (!withOverlay) return table.toneChromaNoise(in, out, width, gain, pattern, noise.row, noise.start);
     const OverlayRow overlay = PickOverlay(rows, width);
-    table.toneChromaOverlay(in, rows.Out(width), width, gain, pattern, noise.row, noise.start, overlay.keep,
-                            overlay.term, overlay.dither);
+    table.toneChromaOverlay(in, out, width, gain, pattern, noise.row, noise.start, overlay.keep, overlay.term,
+                            overlay.dither);
 }
 
 void CallBlendChromaRows(const KernelTable& table, CallRows& rows, int32_t width) {
@@ -295,11 +278,11 @@ constexpr std::array<KernelCheck, 20> kernelChecks{{
     {"sharpenColumns", Agree<CallSharpenColumns>},
     {"lightingVotes", Agree<CallLightingVotes>},
     {"splitPackedRow", Agree<CallSplitPackedRow>},
-    {"toneLuma", Agree<CallToneLuma>},
-    {"toneLumaOverlay", Agree<CallToneLumaOverlay>},
-    {"toneChroma", Agree<CallToneChroma>},
-    {"toneChromaNoise", Agree<CallToneChromaNoise>},
-    {"toneChromaOverlay", Agree<CallToneChromaOverlay>},
+    {"toneLuma", Agree<CallToneLuma<false>>},
+    {"toneLumaOverlay", Agree<CallToneLuma<true>>},
+    {"toneChroma", Agree<CallToneChroma<false, false>>},
+    {"toneChromaNoise", Agree<CallToneChroma<true, false>>},
+    {"toneChromaOverlay", Agree<CallToneChroma<true, true>>},
     {"blendChromaRows", Agree<CallBlendChromaRows>},
     {"interleave", Agree<CallInterleave>},
 }};

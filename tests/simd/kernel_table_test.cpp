@@ -13,14 +13,6 @@ TEST(SelectKernels, TakesTheWidestThatMayRun) {
     EXPECT_EQ(&SelectKernels({.sse2 = true, .avx2 = true, .avx512 = true}), &avx512Kernels);
 }
 
-TEST(CanRun, AsksForTheTablesOwnInstructions) {
-    EXPECT_TRUE(CanRun(scalarKernels, {}));
-    EXPECT_FALSE(CanRun(sse2Kernels, {}));
-    EXPECT_FALSE(CanRun(avx2Kernels, {.sse2 = true}));
-    EXPECT_FALSE(CanRun(avx512Kernels, {.sse2 = true, .avx2 = true}));
-    EXPECT_TRUE(CanRun(avx2Kernels, {.sse2 = true, .avx2 = true}));
-}
-
 TEST(AllKernels, ArePlainestFirstAndWhole) {
     ASSERT_EQ(AllKernels().size(), 4U);
     EXPECT_EQ(AllKernels().front(), &scalarKernels);

@@ -55,9 +55,7 @@ public:
         return newLength <= toldCapacity ? S_OK : E_INVALIDARG;
     }
     HRESULT STDMETHODCALLTYPE GetMaxLength(DWORD* maxLength) override {
-        if (capacityResult == S_OK) {
-            *maxLength = toldCapacity;
-        }
+        if (capacityResult == S_OK) *maxLength = toldCapacity;
         return capacityResult;
     }
     HRESULT STDMETHODCALLTYPE GetBufferAndLength(BYTE** buffer, DWORD* currentLength) override {

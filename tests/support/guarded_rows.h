@@ -57,9 +57,9 @@ struct Room {
 /// A row to read from: `count` samples with room beside it, whose memory ends with the room. AddressSanitizer sees
 /// every access behind it and, at offset 0, before it. The offset takes the row away from aligned addresses.
 template <class T>
-class ReadableRow {
+class InputRow {
 public:
-    ReadableRow(int32_t count, Room room, int32_t offset, uint8_t filler)
+    InputRow(int32_t count, Room room, int32_t offset, uint8_t filler)
         : start(offset + room.before),
           length(start + count + room.behind),
           memory(std::make_unique<T[]>(static_cast<size_t>(length))) {
@@ -163,7 +163,7 @@ public:
 
 private:
     template <class T>
-    using InputRows = std::vector<ReadableRow<T>>;
+    using InputRows = std::vector<InputRow<T>>;
     template <class T>
     using OutputRows = std::vector<GuardedRow<T>>;
 

@@ -31,9 +31,7 @@ inline bool IsKnown(HRESULT result) {
     for (HRESULT known :
          {S_OK, S_FALSE, E_POINTER, E_INVALIDARG, E_NOTIMPL, E_UNEXPECTED, E_FAIL, DMO_E_INVALIDSTREAMINDEX,
           DMO_E_TYPE_NOT_SET, DMO_E_NOTACCEPTING, DMO_E_TYPE_NOT_ACCEPTED, DMO_E_NO_MORE_ITEMS}) {
-        if (result == known) {
-            return true;
-        }
+        if (result == known) return true;
     }
     return false;
 }
@@ -172,9 +170,7 @@ inline std::string NegotiationWalk::StartStream() {
     VideoInfo2Type type(width, OneIn(4) ? -height : height, walking::Pick(numbers, subtypes));
     type.Bitmap().biXPelsPerMeter = static_cast<int32_t>(numbers(2));
     type.header.dwBitRate = numbers(2);
-    if (OneIn(2)) {
-        type.Target() = {0, 0, OneIn(2) ? width : width - static_cast<int32_t>(numbers(16)), height};
-    }
+    if (OneIn(2)) type.Target() = {0, 0, OneIn(2) ? width : width - static_cast<int32_t>(numbers(16)), height};
     object.settings->put_CVXMode(OneIn(3) ? 0 : 2);
     const bool taken = object.media->SetInputType(0, type.Type(), 0) == S_OK;
     return taken ? AskForOutput() : "a good type was refused";
@@ -184,10 +180,9 @@ inline std::string NegotiationWalk::StartStream() {
 inline std::string NegotiationWalk::AskForOutput() {
     ReceivedType type;
     const HRESULT result = object.media->GetOutputType(0, numbers(4), type.Out());
-    if (result != S_OK) {
+    if (result != S_OK)
         return walking::Check(walking::IsKnown(result) && type.Get().pbFormat == nullptr,
                               "a refused offer came with a type");
-    }
     if (OneIn(8)) return "";
     const HRESULT taken = object.media->SetOutputType(0, &type.Get(), 0);
     // A target rectangle that began to the right of the corner may now reach beyond the picture.
@@ -203,11 +198,8 @@ inline std::string NegotiationWalk::AskForTypes() {
                                object.media->GetOutputCurrentType(0, type.Out()),
                                object.media->GetInputSizeInfo(0, &size, &other, OneIn(9) ? nullptr : &other),
                                object.media->GetOutputSizeInfo(0, &size, &other)};
-    for (HRESULT result : results) {
-        if (!walking::IsKnown(result)) {
-            return "a question about types gave an unknown result";
-        }
-    }
+    for (HRESULT result : results)
+        if (!walking::IsKnown(result)) return "a question about types gave an unknown result";
     return "";
 }
 
@@ -259,13 +251,9 @@ inline std::string NegotiationWalk::TakeOutput() {
     const HRESULT result = object.media->ProcessOutput(0, OneIn(20) ? 2 : 1, &output, OneIn(3) ? nullptr : &status);
     DWORD accepts = 0;
     object.media->GetInputStatus(0, &accepts);
-    if (!walking::IsKnown(result)) {
-        return "output gave an unknown result";
-    }
+    if (!walking::IsKnown(result)) return "output gave an unknown result";
     framesMade += result == S_OK && !out->HoldsOnly(fill) ? 1 : 0;
-    if (result == S_OK && accepts != 1) {
-        return "a finished frame left its input behind";
-    }
+    if (result == S_OK && accepts != 1) return "a finished frame left its input behind";
     return walking::Check(out->GuardsIntact() && out->references == 1, "the output buffer was overrun or kept");
 }
 

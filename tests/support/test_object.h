@@ -29,9 +29,7 @@ Owned<Interface> Ask(IUnknown* object, const GUID& iid) {
 
 /// Ends the test that cannot go on without.
 inline void Require(HRESULT result, const char* what) {
-    if (result != S_OK) {
-        throw std::runtime_error(what);
-    }
+    if (result != S_OK) throw std::runtime_error(what);
 }
 
 inline Owned<IClassFactory> MediaObjectFactory() {

@@ -84,9 +84,7 @@ public:
     template <class Header>
     Header As() const {
         Header header = {};
-        if (type.cbFormat >= sizeof header) {
-            std::memcpy(&header, type.pbFormat, sizeof header);
-        }
+        if (type.cbFormat >= sizeof header) std::memcpy(&header, type.pbFormat, sizeof header);
         return header;
     }
 
