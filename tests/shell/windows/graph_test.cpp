@@ -8,7 +8,7 @@
 
 #include <thread>
 
-#include "host/frame_layout.h"
+#include "host/buffer_layout.h"
 #include "host/player.h"
 #include "shell/settings.h"
 #include "tests/shell/windows/graph_filters.h"
@@ -45,7 +45,7 @@ std::vector<uint8_t> Samples(size_t frame) {
 
 struct GraphCase {
     const char* name;
-    PixelFormat format;
+    SampleFormat format;
     GUID subtype;
     unsigned mode;
 };
@@ -154,7 +154,7 @@ private:
     }
 
     VideoInfoType type;
-    const FrameLayout layout;
+    const BufferLayout layout;
     const ComPointer<IGraphBuilder> builder = Create<IGraphBuilder>(CLSID_FilterGraph, IID_IGraphBuilder, "no graph");
     const ComPointer<IBaseFilter> wrapper = Create<IBaseFilter>(clsidWrapper, IID_IBaseFilter, "no wrapper");
     GraphSource* const source = new GraphSource;
@@ -207,8 +207,8 @@ TEST_P(DirectShowGraph, GivesTheFramesThatTheObjectGivesByHand) {
     EXPECT_EQ(size, (PictureSize{picture.biWidth, picture.biHeight}));
     ASSERT_EQ(expected.size(), received.size());
     EXPECT_NE(expected[0], expected[1]);  // equal frames would hide one that comes late
-    const FrameLayout inputLayout(GetParam().format, sourceSize);
-    const FrameLayout outputLayout(GetParam().format, size);
+    const BufferLayout inputLayout(GetParam().format, sourceSize);
+    const BufferLayout outputLayout(GetParam().format, size);
     for (size_t frame = 0; frame < frameCount; ++frame) {
         std::vector<uint8_t> scratch;
         ReceivedFrame& got = received[frame];
@@ -221,12 +221,12 @@ TEST_P(DirectShowGraph, GivesTheFramesThatTheObjectGivesByHand) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, DirectShowGraph,
-                         testing::Values(GraphCase{"Yv12Enlarged", PixelFormat::yv12, mediaSubtypeYv12, 2},
-                                         GraphCase{"IyuvEnlarged", PixelFormat::iyuv, mediaSubtypeIyuv, 2},
-                                         GraphCase{"Yuy2Enlarged", PixelFormat::yuy2, mediaSubtypeYuy2, 2},
-                                         GraphCase{"Yv12AtItsSize", PixelFormat::yv12, mediaSubtypeYv12, 0},
-                                         GraphCase{"IyuvAtItsSize", PixelFormat::iyuv, mediaSubtypeIyuv, 0},
-                                         GraphCase{"Yuy2AtItsSize", PixelFormat::yuy2, mediaSubtypeYuy2, 0}),
+                         testing::Values(GraphCase{"Yv12Enlarged", SampleFormat::yv12, mediaSubtypeYv12, 2},
+                                         GraphCase{"IyuvEnlarged", SampleFormat::iyuv, mediaSubtypeIyuv, 2},
+                                         GraphCase{"Yuy2Enlarged", SampleFormat::yuy2, mediaSubtypeYuy2, 2},
+                                         GraphCase{"Yv12AtItsSize", SampleFormat::yv12, mediaSubtypeYv12, 0},
+                                         GraphCase{"IyuvAtItsSize", SampleFormat::iyuv, mediaSubtypeIyuv, 0},
+                                         GraphCase{"Yuy2AtItsSize", SampleFormat::yuy2, mediaSubtypeYuy2, 0}),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
 }  // namespace
