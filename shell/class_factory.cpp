@@ -82,7 +82,7 @@ private:
     using OwnedFactory = std::unique_ptr<CachedFactory, FactoryReleaser>;
 
     CriticalSection creation;
-    std::vector<OwnedFactory> factories = std::vector<OwnedFactory>(ObjectMap().size());  // as the map is sorted
+    std::vector<OwnedFactory> factories = std::vector<OwnedFactory>(ObjectMap().size());  // in the map's order
 };
 
 FactoryCache factoryCache;

@@ -159,7 +159,7 @@ SliderPositions CVXPropertyPage::Positions() { return {edgeSlider.Position(), mo
 bool CVXPropertyPage::IsChecked(int control) const { return IsDlgButtonChecked(window, control) == BST_CHECKED; }
 
 double CVXPropertyPage::ShownScaleFactor() const {
-    char text[64] = {};
+    char text[512] = {};  // the largest number has 313 characters
     GetDlgItemTextA(window, CVX_PAGE_SCALE_FACTOR, text, static_cast<int>(std::size(text)));
     return ScaleFactorIn(text);
 }

@@ -31,7 +31,7 @@ HRESULT CreateInProcess(REFCLSID classId, REFIID iid, ComPointer<Interface>& obj
     void* created = nullptr;
     const HRESULT result = CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, iid, &created);
     object.reset(SUCCEEDED(result) ? static_cast<Interface*>(created) : nullptr);
-    return result;
+    return SUCCEEDED(result) && created == nullptr ? E_NOINTERFACE : result;
 }
 
 HRESULT CreatePluginRegistrar(ComPointer<IWMPMediaPluginRegistrar>& registrar) {

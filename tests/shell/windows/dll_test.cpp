@@ -14,8 +14,6 @@
 namespace clarivex {
 namespace {
 
-constexpr GUID iidPropertyPage{0xB196B28D, 0xBAB4, 0x101A, {0xB6, 0x9C, 0x00, 0xAA, 0x00, 0x34, 0x1D, 0x07}};
-
 std::string TextOf(const PluginModule& module, UINT id) {
     char text[512] = {};
     const int length = LoadStringA(module.Handle(), id, text, sizeof text);
