@@ -18,6 +18,11 @@ struct ColumnPattern {
 /// Dither constants of four columns in turn.
 using Dither = std::array<int16_t, 4>;
 
+constexpr Dither noDither{};
+
+/// Eighths under the overlay, for even and odd rows of luma, in packed and planar pictures alike.
+constexpr Dither overlayLumaDither[2] = {{2, 6, 2, 6}, {6, 2, 6, 2}};
+
 /// `offset` + dither by column.
 inline ColumnPattern MakePattern(int32_t offset, const Dither& dither) {
     ColumnPattern pattern;

@@ -15,9 +15,7 @@ constexpr uint8_t blackPair[4] = {0x10, 0x80, 0x10, 0x80};
 // Dither by column, for even and odd rows: sixteenths in rows of video, eighths under the overlay.
 constexpr Dither lumaDither[2] = {{12, 4, 4, 12}, {4, 12, 12, 4}};
 constexpr Dither chromaDither[2] = {{4, 12, 12, 4}, {12, 4, 4, 12}};
-constexpr Dither overlayLumaDither[2] = {{2, 6, 2, 6}, {6, 2, 6, 2}};
 constexpr Dither overlayChromaDither[2] = {{2, 6, 6, 2}, {6, 2, 2, 6}};
-constexpr Dither noDither{};
 
 /// Patterns of one row parity.
 struct RowPatterns {
@@ -41,7 +39,7 @@ public:
           useTiles(width * 3 <= inputs.tiles.Stride()),
           constants(MakeOutputConstants(inputs.params)),
           work(PackedNeedsWork(inputs.params, constants, inputs.noise.level)),
-          noiseColumn(inputs.noise.offsetX & ~7 & 255),
+          noiseColumn(NoiseColumnOf(inputs.noise)),
           chroma(inputs.scratch.chroma.Prepare(width)),
           tonedLuma(inputs.scratch.tonedLuma.Prepare(width)),
           tonedChroma(inputs.scratch.tonedChroma.Prepare(width)) {

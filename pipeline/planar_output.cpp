@@ -15,9 +15,7 @@ constexpr uint8_t neutralChroma = 0x80;
 
 // Dither by column, for even and odd rows: sixteenths in rows of video, eighths under the overlay.
 constexpr Dither lumaDither[2] = {{4, 12, 4, 12}, {12, 4, 12, 4}};
-constexpr Dither overlayLumaDither[2] = {{2, 6, 2, 6}, {6, 2, 6, 2}};
 constexpr Dither overlayChromaDither{2, 6, 6, 2};  // chroma rows belong to even rows of luma
-constexpr Dither noDither{};
 constexpr int32_t chromaRounding = 8;
 
 class PlanarStage {
@@ -35,7 +33,7 @@ public:
           useTiles(chromaWidth * 6 <= inputs.tiles.Stride()),
           constants(MakeOutputConstants(inputs.params)),
           work(PlanarNeedsWork(inputs.params, inputs.noise.level)),
-          noiseColumn(inputs.noise.offsetX & ~7 & 255) {
+          noiseColumn(NoiseColumnOf(inputs.noise)) {
         for (size_t parity = 0; parity < 2; ++parity) {
             lumaPatterns[parity] = MakePattern(constants.c0 + noiseBias, lumaDither[parity]);
             overlayLumaDithers[parity] = MakePattern(0, overlayLumaDither[parity]);
