@@ -18,11 +18,13 @@ enum class DetailFirForm { general, symmetric16, symmetric12, symmetric8 };
 /// Symmetric are taps with taps[k] = taps[15 − k] for all k; their length is told by the outermost ones.
 DetailFirForm ChooseDetailFirForm(const DetailTaps& taps);
 
-/// The symmetric forms, in place, on 8-sample groups from column 8, (width − 16) >> 3 of them; the rest stays.
+/// The filter from a slack row to another, `columns` of them. The general form covers 4-sample groups from column 4,
+/// (width − 8) >> 2 of them, the symmetric ones 8-sample groups from column 8, (width − 16) >> 3 of them; the rest is
+/// copied.
 ///
-/// form              one of the symmetric forms.
-/// evenFilterPasses  from 3 on the number of passes; below it one pass runs.
-void DetailFirSymmetric(const Plane& strip, const DetailTaps& taps, DetailFirForm form, int32_t evenFilterPasses);
+/// words  slack row of `columns` words, for the general form.
+void DetailFirRow(const uint8_t* in, uint8_t* out, int32_t columns, int32_t width, const DetailTaps& taps,
+                  DetailFirForm form, const KernelTable& kernels, int16_t* words);
 
 /// Working rows of DetailFir: slack rows of the strip's width.
 struct DetailFirScratch {
@@ -30,8 +32,9 @@ struct DetailFirScratch {
     int16_t* words = nullptr;
 };
 
-/// Filters a strip in place in the form that the taps ask for. The general form covers 4-sample groups from column 4,
-/// (width − 8) >> 2 of them; the rest stays.
+/// Filters a strip in place in the form that the taps ask for.
+///
+/// evenFilterPasses  from 3 on the number of passes of a symmetric form; else one pass runs.
 void DetailFir(const Plane& strip, const DetailTaps& taps, int32_t evenFilterPasses, const KernelTable& kernels,
                const DetailFirScratch& scratch);
 

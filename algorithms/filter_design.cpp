@@ -9,6 +9,7 @@
 #include <span>
 
 #include "algorithms/rounding.h"
+#include "runtime/diagnostics.h"
 
 namespace clarivex {
 namespace {
@@ -155,6 +156,37 @@ TapSet FinishPhase(RawTaps taps, double target) {
     return quantised;
 }
 
+/// Position of the first phase of a twofold enlargement.
+constexpr double twofoldTarget = -0.25;
+
+RawTaps SampleQuarters(const PrototypeKernel& table) {
+    RawTaps taps{};
+    for (size_t k = 0; k < taps.size(); ++k) {
+        // All these distances fall on entries of the table.
+        const double distance = std::fabs(static_cast<double>(k) - 4.0 - twofoldTarget);
+        taps[k] = table[static_cast<size_t>(distance * entriesPerSample)];
+        Trace("%d : %d", static_cast<int>(k), static_cast<int>(RoundToNearest(32768.0 * taps[k])));
+    }
+    return taps;
+}
+
+TapSet QuantiseTwofold(const RawTaps& taps) {
+    constexpr int32_t unitGain = 16384;
+    TapSet quantised{};
+    for (size_t k = 0; k < taps.size(); ++k) quantised[k] = static_cast<int16_t>(RoundToNearest(unitGain * taps[k]));
+    Add(quantised[4], unitGain - std::accumulate(quantised.begin(), quantised.end(), 0));
+    return quantised;
+}
+
+/// Unlike RepairMoment this doubles the moment's error of a few units instead of taking it away: pictures depend on it.
+void ShiftTwofoldMoment(TapSet& taps) {
+    Trace("Moment 200 (int) : %.6f", CentreOf(taps));
+    const int32_t excess = RoundToNearest((CentreOf(taps) - twofoldTarget) * SumOf(taps));
+    Add(taps[3], -excess);
+    Add(taps[4], excess);
+    Trace("Moment 200 (int) : %.6f", CentreOf(taps));
+}
+
 }  // namespace
 
 void DesignPrototype(PrototypeKernel& table, const PrototypeDesign& design) {
@@ -188,6 +220,17 @@ ThreeHalvesTaps DesignThreeHalvesTaps(const PrototypeKernel& table) {
     MoveCentre(a, targetA, divisorA);
     MoveCentre(c, targetC, divisorC);
     return {FinishPhase(a, targetA), FinishPhase(DealPhase(samples, 1), targetB), FinishPhase(c, targetC)};
+}
+
+TwofoldTaps DesignTwofoldTaps(const PrototypeKernel& table) {
+    RawTaps raw = SampleQuarters(table);
+    MoveCentre(raw, twofoldTarget, 4.0 + 8.0 * twofoldTarget);
+    Trace("Moment 200 (float) : %.6f", CentreOf(raw));
+    NormaliseSum(raw);
+    TwofoldTaps taps{QuantiseTwofold(raw), {}};
+    ShiftTwofoldMoment(taps.a);
+    std::reverse_copy(taps.a.begin(), taps.a.end(), taps.b.begin());
+    return taps;
 }
 
 }  // namespace clarivex

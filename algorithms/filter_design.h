@@ -20,6 +20,13 @@ struct ThreeHalvesTaps {
     TapSet c{};
 };
 
+/// Phases of a twofold enlargement: output sample 2n lies at input position n - 1/4, output 2n + 1 at n + 1/4. Each sums
+/// to 16384. The second phase is the first one mirrored; its tap k stands at position k - 3.
+struct TwofoldTaps {
+    TapSet a{};
+    TapSet b{};
+};
+
 enum class WindowKind { kaiser = 0, sinc = 1, none = 2 };
 
 /// Shape of a prototype kernel.
@@ -47,5 +54,9 @@ void NormalisePrototype(PrototypeKernel& table);
 
 /// Samples the kernel into three phases whose sum and first moment are exact after quantisation.
 ThreeHalvesTaps DesignThreeHalvesTaps(const PrototypeKernel& table);
+
+/// Samples the kernel into the phases of a twofold enlargement. Their sum is exact; the first moment may be off by a few
+/// units. Traces the taps as sampled and the moments on the way.
+TwofoldTaps DesignTwofoldTaps(const PrototypeKernel& table);
 
 }  // namespace clarivex

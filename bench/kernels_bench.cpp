@@ -59,6 +59,13 @@ void CallEnlargeColumns(const KernelTable& table, BenchRows& rows, int32_t width
     table.enlargeColumns(in.data(), rows.taps.data(), rows.Bytes(0), width);
 }
 
+template <size_t count>
+std::array<const int16_t*, count> WideRows(BenchRows& rows) {
+    std::array<const int16_t*, count> in{};
+    for (size_t k = 0; k < count; ++k) in[k] = rows.Words(k % 7);
+    return in;
+}
+
 void CallEnlargeChromaColumns(const KernelTable& table, BenchRows& rows, int32_t width) {
     const std::array<const uint8_t*, 4> in{rows.Bytes(0), rows.Bytes(1), rows.Bytes(2), rows.Bytes(3)};
     const std::array<uint8_t*, 3> outs{rows.Bytes(4), rows.Bytes(5), rows.Bytes(6)};
@@ -109,13 +116,45 @@ const KernelBench kernelBenches[] = {
      [](const KernelTable& table, BenchRows& rows, int32_t width) {
          table.fir8(rows.Bytes(0), rows.Bytes(1), width, 4, width - 4, rows.taps.data(), rows.Words(0));
      }},
+    {"firEven", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.firEven(rows.Bytes(0), rows.Bytes(1), width, 8, width - 8, rows.taps.data(), 7);
+     }},
     {"expandRow", 1,
      [](const KernelTable& table, BenchRows& rows, int32_t width) {
          table.expandRow(rows.Bytes(0), rows.Words(0), width);
      }},
     {"enlargeColumns", 1, CallEnlargeColumns},
+    {"doubleRow", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.doubleRow(rows.Bytes(0), rows.taps.data(), rows.Bytes(1), width / 2);
+     }},
+    {"doubleRowWide", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.doubleRowWide(rows.Bytes(0), rows.taps.data(), rows.Words(0), width / 2);
+     }},
+    {"doubleColumnsWide", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.doubleColumnsWide(WideRows<8>(rows).data(), rows.taps.data(), rows.Words(7), width);
+     }},
+    {"limitEdgesWide", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.limitEdgesWide(WideRows<5>(rows).data(), rows.Words(7), width, EdgeLimits{});
+     }},
+    {"firWide", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.firWide(WideRows<16>(rows).data(), rows.taps.data(), rows.Words(7), width);
+     }},
+    {"narrowRow", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.narrowRow(rows.Words(0), rows.Bytes(0), width);
+     }},
     {"enlargeChromaRow", 1, CallEnlargeChromaRow},
     {"enlargeChromaColumns", 3, CallEnlargeChromaColumns},
+    {"pullRow", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.pullRow(rows.Bytes(0), rows.Bytes(1), 12288, rows.Bytes(2), width);
+     }},
     {"sharpenColumns", 1,
      [](const KernelTable& table, BenchRows& rows, int32_t width) {
          table.sharpenColumns(rows.Bytes(0), rows.Bytes(1), rows.Bytes(2), rows.Bytes(3), width, 9);
@@ -157,6 +196,15 @@ const KernelBench kernelBenches[] = {
     {"interleave", 1,
      [](const KernelTable& table, BenchRows& rows, int32_t width) {
          table.interleave(rows.Bytes(0), rows.Bytes(1), rows.Bytes(2), width / 2);
+     }},
+    {"paintCoverage", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         constexpr std::array<int16_t, 4> yellow{-16320, 12352, -7168, 832};
+         table.paintCoverage(rows.Bytes(0), yellow.data(), rows.Bytes(1), width / 4);
+     }},
+    {"packTileRow", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.packTileRow(rows.Bytes(0), rows.Bytes(1), width / 24, false);
      }},
 };
 

@@ -1,4 +1,4 @@
-// Chroma planes enlarged by three halves, by linear interpolation in integers.
+// Chroma planes enlarged by three halves or by two, by linear interpolation in integers.
 #pragma once
 
 #include <cstdint>
@@ -24,5 +24,19 @@ void ScaleChromaRows(const Plane& target, const Plane& source, bool chromaOdd, S
 /// scratch    receives rows that the target has no place for.
 void ScaleChromaColumns(const Plane& target, const Plane& source, const uint8_t* sourceEnd, SlackRow<uint8_t>& scratch,
                         const KernelTable& kernels);
+
+/// Twice along the rows, all rows of the source.
+///
+/// target     rows of at least the source's height; 2 · width columns are written, as far as the stride goes.
+/// chromaOdd  false: outputs 2n and 2n + 1 lie a quarter of a sample left and right of input n; true: three eighths left
+///            and an eighth right of it, for luma that an even filter has shifted.
+/// edges      the first and the last sample are repeated. Only the source's own samples are read.
+void DoubleChromaRows(const Plane& target, const Plane& source, bool chromaOdd, SlackRow<uint8_t>& scratch,
+                      const KernelTable& kernels);
+
+/// The same down the columns.
+///
+/// target  2 · height rows; rows beyond the target's height are left out, and columns beyond its stride.
+void DoubleChromaColumns(const Plane& target, const Plane& source, bool chromaOdd, const KernelTable& kernels);
 
 }  // namespace clarivex

@@ -4,6 +4,7 @@
 #include "algorithms/unscaled.h"
 #include "algorithms/working_image.h"
 #include "engine/picture_scaler.h"
+#include "engine/wide_scaler.h"
 
 namespace clarivex {
 
@@ -11,6 +12,8 @@ struct EngineWorkspace {
     WorkingImage privateCopy;  ///< the frame, for stages that work in place
     WorkingImage halfScaled;   ///< the picture between the two passes of a scale on both axes
     ScalerScratch scaler;
+    WideScratch wide;
+    SlackRow<uint8_t> chroma;  ///< a chroma plane between the two passes of a twofold scale on both axes
     UnscaledScratch unscaled;
     SlackRow<uint8_t> filterSamples;  ///< post filter of the whole-picture sharpeners
     SlackRow<int16_t> filterWords;

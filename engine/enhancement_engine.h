@@ -35,7 +35,7 @@ struct EngineSettings {
     float noiseReduction = 0.0F;   ///< 0 … 6 with fractions
     int32_t baseDetailGain = 0;    ///< added to both narrow post gains, times 0.3
     int32_t coringLevel = 0;       ///< 0 … 4: dead zone of the narrow post gains
-    int32_t columnRankMode = 2;    ///< 2 leaves the rank stages off; none is built, so nothing reads it
+    int32_t columnRankMode = 2;    ///< −1 and 1 end a twofold scale of the rows with a rank stage: smaller, larger
     uint8_t lightingAdoptNow = 1;  ///< the next analysed frame adopts its estimate at once
     int32_t sharpenScheme = 2;     ///< 2 and more: level tables and post filter
     int32_t curveSharpening = 0;   ///< non-zero: the strength drives the detail gains too
@@ -73,7 +73,7 @@ struct EngineSettings {
     int32_t edgeDeadZone = 4;  ///< dead zone T = (edgeDeadZone · edgeGain) >> 2
     int32_t edgeMargin = 0;
     int32_t edgeNeighbourWeight = 64;  ///< 64ths, simple limiter
-    int32_t edgeKernelSelect = 2;      ///< form of the full limiter; one form serves every machine, so nothing reads it
+    int32_t edgeKernelSelect = 2;      ///< anything but 2 leaves the full limiter out where both axes are doubled
     int32_t wideSlopeBase = 13;        ///< full limiter: K = 64 + this
     int32_t wideSlope = 25;            ///< full limiter: Q = 32 · this
     int32_t wideOffset = 0;

@@ -1,6 +1,7 @@
 #include "engine/enhancement_pass.h"
 
 #include "algorithms/edge_sharpeners.h"
+#include "engine/chroma_scalers.h"
 #include "engine/detail_gains.h"
 #include "engine/picture_scaler.h"
 #include "engine/post_filter.h"
@@ -139,7 +140,7 @@ private:
     void CopyForFusedStages() {
         const bool rowsFused = stages.fuseHorizontal != 0 && RowPreStageOn();
         const bool columnsFused = stages.fuseVertical != 0 && ColumnPreStageOn();
-        if (rowsFused || (columnsFused && modes.horizontal == 1)) TakePrivateCopy();
+        if (rowsFused || (columnsFused && modes.horizontal != 0)) TakePrivateCopy();
     }
 
     void TakePrivateCopy() {
@@ -182,10 +183,12 @@ private:
         return mode == 1 ? (3 * length) >> 1 : length;
     }
 
-    bool WillWrite() const {
-        if (modes.horizontal == 2) return false;
-        return modes.horizontal == 1 || haveCopy || engine.sharpness != 0.0F;
-    }
+    bool WillWrite() const { return modes.horizontal != 0 || haveCopy || engine.sharpness != 0.0F; }
+
+    /// Rows that are doubled on their own need some length; on both axes any picture can be doubled.
+    bool WritesLuma() const { return modes.horizontal != 2 || modes.vertical == 2 || width >= shortestDoubledRow; }
+
+    uint32_t WritablePlanes() const { return WritesLuma() ? allPlanes : allPlanes & ~lumaPlane; }
 
     ImagePlanes SizeOutput() {
         if (target.planes != nullptr) return *target.planes;
@@ -193,7 +196,6 @@ private:
         return target.image->Planes();
     }
 
-    /// By the modes; twofold ones have no stages here yet and leave the frame to the caller.
     bool Dispatch(const ImagePlanes& out, const PostFilter& filter) {
         if (!WillWrite()) return false;
         if (modes.horizontal == 0) {
@@ -202,6 +204,8 @@ private:
             PictureScaler scaler = Scaler();
             scaler.ScaleHorizontal(out, work, PlanRows(engine, filter, stages.postNarrowV), filter.chromaOdd,
                                    allPlanes);
+        } else if (modes.vertical == 2) {
+            DoubleBothAxes(out, filter);
         } else if (engine.verticalFirst == 0) {
             ScaleRowsFirst(out, filter);
         } else {
@@ -220,14 +224,19 @@ private:
         if ((planeMask & thirdPlane) != 0) CopyPlane(out.third, work.planes.third, bounds);
     }
 
+    RowStages RowsOfBothAxes(const PostFilter& filter) const {
+        return modes.horizontal == 2 ? PlanTwofoldRows(engine, filter) : PlanRows(engine, filter, {});
+    }
+
     void ScaleRowsFirst(const ImagePlanes& out, const PostFilter& filter) {
         PictureScaler scaler = Scaler();
         WorkingImage& half = engine.workspace.halfScaled;
-        const RowStages rowStages = PlanRows(engine, filter, {});
+        const RowStages rowStages = RowsOfBothAxes(filter);
         const ColumnStages columnStages = PlanColumns(engine);
-        const uint32_t chromaPlanes = planeMask & ~lumaPlane;
+        const uint32_t planes = modes.horizontal == 2 ? WritablePlanes() : planeMask;
+        const uint32_t chromaPlanes = planes & ~lumaPlane;
         scaler.ScaleHorizontalPlane(half, work, rowStages, filter.chromaOdd, chromaPlanes);
-        if ((planeMask & lumaPlane) != 0) scaler.ScaleLumaBothAxes(out, half, work, rowStages, columnStages.taps);
+        if ((planes & lumaPlane) != 0) scaler.ScaleLumaBothAxes(out, half, work, rowStages, columnStages.taps);
         scaler.ScaleVertical(out, SourceOf(half), columnStages, chromaPlanes);
     }
 
@@ -235,7 +244,20 @@ private:
         PictureScaler scaler = Scaler();
         WorkingImage& half = engine.workspace.halfScaled;
         scaler.ScaleVerticalFirst(half, work, PlanColumns(engine), allPlanes);
-        scaler.ScaleHorizontal(out, SourceOf(half), PlanRows(engine, filter, {}), filter.chromaOdd, allPlanes);
+        scaler.ScaleHorizontal(out, SourceOf(half), RowsOfBothAxes(filter), filter.chromaOdd, WritablePlanes());
+    }
+
+    void DoubleBothAxes(const ImagePlanes& out, const PostFilter& filter) {
+        ScaleBothTwice(out.luma, work.planes.luma, PlanWide(engine, filter), engine.workspace.wide, kernels);
+        DoubleChroma(out.second, work.planes.second, filter.chromaOdd);
+        DoubleChroma(out.third, work.planes.third, filter.chromaOdd);
+    }
+
+    void DoubleChroma(const Plane& to, const Plane& from, bool chromaOdd) {
+        const int32_t stride = (2 * from.width + 15) & ~15;
+        const Plane between{engine.workspace.chroma.Prepare(stride * from.height), 2 * from.width, from.height, stride};
+        DoubleChromaRows(between, from, chromaOdd, engine.workspace.scaler.chroma, kernels);
+        DoubleChromaColumns(to, between, chromaOdd, kernels);
     }
 
     TimingClass ClassOf() const {
@@ -251,8 +273,9 @@ private:
 
     int32_t Report(bool written) {
         const bool enlarged = modes.horizontal != 0;
-        info.writtenWidth = written ? Scaled(width, modes.horizontal) : 0;
-        info.writtenHeight = written ? Scaled(height, enlarged ? modes.vertical : 0) : 0;
+        const bool luma = written && WritesLuma();
+        info.writtenWidth = luma ? Scaled(width, modes.horizontal) : 0;
+        info.writtenHeight = luma ? Scaled(height, enlarged ? modes.vertical : 0) : 0;
         return written ? 1 : 0;
     }
 

@@ -44,9 +44,10 @@ struct PassTarget {
 /// target      must not overlap the source. An image gets the size of the result; given planes must have room for it with
 ///             strides of a multiple of 64 (luma) and 32 (chroma) samples and 16 spare rows.
 /// aspect      pixel aspect, corrected for the scaling
-/// planeMask   planes to be written where both axes or none are scaled: lumaPlane, secondPlane, thirdPlane
-/// result      1 when planes were written, 0 when the caller is to use the source as it stands. Twofold modes, which the
-///             frame driver never sets, give 0.
+/// planeMask   planes to be written where both axes are scaled by three halves or none is scaled: lumaPlane, secondPlane,
+///             thirdPlane. Other modes write all of them.
+/// result      1 when planes were written, 0 when the caller is to use the source as it stands. A picture too narrow to
+///             be doubled along its rows alone gets chroma only, and no samples are reported.
 int32_t EnhancementPass(EnhancementEngine& engine, FrameRecord& frame, const SourceImage& source,
                         const PassTarget& target, float& aspect, FrameInfo& info, uint32_t planeMask,
                         const KernelTable& kernels);

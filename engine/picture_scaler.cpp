@@ -24,11 +24,12 @@ int32_t SplitColumns(const Plane& target, const Plane& source, int32_t unit) {
     return std::max((narrower / 2 - 4) & ~(unit - 1), 0);
 }
 
-PassPlanes AlongRows(const Plane& target, const Plane& source, bool splitView) {
-    // The caller's planes may be larger than what three halves of the source fill.
-    const Plane filled{target.data, (3 * source.width) >> 1, source.height, target.stride};
-    const int32_t offset = splitView ? SplitColumns(filled, source, 32) / 2 : 0;
-    return {RightOf(filled, 3 * offset), RightOf(source, 2 * offset)};
+PassPlanes AlongRows(const Plane& target, const Plane& source, RowScale scale, bool splitView) {
+    // The caller's planes may be larger than what the enlarged source fills.
+    const Plane filled{target.data, ScaledWidth(scale, source.width), source.height, target.stride};
+    const int32_t unit = scale == RowScale::twofold ? 16 : 32;
+    const int32_t left = splitView ? SplitColumns(filled, source, unit) : 0;
+    return {RightOf(filled, ScaledWidth(scale, left)), RightOf(source, left)};
 }
 
 PassPlanes DownColumns(const Plane& target, const Plane& source, bool splitView) {
@@ -41,19 +42,24 @@ PassPlanes DownColumns(const Plane& target, const Plane& source, bool splitView)
 void PictureScaler::ScaleHorizontal(const ImagePlanes& target, const SourceImage& source, const RowStages& stages,
                                     bool chromaOdd, uint32_t planes) {
     if ((planes & lumaPlane) != 0) {
-        const PassPlanes luma = AlongRows(target.luma, source.planes.luma, splitView);
+        const PassPlanes luma = AlongRows(target.luma, source.planes.luma, stages.scale, splitView);
         ScaleLumaStrips(luma.target, luma.source, source.end, stages, scratch.rows, kernels);
     }
-    if ((planes & secondPlane) != 0)
-        ScaleChromaRows(target.second, source.planes.second, chromaOdd, scratch.chroma, kernels);
-    if ((planes & thirdPlane) != 0)
-        ScaleChromaRows(target.third, source.planes.third, chromaOdd, scratch.chroma, kernels);
+    if ((planes & secondPlane) != 0) ScaleChromaAlongRows(target.second, source.planes.second, stages.scale, chromaOdd);
+    if ((planes & thirdPlane) != 0) ScaleChromaAlongRows(target.third, source.planes.third, stages.scale, chromaOdd);
+}
+
+void PictureScaler::ScaleChromaAlongRows(const Plane& target, const Plane& source, RowScale scale, bool chromaOdd) {
+    if (scale == RowScale::twofold)
+        DoubleChromaRows(target, source, chromaOdd, scratch.chroma, kernels);
+    else
+        ScaleChromaRows(target, source, chromaOdd, scratch.chroma, kernels);
 }
 
 void PictureScaler::ScaleHorizontalPlane(WorkingImage& target, const SourceImage& source, const RowStages& stages,
                                          bool chromaOdd, uint32_t planes) {
     const Plane& luma = source.planes.luma;
-    target.Resize((3 * luma.width) >> 1, luma.height);
+    target.Resize(ScaledWidth(stages.scale, luma.width), luma.height);
     ScaleHorizontal(target.Planes(), source, stages, chromaOdd, planes);
 }
 
@@ -79,7 +85,7 @@ void PictureScaler::ScaleVerticalFirst(WorkingImage& target, const SourceImage& 
 void PictureScaler::ScaleLumaBothAxes(const ImagePlanes& target, const WorkingImage& half, const SourceImage& source,
                                       const RowStages& rowStages, const ThreeHalvesTaps& columnTaps) {
     const Plane& between = half.Planes().luma;
-    const PassPlanes rows = AlongRows(between, source.planes.luma, splitView);
+    const PassPlanes rows = AlongRows(between, source.planes.luma, rowStages.scale, splitView);
     const PassPlanes columns = DownColumns(target.luma, between, splitView);
     RowScaler rowScaler(rows.target, rows.source, source.end, rowStages, scratch.rows, kernels);
     ColumnScaler columnScaler(columns.target, columns.source, half.End(), columnTaps, scratch.columns, kernels);

@@ -1,4 +1,5 @@
-// Whole pictures enlarged by three halves along one axis: luma through the strip scalers, chroma by interpolation.
+// Whole pictures enlarged along one axis, by three halves or, along the rows, by two: luma through the strip scalers,
+// chroma by interpolation.
 #pragma once
 
 #include <cstdint>
@@ -29,11 +30,11 @@ public:
     PictureScaler(ScalerScratch& scratch, const KernelTable& kernels, bool splitView)
         : scratch(scratch), kernels(kernels), splitView(splitView) {}
 
-    /// Along the rows, the planes named by `planes`, into planes sized by the caller.
+    /// Along the rows by stages.scale, the planes named by `planes`, into planes sized by the caller.
     void ScaleHorizontal(const ImagePlanes& target, const SourceImage& source, const RowStages& stages, bool chromaOdd,
                          uint32_t planes);
 
-    /// The same into an image that gets (3 · width) >> 1 columns and the source's height first.
+    /// The same into an image that gets ScaledWidth columns and the source's height first.
     void ScaleHorizontalPlane(WorkingImage& target, const SourceImage& source, const RowStages& stages, bool chromaOdd,
                               uint32_t planes);
 
@@ -53,6 +54,8 @@ public:
                            const RowStages& rowStages, const ThreeHalvesTaps& columnTaps);
 
 private:
+    void ScaleChromaAlongRows(const Plane& target, const Plane& source, RowScale scale, bool chromaOdd);
+
     ScalerScratch& scratch;
     const KernelTable& kernels;
     bool splitView;

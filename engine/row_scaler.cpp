@@ -24,6 +24,12 @@ std::array<int16_t, 24> PhaseAfterPhase(const ThreeHalvesTaps& taps) {
     return all;
 }
 
+/// Room for all that a row is enlarged to, in groups as the resamplers write it.
+int32_t RoomForEnlarged(const Plane& source, const RowStages& stages) {
+    const int32_t read = (source.width + groupSamples - 1) / groupSamples * groupSamples;
+    return stages.scale == RowScale::twofold ? 2 * read : read / groupSamples * groupOutputs;
+}
+
 /// The word that splitRow makes of a sample. Worked out anew: reading back what was just stored would take longer.
 int16_t CentredWord(uint8_t sample) {
     const int32_t centred = sample < 128 ? sample - 128 : std::min(sample - 127, 127);
@@ -43,9 +49,12 @@ RowScaler::RowScaler(const Plane& target, const Plane& source, const uint8_t* so
       columns((target.width + storedGroup - 1) & ~(storedGroup - 1)),
       form(stages.postFilterOn ? ChooseDetailFirForm(stages.postTaps) : DetailFirForm::general),
       cross(stages.cross, stages.crossOn ? scratch.line.Prepare(target.width + groupSamples) : nullptr),
-      rows{scratch.source.Prepare(groups * groupSamples),  scratch.even.Prepare(groups * groupSamples / 2),
-           scratch.odd.Prepare(groups * groupSamples / 2), scratch.enlarged.Prepare(groups * groupOutputs),
-           scratch.limited.Prepare(groups * groupOutputs), scratch.words.Prepare(groups * groupOutputs)},
+      rows{scratch.source.Prepare(groups * groupSamples),
+           scratch.even.Prepare(groups * groupSamples / 2),
+           scratch.odd.Prepare(groups * groupSamples / 2),
+           scratch.enlarged.Prepare(RoomForEnlarged(source, stages)),
+           scratch.limited.Prepare(RoomForEnlarged(source, stages)),
+           scratch.words.Prepare(RoomForEnlarged(source, stages))},
       taps(PhaseAfterPhase(stages.taps)) {}
 
 void RowScaler::ScaleStrip(int32_t y) {
@@ -67,13 +76,35 @@ void RowScaler::RunPreStage(int32_t y) {
 
 /// The stages that need no other row: resampler, edge limiter and, where nothing stands between, the post filter.
 void RowScaler::ScaleRow(int32_t y) {
-    SplitSourceRow(y);
-    kernels.enlargeRow(rows.even, rows.odd, taps.data(), rows.enlarged, groups * groupSamples / 2);
+    if (stages.scale == RowScale::twofold)
+        DoubleSourceRow(y);
+    else
+        EnlargeSourceRow(y);
     const uint8_t* limited = LimitRow();
     if (PostFilterOnRow())
-        FilterRow(limited, target.Row(y));
+        DetailFirRow(limited, target.Row(y), columns, target.width, stages.postTaps, form, kernels, rows.words);
     else
         std::memcpy(target.Row(y), limited, static_cast<size_t>(columns));
+}
+
+void RowScaler::EnlargeSourceRow(int32_t y) {
+    SplitSourceRow(y);
+    kernels.enlargeRow(rows.even, rows.odd, taps.data(), rows.enlarged, groups * groupSamples / 2);
+}
+
+void RowScaler::DoubleSourceRow(int32_t y) {
+    constexpr int32_t reach = 4;
+    const int32_t count = columns / 2;  // spare columns too
+    const uint8_t* row = source.Row(y);
+    std::memset(rows.source - reach, row[0], reach);
+    std::memcpy(rows.source, row, static_cast<size_t>(source.width));
+    std::memset(rows.source + source.width, row[source.width - 1], static_cast<size_t>(count - source.width + reach));
+    const TapSet& phase = stages.twofoldTaps.a;
+    kernels.doubleRow(rows.source, phase.data(), rows.enlarged, count);
+    // All taps before the row stand on its first sample, but the third is left out and the first counts twice.
+    int32_t first = (2 * phase[0] + phase[1] + phase[3] + phase[4]) * row[0] + 8192;
+    for (size_t k = 5; k < phase.size(); ++k) first += phase[k] * row[k - reach];
+    rows.enlarged[0] = static_cast<uint8_t>(std::clamp(first >> 14, 0, 255));
 }
 
 void RowScaler::SplitSourceRow(int32_t y) {
@@ -104,12 +135,8 @@ const uint8_t* RowScaler::LimitRow() {
 }
 
 bool RowScaler::PostFilterOnRow() const {
-    return stages.postFilterOn && form == DetailFirForm::general && !stages.detailOn;
-}
-
-void RowScaler::FilterRow(const uint8_t* row, uint8_t* out) {
-    const int32_t filteredGroups = std::max((target.width - 8) >> 2, 0);
-    kernels.fir7(row, out, columns, 4, 4 + 4 * filteredGroups, &stages.postTaps[5], rows.words);
+    const bool onePass = form == DetailFirForm::general || stages.evenFilterPasses < 3;
+    return stages.postFilterOn && onePass && !stages.detailOn;
 }
 
 void RowScaler::RunStripStages(const Plane& strip) {
@@ -117,6 +144,16 @@ void RowScaler::RunStripStages(const Plane& strip) {
     if (stages.postFilterOn && !PostFilterOnRow())
         DetailFir(strip, stages.postTaps, stages.evenFilterPasses, kernels, {rows.enlarged, rows.words});
     if (stages.boosterOn) BoostSmallSignals(strip, stages.booster);
+    if (stages.rankStage != RankStage::none) RankRows(strip);
+}
+
+void RowScaler::RankRows(const Plane& strip) const {
+    for (int32_t y = 0; y < strip.height; ++y) {
+        uint8_t* row = strip.Row(y);
+        for (int32_t x = 0; x + 1 < strip.width; ++x)
+            row[x] =
+                stages.rankStage == RankStage::smaller ? std::min(row[x], row[x + 1]) : std::max(row[x], row[x + 1]);
+    }
 }
 
 void ScaleLumaStrips(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const RowStages& stages,

@@ -1,4 +1,4 @@
-// Luma enlarged by three halves along its rows, strip by strip, with all stages that work along the rows.
+// Luma enlarged by three halves or by two along its rows, strip by strip, with all stages that work along the rows.
 #pragma once
 
 #include <array>
@@ -15,7 +15,21 @@
 
 namespace clarivex {
 
+/// What a row's length is multiplied by.
+enum class RowScale { threeHalves, twofold };
+
+/// Columns that a row of `width` samples is enlarged to.
+constexpr int32_t ScaledWidth(RowScale scale, int32_t width) {
+    return scale == RowScale::twofold ? 2 * width : (3 * width) >> 1;
+}
+
+/// The shortest row that has a twofold form.
+constexpr int32_t shortestDoubledRow = 9;
+
 enum class EdgeStage { none, simple, full };
+
+/// Replaces each sample by the smaller or the larger of itself and its right neighbour.
+enum class RankStage { none, smaller, larger };
 
 /// The detail kernels in front of a scaler: the gated one, then narrow or knee.
 struct PreStage {
@@ -28,7 +42,9 @@ struct PreStage {
 
 /// What runs on each strip, and with which values.
 struct RowStages {
+    RowScale scale = RowScale::threeHalves;
     ThreeHalvesTaps taps;
+    TwofoldTaps twofoldTaps;
     PreStage preStage;  ///< works in place on the source
     EdgeStage edgeStage = EdgeStage::full;
     EdgeLimits edgeLimits;
@@ -42,6 +58,7 @@ struct RowStages {
     BoosterGains booster;
     bool crossOn = false;
     CrossGains cross;
+    RankStage rankStage = RankStage::none;
 };
 
 /// Working rows of the scaler, kept between frames.
@@ -57,12 +74,16 @@ struct RowScratch {
 
 /// Enlarges `source` into `target`, in strips of 16 rows that go through all stages while they are in the cache.
 ///
-/// target     (3 · width) >> 1 columns, the source's height, stride a multiple of 64. Of the spare columns those up to
-///            the next multiple of 4 are written.
-/// source     width at least 1; written to only by an active pre-stage, which needs a working image.
-/// sourceEnd  end of the memory that may be read behind the source: its rows are read up to a multiple of 8.
+/// target     ScaledWidth columns, the source's height, stride a multiple of 64. Of the spare columns those up to the
+///            next multiple of 4 are written.
+/// source     width at least 1, for a twofold scale shortestDoubledRow; written to only by an active pre-stage, which
+///            needs a working image.
+/// sourceEnd  end of the memory that may be read behind the source: its rows are read up to a multiple of 8, and for a
+///            twofold scale up to their width.
 /// edges      left of a row its first sample is repeated; right of it follow what memory holds, a copy of the last of
-///            those samples, and mid-grey. The stages behind the resampler leave some samples at both ends alone.
+///            those samples, and mid-grey. A twofold scale repeats the last sample there; in the first output of a row
+///            its first tap counts twice and its third not at all. The stages behind the resampler leave some samples
+///            at both ends alone.
 class RowScaler {
 public:
     /// stages and scratch must outlive the scaler.
@@ -85,11 +106,13 @@ private:
 
     void RunPreStage(int32_t y);
     void ScaleRow(int32_t y);
+    void EnlargeSourceRow(int32_t y);
+    void DoubleSourceRow(int32_t y);
     void SplitSourceRow(int32_t y);
     const uint8_t* LimitRow();
     bool PostFilterOnRow() const;
-    void FilterRow(const uint8_t* row, uint8_t* out);
     void RunStripStages(const Plane& strip);
+    void RankRows(const Plane& strip) const;
 
     Plane target;
     Plane source;

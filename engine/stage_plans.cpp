@@ -42,6 +42,14 @@ SharpenCoefficients DetailGainsOf(const EngineSettings& settings, const StageSet
     return DeriveSharpenCoefficients(stages.postNarrowH, wide, 1.0F, 256.0F);
 }
 
+RankStage RankStageOf(const EngineSettings& settings) {
+    switch (settings.columnRankMode) {
+        case -1: return RankStage::smaller;
+        case 1: return RankStage::larger;
+        default: return RankStage::none;
+    }
+}
+
 bool BoosterOn(const EngineSettings& settings) {
     return settings.wideDetailMode == 2 && settings.detailBoostA != 0 && settings.detailBoostB != 0;
 }
@@ -67,6 +75,25 @@ RowStages PlanRows(const EnhancementEngine& engine, const PostFilter& filter, co
     plan.booster = DeriveBoosterGains(engine.detailBoostA, engine.detailBoostB);
     plan.crossOn = IsSharpenActive(cross);
     plan.cross = DeriveCrossGains(cross);
+    return plan;
+}
+
+RowStages PlanTwofoldRows(const EnhancementEngine& engine, const PostFilter& filter) {
+    RowStages plan = PlanRows(engine, filter, {});
+    plan.scale = RowScale::twofold;
+    plan.twofoldTaps = DesignTwofoldTaps(engine.responses[0]);
+    plan.rankStage = RankStageOf(engine);
+    return plan;
+}
+
+WideStages PlanWide(const EnhancementEngine& engine, const PostFilter& filter) {
+    WideStages plan;
+    plan.taps = DesignTwofoldTaps(engine.responses[0]);
+    plan.limitEdges = EdgeStageOf(engine) == EdgeStage::full && engine.edgeKernelSelect == 2;
+    plan.edgeLimits = FullLimits(engine);
+    plan.postFilterOn = filter.on && ArePaired(filter.taps);
+    plan.rowTaps = filter.taps;
+    plan.columnTaps = HalvePostTaps(filter.taps);
     return plan;
 }
 

@@ -73,6 +73,10 @@ struct Avx2Lanes {
     static I16 Low(U8 v) { return _mm256_cvtepu8_epi16(_mm256_castsi256_si128(v)); }
     static I16 High(U8 v) { return _mm256_cvtepu8_epi16(_mm256_extracti128_si256(v, 1)); }
     static U8 Pack(I16 low, I16 high) { return _mm256_permute4x64_epi64(_mm256_packus_epi16(low, high), 0xD8); }
+    static U8 PackInterleaved(I16 even, I16 odd) {
+        const U8 both = _mm256_packus_epi16(even, odd);  // in each half eight even ones, eight odd ones
+        return _mm256_unpacklo_epi8(both, _mm256_srli_si256(both, 8));
+    }
     static U8 FlipSigns(U8 v) { return _mm256_xor_si256(v, _mm256_set1_epi8(-128)); }
     static I16 SignedRepeatLow(U8 v) {
         const U8 spread = _mm256_permute4x64_epi64(FlipSigns(v), 0xD8);
@@ -143,6 +147,45 @@ struct Avx2Lanes {
                 _mm256_maddubs_epi16(_mm256_unpackhi_epi8(a, b), w)};
     }
     static U8 PackUnpacked(Pair words) { return _mm256_packus_epi16(words.low, words.high); }
+
+    // Sums stand in the order of unpacked words, and packing undoes it.
+    struct Sums {
+        __m256i low, high;
+    };
+    using TapPair = __m256i;
+    static Sums SetSums(int32_t v) { return {_mm256_set1_epi32(v), _mm256_set1_epi32(v)}; }
+    static TapPair MakeTapPair(int16_t a, int16_t b) {
+        return _mm256_set1_epi32(static_cast<int32_t>(static_cast<uint16_t>(a) | static_cast<uint32_t>(b) << 16));
+    }
+    static Sums AddProducts(Sums sums, I16 a, I16 b, TapPair taps) {
+        return {_mm256_add_epi32(sums.low, _mm256_madd_epi16(_mm256_unpacklo_epi16(a, b), taps)),
+                _mm256_add_epi32(sums.high, _mm256_madd_epi16(_mm256_unpackhi_epi16(a, b), taps))};
+    }
+    static Sums AddSums(Sums a, Sums b) { return {_mm256_add_epi32(a.low, b.low), _mm256_add_epi32(a.high, b.high)}; }
+    static Sums SubSums(Sums a, Sums b) { return {_mm256_sub_epi32(a.low, b.low), _mm256_sub_epi32(a.high, b.high)}; }
+    static Sums MinSums(Sums a, Sums b) { return {_mm256_min_epi32(a.low, b.low), _mm256_min_epi32(a.high, b.high)}; }
+    static Sums MaxSums(Sums a, Sums b) { return {_mm256_max_epi32(a.low, b.low), _mm256_max_epi32(a.high, b.high)}; }
+    template <int n>
+    static Sums ShiftSums(Sums sums) {
+        return {_mm256_srai_epi32(sums.low, n), _mm256_srai_epi32(sums.high, n)};
+    }
+    static Sums MulHighSums(Sums sums, int16_t factor) {
+        // The lower byte and what is above it are multiplied on their own: both fit into a word.
+        const TapPair lowWords = MakeTapPair(factor, 0);
+        const auto scale = [&](__m256i v) {
+            const __m256i upper = _mm256_madd_epi16(_mm256_srai_epi32(v, 8), lowWords);
+            const __m256i lower = _mm256_madd_epi16(_mm256_and_si256(v, _mm256_set1_epi32(255)), lowWords);
+            return _mm256_srai_epi32(_mm256_add_epi32(upper, _mm256_srai_epi32(lower, 8)), 8);
+        };
+        return {scale(sums.low), scale(sums.high)};
+    }
+    static I16 PackSums(Sums sums) { return _mm256_packs_epi32(sums.low, sums.high); }
+    static void StoreInterleavedWords(int16_t* p, I16 a, I16 b) {
+        const I16 low = _mm256_unpacklo_epi16(a, b);
+        const I16 high = _mm256_unpackhi_epi16(a, b);
+        Store(p, _mm256_permute2x128_si256(low, high, 0x20));
+        Store(p + 16, _mm256_permute2x128_si256(low, high, 0x31));
+    }
 
 private:
     static U8 Halves(__m128i v) { return _mm256_broadcastsi128_si256(v); }

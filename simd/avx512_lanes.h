@@ -77,6 +77,10 @@ struct Avx512Lanes {
     static U8 Pack(I16 low, I16 high) {
         return _mm512_permutexvar_epi64(Qwords(0, 2, 4, 6, 1, 3, 5, 7), _mm512_packus_epi16(low, high));
     }
+    static U8 PackInterleaved(I16 even, I16 odd) {
+        const U8 both = _mm512_packus_epi16(even, odd);  // in each quarter eight even ones, eight odd ones
+        return _mm512_unpacklo_epi8(both, _mm512_bsrli_epi128(both, 8));
+    }
     static U8 FlipSigns(U8 v) { return _mm512_xor_si512(v, _mm512_set1_epi8(-128)); }
     static I16 SignedRepeatLow(U8 v) {
         const U8 spread = Spread(FlipSigns(v));
@@ -145,6 +149,45 @@ struct Avx512Lanes {
                 _mm512_maddubs_epi16(_mm512_unpackhi_epi8(a, b), w)};
     }
     static U8 PackUnpacked(Pair words) { return _mm512_packus_epi16(words.low, words.high); }
+
+    // Sums stand in the order of unpacked words, and packing undoes it.
+    struct Sums {
+        __m512i low, high;
+    };
+    using TapPair = __m512i;
+    static Sums SetSums(int32_t v) { return {_mm512_set1_epi32(v), _mm512_set1_epi32(v)}; }
+    static TapPair MakeTapPair(int16_t a, int16_t b) {
+        return _mm512_set1_epi32(static_cast<int32_t>(static_cast<uint16_t>(a) | static_cast<uint32_t>(b) << 16));
+    }
+    static Sums AddProducts(Sums sums, I16 a, I16 b, TapPair taps) {
+        return {_mm512_add_epi32(sums.low, _mm512_madd_epi16(_mm512_unpacklo_epi16(a, b), taps)),
+                _mm512_add_epi32(sums.high, _mm512_madd_epi16(_mm512_unpackhi_epi16(a, b), taps))};
+    }
+    static Sums AddSums(Sums a, Sums b) { return {_mm512_add_epi32(a.low, b.low), _mm512_add_epi32(a.high, b.high)}; }
+    static Sums SubSums(Sums a, Sums b) { return {_mm512_sub_epi32(a.low, b.low), _mm512_sub_epi32(a.high, b.high)}; }
+    static Sums MinSums(Sums a, Sums b) { return {_mm512_min_epi32(a.low, b.low), _mm512_min_epi32(a.high, b.high)}; }
+    static Sums MaxSums(Sums a, Sums b) { return {_mm512_max_epi32(a.low, b.low), _mm512_max_epi32(a.high, b.high)}; }
+    template <int n>
+    static Sums ShiftSums(Sums sums) {
+        return {_mm512_srai_epi32(sums.low, n), _mm512_srai_epi32(sums.high, n)};
+    }
+    static Sums MulHighSums(Sums sums, int16_t factor) {
+        // The lower byte and what is above it are multiplied on their own: both fit into a word.
+        const TapPair lowWords = MakeTapPair(factor, 0);
+        const auto scale = [&](__m512i v) {
+            const __m512i upper = _mm512_madd_epi16(_mm512_srai_epi32(v, 8), lowWords);
+            const __m512i lower = _mm512_madd_epi16(_mm512_and_si512(v, _mm512_set1_epi32(255)), lowWords);
+            return _mm512_srai_epi32(_mm512_add_epi32(upper, _mm512_srai_epi32(lower, 8)), 8);
+        };
+        return {scale(sums.low), scale(sums.high)};
+    }
+    static I16 PackSums(Sums sums) { return _mm512_packs_epi32(sums.low, sums.high); }
+    static void StoreInterleavedWords(int16_t* p, I16 a, I16 b) {
+        const I16 low = _mm512_unpacklo_epi16(a, b);
+        const I16 high = _mm512_unpackhi_epi16(a, b);
+        Store(p, _mm512_permutex2var_epi64(low, Qwords(0, 1, 8, 9, 2, 3, 10, 11), high));
+        Store(p + 32, _mm512_permutex2var_epi64(low, Qwords(4, 5, 12, 13, 6, 7, 14, 15), high));
+    }
 
 private:
     static U8 Quarters(__m128i v) { return _mm512_broadcast_i32x4(v); }

@@ -1,4 +1,5 @@
-// Short filters along a row on centred words, with an ordered rounding that breaks up contours.
+// Filters along a row: short ones on centred words, with an ordered rounding that breaks up contours, and those that are
+// even, around the place between two samples.
 #pragma once
 
 #include <cstdint>
@@ -55,6 +56,37 @@ void FirRow(const uint8_t* in, uint8_t* out, int32_t columns, int32_t first, int
         block.Store(out + x, Lanes::Pack(sum(x), sum(x + Lanes::width)));
     });
     CopyRowEnds(in, out, columns, first, end);
+}
+
+/// The two samples that share a tap are added first; the shift brings their sum to the top of 16 bits.
+template <class Lanes, int32_t firstTap>
+void FirEvenFrom(const uint8_t* in, uint8_t* out, int32_t columns, int32_t first, int32_t end, const int16_t* taps,
+                 int32_t rounding) {
+    typename Lanes::I16 tapWords[8];
+    for (int32_t j = firstTap; j < 8; ++j) tapWords[j] = Lanes::Set(taps[j]);
+    ForEachBlock<Lanes>(columns, [&](int32_t x, auto block) {
+        const auto sum = [&](const uint8_t* sample) {
+            auto total = Lanes::Set(static_cast<int16_t>(rounding));
+            for (int32_t j = firstTap; j < 8; ++j) {
+                const auto pair = Lanes::AddWrap(Lanes::LoadU8(sample + j - 8), Lanes::LoadU8(sample + 7 - j));
+                total = Lanes::AddWrap(total, Lanes::MulHigh(Lanes::template ShiftLeft<6>(pair), tapWords[j]));
+            }
+            return Lanes::template ShiftRight<3>(total);
+        };
+        block.Store(out + x, Lanes::Pack(sum(in + x), sum(in + x + Lanes::width)));
+    });
+    CopyRowEnds(in, out, columns, first, end);
+}
+
+template <class Lanes>
+void FirEven(const uint8_t* in, uint8_t* out, int32_t columns, int32_t first, int32_t end, const int16_t* taps,
+             int32_t rounding) {
+    if (taps[0] != 0 || taps[1] != 0)
+        FirEvenFrom<Lanes, 0>(in, out, columns, first, end, taps, rounding);
+    else if (taps[2] != 0 || taps[3] != 0)
+        FirEvenFrom<Lanes, 2>(in, out, columns, first, end, taps, rounding);
+    else
+        FirEvenFrom<Lanes, 4>(in, out, columns, first, end, taps, rounding);
 }
 
 }  // namespace

@@ -62,12 +62,41 @@ struct KernelTable {
     FirRow fir5;
     FirRow fir8;
 
+    /// Sixteen taps that are the same on both sides of the place between in[x − 1] and in[x]: out[x] = sat8((Σj
+    /// hi(64·(in[x − 8 + j] + in[x + 7 − j]), taps[j]) + rounding) >> 3), j = 0 … 7, in 16 bits. Columns and rows as in
+    /// the other filters; first is at least 8.
+    void (*firEven)(const uint8_t* in, uint8_t* out, int32_t columns, int32_t first, int32_t end, const int16_t* taps,
+                    int32_t rounding);
+
     /// Words 257·b − 32768 for enlargeColumns. words is a slack row.
     void (*expandRow)(const uint8_t* row, int16_t* words, int32_t width);
 
     /// One output row from eight rows of words: out = sat8((Σk hi(taps[k], rows[k]) + 8192) >> 6), every sum saturating in
     /// the order of k, then the constant. rows are slack rows.
     void (*enlargeColumns)(const int16_t* const* rows, const int16_t* taps, uint8_t* out, int32_t width);
+
+    /// Two outputs for each input: out[2x] = sat8((Σk taps[k]·in[x + k − 4] + 8192) >> 14), out[2x + 1] the same with the
+    /// taps mirrored and in[x + k − 3]. Slack rows, but four samples beyond both ends of in count; width inputs.
+    void (*doubleRow)(const uint8_t* in, const int16_t* taps, uint8_t* out, int32_t width);
+
+    // The next kernels take and give wide words: 8-bit samples times 64, 0 … 65535, less 32768. Their rows of words are
+    // slack rows. Sums have 32 bits and wrap, results are limited to the range of wide words.
+
+    /// doubleRow to wide words: the sums plus 128 are shifted by 8.
+    void (*doubleRowWide)(const uint8_t* in, const int16_t* taps, int16_t* out, int32_t width);
+
+    /// One output row from eight rows: out = (Σk taps[k]·rows[k] + 8192) >> 14.
+    void (*doubleColumnsWide)(const int16_t* const* rows, const int16_t* taps, int16_t* out, int32_t width);
+
+    /// The full edge limiter with everything that is told in samples times 64: see simd/twofold.inl. rows: the samples,
+    /// their two neighbours, their two neighbours three away.
+    void (*limitEdgesWide)(const int16_t* const* rows, int16_t* out, int32_t width, const EdgeLimits& limits);
+
+    /// One output row from sixteen rows: out = (Σk taps[k]·rows[k]) >> 13.
+    void (*firWide)(const int16_t* const* rows, const int16_t* taps, int16_t* out, int32_t width);
+
+    /// Wide words to samples: out = min(sample >> 6, 255); out gets exactly `width`.
+    void (*narrowRow)(const int16_t* words, uint8_t* out, int32_t width);
 
     /// Chroma along a row, three outputs for each pair of inputs: p[2n] pulled towards p[2n − 1], p[2n] towards p[2n + 1],
     /// p[2n + 1] towards p[2n + 2], by weights[j] / 32768 each, 0 … 32767, rounded down. in is a slack row, but one
@@ -77,6 +106,9 @@ struct KernelTable {
     /// Chroma down the columns: rows 0 … 3 around a pair give three rows: (11·r0 + 53·r1) >> 6, (r1 + r2) >> 1,
     /// (53·r2 + 11·r3) >> 6.
     void (*enlargeChromaColumns)(const uint8_t* const* rows, uint8_t* const* outs, int32_t width);
+
+    /// out = row pulled towards another row by weight / 32768, 0 … 32767, rounded down.
+    void (*pullRow)(const uint8_t* row, const uint8_t* towards, int16_t weight, uint8_t* out, int32_t width);
 
     /// Vertical sharpening: out = sat8(c + ((gain·(2c − above − below) + 4) >> 4)) in 16 bits.
     void (*sharpenColumns)(const uint8_t* above, const uint8_t* row, const uint8_t* below, uint8_t* out, int32_t width,
@@ -119,6 +151,17 @@ struct KernelTable {
 
     /// out[2i] = a[i], out[2i + 1] = b[i].
     void (*interleave)(const uint8_t* a, const uint8_t* b, uint8_t* out, int32_t width);
+
+    /// Paints a row of coverage in one colour over pixels of 4 bytes (T, Y, U, V), in place: with coverage m, per byte c
+    /// of a pixel and word of the colour, P = hi(64·m, colour) + (4095, 264, 2056, 2056) and
+    /// c = sat8((((c − (256, 16, 128, 128)) · (P of T) >> 8) + P) >> 4). colour: 64 times −255 … 255 for each of T, Y, U, V.
+    void (*paintCoverage)(const uint8_t* coverage, const int16_t* colour, uint8_t* pixels, int32_t width);
+
+    /// Turns `groups` times 8 such pixels into groups of 24 bytes. With a = 257·T >> 1, the mean of the two for a pair:
+    /// 8 luma terms sat8(Y + ((hi(−2048, a) + dither) >> 6)), 8 keep factors sat8((hi(32640, a) + 64 − dither) >> 6), and
+    /// for 4 pairs U and V terms sat8(average + ((hi(−32768, a) + rounding) >> 7)), their averages rounded up and the
+    /// roundings 32, 96, 96, 32 by byte. dither is 48 on even and 16 on odd columns, in an odd row the other way round.
+    void (*packTileRow)(const uint8_t* pixels, uint8_t* tileGroups, int32_t groups, bool oddRow);
 };
 
 extern const KernelTable scalarKernels;

@@ -7,7 +7,9 @@
 #include "simd/enlarge.inl"
 #include "simd/fir.inl"
 #include "simd/kernel_table.h"
+#include "simd/overlay.inl"
 #include "simd/tone.inl"
+#include "simd/twofold.inl"
 
 namespace clarivex {
 namespace {
@@ -22,10 +24,18 @@ constexpr KernelTable MakeTable(const char* name) {
         .fir7 = FirRow<Lanes, 3, 7>,
         .fir5 = FirRow<Lanes, 2, 5>,
         .fir8 = FirRow<Lanes, 4, 8>,
+        .firEven = FirEven<Lanes>,
         .expandRow = ExpandRow<Lanes>,
         .enlargeColumns = EnlargeColumns<Lanes>,
+        .doubleRow = DoubleRow<Lanes>,
+        .doubleRowWide = DoubleRowWide<Lanes>,
+        .doubleColumnsWide = DoubleColumnsWide<Lanes>,
+        .limitEdgesWide = LimitEdgesWide<Lanes>,
+        .firWide = FirWide<Lanes>,
+        .narrowRow = NarrowRow<Lanes>,
         .enlargeChromaRow = EnlargeChromaRow<Lanes>,
         .enlargeChromaColumns = EnlargeChromaColumns<Lanes>,
+        .pullRow = PullRow<Lanes>,
         .sharpenColumns = SharpenColumns<Lanes>,
         .lightingVotes = LightingVotes<Lanes>,
         .splitPackedRow = SplitPackedRow<Lanes>,
@@ -36,6 +46,8 @@ constexpr KernelTable MakeTable(const char* name) {
         .toneChromaOverlay = ToneChromaOverlay<Lanes>,
         .blendChromaRows = BlendChromaRows<Lanes>,
         .interleave = Interleave<Lanes>,
+        .paintCoverage = PaintCoverage<Lanes>,
+        .packTileRow = PackTileRow<Lanes>,
     };
 }
 

@@ -86,6 +86,7 @@ struct ScalarLanes {
     static I16 Low(U8 v) { return v.sample[0]; }
     static I16 High(U8 v) { return v.sample[1]; }
     static U8 Pack(I16 low, I16 high) { return {{SaturateByte(low), SaturateByte(high)}}; }
+    static U8 PackInterleaved(I16 even, I16 odd) { return Pack(even, odd); }
     static I16 SignedRepeat(uint8_t v) { return Wrap((v << 8 | v) ^ 0x8080); }
     static I16 SignedRepeatLow(U8 v) { return SignedRepeat(v.sample[0]); }
     static I16 SignedRepeatHigh(U8 v) { return SignedRepeat(v.sample[1]); }
@@ -113,6 +114,35 @@ struct ScalarLanes {
         return {Wrap(a.sample[0] * w.a + b.sample[0] * w.b), Wrap(a.sample[1] * w.a + b.sample[1] * w.b)};
     }
     static U8 PackUnpacked(Pair words) { return Pack(words.low, words.high); }
+
+    /// 32-bit sums of a register of words. They wrap.
+    using Sums = int32_t;
+    /// Multipliers of two registers of words.
+    struct TapPair {
+        int16_t a, b;
+    };
+    static int32_t Wrap32(int64_t v) { return static_cast<int32_t>(static_cast<uint64_t>(v)); }
+    static Sums SetSums(int32_t v) { return v; }
+    static TapPair MakeTapPair(int16_t a, int16_t b) { return {a, b}; }
+    /// sums + a · taps.a + b · taps.b
+    static Sums AddProducts(Sums sums, I16 a, I16 b, TapPair taps) {
+        return Wrap32(int64_t{sums} + int64_t{a} * taps.a + int64_t{b} * taps.b);
+    }
+    static Sums AddSums(Sums a, Sums b) { return Wrap32(int64_t{a} + b); }
+    static Sums SubSums(Sums a, Sums b) { return Wrap32(int64_t{a} - b); }
+    static Sums MinSums(Sums a, Sums b) { return std::min(a, b); }
+    static Sums MaxSums(Sums a, Sums b) { return std::max(a, b); }
+    template <int n>
+    static Sums ShiftSums(Sums sums) {
+        return sums >> n;
+    }
+    /// sums · factor / 65536, rounded down; sums of −2²³ … 2²³ − 1.
+    static Sums MulHighSums(Sums sums, int16_t factor) { return static_cast<Sums>((int64_t{sums} * factor) >> 16); }
+    static I16 PackSums(Sums sums) { return Saturate(sums); }
+    static void StoreInterleavedWords(int16_t* p, I16 a, I16 b) {
+        p[0] = a;
+        p[1] = b;
+    }
 };
 
 }  // namespace

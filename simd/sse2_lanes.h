@@ -76,6 +76,10 @@ struct Sse2Lanes {
     static I16 Low(U8 v) { return _mm_unpacklo_epi8(v, _mm_setzero_si128()); }
     static I16 High(U8 v) { return _mm_unpackhi_epi8(v, _mm_setzero_si128()); }
     static U8 Pack(I16 low, I16 high) { return _mm_packus_epi16(low, high); }
+    static U8 PackInterleaved(I16 even, I16 odd) {
+        const U8 both = _mm_packus_epi16(even, odd);
+        return _mm_unpacklo_epi8(both, _mm_srli_si128(both, 8));
+    }
     static U8 FlipSigns(U8 v) { return _mm_xor_si128(v, _mm_set1_epi8(-128)); }
     static I16 SignedRepeatLow(U8 v) { return _mm_unpacklo_epi8(FlipSigns(v), FlipSigns(v)); }
     static I16 SignedRepeatHigh(U8 v) { return _mm_unpackhi_epi8(FlipSigns(v), FlipSigns(v)); }
@@ -125,7 +129,50 @@ struct Sse2Lanes {
     }
     static U8 PackUnpacked(Pair words) { return Pack(words.low, words.high); }
 
+    // Sums stand in the order of unpacked words, and packing undoes it.
+    struct Sums {
+        __m128i low, high;
+    };
+    using TapPair = __m128i;
+    static Sums SetSums(int32_t v) { return {_mm_set1_epi32(v), _mm_set1_epi32(v)}; }
+    static TapPair MakeTapPair(int16_t a, int16_t b) {
+        return _mm_set1_epi32(static_cast<int32_t>(static_cast<uint16_t>(a) | static_cast<uint32_t>(b) << 16));
+    }
+    static Sums AddProducts(Sums sums, I16 a, I16 b, TapPair taps) {
+        return {_mm_add_epi32(sums.low, _mm_madd_epi16(_mm_unpacklo_epi16(a, b), taps)),
+                _mm_add_epi32(sums.high, _mm_madd_epi16(_mm_unpackhi_epi16(a, b), taps))};
+    }
+    static Sums AddSums(Sums a, Sums b) { return {_mm_add_epi32(a.low, b.low), _mm_add_epi32(a.high, b.high)}; }
+    static Sums SubSums(Sums a, Sums b) { return {_mm_sub_epi32(a.low, b.low), _mm_sub_epi32(a.high, b.high)}; }
+    static Sums MinSums(Sums a, Sums b) { return {MinWide(a.low, b.low), MinWide(a.high, b.high)}; }
+    static Sums MaxSums(Sums a, Sums b) { return {MaxWide(a.low, b.low), MaxWide(a.high, b.high)}; }
+    template <int n>
+    static Sums ShiftSums(Sums sums) {
+        return {_mm_srai_epi32(sums.low, n), _mm_srai_epi32(sums.high, n)};
+    }
+    static Sums MulHighSums(Sums sums, int16_t factor) {
+        // The lower byte and what is above it are multiplied on their own: both fit into a word.
+        const TapPair lowWords = MakeTapPair(factor, 0);
+        const auto scale = [&](__m128i v) {
+            const __m128i upper = _mm_madd_epi16(_mm_srai_epi32(v, 8), lowWords);
+            const __m128i lower = _mm_madd_epi16(_mm_and_si128(v, _mm_set1_epi32(255)), lowWords);
+            return _mm_srai_epi32(_mm_add_epi32(upper, _mm_srai_epi32(lower, 8)), 8);
+        };
+        return {scale(sums.low), scale(sums.high)};
+    }
+    static I16 PackSums(Sums sums) { return _mm_packs_epi32(sums.low, sums.high); }
+    static void StoreInterleavedWords(int16_t* p, I16 a, I16 b) {
+        Store(p, _mm_unpacklo_epi16(a, b));
+        Store(p + 8, _mm_unpackhi_epi16(a, b));
+    }
+
 private:
+    static __m128i Choose(__m128i mask, __m128i a, __m128i b) {
+        return _mm_or_si128(_mm_and_si128(mask, a), _mm_andnot_si128(mask, b));
+    }
+    static __m128i MinWide(__m128i a, __m128i b) { return Choose(_mm_cmpgt_epi32(b, a), a, b); }
+    static __m128i MaxWide(__m128i a, __m128i b) { return Choose(_mm_cmpgt_epi32(a, b), a, b); }
+
     // Four 32-bit lanes of three bytes each, moved together to twelve bytes.
     static U8 CloseTriples(U8 v) {
         const U8 evenMask = _mm_set_epi32(0, 0xFFFFFF, 0, 0xFFFFFF);

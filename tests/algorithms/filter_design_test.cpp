@@ -88,6 +88,29 @@ TEST(DesignThreeHalvesTaps, SumsAreExactAndMomentsWithinOneUnit) {
             }
 }
 
+TwofoldTaps TwofoldTapsOf(const PrototypeDesign& design) {
+    PrototypeKernel kernel;
+    DesignPrototype(kernel, design);
+    NormalisePrototype(kernel);
+    return DesignTwofoldTaps(kernel);
+}
+
+TEST(DesignTwofoldTaps, GivesThePinnedTapsAndTheirMirror) {
+    const std::pair<PrototypeDesign, TapSet> pinned[] = {
+        {CombedDesign(19, -13, 0.75), {-1, 167, -1087, 5364, 12339, -346, -91, 39}},  // tuning set 0
+        {CombedDesign(19, -20, 0.75), {-2, 286, -96, 4855, 10428, 451, 416, 46}},     // tuning set 1
+        {CombedDesign(45, -2, 0.75), {-1, 99, -3018, 5954, 16567, -2502, -762, 47}},
+        {CombedDesign(0, 0, 0.75), {0, 19, -852, 5664, 11364, 479, -306, 16}},
+        {CombedDesign(60, -20, 0.81), {-3, 457, -3819, 4677, 20857, -5809, -43, 67}},
+    };
+    for (const auto& [design, taps] : pinned) {
+        EXPECT_EQ(TwofoldTapsOf(design).a, taps);
+        EXPECT_EQ(TwofoldTapsOf(design).b, Reversed(taps));
+        EXPECT_EQ(SumOf(taps), 16384);
+        EXPECT_NEAR(MomentOf(taps), -16384.0 / 4.0, 6.0);
+    }
+}
+
 TEST(DesignPrototype, OtherWindowsStartAtTwoOverPiOrNotAtAll) {
     PrototypeDesign design;
     PrototypeKernel kernel;

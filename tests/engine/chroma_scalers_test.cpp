@@ -65,5 +65,37 @@ TEST(ScaleChromaColumns, LeavesOutRowsThatTheTargetHasNoPlaceFor) {
     EXPECT_TRUE(SameSamples({luma.Row(6), 8, 4, 64}, {before.Planes().luma.Row(6), 8, 4, 64}));
 }
 
+TEST(DoubleChroma, InterpolatesOnBothGridsAndBothAxes) {
+    ForEachRunnableTable([](const KernelTable& kernels) {
+        SlackRow<uint8_t> scratch;
+        for (const bool chromaOdd : {false, true})
+            for (int32_t width = 1; width <= 140; width += width < 40 ? 1 : 9) {
+                const DecodedPicture picture(2 * width, 2 * (1 + width % 7), 2 * width, Texture::hard, 5);
+                const Plane& source = picture.Source().planes.third;
+                const WorkingImage actual = TestImage(2 * width, 2 * source.height, Texture::hard, 1);
+                const WorkingImage expected = TestImage(2 * width, 2 * source.height, Texture::hard, 1);
+                const Plane& to = actual.Planes().luma;
+                const Plane& plain = expected.Planes().luma;
+                DoubleChromaRows(to, source, chromaOdd, scratch, kernels);
+                PlainDoubleChromaRows(plain, source, chromaOdd);
+                ASSERT_TRUE(SameSamples(to, plain, to.stride, to.height)) << "rows, " << width << ' ' << chromaOdd;
+                DoubleChromaColumns(to, source, chromaOdd, kernels);
+                PlainDoubleChromaColumns(plain, source, chromaOdd);
+                ASSERT_TRUE(SameSamples(to, plain, to.stride, to.height)) << "columns, " << width << ' ' << chromaOdd;
+            }
+    });
+}
+
+TEST(DoubleChroma, StaysInsideItsTarget) {
+    const WorkingImage source = TestImage(33, 5, Texture::hard, 1);
+    const WorkingImage target = TestImage(64, 12, Texture::hard, 2);
+    const WorkingImage before = TestImage(64, 12, Texture::hard, 2);
+    const Plane& luma = target.Planes().luma;
+    SlackRow<uint8_t> scratch;
+    DoubleChromaRows({luma.data, 64, 5, 64}, {source.Planes().luma.data, 33, 5, 64}, false, scratch, scalarKernels);
+    DoubleChromaColumns({luma.data, 64, 9, 64}, source.Planes().luma, true, scalarKernels);
+    EXPECT_TRUE(SameSamples({luma.Row(9), 64, 3, 64}, {before.Planes().luma.Row(9), 64, 3, 64}));
+}
+
 }  // namespace
 }  // namespace clarivex

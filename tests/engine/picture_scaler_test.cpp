@@ -35,6 +35,17 @@ TEST(PictureScaler, ShowsTheRightPartInASplitView) {
     PlainScaleRows(PartOf(expectedWide.Planes().luma, 144), PartOf(source.Planes().luma, 96), EndOf(source), Rows());
     EXPECT_TRUE(SameSamples(wide.Planes().luma, expectedWide.Planes().luma));
 
+    RowStages twofold = Rows();
+    twofold.scale = RowScale::twofold;
+    twofold.twofoldTaps = UsualTwofoldTaps();
+    const WorkingImage doubled = TestImage(400, 8, Texture::hard, 2);
+    const WorkingImage expectedDoubled = TestImage(400, 8, Texture::hard, 2);
+    // 200 / 2 − 4 without its low four bits is 96: from there on in the source, twice as far in the target.
+    scaler.ScaleHorizontal(doubled.Planes(), SourceOf(source), twofold, false, lumaPlane);
+    PlainScaleRows(PartOf(expectedDoubled.Planes().luma, 192), PartOf(source.Planes().luma, 96), EndOf(source),
+                   twofold);
+    EXPECT_TRUE(SameSamples(doubled.Planes().luma, expectedDoubled.Planes().luma));
+
     const WorkingImage tall = TestImage(200, 12, Texture::hard, 2);
     const WorkingImage expectedTall = TestImage(200, 12, Texture::hard, 2);
     // 200 / 2 − 4 without its low four bits is 96, in both.

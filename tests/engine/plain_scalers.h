@@ -3,11 +3,12 @@
 
 #include "engine/column_scaler.h"
 #include "engine/row_scaler.h"
+#include "engine/wide_scaler.h"
 
 namespace clarivex {
 
-/// Luma along the rows. The target has room for 12 columns for every 8 of the source; source may be written to by a
-/// pre-stage.
+/// Luma along the rows by stages.scale. The target has room for 12 columns, or 16, for every 8 of the source; source may
+/// be written to by a pre-stage.
 void PlainScaleRows(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const RowStages& stages);
 
 /// Luma down the columns, spare ones up to a multiple of 8 included, which a pass along the rows reads. The target has
@@ -20,7 +21,15 @@ void PlainScaleChromaRows(const Plane& target, const Plane& source, bool chromaO
 /// Chroma down the columns.
 void PlainScaleChromaColumns(const Plane& target, const Plane& source);
 
+/// Luma on both axes through wide samples.
+void PlainScaleBothTwice(const Plane& target, const Plane& source, const WideStages& stages);
+
+/// Chroma twice along the rows, and down the columns.
+void PlainDoubleChromaRows(const Plane& target, const Plane& source, bool chromaOdd);
+void PlainDoubleChromaColumns(const Plane& target, const Plane& source, bool chromaOdd);
+
 /// Tap sets of ordinary strength.
 ThreeHalvesTaps UsualTaps();
+TwofoldTaps UsualTwofoldTaps();
 
 }  // namespace clarivex

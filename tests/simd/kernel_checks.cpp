@@ -43,7 +43,7 @@ testing::AssertionResult Agree(const Comparison& tables) {
 constexpr int32_t mostThatCannotSaturate = 49000;  // of the sum of eight taps' magnitudes
 
 /// Taps of the kinds that filters have and of those that break sums.
-const int16_t* Taps(CallRows& rows, int32_t count) {
+int16_t* Taps(CallRows& rows, int32_t count) {
     int16_t* taps = rows.Words(count);
     const int32_t kind = rows.Pick("taps of kind", {0, 1, 2, 3, 4, 5, 6});
     const int32_t shared = mostThatCannotSaturate / std::min(count, 8);
@@ -115,6 +115,23 @@ void CallFir(const KernelTable& table, CallRows& rows, int32_t width) {
     (table.*fir)(in, rows.Out(width), width, first, end, taps, words);
 }
 
+/// Taps of which some of the outermost are 0.
+const int16_t* TapsWithZeros(CallRows& rows, int32_t count) {
+    int16_t* taps = Taps(rows, count);
+    const int32_t zeros = rows.Pick("outer taps 0", {0, 1, 2, 3, 4});
+    for (int32_t k = 0; k < zeros; ++k) taps[k] = 0;
+    if (count == 16) std::fill_n(taps + count - zeros, zeros, static_cast<int16_t>(0));
+    return taps;
+}
+
+void CallFirEven(const KernelTable& table, CallRows& rows, int32_t width) {
+    const uint8_t* in = rows.RoomyBytes(width, slackToRead, {0, 7});
+    const int16_t* taps = TapsWithZeros(rows, 8);
+    const int32_t first = rows.Pick("first", {8, 8, 9, 16, 8 + width});
+    const int32_t end = rows.Pick("end", {width - 8, width - 1, width, width / 2, 0});
+    table.firEven(in, rows.Out(width), width, first, end, taps, rows.Pick("rounding", {6, 7}));
+}
+
 void CallExpandRow(const KernelTable& table, CallRows& rows, int32_t width) {
     const uint8_t* row = rows.Bytes(width);
     table.expandRow(row, rows.OutWords(width, slackToWrite), width);
@@ -136,6 +153,44 @@ void CallEnlargeColumns(const KernelTable& table, CallRows& rows, int32_t width)
     table.enlargeColumns(words.data(), taps, rows.Out(width), width);
 }
 
+void CallDoubleRow(const KernelTable& table, CallRows& rows, int32_t width) {
+    const uint8_t* in = rows.RoomyBytes(width, slackToRead, {4, 4});
+    table.doubleRow(in, Taps(rows, 8), rows.Out(2 * width, slackToWrite), width);
+}
+
+void CallDoubleRowWide(const KernelTable& table, CallRows& rows, int32_t width) {
+    const uint8_t* in = rows.RoomyBytes(width, slackToRead, {4, 4});
+    table.doubleRowWide(in, Taps(rows, 8), rows.OutWords(2 * width, slackToWrite), width);
+}
+
+template <int32_t count>
+std::array<const int16_t*, count> WideRows(CallRows& rows, int32_t width) {
+    std::array<const int16_t*, count> words{};
+    for (const int16_t*& row : words) row = rows.RoomyWords(width, slackToRead, {}, INT16_MIN, INT16_MAX);
+    return words;
+}
+
+void CallDoubleColumnsWide(const KernelTable& table, CallRows& rows, int32_t width) {
+    const auto words = WideRows<8>(rows, width);
+    table.doubleColumnsWide(words.data(), Taps(rows, 8), rows.OutWords(width, slackToWrite), width);
+}
+
+void CallFirWide(const KernelTable& table, CallRows& rows, int32_t width) {
+    const auto words = WideRows<16>(rows, width);
+    table.firWide(words.data(), TapsWithZeros(rows, 16), rows.OutWords(width, slackToWrite), width);
+}
+
+void CallLimitEdgesWide(const KernelTable& table, CallRows& rows, int32_t width) {
+    const EdgeLimits limits = PickLimits(rows);
+    const auto words = WideRows<5>(rows, width);
+    table.limitEdgesWide(words.data(), rows.OutWords(width, slackToWrite), width, limits);
+}
+
+void CallNarrowRow(const KernelTable& table, CallRows& rows, int32_t width) {
+    const int16_t* words = rows.RoomyWords(width, slackToRead, {}, INT16_MIN, INT16_MAX);
+    table.narrowRow(words, rows.Out(width), width);
+}
+
 void CallEnlargeChromaRow(const KernelTable& table, CallRows& rows, int32_t count) {
     const uint8_t* in = rows.RoomyBytes((count + 2) / 3 * 2, slackToRead, {1, 1});
     const auto quarters = static_cast<int16_t>(43 * 128);
@@ -152,6 +207,13 @@ void CallEnlargeChromaColumns(const KernelTable& table, CallRows& rows, int32_t 
     std::array<uint8_t*, 3> outs{};
     for (uint8_t*& row : outs) row = rows.Out(width);
     table.enlargeChromaColumns(in.data(), outs.data(), width);
+}
+
+void CallPullRow(const KernelTable& table, CallRows& rows, int32_t width) {
+    const uint8_t* row = rows.Bytes(width);
+    const uint8_t* towards = rows.Bytes(width);
+    const int32_t weight = rows.Pick("weight", {0, 1, 4096, 8192, 12288, 32767});
+    table.pullRow(row, towards, static_cast<int16_t>(weight), rows.Out(width), width);
 }
 
 void CallSharpenColumns(const KernelTable& table, CallRows& rows, int32_t width) {
@@ -264,17 +326,43 @@ void CallInterleave(const KernelTable& table, CallRows& rows, int32_t width) {
     table.interleave(a, b, rows.Out(2 * width), width);
 }
 
-constexpr std::array<KernelCheck, 20> kernelChecks{{
+/// Pixels are painted over in place; three of four colours are of those that reach furthest.
+void CallPaintCoverage(const KernelTable& table, CallRows& rows, int32_t width) {
+    const uint8_t* coverage = rows.Bytes(width);
+    const uint8_t* below = rows.Bytes(4 * width);
+    uint8_t* pixels = rows.Out(4 * width);
+    std::copy_n(below, 4 * width, pixels);
+    std::array<int16_t, 4> colour{};
+    for (int16_t& term : colour)
+        term = static_cast<int16_t>(64 * rows.Pick("colour", {-255, 255, UpTo(rows.random, 510) - 255, 0}));
+    table.paintCoverage(coverage, colour.data(), pixels, width);
+}
+
+void CallPackTileRow(const KernelTable& table, CallRows& rows, int32_t groups) {
+    const uint8_t* pixels = rows.Bytes(32 * groups);
+    const bool oddRow = rows.Pick("odd row", {0, 1}) == 1;
+    table.packTileRow(pixels, rows.Out(24 * groups), groups, oddRow);
+}
+
+constexpr std::array<KernelCheck, 30> kernelChecks{{
     {"splitRow", Agree<CallSplitRow>},
     {"enlargeRow", Agree<CallEnlargeRow>},
     {"limitEdges", Agree<CallLimitEdges>},
     {"fir7", Agree<CallFir<&KernelTable::fir7, 7>>},
     {"fir5", Agree<CallFir<&KernelTable::fir5, 5>>},
     {"fir8", Agree<CallFir<&KernelTable::fir8, 8>>},
+    {"firEven", Agree<CallFirEven>},
     {"expandRow", Agree<CallExpandRow>},
     {"enlargeColumns", Agree<CallEnlargeColumns>},
+    {"doubleRow", Agree<CallDoubleRow>},
+    {"doubleRowWide", Agree<CallDoubleRowWide>},
+    {"doubleColumnsWide", Agree<CallDoubleColumnsWide>},
+    {"limitEdgesWide", Agree<CallLimitEdgesWide>},
+    {"firWide", Agree<CallFirWide>},
+    {"narrowRow", Agree<CallNarrowRow>},
     {"enlargeChromaRow", Agree<CallEnlargeChromaRow>},
     {"enlargeChromaColumns", Agree<CallEnlargeChromaColumns>},
+    {"pullRow", Agree<CallPullRow>},
     {"sharpenColumns", Agree<CallSharpenColumns>},
     {"lightingVotes", Agree<CallLightingVotes>},
     {"splitPackedRow", Agree<CallSplitPackedRow>},
@@ -285,6 +373,8 @@ constexpr std::array<KernelCheck, 20> kernelChecks{{
     {"toneChromaOverlay", Agree<CallToneChroma<true, true>>},
     {"blendChromaRows", Agree<CallBlendChromaRows>},
     {"interleave", Agree<CallInterleave>},
+    {"paintCoverage", Agree<CallPaintCoverage>},
+    {"packTileRow", Agree<CallPackTileRow>},
 }};
 
 }  // namespace

@@ -55,6 +55,7 @@ public:
             CheckMovesToWords();
             CheckInterleaving();
             CheckUnpacked();
+            CheckSums();
         }
         return count;
     }
@@ -157,6 +158,8 @@ private:
                [](int32_t x, int32_t) { return x < 128 ? x : Clamped(x + 1, 0, 255); });
         ExpectBytes("Pack", Lanes::Pack(Lanes::Load(wordRows[0]), Lanes::Load(wordRows[0] + words)),
                     [&](int32_t i) { return Clamped(wordRows[0][i], 0, 255); });
+        ExpectBytes("PackInterleaved", Lanes::PackInterleaved(Lanes::Load(wordRows[0]), Lanes::Load(wordRows[1])),
+                    [&](int32_t i) { return Clamped(wordRows[i % 2][i / 2], 0, 255); });
     }
 
     void CheckMovesToWords() {
@@ -227,6 +230,45 @@ private:
         Lanes::StoreBytes(packed, Lanes::PackUnpacked(LoadPair(wordRows[0])));
         for (int32_t i = 0; i < bytes; ++i)
             Compare("PackUnpacked", i, Clamped(wordRows[0][i], 0, 255), packed[order[i]]);
+    }
+
+    /// Sums can only be looked at packed: shifted to their upper half, they are the upper words of what they should be.
+    void CheckSums() {
+        const int16_t* a = wordRows[0];
+        const int16_t* b = wordRows[1];
+        const int16_t* tapWords = wordRows[2];
+        const auto expectUpper = [&](const char* operation, typename Lanes::Sums actual, auto expected) {
+            ExpectWords(operation, Lanes::PackSums(Lanes::template ShiftSums<16>(actual)),
+                        [&](int32_t i) { return static_cast<int32_t>(static_cast<uint64_t>(expected(i))) >> 16; });
+        };
+        const auto taps = Lanes::MakeTapPair(tapWords[0], tapWords[1]);
+        const int32_t start = 65535 * numbers.Word();
+        const auto sums = Lanes::AddProducts(Lanes::SetSums(start), Lanes::Load(a), Lanes::Load(b), taps);
+        const auto sum = [&](int32_t i) {
+            const int64_t wide = int64_t{start} + int64_t{a[i]} * tapWords[0] + int64_t{b[i]} * tapWords[1];
+            return static_cast<int64_t>(static_cast<int32_t>(static_cast<uint64_t>(wide)));
+        };
+        expectUpper("AddProducts", sums, sum);
+        const int32_t other = 65535 * numbers.Word();
+        const auto others = Lanes::SetSums(other);
+        expectUpper("AddSums", Lanes::AddSums(sums, others), [&](int32_t i) { return sum(i) + other; });
+        expectUpper("SubSums", Lanes::SubSums(sums, others), [&](int32_t i) { return sum(i) - other; });
+        expectUpper("MinSums", Lanes::MinSums(sums, others),
+                    [&](int32_t i) { return sum(i) < other ? sum(i) : other; });
+        expectUpper("MaxSums", Lanes::MaxSums(sums, others),
+                    [&](int32_t i) { return sum(i) > other ? sum(i) : other; });
+        ExpectWords("PackSums", Lanes::PackSums(Lanes::template ShiftSums<14>(sums)),
+                    [&](int32_t i) { return Clamped(static_cast<int32_t>(sum(i) >> 14), -32768, 32767); });
+        ExpectWords("MulHighSums", Lanes::PackSums(Lanes::MulHighSums(Lanes::template ShiftSums<8>(sums), tapWords[2])),
+                    [&](int32_t i) {
+                        return Clamped(static_cast<int32_t>(((sum(i) >> 8) * tapWords[2]) >> 16), -32768, 32767);
+                    });
+        int16_t stored[bytes + 1];
+        stored[bytes] = 0x5A5A;
+        Lanes::StoreInterleavedWords(stored, Lanes::Load(a), Lanes::Load(b));
+        for (int32_t i = 0; i < bytes; ++i)
+            Compare("StoreInterleavedWords", i, i % 2 == 0 ? a[i / 2] : b[i / 2], stored[i]);
+        Compare("StoreInterleavedWords", bytes, 0x5A5A, stored[bytes]);
     }
 
     static Pair LoadPair(const int16_t* p) { return {Lanes::Load(p), Lanes::Load(p + words)}; }

@@ -1,6 +1,7 @@
 #include "tests/simd/plain_kernels.h"
 
 #include <algorithm>
+#include <array>
 
 namespace clarivex {
 namespace {
@@ -9,6 +10,8 @@ int32_t Wrap16(int32_t v) {
     const int32_t low = v & 0xFFFF;
     return low < 0x8000 ? low : low - 0x10000;
 }
+
+int32_t Wrap32(int64_t v) { return static_cast<int32_t>(static_cast<uint64_t>(v)); }
 
 int32_t Saturate16(int32_t v) { return std::clamp(v, -0x8000, 0x7FFF); }
 
@@ -83,6 +86,17 @@ void FirRow(const uint8_t* in, uint8_t* out, int32_t columns, int32_t first, int
     }
 }
 
+void FirEven(const uint8_t* in, uint8_t* out, int32_t columns, int32_t first, int32_t end, const int16_t* taps,
+             int32_t rounding) {
+    for (int32_t x = 0; x < columns; ++x) {
+        out[x] = in[x];
+        if (x < first || x >= end) continue;
+        int32_t sum = rounding;
+        for (int32_t j = 0; j < 8; ++j) sum += MulHigh(64 * (in[x - 8 + j] + in[x + 7 - j]), taps[j]);
+        out[x] = Saturate8(Wrap16(sum) >> 3);
+    }
+}
+
 void ExpandRow(const uint8_t* row, int16_t* words, int32_t width) {
     for (int32_t x = 0; x < width; ++x) words[x] = static_cast<int16_t>(257 * row[x] - 32768);
 }
@@ -93,6 +107,61 @@ void EnlargeColumns(const int16_t* const* rows, const int16_t* taps, uint8_t* ou
         for (int32_t k = 0; k < 8; ++k) sum = Saturate16(sum + MulHigh(taps[k], rows[k][x]));
         out[x] = Saturate8(Saturate16(sum + 8192) >> 6);
     }
+}
+
+/// The sum of one of the outputs around a sample.
+int32_t DoubledSum(const uint8_t* sample, const int16_t* taps, bool odd) {
+    int64_t sum = 0;
+    for (int32_t k = 0; k < 8; ++k) sum += odd ? taps[7 - k] * sample[k - 3] : taps[k] * sample[k - 4];
+    return Wrap32(sum);
+}
+
+void DoubleRow(const uint8_t* in, const int16_t* taps, uint8_t* out, int32_t width) {
+    for (int32_t o = 0; o < 2 * width; ++o) out[o] = Saturate8((DoubledSum(in + o / 2, taps, o % 2 != 0) + 8192) >> 14);
+}
+
+constexpr int32_t wideBias = 32768;
+
+/// A wide word out of a wide sample of any size.
+int16_t WideWord(int64_t sample) { return static_cast<int16_t>(std::clamp<int64_t>(sample, 0, 65535) - wideBias); }
+
+void DoubleRowWide(const uint8_t* in, const int16_t* taps, int16_t* out, int32_t width) {
+    for (int32_t o = 0; o < 2 * width; ++o) out[o] = WideWord((DoubledSum(in + o / 2, taps, o % 2 != 0) + 128) >> 8);
+}
+
+/// Wraps where the sum of taps on words, which stand around 0, leaves 32 bits.
+template <int32_t length, int32_t shift, int32_t rounding>
+void WeighRows(const int16_t* const* rows, const int16_t* taps, int16_t* out, int32_t width) {
+    for (int32_t x = 0; x < width; ++x) {
+        int64_t sum = rounding;
+        for (int32_t k = 0; k < length; ++k) sum += int64_t{taps[k]} * (rows[k][x] + wideBias);
+        out[x] = WideWord((Wrap32(sum - (int64_t{wideBias} << shift)) >> shift) + wideBias);
+    }
+}
+
+void LimitEdgesWide(const int16_t* const* rows, int16_t* out, int32_t width, const EdgeLimits& limits) {
+    for (int32_t x = 0; x < width; ++x) {
+        const int32_t c = rows[0][x];
+        const auto [least, most] = std::minmax({c, +rows[1][x], +rows[2][x]});
+        const int32_t measure = Saturate16(Saturate16(c - rows[1][x]) + Saturate16(c - rows[2][x]));
+        const int32_t sharpened = (Core(limits.gain * measure, 64 * limits.deadZone) + 16 + 32 * c) >> 5;
+        const int32_t above = Saturate16(std::max(rows[3][x], rows[4][x]) - c);
+        const int32_t below = Saturate16(std::min(rows[3][x], rows[4][x]) - c);
+        const auto allowance = [&](int32_t sameSide, int32_t otherSide, int32_t slope) {
+            const int32_t edge =
+                std::clamp(64 * sameSide + Wrap16(64 - limits.outerWeight) * otherSide, -(1 << 23), (1 << 23) - 1);
+            const int64_t rise = ((int64_t{edge} * Wrap16(slope)) >> 16) + 64 * limits.offset;
+            return static_cast<int32_t>(
+                std::min<int64_t>(std::clamp<int64_t>(rise, 0, INT16_MAX) + 64 * limits.margin, INT16_MAX));
+        };
+        const int32_t upper = most + allowance(above, below, -limits.slope);
+        const int32_t lower = least - allowance(below, above, limits.slope);
+        out[x] = WideWord(std::min(std::max(sharpened, lower), upper) + wideBias);
+    }
+}
+
+void NarrowRow(const int16_t* words, uint8_t* out, int32_t width) {
+    for (int32_t x = 0; x < width; ++x) out[x] = Saturate8((words[x] + wideBias) >> 6);
 }
 
 int32_t Pulled(int32_t from, int32_t to, int32_t weight) { return from + (((to - from) * weight) >> 15); }
@@ -113,6 +182,10 @@ void EnlargeChromaColumns(const uint8_t* const* rows, uint8_t* const* outs, int3
         outs[1][x] = static_cast<uint8_t>((rows[1][x] + rows[2][x]) >> 1);
         outs[2][x] = static_cast<uint8_t>((53 * rows[2][x] + 11 * rows[3][x]) >> 6);
     }
+}
+
+void PullRow(const uint8_t* row, const uint8_t* towards, int16_t weight, uint8_t* out, int32_t width) {
+    for (int32_t x = 0; x < width; ++x) out[x] = Saturate8(Pulled(row[x], towards[x], weight));
 }
 
 void SharpenColumns(const uint8_t* above, const uint8_t* row, const uint8_t* below, uint8_t* out, int32_t width,
@@ -218,6 +291,40 @@ void Interleave(const uint8_t* a, const uint8_t* b, uint8_t* out, int32_t width)
     }
 }
 
+void PaintCoverage(const uint8_t* coverage, const int16_t* colour, uint8_t* pixels, int32_t width) {
+    constexpr std::array<int32_t, 4> bases{256, 16, 128, 128};
+    constexpr std::array<int32_t, 4> roundings{4095, 264, 2056, 2056};
+    for (int32_t x = 0; x < width; ++x) {
+        const auto term = [&](size_t channel) {
+            return MulHigh(64 * coverage[x], colour[channel]) + roundings[channel];
+        };
+        const int32_t kept = term(0);
+        for (size_t channel = 0; channel < 4; ++channel) {
+            uint8_t& byte = pixels[4 * x + static_cast<int32_t>(channel)];
+            byte = Saturate8((((byte - bases[channel]) * kept >> 8) + term(channel)) >> 4);
+        }
+    }
+}
+
+void PackTileRow(const uint8_t* pixels, uint8_t* tileGroups, int32_t groups, bool oddRow) {
+    constexpr std::array<int32_t, 4> chromaRoundings{32, 96, 96, 32};
+    for (int32_t x = 0; x < 8 * groups; ++x) {
+        const auto expanded = [&](int32_t at) { return (pixels[4 * at] * 257) >> 1; };
+        uint8_t* group = tileGroups + x / 8 * 24;
+        const int32_t a = expanded(x);
+        const int32_t dither = (x % 2 == 0) != oddRow ? 48 : 16;
+        group[x % 8] = Saturate8(pixels[4 * x + 1] + (((-2048 * a >> 16) + dither) >> 6));
+        group[8 + x % 8] = Saturate8(((32640 * a >> 16) + 64 - dither) >> 6);
+
+        const int32_t first = x & ~1;
+        const int32_t channel = 2 + x % 2;  // the even byte of a pair's terms is U, the odd one V
+        const int32_t average = (pixels[4 * first + channel] + pixels[4 * first + 4 + channel] + 1) >> 1;
+        const int32_t mean = (expanded(first) + expanded(first + 1)) >> 1;
+        const int32_t rounding = chromaRoundings[static_cast<size_t>(x % 4)];
+        group[16 + x % 8] = Saturate8(average + (((-32768 * mean >> 16) + rounding) >> 7));
+    }
+}
+
 }  // namespace
 
 const KernelTable plainKernels = {
@@ -228,10 +335,18 @@ const KernelTable plainKernels = {
     .fir7 = FirRow<3, 7>,
     .fir5 = FirRow<2, 5>,
     .fir8 = FirRow<4, 8>,
+    .firEven = FirEven,
     .expandRow = ExpandRow,
     .enlargeColumns = EnlargeColumns,
+    .doubleRow = DoubleRow,
+    .doubleRowWide = DoubleRowWide,
+    .doubleColumnsWide = WeighRows<8, 14, 8192>,
+    .limitEdgesWide = LimitEdgesWide,
+    .firWide = WeighRows<16, 13, 0>,
+    .narrowRow = NarrowRow,
     .enlargeChromaRow = EnlargeChromaRow,
     .enlargeChromaColumns = EnlargeChromaColumns,
+    .pullRow = PullRow,
     .sharpenColumns = SharpenColumns,
     .lightingVotes = LightingVotes,
     .splitPackedRow = SplitPackedRow,
@@ -242,6 +357,8 @@ const KernelTable plainKernels = {
     .toneChromaOverlay = ToneChromaOverlay,
     .blendChromaRows = BlendChromaRows,
     .interleave = Interleave,
+    .paintCoverage = PaintCoverage,
+    .packTileRow = PackTileRow,
 };
 
 }  // namespace clarivex
