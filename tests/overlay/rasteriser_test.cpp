@@ -1,0 +1,185 @@
+#include "overlay/rasteriser.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <random>
+#include <utility>
+#include <vector>
+
+#include "tests/support/guarded_rows.h"
+
+namespace clarivex {
+namespace {
+
+// Outline units are 1/256 pixel.
+constexpr OutlineTransform asItIs{.scaleX = 65536, .scaleY = 65536};
+
+constexpr uint8_t guard = 0xA5;  // between the end of a row and the next one
+
+std::unique_ptr<MaskBitmap> EmptyMask(int32_t width, int32_t height) {
+    auto mask = std::make_unique<MaskBitmap>();
+    mask->Reallocate(width, height);
+    for (int32_t y = 0; y < height; ++y) std::fill_n(mask->Row(y), mask->Stride(), guard);
+    mask->ClearRectangle({-5, -5, width + 5, height + 5});
+    return mask;
+}
+
+// Clockwise on the screen, in 1/256 pixel, with its break.
+std::vector<OutlinePoint> Box(int32_t left, int32_t top, int32_t right, int32_t bottom) {
+    return {{left, bottom}, {left, top}, {right, top}, {right, bottom}, ContourBreak};
+}
+
+std::vector<OutlinePoint> Together(std::vector<OutlinePoint> a, const std::vector<OutlinePoint>& b) {
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
+
+// Rows of coverage of a mask of 8 by 3 pixels.
+using Coverage = std::vector<std::vector<int>>;
+Coverage Paint(const std::vector<OutlinePoint>& points, const OutlineTransform& transform = asItIs) {
+    const auto mask = EmptyMask(8, 3);
+    PaintOutline(transform, points, *mask, Region::OfRectangle(0, 0, 8, 3));
+    Coverage rows;
+    for (int32_t y = 0; y < 3; ++y) rows.emplace_back(mask->Row(y), mask->Row(y) + 8);
+    return rows;
+}
+
+const std::vector<int> nothing(8, 0);
+const std::vector<int> everything(8, 255);
+
+TEST(Rasteriser, EdgesOnPixelBordersAreExact) {
+    const auto boxes = Together(Box(512, 256, 1280, 768), Box(1536, 0, 1792, 256));
+    const std::vector<int> first{0, 0, 0, 0, 0, 0, 255, 0}, others{0, 0, 255, 255, 255, 0, 0, 0};
+    EXPECT_EQ(Paint(boxes), (Coverage{first, others, others}));
+}
+
+TEST(Rasteriser, PixelsHalfCoveredAreHalfSet) {
+    const std::vector<int> row{0, 127, 255, 255, 128, 0, 0, 0};
+    EXPECT_EQ(Paint(Box(384, 0, 1152, 256))[0], row);
+    const std::vector<int> halfHeight{0, 127, 127, 0, 0, 0, 0, 0};
+    EXPECT_EQ(Paint(Box(256, 0, 768, 128))[0], halfHeight);
+}
+
+TEST(Rasteriser, ContoursAddWithTheirDirection) {
+    auto hole = Box(512, 0, 1024, 768);
+    std::reverse(hole.begin(), hole.end() - 1);
+    const auto outer = Box(256, 0, 1792, 768);
+    EXPECT_EQ(Paint(Together(outer, hole))[1], (std::vector<int>{0, 255, 0, 0, 255, 255, 255, 0}));
+    EXPECT_EQ(Paint(Together(outer, Box(512, 0, 1024, 768)))[1],
+              (std::vector<int>{0, 255, 254, 254, 255, 255, 255, 0}));
+}
+
+TEST(Rasteriser, OnlyWhatIsLeftOfTheMaskReachesIntoIt) {
+    EXPECT_EQ(Paint(Box(-700, -700, 1024, 512)),
+              (Coverage{{255, 255, 255, 255, 0, 0, 0, 0}, {255, 255, 255, 255, 0, 0, 0, 0}, nothing}));
+    EXPECT_EQ(Paint(Box(-700, 0, -100, 768)), (Coverage{nothing, nothing, nothing}));
+    EXPECT_EQ(Paint(Box(2048, 0, 4000, 768)), (Coverage{nothing, nothing, nothing}));
+    EXPECT_EQ(Paint(Box(0, 768, 2048, 4000)), (Coverage{nothing, nothing, nothing}));
+    EXPECT_EQ(Paint({ContourBreak}), (Coverage{nothing, nothing, nothing}));
+    EXPECT_EQ(Paint({{0, 256}, {2048, 256}, ContourBreak}), (Coverage{nothing, nothing, nothing}));
+}
+
+TEST(Rasteriser, ScaleTranslationAndOffsetPlaceTheOutline) {
+    const OutlineTransform transform{32768, 131072, 512, -256, -1, 1};  // x / 2 + 2 − 1 pixels, y · 2 − 1 + 1
+    const std::vector<int> row{0, 0, 0, 255, 255, 0, 0, 0};
+    EXPECT_EQ(Paint(Box(1024, 128, 2048, 256), transform), (Coverage{nothing, row, nothing}));
+}
+
+TEST(Rasteriser, HugeOutlinesAreLimitedAndQuick) {
+    const std::vector<OutlinePoint> huge{
+        {INT32_MIN + 1, INT32_MAX}, {0, INT32_MIN + 1}, {INT32_MAX, INT32_MAX}, ContourBreak};
+    for (const int32_t scale : {65536, INT32_MAX}) {
+        const OutlineTransform transform{scale, scale, 0, 0, 0, 0};
+        EXPECT_EQ(Paint(huge, transform), (Coverage{everything, everything, everything}));
+    }
+    const OutlineTransform away{INT32_MIN, INT32_MIN, INT32_MIN, INT32_MIN, INT32_MIN, INT32_MIN};
+    EXPECT_EQ(Paint(Box(0, 0, INT32_MAX, INT32_MAX), away), (Coverage{nothing, nothing, nothing}));
+    MaskBitmap none;
+    none.Reallocate(0, 4);
+    PaintOutline(asItIs, huge, none, Region::OfRectangle(0, 0, 8, 8));
+}
+
+// The arithmetic told cell by cell, with no cell left out.
+class PlainRasteriser {
+public:
+    PlainRasteriser(MaskBitmap& mask, OutlinePoint from, OutlinePoint to)
+        : mask(mask), x0(from.x), y0(from.y), x1(to.x), y1(to.y) {}
+
+    void Run() {
+        if (y0 == y1) return;
+        int64_t r0 = y0 >> 8, r1 = (y1 - 1) >> 8;
+        if (r0 > r1) std::swap(r0, r1);
+        const bool goesDown = y0 < y1;
+        const int64_t yt = goesDown ? y0 : y1, yb = goesDown ? y1 : y0;
+        for (row = r0; row <= r1; ++row) {
+            const int64_t ya = std::max(yt, row * 256), yb2 = std::min(yb, (row + 1) * 256);
+            const int64_t xt = goesDown ? x0 : x1, xb = goesDown ? x1 : x0;
+            RunRow(row == r0 ? xt : XAt(ya), ya - row * 256, row == r1 ? xb : XAt(yb2), yb2 - row * 256);
+        }
+    }
+
+private:
+    int64_t XAt(int64_t y) const { return x0 + (y - y0) * (x1 - x0) / (y1 - y0); }
+    int64_t YAt(int64_t cell) const { return y0 + (cell * 256 - x0) * (y1 - y0) / (x1 - x0) - row * 256; }
+
+    void RunRow(int64_t xa, int64_t ya, int64_t xb, int64_t yb) {
+        const int64_t ca = xa >> 8, cb = xb >> 8;
+        if (ca == cb) {
+            Piece(ca, ya, yb, 256 - (((xa & 255) + (xb & 255)) >> 1));
+        } else if (ca < cb) {
+            Piece(ca, ya, YAt(ca + 1), ((ca + 1) * 256 - xa) >> 1);
+            for (int64_t c = ca + 1; c < cb; ++c) Piece(c, YAt(c), YAt(c + 1), 128);
+            Piece(cb, YAt(cb), yb, 256 - ((xb - cb * 256) >> 1));
+        } else {
+            Piece(ca, ya, YAt(ca), 256 - ((xa - ca * 256) >> 1));
+            for (int64_t c = ca - 1; c > cb; --c) Piece(c, YAt(c + 1), YAt(c), 128);
+            Piece(cb, YAt(cb + 1), yb, ((cb + 1) * 256 - xb) >> 1);
+        }
+    }
+
+    void Piece(int64_t cell, int64_t ya, int64_t yb, int64_t a) {
+        const int64_t h = ((yb * 255) >> 8) - ((ya * 255) >> 8);
+        const int64_t t = (a * h) >> 8;
+        Add(std::max<int64_t>(cell, 0), cell < 0 ? h : t);
+        if (cell >= 0) Add(cell + 1, h - t);
+    }
+
+    void Add(int64_t cell, int64_t term) {
+        if (row < 0 || row >= mask.AllocatedHeight() || cell >= mask.AllocatedWidth()) return;
+        uint8_t& pixel = mask.Row(static_cast<int32_t>(row))[cell];
+        pixel = static_cast<uint8_t>(y0 < y1 ? pixel - term : pixel + term);
+    }
+
+    MaskBitmap& mask;
+    int64_t x0, y0, x1, y1;
+    int64_t row = 0;
+};
+
+// Lines near and far, steep and flat, many of them with ends on borders of pixels.
+int32_t AnyCoordinate(std::mt19937& random, int32_t side) {
+    const int32_t reach = random() % 4 == 0 ? 100 * 256 : side * 256;
+    const int32_t coordinate = UpTo(random, 3 * reach) - reach;
+    return random() % 4 == 0 ? coordinate & ~255 : coordinate;
+}
+
+TEST(Rasteriser, LinesEqualThePlainForm) {
+    std::mt19937 random(20);
+    for (int32_t run = 0; run < 4000; ++run) {
+        const int32_t width = 1 + UpTo(random, 20), height = 1 + UpTo(random, 20);
+        const auto actual = EmptyMask(width, height), expected = EmptyMask(width, height);
+        const OutlinePoint from{AnyCoordinate(random, width), AnyCoordinate(random, height)};
+        OutlinePoint to{AnyCoordinate(random, width), AnyCoordinate(random, height)};
+        if (run % 8 == 0) to.x = from.x + UpTo(random, 6) - 3;  // truncation puts crossings into other rows
+        RasteriseLine(asItIs, *actual, from, to);
+        PlainRasteriser(*expected, from, to).Run();
+        const auto bytes = static_cast<size_t>(actual->Stride()) * static_cast<size_t>(height);
+        ASSERT_EQ(std::memcmp(actual->Row(0), expected->Row(0), bytes), 0)
+            << from.x << ", " << from.y << " to " << to.x << ", " << to.y << " in " << width << " by " << height;
+    }
+}
+
+}  // namespace
+}  // namespace clarivex

@@ -1,0 +1,226 @@
+#include "overlay/region.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <bitset>
+#include <random>
+#include <utility>
+#include <vector>
+
+#include "tests/support/memory_count.h"
+
+namespace clarivex {
+namespace {
+
+constexpr int32_t side = 40;
+using Bitmap = std::bitset<static_cast<size_t>(side) * side>;
+
+size_t PixelAt(int32_t x, int32_t y) { return static_cast<size_t>(y * side + x); }
+
+void Fill(Bitmap& bitmap, const Rectangle& rectangle) {
+    for (int32_t y = rectangle.top; y < rectangle.bottom; ++y)
+        for (int32_t x = rectangle.left; x < rectangle.right; ++x) bitmap.set(PixelAt(x, y));
+}
+
+// The entries that a set of pixels must have, row by row from the pixels.
+std::vector<RegionEntry> EntriesOf(const Bitmap& bitmap) {
+    std::vector<RegionEntry> entries, previous;
+    size_t header = 0;
+    for (int16_t y = 0; y < side; ++y) {
+        std::vector<RegionEntry> spans;
+        for (int16_t x = 0; x < side; ++x) {
+            if (!bitmap[PixelAt(x, y)]) continue;
+            if (x == 0 || !bitmap[PixelAt(x - 1, y)]) spans.push_back({x, x});
+            spans.back().to = static_cast<int16_t>(x + 1);
+        }
+        if (!spans.empty() && spans == previous) {
+            ++entries[header].to;
+        } else if (!spans.empty()) {
+            header = entries.size();
+            entries.push_back({y, static_cast<int16_t>(y + 1)});
+            entries.insert(entries.end(), spans.begin(), spans.end());
+            entries.push_back(regionSentinel);
+        }
+        previous = spans;
+    }
+    if (!entries.empty()) entries.push_back(regionSentinel);
+    return entries;
+}
+
+[[nodiscard]] bool Holds(const Region& region, const std::vector<RegionEntry>& entries) {
+    return std::ranges::equal(region.Entries(), entries);
+}
+
+[[nodiscard]] bool Holds(const Region& region, const Bitmap& bitmap) { return Holds(region, EntriesOf(bitmap)); }
+
+struct Sample {
+    Region region;
+    Bitmap bitmap;
+};
+
+Sample RandomSample(std::mt19937& random) {
+    const auto below = [&](int32_t limit) { return static_cast<int32_t>(random() % static_cast<uint32_t>(limit)); };
+    const int32_t largest = std::array{2, 8, side}[random() % 3];
+    Sample sample;
+    for (int32_t rectangles = below(largest == 2 ? 300 : 8); rectangles > 0; --rectangles) {
+        const int32_t x = below(side), y = below(side);
+        const Rectangle rectangle{x, y, std::min(side, x + below(largest) + 1), std::min(side, y + below(largest) + 1)};
+        RegionAddRect(sample.region, rectangle);
+        Fill(sample.bitmap, rectangle);
+    }
+    return sample;
+}
+
+TEST(Region, OperationsEqualThoseOnPixels) {
+    std::mt19937 random(1);
+    for (int32_t round = 0; round < 1500; ++round) {
+        const Sample a = RandomSample(random), b = RandomSample(random);
+        SCOPED_TRACE(round);
+        ASSERT_TRUE(Holds(a.region, a.bitmap));
+        ASSERT_TRUE(Holds(RegionUnion(a.region, b.region), a.bitmap | b.bitmap));
+        ASSERT_TRUE(Holds(RegionIntersect(a.region, b.region), a.bitmap & b.bitmap));
+        ASSERT_TRUE(Holds(RegionXor(a.region, b.region), a.bitmap ^ b.bitmap));
+        ASSERT_TRUE(Holds(RegionSubtract(a.region, b.region), a.bitmap & ~b.bitmap));
+        ASSERT_TRUE(Holds(RegionXor(a.region, a.region), Bitmap()));
+        ASSERT_TRUE(Holds(RegionSubtract(a.region, a.region), Bitmap()));
+    }
+}
+
+TEST(Region, HelpersAgreeWithPixels) {
+    std::mt19937 random(2);
+    for (int32_t round = 0; round < 300; ++round) {
+        const Sample sample = RandomSample(random);
+        SCOPED_TRACE(round);
+        Bitmap painted, widened;
+        Rectangle around = sample.region.IsEmpty() ? Rectangle() : Rectangle{side, side, 0, 0};
+        for (const Rectangle rectangle : RegionRects(sample.region)) {
+            Fill(painted, rectangle);
+            Fill(widened, {rectangle.left / 8 * 8, rectangle.top, (rectangle.right + 7) / 8 * 8, rectangle.bottom});
+            around = {std::min(around.left, rectangle.left), std::min(around.top, rectangle.top),
+                      std::max(around.right, rectangle.right), std::max(around.bottom, rectangle.bottom)};
+        }
+        ASSERT_EQ(painted, sample.bitmap);
+        ASSERT_EQ(RegionBounds(sample.region), around);
+        Region snapped = sample.region;
+        RegionSnapX8(snapped);
+        ASSERT_TRUE(Holds(snapped, widened));
+    }
+}
+
+TEST(Region, CutsAMiddlePieceOut) {
+    const Region frame = RegionSubtract(Region::OfRectangle(0, 0, 9, 9), Region::OfRectangle(3, 2, 4, 5));
+    const RegionEntry end = regionSentinel;
+    EXPECT_TRUE(Holds(frame, {{0, 2}, {0, 9}, end, {2, 7}, {0, 3}, {7, 9}, end, {7, 9}, {0, 9}, end, end}));
+}
+
+// Narrow columns, and squares between them in every other row: far more entries than the two regions' own.
+TEST(Region, HoldsMoreThanWasExpectedOfTheSources) {
+    constexpr int32_t columns = 200, squares = 60;
+    Region a, b;
+    for (int32_t x = 0; x < columns; ++x) RegionAddRect(a, {4 * x, 0, 4 * x + 2, 2 * squares + 1});
+    for (int32_t y = 0; y < squares; ++y) RegionAddRect(b, {4 * y + 2, 2 * y + 1, 4 * y + 3, 2 * y + 2});
+    const Region both = RegionUnion(a, b);
+    EXPECT_EQ(both.Entries().size(), size_t{(columns + 2) * (2 * squares + 1) + 1});
+    EXPECT_EQ(RegionSubtract(both, b), a);
+    EXPECT_EQ(RegionXor(both, a), b);
+    EXPECT_EQ(RegionIntersect(both, b), b);
+}
+
+TEST(Region, RectanglesNeedNoBlock) {
+    const MemoryCount memory;
+    Region region = Region::OfRectangle(10, 10, 20, 20);
+    RegionAddRect(region, {10, 30, 30, 40});
+    const Region copy = region;
+    region = RegionIntersect(region, Region::OfRectangle(0, 20, 100, 100));
+    region = RegionSubtract(region, Region::OfRectangle(0, 0, 100, 25));
+    RegionTranslate(region, 3, 4);
+    RegionSnapX8(region);
+    EXPECT_TRUE(Holds(region, {{29, 44}, {8, 40}, regionSentinel, regionSentinel}));
+    EXPECT_TRUE(RegionXor(copy, copy).IsEmpty());
+    EXPECT_EQ(MemoryCount::Attempts(), 0);
+}
+
+TEST(Region, StorageFollowsTheCapacityRule) {
+    const Region rectangle = Region::OfRectangle(0, 0, 1, 1);
+    Region two = rectangle;
+    RegionAddRect(two, {2, 0, 3, 1});
+    const Region three = RegionUnion(two, Region::OfRectangle(4, 4, 1, 1));
+    const std::pair<Region, int32_t> steps[] = {
+        {two, 5}, {three, 8 + 1 + 32}, {rectangle, 41}, {{}, 0}, {rectangle, 4}};
+    Region region;
+    EXPECT_EQ(region.Capacity(), 4);
+    for (const auto& [next, capacity] : steps) {
+        region = next;
+        EXPECT_EQ(region, next);
+        EXPECT_EQ(region.Capacity(), capacity);
+        EXPECT_EQ(region.IsInline(), capacity <= 4);
+    }
+    const Region taken = std::move(two);
+    EXPECT_TRUE(two.IsEmpty());
+    two = rectangle;
+    EXPECT_EQ(RegionBounds(taken), (Rectangle{0, 0, 3, 1}));
+}
+
+TEST(VectorCapacityRule, GrowsWithRoomToSpareAndShrinksLate) {
+    EXPECT_EQ(VectorCapacityRule(0, 100, 100), 0);
+    EXPECT_EQ(VectorCapacityRule(41, 10, 10), 41);
+    EXPECT_EQ(VectorCapacityRule(40, 10, 10), 40 + 5 + 32);
+    EXPECT_EQ(VectorCapacityRule(10, 10, 3), 10);
+    EXPECT_EQ(VectorCapacityRule(128, 258, 258), 128 + 32);
+    EXPECT_EQ(VectorCapacityRule(129, 258, 258), 258);
+    EXPECT_EQ(VectorCapacityRule(1, 256, 256), 256);
+}
+
+TEST(Region, RectanglesStayWithinTheLimits) {
+    const auto bounds = [](int32_t x, int32_t y, int32_t width, int32_t height) {
+        return RegionBounds(Region::OfRectangle(x, y, width, height));
+    };
+    EXPECT_EQ(bounds(5, 6, -3, -4), (Rectangle{2, 2, 5, 6}));
+    EXPECT_EQ(bounds(0, 0, 40000, INT32_MAX), (Rectangle{0, 0, 16384, 16384}));
+    EXPECT_EQ(bounds(0, 0, -40000, INT32_MIN), (Rectangle{-16384, -16384, 0, 0}));
+    EXPECT_EQ(bounds(16380, -20000, 9, 5000), (Rectangle{16380, -16384, 16384, -15000}));
+    EXPECT_TRUE(Region::OfRectangle(3, 3, 0, 7).IsEmpty());
+    EXPECT_TRUE(Region::OfRectangle(INT32_MAX, INT32_MIN, 100, -100).IsEmpty());
+
+    Region region;
+    RegionAddRect(region, {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX});
+    EXPECT_TRUE(region.IsEmpty());
+    RegionAddRect(region, {16383, -16384, 32767, -16383});
+    EXPECT_EQ(RegionBounds(region), (Rectangle{16383, -16384, 16384, -16383}));
+    RegionAddRect(region, {-16383, 0, -16382, 1});
+    RegionSnapX8(region);
+    EXPECT_EQ(RegionBounds(region), (Rectangle{-16384, -16384, 16384, 1}));
+}
+
+TEST(Region, MovedPixelsEndAtTheLimits) {
+    Region moved = Region::OfRectangle(16370, 0, 4, 10);
+    RegionAddRect(moved, {16376, 0, 16378, 5});
+    RegionAddRect(moved, {16380, 0, 16384, 10});
+    RegionTranslate(moved, 8, 0);
+    EXPECT_TRUE(Holds(moved, {{0, 10}, {16378, 16382}, regionSentinel, regionSentinel}));
+    RegionTranslate(moved, 0, -16390);
+    EXPECT_TRUE(Holds(moved, {{-16384, -16380}, {16378, 16382}, regionSentinel, regionSentinel}));
+    Region beyond = moved;
+    RegionTranslate(beyond, INT32_MAX, 0);
+    EXPECT_TRUE(beyond.IsEmpty());
+    RegionTranslate(moved, 0, INT32_MIN);
+    EXPECT_TRUE(moved.IsEmpty());
+}
+
+TEST(GrowingArray, KeepsItsElementsWhileItMoves) {
+    GrowingArray<int32_t> array;
+    for (int32_t i = 0; i < 1000; ++i) array.Append(i == 0 ? 0 : array.Last() + 1);
+    array.RemoveAt(999);
+    array.RemoveAt(0);
+    array.Resize(3);
+    EXPECT_EQ(array.Capacity(), 3);
+    const GrowingArray<int32_t> other = std::move(array);
+    array.Append(7);
+    EXPECT_EQ(array.Last(), 7);
+    EXPECT_EQ(std::vector<int32_t>(other.begin(), other.end()), (std::vector<int32_t>{1, 2, 3}));
+}
+
+}  // namespace
+}  // namespace clarivex
