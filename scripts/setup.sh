@@ -6,7 +6,7 @@
 set -eu
 cd "$(dirname "$0")/.."
 
-packages=(cmake ninja-build g++ googletest libbenchmark-dev ffmpeg)
+packages=(cmake ninja-build g++ googletest libbenchmark-dev libfreetype-dev libfontconfig-dev fonts-dejavu-core ffmpeg)
 case ${1:-all} in
 native) ;;
 all)

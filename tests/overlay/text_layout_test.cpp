@@ -1,0 +1,194 @@
+#include "overlay/text_layout.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "overlay/glyph_outline.h"
+#include "tests/overlay/fake_fonts.h"
+
+namespace clarivex {
+
+static void PrintTo(const OutlinePoint& point, std::ostream* out) { *out << point.x << ", " << point.y; }
+
+namespace {
+
+using Points = std::vector<OutlinePoint>;
+
+// A glyph's outline, with the pen at (1000, 2000); a pixel of the font is 256 units.
+Points Outline(const FakeGlyph& glyph) {
+    FakeFontEngine engine;
+    engine.glyphs['x'] = glyph;
+    PointList outline;
+    int32_t penX = 1000, penY = 2000;
+    EXPECT_EQ(AppendGlyph(outline, *engine.MakeFont({}), 'x', penX, penY), glyph.advance * 256);
+    return {outline.begin(), outline.end()};
+}
+
+Points Outline(const RecordWriter& records) { return Outline(FakeGlyph{records.bytes, 9}); }
+
+// Where the glyphs of a layout begin: the first point of every second contour, a box with a hole each.
+Points GlyphStarts(const TextContent& content, FakeFontEngine& fonts) {
+    OutlineHandle outline;
+    LayoutText(content, fonts, outline);
+    Points starts;
+    for (int32_t i = 0; i < outline->Count(); i += 10) starts.push_back((*outline)[i]);
+    return starts;
+}
+
+RecordWriter Triangle() { return RecordWriter().Contour({0, 0}).Curve(RecordWriter::line, {{0, 4}, {2, 0}}); }
+
+const Points triangle{{1000, 2000}, {1000, 976}, {1512, 2000}, ContourBreak};
+
+TEST(GlyphOutline, DrawsLinesFromThePenWithYDownward) {
+    EXPECT_EQ(Outline(Triangle()), triangle);
+    const auto closed = RecordWriter().Contour({0, 0}).Curve(RecordWriter::line, {{0, 4}, {2, 0}, {0, 0}});
+    EXPECT_EQ(Outline(closed), triangle);  // the start is not told twice
+}
+
+TEST(GlyphOutline, SplinesBecomeFourLinesEachAndMeetBetweenControls) {
+    const auto arch = RecordWriter().Contour({0, 0}).Curve(RecordWriter::spline, {{0, 16}, {16, 16}});
+    EXPECT_EQ(Outline(arch),
+              (Points{{1000, 2000}, {1256, 208}, {2024, -1072}, {3304, -1840}, {5096, -2096}, ContourBreak}));
+    // From (0, 0) by (0, 16) to the middle (8, 16), then by (16, 16) to (16, 0), one half the mirror of the other.
+    const auto dome = RecordWriter().Contour({0, 0}).Curve(RecordWriter::spline, {{0, 16}, {16, 16}, {16, 0}});
+    const Points points = Outline(dome);
+    ASSERT_EQ(points.size(), 10U);
+    EXPECT_EQ(points[3], (OutlinePoint{2152, -1840}));
+    EXPECT_EQ(points[4], (OutlinePoint{3048, -2096}));
+    EXPECT_EQ(points[5], (OutlinePoint{3944, -1840}));
+    EXPECT_EQ(points[8], (OutlinePoint{5096, 2000}));
+    const auto others = Triangle().Curve(RecordWriter::spline, {{7, 7}}).Curve(3, {{7, 7}, {8, 8}});
+    EXPECT_EQ(Outline(others), triangle);
+}
+
+TEST(GlyphOutline, EndsAtTheRecordThatOverruns) {
+    constexpr size_t secondRecord = 36;
+    auto two = Triangle();
+    two.Contour({1, 1}).Curve(RecordWriter::line, {{1, 5}, {3, 1}});
+    ASSERT_EQ(Outline(two).size(), 8U);
+    for (const uint32_t size : {0U, 15U, 37U, 0xFFFFFFFFU}) {
+        two.Patch(secondRecord, size);
+        EXPECT_EQ(Outline(two), triangle) << size;
+    }
+    two.bytes.resize(secondRecord + 15);
+    EXPECT_EQ(Outline(two), triangle);
+}
+
+TEST(GlyphOutline, ClosesTheContourBeforeACurveThatOverruns) {
+    auto tooMany = Triangle().Curve(RecordWriter::line, {{9, 9}});
+    tooMany.Patch<uint16_t>(38, 2);  // one point more than the record has
+    tooMany.Contour({1, 1}).Curve(RecordWriter::line, {{1, 5}, {3, 1}});
+    EXPECT_EQ(Outline(tooMany), triangle);
+    auto cut = Triangle().Curve(RecordWriter::line, {});
+    cut.bytes.resize(39);
+    cut.Patch<uint32_t>(0, 39);
+    cut.Contour({1, 1}).Curve(RecordWriter::line, {{1, 5}, {3, 1}});
+    EXPECT_EQ(Outline(cut), triangle);
+}
+
+TEST(GlyphOutline, ForeignRecordsLeaveOnlyABreak) {
+    auto foreign = Triangle();
+    foreign.Patch<uint32_t>(4, 25);
+    EXPECT_EQ(Outline(foreign), Points{ContourBreak});
+}
+
+TEST(GlyphOutline, TrustsNoSizeThatTheFontTells) {
+    constexpr int64_t truth = FakeGlyph::truth;
+    const auto records = Triangle().bytes;
+    EXPECT_EQ(Outline({records, -3, {0, truth}}), Points{});
+    EXPECT_EQ(Outline({records, 4, {0x100000, truth}}), Points{});
+    EXPECT_EQ(Outline({records, 4, {truth, -2}}), Points{});
+    EXPECT_EQ(Outline({records, 4, {truth, 37}}), Points{});  // more than it was given room for
+    EXPECT_EQ(Outline({records, 4, {truth, 35}}), Points{});  // the record now reaches too far
+    EXPECT_EQ(Outline({records, 4, {100, truth}}), triangle);
+}
+
+TEST(GlyphOutline, FarPointsAreNeverTakenForBreaks) {
+    FakeFontEngine engine;
+    engine.glyphs['x'].records =
+        RecordWriter().Contour({-32768, -32768}).Curve(RecordWriter::spline, {{}, {32767, 0}}).bytes;
+    PointList outline;
+    int32_t penX = INT32_MIN + 8, penY = INT32_MAX;
+    AppendGlyph(outline, *engine.MakeFont({}), 'x', penX, penY);
+    ASSERT_EQ(outline.Count(), 6);
+    EXPECT_EQ(outline[0], (OutlinePoint{INT32_MIN + 1, INT32_MAX}));
+    EXPECT_EQ(std::count(outline.begin(), outline.end(), ContourBreak), 1);
+}
+
+TEST(TextLayout, LinesLieAnEmApartAndStartAtZero) {
+    FakeFontEngine fonts;
+    EXPECT_EQ(GlyphStarts({.text = ShortString("A \rB\nC")}, fonts), (Points{{4096, 0}, {53248, 0}, {4096, 65536}}));
+    EXPECT_EQ(fonts.made.size(), 1U);
+    EXPECT_EQ(GlyphStarts({.text = ShortString("   ")}, fonts), Points{});
+}
+
+TEST(TextLayout, LinesAreAlignedEachOnItsOwn) {
+    FakeFontEngine fonts;
+    TextContent content{.text = ShortString("AB\nC"), .align = TextContent::alignRight};
+    EXPECT_EQ(GlyphStarts(content, fonts), (Points{{-61440, 0}, {-28672, 0}, {-28672, 65536}}));
+    content.align |= TextContent::alignCentre;
+    EXPECT_EQ(GlyphStarts(content, fonts), (Points{{-28672, 0}, {4096, 0}, {-12288, 65536}}));
+    OutlineHandle outline;
+    LayoutText(content, fonts, outline);
+    EXPECT_EQ((*outline)[4], ContourBreak);
+}
+
+TEST(TextLayout, TagsSwitchTheFontOnlyInMarkup) {
+    FakeFontEngine fonts;
+    TextContent content{.text = ShortString("A<b>B<i>C</b><u>D</i>E<F"), .markup = true};
+    EXPECT_EQ(GlyphStarts(content, fonts).size(), 5U);
+    ASSERT_EQ(fonts.made.size(), 5U);
+    const auto isStyle = [&](size_t i, bool italic, bool bold) {
+        return fonts.made[i].italic == italic && fonts.made[i].bold == bold;
+    };
+    EXPECT_TRUE(isStyle(0, false, false) && isStyle(1, false, true) && isStyle(2, true, true));
+    EXPECT_TRUE(isStyle(3, true, false) && isStyle(4, false, false));
+    content.markup = false;
+    EXPECT_EQ(GlyphStarts(content, fonts).size(), 24U);
+}
+
+TEST(TextLayout, BytesFrom128OnAreNegativeCodes) {
+    FakeFontEngine fonts;
+    fonts.glyphs[-28] = {{}, 10};
+    EXPECT_EQ(GlyphStarts({.text = ShortString("\xE4"
+                                               "A")},
+                          fonts),
+              (Points{{4096 + 2560, 0}}));
+}
+
+TEST(TextLayout, WithoutAFontNothingIsDrawn) {
+    FakeFontEngine fonts;
+    fonts.hasFonts = false;
+    EXPECT_EQ(GlyphStarts({.text = ShortString("A\nB"), .align = TextContent::alignRight}, fonts), Points{});
+    EXPECT_EQ(fonts.made.size(), 1U);
+}
+
+TEST(TextLayout, OnlyListsThatOthersHoldAreReplaced) {
+    FakeFontEngine fonts;
+    OutlineHandle outline;
+    LayoutText({.text = ShortString("A")}, fonts, outline);
+    const OutlineHandle held = outline;
+    LayoutText({.text = ShortString("AB")}, fonts, outline);
+    EXPECT_EQ(held->Count(), 10);
+    EXPECT_EQ(outline->Count(), 20);
+    const PointList* own = outline.get();
+    LayoutText({.text = ShortString("A")}, fonts, outline);
+    EXPECT_EQ(outline.get(), own);
+    EXPECT_EQ(outline->Count(), 10);
+}
+
+TEST(TextLayout, ArcsRunClockwiseFromStraightUp) {
+    FakeFontEngine fonts;
+    OutlineHandle outline;
+    LayoutText({.text = {}, .arcMode = true, .arcRadius = 100, .arcTurn = 16384}, fonts, outline);
+    ASSERT_EQ(outline->Count(), 1 + 16 + 1 + 1);  // steps 0 … 15 of 0.1 in a quarter of a circle
+    EXPECT_EQ((*outline)[1], (OutlinePoint{0, -25600}));
+    EXPECT_EQ((*outline)[2], (OutlinePoint{2556, -25472}));
+    EXPECT_EQ((*outline)[17], (OutlinePoint{25600, 0}));
+    EXPECT_EQ((*outline)[18], ContourBreak);
+}
+
+}  // namespace
+}  // namespace clarivex
