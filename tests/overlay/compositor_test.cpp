@@ -1,0 +1,306 @@
+#include "overlay/compositor.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <random>
+#include <utility>
+#include <vector>
+
+#include "simd/kernel_table.h"
+#include "tests/support/memory_count.h"
+
+namespace clarivex {
+namespace {
+
+/// A target of numbers. What it holds after a change of size is rubbish, until it is cleared.
+class Grid {
+public:
+    static constexpr uint32_t rubbish = 0xDEADBEEF;
+
+    void Reallocate(int32_t newWidth, int32_t newHeight) {
+        if (newWidth == width && newHeight == height) return;
+        width = newWidth;
+        height = newHeight;
+        pixels.assign(static_cast<size_t>(width * height), rubbish);
+    }
+
+    void ClearRectangle(const Rectangle& rectangle) {
+        for (int32_t y = rectangle.top; y < rectangle.bottom; ++y)
+            for (int32_t x = rectangle.left; x < rectangle.right; ++x) At(x, y) = 0;
+    }
+
+    int32_t AllocatedWidth() const { return width; }
+    int32_t AllocatedHeight() const { return height; }
+    uint32_t& At(int32_t x, int32_t y) {
+        EXPECT_TRUE(x >= 0 && y >= 0 && x < width && y < height) << x << ", " << y;
+        return pixels[static_cast<size_t>(y * width + x)];
+    }
+    bool operator==(const Grid&) const = default;
+
+private:
+    int32_t width = 0;
+    int32_t height = 0;
+    std::vector<uint32_t> pixels;
+};
+
+bool Contains(const Rectangle& rectangle, int32_t x, int32_t y) {
+    return x >= rectangle.left && x < rectangle.right && y >= rectangle.top && y < rectangle.bottom;
+}
+
+Region RegionOf(const Rectangle& rectangle) {
+    return Region::OfRectangle(rectangle.left, rectangle.top, rectangle.Width(), rectangle.Height());
+}
+
+/// A rectangle with a part that hides what is below; the rest mixes with it. Painting a pixel twice shows.
+class Box : public Element<Grid> {
+public:
+    explicit Box(uint32_t colour = 1, const Rectangle& place = {}) : place(place), colour(colour) {}
+
+    Group<Grid>* GetGroup() override { return &group; }
+    void SetSize(int32_t newWidth, int32_t newHeight, float) override { size = {0, 0, newWidth, newHeight}; }
+
+    bool Update(const ComposeFrame&) override {
+        ++updates;
+        const bool moved = std::exchange(content, RegionOf(place)) != content;
+        opaque = RegionOf(cover);
+        changed = std::exchange(dirty, false) ? content : Region();
+        return moved;
+    }
+
+    void AdjustPaintRegion(Region& region) override {
+        if (snap) RegionSnapX8(region);
+    }
+
+    void Paint(Grid& target, const Region& region, const ComposeFrame&) override {
+        EXPECT_EQ(size, (Rectangle{0, 0, target.AllocatedWidth(), target.AllocatedHeight()}));
+        painted = RegionUnion(painted, region);
+        for (const Rectangle part : RegionRects(region))
+            for (int32_t y = part.top; y < part.bottom; ++y)
+                for (int32_t x = part.left; x < part.right; ++x) PaintPixel(target.At(x, y), x, y);
+    }
+
+    void PaintPixel(uint32_t& pixel, int32_t x, int32_t y) const {
+        pixel = (Contains(cover, x, y) ? 0 : pixel * 31) + colour;
+    }
+
+    /// What was painted since the last call.
+    Region TakePainted() { return std::exchange(painted, Region()); }
+
+    Rectangle place;
+    Rectangle cover;
+    uint32_t colour;
+    bool dirty = false;
+    bool snap = false;
+    int32_t updates = 0;
+    Group<Grid> group;
+
+private:
+    Rectangle size;
+    Region painted;
+};
+
+constexpr int32_t width = 40;
+constexpr int32_t height = 30;
+
+struct Stage {
+    Composition Step(const ComposeOptions& options = {}, int32_t newWidth = width, int32_t newHeight = height) {
+        return Compose(group, grid, newWidth, newHeight, 1.0F, ComposeFrame{.kernels = scalarKernels}, options);
+    }
+
+    Group<Grid> group;
+    Grid grid;
+};
+
+TEST(Compositor, NothingChangedPaintsNothingAndTakesNoMemory) {
+    Stage stage;
+    Box box(1, {3, 4, 10, 12});
+    stage.group.AddChild(box);
+    EXPECT_EQ(stage.Step().damage, RegionOf({0, 0, width, height}));
+    EXPECT_EQ(box.TakePainted(), RegionOf(box.place));
+    const MemoryCount memory;
+    const Composition still = stage.Step();
+    EXPECT_TRUE(still.damage.IsEmpty());
+    EXPECT_EQ(still.content, RegionOf(box.place));
+    EXPECT_TRUE(box.TakePainted().IsEmpty());
+    EXPECT_EQ(memory.Attempts(), 0);
+    EXPECT_EQ(box.updates, 2);
+}
+
+TEST(Compositor, MovedHiddenAndRemovedElementsDamageWhatDiffers) {
+    Stage stage;
+    Box box(1, {0, 0, 10, 10}), other(2, {20, 0, 30, 10});
+    stage.group.AddChild(box);
+    stage.group.AddChild(other);
+    stage.Step();
+    other.TakePainted();
+    box.place = {2, 0, 12, 10};
+    EXPECT_EQ(stage.Step().damage, RegionUnion(RegionOf({0, 0, 2, 10}), RegionOf({10, 0, 12, 10})));
+    box.SetVisible(false);
+    EXPECT_EQ(stage.Step().damage, RegionOf(box.place));
+    EXPECT_TRUE(stage.Step().damage.IsEmpty());
+    EXPECT_EQ(stage.grid.At(5, 5), 0U);
+    EXPECT_EQ(box.updates, 2);
+    box.SetVisible(true);
+    EXPECT_EQ(stage.Step().damage, RegionOf(box.place));
+    box.Remove();
+    const Composition without = stage.Step();
+    EXPECT_EQ(without.damage, RegionOf(box.place));
+    EXPECT_EQ(without.content, RegionOf(other.place));
+    stage.group.AddChild(box);
+    EXPECT_EQ(stage.Step().damage, RegionOf(box.place));
+    EXPECT_TRUE(other.TakePainted().IsEmpty());
+}
+
+TEST(Compositor, OpaqueElementHidesJustWhatIsBelow) {
+    Stage stage;
+    Box apart(1, {0, 20, 10, 30}), half(2, {0, 0, 10, 10}), under(3, {22, 2, 28, 8}), top(4, {5, 0, 30, 10});
+    top.cover = top.place;
+    for (Box* box : {&apart, &half, &under, &top}) stage.group.AddChild(*box);
+    stage.Step();
+    EXPECT_EQ(apart.TakePainted(), RegionOf(apart.place));  // has no clip record; the next element's is left alone
+    EXPECT_EQ(half.TakePainted(), RegionOf({0, 0, 5, 10}));
+    EXPECT_TRUE(under.TakePainted().IsEmpty());
+    half.dirty = under.dirty = true;
+    EXPECT_EQ(stage.Step().damage, RegionOf({0, 0, 5, 10}));
+    EXPECT_TRUE(under.TakePainted().IsEmpty());
+    top.SetVisible(false);
+    stage.Step();
+    EXPECT_EQ(under.TakePainted(), RegionOf(under.place));
+}
+
+TEST(Compositor, AnotherSizeRepaintsEverything) {
+    Stage stage;
+    Box box(1, {3, 4, 10, 12});
+    stage.group.AddChild(box);
+    for (const auto& [newWidth, newHeight] : {std::pair{40, 30}, {20, 15}, {20, 16}, {64, 16}}) {
+        stage.grid.Reallocate(newWidth, newHeight);  // as if the target already had it, with rubbish inside
+        EXPECT_EQ(stage.Step({}, newWidth, newHeight).damage, RegionOf({0, 0, newWidth, newHeight}));
+        EXPECT_EQ(box.TakePainted(), RegionOf(box.place));
+        EXPECT_EQ(stage.grid.At(newWidth - 1, newHeight - 1), 0U);
+        EXPECT_EQ(stage.grid.At(3, 4), 1U);
+    }
+}
+
+TEST(Compositor, TargetIsReleasedWhileEmptyAndComesBack) {
+    constexpr ComposeOptions release{.releaseWhenEmpty = true};
+    const Rectangle place{3, 4, 10, 12};
+    Stage stage;
+    Box box(1, place);
+    stage.group.AddChild(box);
+    const auto goAndComeBack = [&](auto&& go, auto&& comeBack) {
+        stage.Step(release);
+        go();
+        EXPECT_EQ(stage.Step(release).damage, RegionOf(place));
+        EXPECT_EQ(stage.grid.AllocatedWidth(), 0);
+        EXPECT_TRUE(stage.Step(release).damage.IsEmpty());
+        comeBack();
+        EXPECT_EQ(stage.Step(release).damage, RegionOf({0, 0, width, height}));
+        EXPECT_EQ(stage.grid.At(3, 4), 1U);
+        EXPECT_EQ(stage.grid.At(20, 20), 0U);
+    };
+    goAndComeBack([&] { box.place = {}; }, [&] { box.place = place; });
+    goAndComeBack([&] { box.SetVisible(false); }, [&] { box.SetVisible(true); });
+}
+
+TEST(Compositor, ExtraDamageIsPaintedEvenOutsideTheClip) {
+    Stage stage;
+    Box box(1, {0, 0, 30, 30});
+    stage.group.AddChild(box);
+    stage.Step();
+    box.TakePainted();
+    box.dirty = true;
+    const Region clip = RegionOf({0, 0, 5, 5}), extra = RegionOf({25, 25, 100, 28});
+    EXPECT_EQ(stage.Step({.extraDamage = &extra, .clip = &clip}).damage,
+              RegionUnion(clip, RegionOf({25, 25, width, 28})));
+    EXPECT_EQ(box.TakePainted(), RegionUnion(clip, RegionOf({25, 25, 30, 28})));
+}
+
+TEST(Compositor, AdjustedPaintRegionStaysInsideTheTarget) {
+    Stage stage;
+    Box box(1, {3, 0, 35, 4});
+    box.snap = true;
+    stage.group.AddChild(box);
+    stage.Step({}, 37, 30);
+    EXPECT_EQ(box.TakePainted(), RegionOf({0, 0, 37, 4}));
+}
+
+/// A tree of boxes that anything may happen to.
+class Walk {
+public:
+    explicit Walk(uint32_t seed) : random(seed) {
+        shown.fill(true);
+        for (size_t i = 0; i < count; ++i) (parents[i] == root ? group : boxes[parents[i]].group).AddChild(boxes[i]);
+    }
+
+    Composition Step() {
+        for (size_t i = 0; i < count; ++i) Change(i);
+        if (Draw(20) == 0) targetWidth = Draw(30) + 1;
+        return Compose(group, grid, targetWidth, 24, 1.0F, ComposeFrame{.kernels = scalarKernels},
+                       {.releaseWhenEmpty = Draw(2) == 0});
+    }
+
+    /// What the target has to hold, painted from nothing.
+    Grid Painted() const {
+        Grid plain;
+        plain.Reallocate(targetWidth, 24);
+        for (int32_t y = 0; y < 24; ++y)
+            for (int32_t x = 0; x < targetWidth; ++x) {
+                plain.At(x, y) = 0;
+                for (size_t i = 0; i < count; ++i)
+                    if (Shown(i) && Contains(boxes[i].place, x, y)) boxes[i].PaintPixel(plain.At(x, y), x, y);
+            }
+        return plain;
+    }
+
+    Grid grid;
+
+private:
+    static constexpr size_t count = 7;
+    static constexpr size_t root = count;
+    static constexpr std::array<size_t, count> parents = {root, 0, 1, 1, 0, root, root};  // boxes in painting order
+
+    bool Shown(size_t i) const { return i == root || (shown[i] && Shown(parents[i])); }
+
+    int32_t Draw(int32_t end) { return static_cast<int32_t>(random() % static_cast<uint32_t>(end)); }
+
+    void Change(size_t i) {
+        Box& box = boxes[i];
+        const int32_t event = Draw(12);
+        if (event == 0) {
+            const int32_t left = Draw(30) - 8, top = Draw(24) - 8;
+            box.place = {left, top, left + Draw(24), top + Draw(20)};
+        } else if (event == 1) {
+            box.cover = Draw(3) == 0 ? Rectangle{} : Rectangle{box.place.left + 2, box.place.top, 25, 20};
+            box.dirty = true;
+        } else if (event == 2) {
+            box.SetVisible(shown[i] = Draw(3) != 0);
+        } else if (event == 3) {
+            box.colour += 8;
+            box.dirty = true;
+        }
+    }
+
+    std::mt19937 random;
+    Group<Grid> group;
+    std::array<Box, count> boxes;
+    std::array<bool, count> shown;
+    int32_t targetWidth = 30;
+};
+
+TEST(Compositor, EveryStepEqualsPaintingFromNothing) {
+    for (uint32_t seed = 1; seed <= 40; ++seed) {
+        Walk walk(seed);
+        for (int32_t step = 0; step < 150; ++step) {
+            const Composition composition = walk.Step();
+            if (walk.grid.AllocatedWidth() == 0) {
+                ASSERT_TRUE(composition.content.IsEmpty());
+                continue;
+            }
+            ASSERT_EQ(walk.grid, walk.Painted()) << "seed " << seed << ", step " << step;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace clarivex
