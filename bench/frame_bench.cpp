@@ -1,111 +1,23 @@
 // Whole frames a second through the frame path, for the three formats, enlarged and not, at every width; the memory
-// that takes; and that it does not grow with the number of frames.
+// that takes; and that it does not grow with the number of frames. Then frames through the engine alone in the modes that
+// the frame path does not set.
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <array>
-#include <cmath>
 #include <fstream>
 #include <string>
-#include <vector>
 
+#include "bench/frame_stream.h"
 #include "engine/enhancement_engine.h"
-#include "overlay/overlay_tiles.h"
-#include "pipeline/frame_geometry.h"
-#include "pipeline/frame_pipeline.h"
-#include "pipeline/noise_table.h"
+#include "engine/enhancement_pass.h"
 #include "runtime/cpu_features.h"
 #include "simd/kernel_table.h"
 
 namespace clarivex {
 namespace {
-
-struct NamedFormat {
-    const char* name;
-    PixelFormat format;
-    int32_t bitCount;
-};
-
-constexpr std::array<NamedFormat, 3> formats{{
-    {"yv12", PixelFormat::yv12, 12},
-    {"iyuv", PixelFormat::iyuv, 12},
-    {"yuy2", PixelFormat::yuy2, 16},
-}};
-
-constexpr std::array<FrameSize, 4> sizes{{{352, 288}, {640, 480}, {720, 576}, {1280, 720}}};
-
-struct FrameCase {
-    NamedFormat format;
-    FrameSize size;
-    bool scaled;
-};
-
-/// What a shaded, grained picture with edges in every direction has at a place.
-uint8_t TextureAt(int32_t x, int32_t y, int32_t seed) {
-    const double rings = std::sin((x - 150.0) * (x - 150.0) / 900.0 + (y - 90.0) * (y - 90.0) / 700.0);
-    const uint32_t grain = (static_cast<uint32_t>(x) * 2654435761U + static_cast<uint32_t>(y + seed) * 40503U) >> 27;
-    const int32_t block = ((x + seed) / 48 + y / 40) % 2 == 0 ? 30 : -30;
-    return static_cast<uint8_t>(120 + 40 * rings + block + static_cast<int32_t>(grain) - 16);
-}
-
-size_t PictureBytes(const FrameSize& size, int32_t bitCount) {
-    return static_cast<size_t>(size.width) * static_cast<size_t>(size.height) * static_cast<size_t>(bitCount) / 8;
-}
-
-/// A stream of a few pictures that repeat, played through a frame path of its own.
-class FrameStream {
-public:
-    FrameStream(const FrameCase& frames, const KernelTable& kernels) : pipeline(engine, noise, overlay, kernels) {
-        engine.Start();
-        const FrameSize written = OutputSize(frames.size.width, frames.size.height, frames.scaled);
-        request.format = frames.format.format;
-        request.input = FormatOf(frames.size, frames.format.bitCount);
-        request.source = request.input;
-        request.output = FormatOf(written, frames.format.bitCount);
-        request.sourceWidth = frames.size.width;
-        request.sourceHeight = frames.size.height;
-        request.scalingOn = frames.scaled;
-        request.newStream = request.settingsDirty = true;
-        output.resize(PictureBytes(written, frames.format.bitCount));
-        for (size_t i = 0; i < pictures.size(); ++i) {
-            pictures[i].resize(PictureBytes(frames.size, frames.format.bitCount));
-            const int32_t rowBytes = frames.format.bitCount == 16 ? 2 * frames.size.width : frames.size.width;
-            for (size_t at = 0; at < pictures[i].size(); ++at)
-                pictures[i][at] = TextureAt(static_cast<int32_t>(at) % rowBytes, static_cast<int32_t>(at) / rowBytes,
-                                            static_cast<int32_t>(7 * i));
-        }
-    }
-
-    /// False when the frame path reports a failure.
-    bool PlayOne() {
-        const std::vector<uint8_t>& picture = pictures[framesPlayed++ % pictures.size()];
-        const FrameResult result =
-            pipeline.RunFrame(request, {output.data(), output.size()}, {picture.data(), picture.size()});
-        request.newStream = request.settingsDirty = false;
-        return result.code == S_OK && result.settingsApplied;
-    }
-
-private:
-    static ImageFormat FormatOf(const FrameSize& size, int32_t bitCount) {
-        ImageFormat format;
-        format.readable = true;
-        format.width = size.width;
-        format.height = size.height;
-        format.bitCount = bitCount;
-        return format;
-    }
-
-    EnhancementEngine engine;
-    NoiseTable noise;
-    OverlayTiles overlay;
-    FramePipeline pipeline;
-    FrameRequest request;
-    std::array<std::vector<uint8_t>, 4> pictures;
-    std::vector<uint8_t> output;
-    size_t framesPlayed = 0;
-};
 
 double ResidentBytes() {
     std::ifstream figures("/proc/self/statm");
@@ -166,6 +78,51 @@ void MemoryStaysLevel(benchmark::State& state, const FrameCase& frames, const Ke
         state.SkipWithError("memory grows with the number of frames");
 }
 
+/// Scaling of rows and columns, and whether the columns come first.
+struct PassModes {
+    const char* name;
+    int32_t horizontal;
+    int32_t vertical;
+    int32_t verticalFirst;
+};
+
+constexpr std::array<PassModes, 3> doublingModes{{
+    {"2x2", 2, 2, 0},
+    {"2x1.5", 2, 1, 0},
+    {"2x1.5/columnsFirst", 2, 1, 1},
+}};
+
+WorkingImage TexturedImage(const FrameSize& size) {
+    WorkingImage image;
+    image.Resize(size.width, size.height);
+    for (const Plane& plane : {image.Planes().luma, image.Planes().second, image.Planes().third})
+        for (int32_t y = 0; y < plane.height; ++y)
+            for (int32_t x = 0; x < plane.width; ++x) plane.Row(y)[x] = TextureAt(x, y, 0);
+    return image;
+}
+
+/// One picture through the engine again and again, at the strength of a usual setting.
+void RunPass(benchmark::State& state, const FrameSize& size, const PassModes& modes, const KernelTable& kernels) {
+    EnhancementEngine engine;
+    engine.horizontalMode = modes.horizontal;
+    engine.verticalMode = modes.vertical;
+    engine.verticalFirst = modes.verticalFirst;
+    engine.sharpness = 0.8F;
+    const WorkingImage picture = TexturedImage(size);
+    const SourceImage source{picture.Planes(), picture.End()};
+    FrameRecord frame;
+    WorkingImage enhanced;
+    FrameInfo info;
+    for (auto _ : state) {
+        float aspect = 1.0F;
+        if (EnhancementPass(engine, frame, source, {&enhanced, nullptr}, aspect, info, allPlanes, kernels) != 1) {
+            state.SkipWithError("the engine writes nothing");
+            return;
+        }
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+
 std::string NameOf(const FrameCase& frames) {
     return std::string(frames.format.name) + "/" + std::to_string(frames.size.width) + "x" +
            std::to_string(frames.size.height) + (frames.scaled ? "/scaled" : "/unscaled");
@@ -195,7 +152,24 @@ bool RegisterFrames() {
     return true;
 }
 
+bool RegisterPasses() {
+    const SimdSupport support = DetectSimdSupport();
+    const InstructionSets sets{.sse2 = support.sse2, .avx2 = support.avx2, .avx512 = support.avx512bw};
+    for (size_t size = 0; size < 2; ++size)
+        for (const PassModes& modes : doublingModes)
+            for (const KernelTable* table : AllKernels())
+                if (CanRun(*table, sets)) {
+                    const std::string name = "pass/" + std::to_string(sizes[size].width) + "x" +
+                                             std::to_string(sizes[size].height) + "/" + modes.name + "/" + table->name;
+                    benchmark::RegisterBenchmark(name.c_str(), RunPass, sizes[size], modes, *table)
+                        ->Unit(benchmark::kMicrosecond)
+                        ->MinTime(0.1);
+                }
+    return true;
+}
+
 [[maybe_unused]] const bool framesRegistered = RegisterFrames();
+[[maybe_unused]] const bool passesRegistered = RegisterPasses();
 
 }  // namespace
 }  // namespace clarivex

@@ -34,21 +34,22 @@ void OverlayTiles::Reallocate(int32_t newWidth, int32_t newHeight) {
     if (newWidth == allocatedWidth && newHeight == allocatedHeight) {
         return;
     }
-    constexpr size_t spareBytes = 32;
+    constexpr uint64_t spareBytes = 32;
     allocatedWidth = newWidth;
     allocatedHeight = newHeight;
     groupsPerRow = GroupsFor(newWidth);
     stride = groupsPerRow * groupBytes;
-    const int32_t rowsKept = (newHeight + 7) / 8 * 8 + 1;
+    const uint64_t rowsKept = static_cast<uint64_t>(newHeight + 7) / 8 * 8 + 1;
+    const uint64_t bytes = rowsKept * static_cast<uint64_t>(stride) + spareBytes;
     data.reset();
-    data = MakeAlignedArray<uint8_t>(static_cast<size_t>(rowsKept) * static_cast<size_t>(stride) + spareBytes);
+    data = MakeAlignedArray<uint8_t>(static_cast<size_t>(std::min<uint64_t>(bytes, SIZE_MAX)));
 }
 
-void OverlayTiles::Clear() {
-    const int32_t rows = std::min(height, allocatedHeight);
-    const int32_t groups = GroupsFor(std::min(width, allocatedWidth));
-    for (int32_t y = 0; y < rows; ++y) {
-        for (int32_t g = 0; g < groups; ++g) {
+void OverlayTiles::ClearRectangle(const Rectangle& rectangle) {
+    const int32_t firstGroup = std::max(rectangle.left, 0) / groupPixels;
+    const int32_t endGroup = std::min(GroupsFor(rectangle.right), groupsPerRow);
+    for (int32_t y = std::max(rectangle.top, 0); y < std::min(rectangle.bottom, allocatedHeight); ++y) {
+        for (int32_t g = firstGroup; g < endGroup; ++g) {
             MakeNeutral(Group(g * groupPixels, y));
         }
     }
@@ -76,14 +77,6 @@ const uint8_t* OverlayTiles::Row(int32_t y) const {
 
 uint8_t* OverlayTiles::Group(int32_t x, int32_t y) {
     return data.get() + static_cast<ptrdiff_t>(y) * stride + x / groupPixels * groupBytes;
-}
-
-void OverlayCompose(OverlayTiles& tiles, int32_t width, int32_t height, float /*pixelAspect*/) {
-    if (width != tiles.Width() || height != tiles.Height()) {
-        tiles.Resize(width, height);
-        tiles.Clear();
-    }
-    tiles.MarkAllRowsEmpty();
 }
 
 }  // namespace clarivex

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 
+#include "overlay/rectangle.h"
 #include "runtime/memory.h"
 
 namespace clarivex {
@@ -28,7 +29,10 @@ public:
     void Reallocate(int32_t newWidth, int32_t newHeight);
 
     /// Makes every pixel of the picture neutral, with the rest of its last group, as far as the store reaches.
-    void Clear();
+    void Clear() { ClearRectangle({0, 0, width, height}); }
+
+    /// Makes the groups that the rectangle touches neutral, as far as the store reaches.
+    void ClearRectangle(const Rectangle& rectangle);
 
     /// Marks every row as holding nothing.
     void MarkAllRowsEmpty();
@@ -65,11 +69,5 @@ private:
     int32_t width = 0;
     int32_t height = 0;
 };
-
-/// Prepares the overlay of one frame: follows the picture's size and marks the rows that hold something.
-///
-/// width, height  of the output frame
-/// pixelAspect    width of a pixel in relation to its height
-void OverlayCompose(OverlayTiles& tiles, int32_t width, int32_t height, float pixelAspect);
 
 }  // namespace clarivex

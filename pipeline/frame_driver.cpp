@@ -29,7 +29,10 @@ float StrengthOfSlider(float sharpness) {
     return static_cast<float>(strength / 9.0 * 9.0);  // both roundings are part of the result
 }
 
-void FrameDriver::StartStream() { engine.lighting = LightingState{}; }
+void FrameDriver::StartStream() {
+    engine.lighting = LightingState{};
+    overlay.Restart();
+}
 
 void FrameDriver::Enhance(const FrameRequest& request, const FrameLayout& layout) {
     ApplySettings(request);
@@ -64,7 +67,7 @@ void FrameDriver::EnhancePacked(const FrameRequest& request, const FrameLayout& 
     }
     PrepareOutput(info, layout, aspect);
     PackedOutputStage(layout.output.luma, layout.outputEnd, picture,
-                      {info.correction, overlay, noise, kernels, workspace.output});
+                      {info.correction, overlay.Tiles(), noise, kernels, workspace.output});
 }
 
 void FrameDriver::EnhancePlanar(const FrameRequest& request, const FrameLayout& layout) {
@@ -81,7 +84,7 @@ void FrameDriver::EnhancePlanar(const FrameRequest& request, const FrameLayout& 
     }
     PrepareOutput(info, layout, aspect);
     PlanarOutputStage(layout.output, layout.outputEnd, picture,
-                      {info.correction, overlay, noise, kernels, workspace.output});
+                      {info.correction, overlay.Tiles(), noise, kernels, workspace.output});
 }
 
 /// The engine's pass, then the tone curve on its correction.
@@ -97,7 +100,7 @@ FrameInfo FrameDriver::RunEngine(const FrameRequest& request, const SourceImage&
 void FrameDriver::PrepareOutput(const FrameInfo& info, const FrameLayout& layout, float aspect) {
     noise.Build(info.noiseAmplitude);
     noise.Advance();
-    OverlayCompose(overlay, layout.outputWidth, layout.outputHeight, aspect);
+    OverlayCompose(overlay, layout.outputWidth, layout.outputHeight, aspect, kernels);
 }
 
 }  // namespace clarivex

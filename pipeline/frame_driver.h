@@ -2,7 +2,7 @@
 #pragma once
 
 #include "engine/enhancement_pass.h"
-#include "overlay/overlay_tiles.h"
+#include "overlay/overlay.h"
 #include "pipeline/frame_geometry.h"
 #include "pipeline/frame_request.h"
 #include "pipeline/frame_workspace.h"
@@ -15,11 +15,11 @@ float StrengthOfSlider(float sharpness);
 
 class FrameDriver {
 public:
-    FrameDriver(EnhancementEngine& engine, NoiseTable& noise, OverlayTiles& overlay, const KernelTable& kernels,
+    FrameDriver(EnhancementEngine& engine, NoiseTable& noise, Overlay& overlay, const KernelTable& kernels,
                 FrameWorkspace& workspace)
         : engine(engine), noise(noise), overlay(overlay), kernels(kernels), workspace(workspace) {}
 
-    /// Before the first frame of a stream: lighting starts from the levels of video.
+    /// Before the first frame of a stream: lighting starts from the levels of video, the caption from its first frame.
     void StartStream();
 
     /// Reads the picture of the layout's input and writes the one of its output.
@@ -35,7 +35,7 @@ private:
 
     EnhancementEngine& engine;
     NoiseTable& noise;
-    OverlayTiles& overlay;
+    Overlay& overlay;
     const KernelTable& kernels;
     FrameWorkspace& workspace;
 };

@@ -9,7 +9,7 @@ namespace clarivex {
 
 class EnhancementEngine;
 class NoiseTable;
-class OverlayTiles;
+class Overlay;
 struct KernelTable;
 
 /// Result of one frame.
@@ -29,7 +29,7 @@ struct FrameResult {
 /// player serialises streaming calls.
 class FramePipeline {
 public:
-    FramePipeline(EnhancementEngine& engine, NoiseTable& noise, OverlayTiles& overlay, const KernelTable& kernels)
+    FramePipeline(EnhancementEngine& engine, NoiseTable& noise, Overlay& overlay, const KernelTable& kernels)
         : engine(engine), noise(noise), overlay(overlay), kernels(kernels) {}
 
     /// Finds the picture in both buffers, checks that both hold it whole, and enhances it, or copies it when the object
@@ -39,7 +39,7 @@ public:
 private:
     EnhancementEngine& engine;
     NoiseTable& noise;
-    OverlayTiles& overlay;
+    Overlay& overlay;
     const KernelTable& kernels;
     FrameWorkspace workspace;
 };

@@ -5,7 +5,7 @@
 #include <atomic>
 
 #include "engine/enhancement_engine.h"
-#include "overlay/overlay_tiles.h"
+#include "overlay/overlay.h"
 #include "pipeline/noise_table.h"
 #include "runtime/cpu_features.h"
 #include "shell/instruction_set.h"
@@ -17,7 +17,7 @@ namespace {
 // Built when the module loads, before anything of it can be called.
 EnhancementEngine engine;
 NoiseTable noiseTable;
-OverlayTiles overlayTiles;
+Overlay overlay(MakeSystemFontEngine());
 
 InstructionSets RunnableSets() {
     const SimdSupport support = DetectSimdSupport();
@@ -30,7 +30,11 @@ std::atomic<const KernelTable*> kernels = &SelectKernels(RunnableSets());
 
 EnhancementEngine& ProcessEngine() { return engine; }
 
-FramePipeline MakeProcessPipeline() { return FramePipeline(engine, noiseTable, overlayTiles, *kernels.load()); }
+Overlay& ProcessOverlay() { return overlay; }
+
+const KernelTable& ProcessKernels() { return *kernels.load(); }
+
+FramePipeline MakeProcessPipeline() { return FramePipeline(engine, noiseTable, overlay, ProcessKernels()); }
 
 std::vector<std::string_view> RunnableInstructionSets() {
     std::vector<std::string_view> names;

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <utility>
 
 namespace clarivex {
 namespace {
@@ -67,16 +66,18 @@ TEST(OverlayTiles, ShrunkStoreKeepsPictureSizeAndGivesNoRows) {
     EXPECT_NE(tiles.Row(7), nullptr);
 }
 
-TEST(OverlayCompose, LeavesTheVideoAlone) {
+TEST(OverlayTiles, ClearsTheGroupsOfARectangle) {
     OverlayTiles tiles;
-    for (const auto& [width, height] : {std::pair{48, 10}, std::pair{48, 10}, std::pair{24, 33}}) {
-        OverlayCompose(tiles, width, height, 1.0F);
-        EXPECT_EQ(tiles.Width(), width);
-        EXPECT_EQ(tiles.AllocatedHeight(), height);
-        EXPECT_TRUE(std::ranges::all_of(tiles.RowTable(), [](int32_t entry) { return entry == -1; }));
-        EXPECT_TRUE(IsNeutral(tiles.Group(width - 1, height - 1)));
-        EXPECT_EQ(tiles.Row(0), nullptr);
-    }
+    tiles.Resize(40, 4);
+    std::fill_n(tiles.Group(0, 0), 4 * tiles.Stride(), uint8_t{9});
+    tiles.ClearRectangle({15, 1, 17, 3});
+    tiles.ClearRectangle({32, 3, 400, 100});
+    tiles.ClearRectangle({8, 0, 8, 0});
+    for (int32_t y = 0; y < 4; ++y)
+        for (const int32_t x : {0, 8, 16, 24, 32}) {
+            const bool inside = y == 1 || y == 2 ? x == 8 || x == 16 : y == 3 && x == 32;
+            EXPECT_EQ(IsNeutral(tiles.Group(x, y)), inside) << x << ", " << y;
+        }
 }
 
 }  // namespace

@@ -2,9 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <utility>
+#include <vector>
+
 #include "engine/enhancement_engine.h"
-#include "overlay/overlay_tiles.h"
+#include "overlay/overlay.h"
 #include "pipeline/noise_table.h"
+#include "tests/overlay/fake_fonts.h"
 #include "tests/support/memory_count.h"
 #include "tests/support/synthetic_video.h"
 #include "tests/support/test_images.h"
@@ -16,7 +21,8 @@ constexpr PixelFormat formats[] = {PixelFormat::yv12, PixelFormat::iyuv, PixelFo
 
 /// What a process has once, fresh for each test.
 struct Process {
-    explicit Process(const KernelTable& kernels = scalarKernels) : pipeline(engine, noise, overlay, kernels) {}
+    explicit Process(const KernelTable& kernels = scalarKernels, std::unique_ptr<FontEngine> fonts = nullptr)
+        : overlay(std::move(fonts)), pipeline(engine, noise, overlay, kernels) {}
 
     FrameResult Run(SyntheticVideo& video) {
         video.NextFrame();
@@ -27,7 +33,7 @@ struct Process {
 
     EnhancementEngine engine;
     NoiseTable noise;
-    OverlayTiles overlay;
+    Overlay overlay;
     FramePipeline pipeline;
 };
 
@@ -87,6 +93,39 @@ TEST(RunFrame, GivesTheSameBytesOnEverySystemAndAtEveryWidth) {
                     << kernels.name << ", format " << format << ", " << stream.width << " x " << stream.height
                     << (stream.scaled ? ", scaled" : "");
     });
+}
+
+/// Rows of the output, 3/2 of 96 × 120, that differ with the caption in its 73rd frame.
+std::vector<int32_t> RowsUnderCaption(PixelFormat format, const KernelTable& kernels, uint32_t& digest) {
+    Process plain(kernels), captioned(kernels, std::make_unique<FakeFontEngine>());
+    SyntheticVideo expected(format, 96, 120, true), video(format, 96, 120, true);
+    for (int32_t frame = 0; frame < 73; ++frame) {
+        plain.Run(expected);
+        captioned.Run(video);
+    }
+    digest = video.Digest(0);
+    std::vector<int32_t> rows;
+    const int32_t stride = format == PixelFormat::yuy2 ? 288 : 144;
+    for (int32_t y = 0; y < 180; ++y)
+        if (!std::equal(&video.output[y * stride], &video.output[y * stride] + stride, &expected.output[y * stride])) {
+            EXPECT_NE(captioned.overlay.Tiles().Row(y), nullptr) << y;
+            rows.push_back(y);
+        }
+    return rows;
+}
+
+TEST(RunFrame, BlendsTheCaptionIntoItsRowsAndNoOthers) {
+    for (const PixelFormat format : formats) {
+        uint32_t expected = 0;
+        const std::vector<int32_t> rows = RowsUnderCaption(format, scalarKernels, expected);
+        ASSERT_FALSE(rows.empty());
+        EXPECT_GT(rows.front(), 150);
+        ForEachRunnableTable([&](const KernelTable& kernels) {
+            uint32_t digest = 0;
+            EXPECT_EQ(RowsUnderCaption(format, kernels, digest), rows) << kernels.name;
+            EXPECT_EQ(digest, expected) << kernels.name << ", format " << static_cast<int>(format);
+        });
+    }
 }
 
 TEST(RunFrame, AllocatesNothingFromTheSecondFrameOn) {

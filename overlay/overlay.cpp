@@ -1,0 +1,26 @@
+#include "overlay/overlay.h"
+
+#include <utility>
+
+#include "overlay/compositor.h"
+#include "runtime/clock.h"
+
+namespace clarivex {
+
+Overlay::Overlay(std::unique_ptr<FontEngine> fontEngine) : fonts(std::move(fontEngine)), scene(fonts.get()) {
+    sceneGroup.AddChild(scene);
+}
+
+void OverlayCompose(Overlay& overlay, int32_t width, int32_t height, float pixelAspect, const KernelTable& kernels) {
+    OverlayTiles& tiles = overlay.tiles;
+    if (width != tiles.Width() || height != tiles.Height()) {
+        tiles.Resize(width, height);
+        tiles.Clear();
+    }
+    const Composition composition = Compose(overlay.sceneGroup, tiles, width, height, pixelAspect,
+                                            {ProcessClock().Now(), kernels}, {.releaseWhenEmpty = true});
+    tiles.MarkAllRowsEmpty();
+    for (const Rectangle rectangle : RegionRects(composition.content)) tiles.MarkRows(rectangle.top, rectangle.bottom);
+}
+
+}  // namespace clarivex

@@ -1,0 +1,28 @@
+#include "overlay/overlay_scene.h"
+
+#include <algorithm>
+
+#include "overlay/caption_style.h"
+
+namespace clarivex {
+
+OverlayScene::OverlayScene(FontEngine* fonts) : caption(fonts) {
+    caption.SetCaption(CaptionText);
+    layer.Images().AddChild(caption);
+    group.AddChild(layer);
+}
+
+void OverlayScene::SetSize(int32_t newWidth, int32_t newHeight, float aspect) {
+    width = newWidth;
+    height = newHeight;
+    pixelAspect = aspect;
+}
+
+bool OverlayScene::Update(const ComposeFrame& /*composeFrame*/) {
+    frame = std::min(frame + 1, captionEnd);
+    caption.SetColours(ColoursOf(frame));
+    caption.SetPlacement(PlaceCaption(width, height, pixelAspect));
+    return true;
+}
+
+}  // namespace clarivex

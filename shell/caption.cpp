@@ -1,0 +1,15 @@
+#include "shell/caption.h"
+
+#include "overlay/overlay.h"
+#include "pipeline/caption_picture.h"
+#include "shell/process_objects.h"
+
+namespace clarivex {
+
+void ShowCaption(bool on) { ProcessOverlay().SetShown(on); }
+
+std::vector<uint8_t> DrawCaption(int32_t frame, int32_t width, int32_t height, float pixelAspect) {
+    return DrawCaptionPicture(frame, width, height, pixelAspect, MakeSystemFontEngine(), ProcessKernels());
+}
+
+}  // namespace clarivex

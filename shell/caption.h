@@ -1,0 +1,20 @@
+// The caption that the plug-in shows over the first frames of a stream, for programs with the plug-in linked in.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace clarivex {
+
+/// Whether the media objects of this process show the caption. They do until told otherwise. Not while frames are
+/// processed.
+void ShowCaption(bool on);
+
+/// The caption alone, over grey: a 4:2:0 picture without gaps, Y, U, V.
+///
+/// frame          from 1 on
+/// width, height  of the picture, 1 … 65536
+/// pixelAspect    width of a pixel in relation to its height
+std::vector<uint8_t> DrawCaption(int32_t frame, int32_t width, int32_t height, float pixelAspect);
+
+}  // namespace clarivex
