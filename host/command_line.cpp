@@ -80,18 +80,70 @@ void SetFrames(EnhanceOptions& options, Value value) {
     options.frames = *frames;
 }
 
+void SetFrame(CaptionOptions& options, Value value) {
+    const auto frame = ParseWhole<int32_t>(value);
+    if (!frame || *frame < 1 || *frame > largestCaptionFrame)
+        ThrowBadValue("--frame", value, "a whole number from 1 to " + std::to_string(largestCaptionFrame));
+    options.frame = *frame;
+}
+
+/// Two whole numbers around a sign.
+template <class Number>
+std::optional<std::pair<Number, Number>> ParsePair(Value value, char sign) {
+    const size_t at = value.find(sign);
+    if (at == Value::npos) return std::nullopt;
+    const auto first = ParseWhole<Number>(value.substr(0, at));
+    const auto second = ParseWhole<Number>(value.substr(at + 1));
+    return first && second ? std::optional(std::pair(*first, *second)) : std::nullopt;
+}
+
+void SetSize(CaptionOptions& options, Value value) {
+    const auto isSide = [](int32_t side) { return side >= 1 && side <= largestPictureSide; };
+    const auto size = ParsePair<int32_t>(value, 'x');
+    if (!size || !isSide(size->first) || !isSide(size->second))
+        ThrowBadValue("--size", value, "WIDTHxHEIGHT, each from 1 to " + std::to_string(largestPictureSide));
+    options.size = {size->first, size->second};
+}
+
+void SetAspect(CaptionOptions& options, Value value) {
+    const auto aspect = ParsePair<uint32_t>(value, ':');
+    if (!aspect || aspect->first == 0 || aspect->second == 0)
+        ThrowBadValue("--aspect", value, "two whole numbers from 1, as in 64:45");
+    options.sampleAspect = {aspect->first, aspect->second};
+}
+
+void SetAttempts(TuneOptions& options, Value value) {
+    const auto attempts = ParseWhole<int32_t>(value);
+    if (!attempts || *attempts < 1 || *attempts > mostTuningAttempts)
+        ThrowBadValue("--attempts", value, "a whole number from 1 to " + std::to_string(mostTuningAttempts));
+    options.tuning.attempts = *attempts;
+}
+
+void SetSeed(TuneOptions& options, Value value) {
+    const auto seed = ParseWhole<uint32_t>(value);
+    if (!seed) ThrowBadValue("--seed", value, "a whole number from 0 to " + std::to_string(UINT32_MAX));
+    options.tuning.seed = *seed;
+}
+
+void SetScale(TuneOptions& options, Value value) {
+    options.tuning.scale = Choose<TuningScale>(
+        "--scale", value,
+        {{"1", TuningScale::unscaled}, {"3/2", TuningScale::threeHalves}, {"2", TuningScale::twofold}});
+}
+
 void SetPlugin(EnhanceOptions& options, Value value) {
     if (value.empty()) ThrowBadValue("--plugin", value, "the path of a plug-in library");
     options.plugin = value;
 }
 
+template <class Options>
 struct Option {
     std::string_view name;
     bool takesValue;
-    void (*apply)(EnhanceOptions& options, Value value);
+    void (*apply)(Options& options, Value value);
 };
 
-constexpr std::array<Option, 11> enhanceOptions = {{
+constexpr std::array<Option<EnhanceOptions>, 11> enhanceOptions = {{
     {"--format", true, SetFormat},
     {"--mode", true, SetMode},
     {"--sharpness", true, SetSharpness},
@@ -105,12 +157,18 @@ constexpr std::array<Option, 11> enhanceOptions = {{
     {"--timing", false, [](EnhanceOptions& o, Value) { o.timing = true; }},
 }};
 
-const Option& FindOption(std::string_view name) {
-    const auto found = std::find_if(enhanceOptions.begin(), enhanceOptions.end(),
-                                    [=](const Option& option) { return option.name == name; });
-    if (found == enhanceOptions.end()) throw UsageError("unknown option " + Printable(name));
-    return *found;
-}
+constexpr std::array<Option<CaptionOptions>, 3> captionOptions = {{
+    {"--frame", true, SetFrame},
+    {"--size", true, SetSize},
+    {"--aspect", true, SetAspect},
+}};
+
+constexpr std::array<Option<TuneOptions>, 4> tuneOptions = {{
+    {"--attempts", true, SetAttempts},
+    {"--seed", true, SetSeed},
+    {"--scale", true, SetScale},
+    {"--quiet", false, [](TuneOptions& o, Value) { o.quiet = true; }},
+}};
 
 /// The words behind the command, one taken at a time.
 class WordReader {
@@ -129,28 +187,26 @@ private:
     std::span<const char* const> words;
 };
 
-void ReadOption(std::string_view word, WordReader& rest, EnhanceOptions& options) {
+template <class Options>
+void ReadOption(std::string_view word, WordReader& rest, std::span<const Option<Options>> known, Options& options) {
     const size_t equals = word.find('=');
+    const std::string_view name = word.substr(0, equals);
     const bool joined = equals != std::string_view::npos;
-    const Option& option = FindOption(word.substr(0, equals));
-    if (!option.takesValue && joined) throw UsageError(std::string(option.name) + " takes no value");
-    if (option.takesValue && !joined && rest.Empty())
-        throw UsageError(std::string(option.name) + " needs a value behind it");
-    if (!option.takesValue)
-        option.apply(options, {});
+    const auto option = std::find_if(known.begin(), known.end(), [=](const auto& one) { return one.name == name; });
+    if (option == known.end()) throw UsageError("unknown option " + Printable(name));
+    if (!option->takesValue && joined) throw UsageError(std::string(name) + " takes no value");
+    if (option->takesValue && !joined && rest.Empty()) throw UsageError(std::string(name) + " needs a value behind it");
+    if (!option->takesValue)
+        option->apply(options, {});
     else
-        option.apply(options, joined ? word.substr(equals + 1) : rest.Next());
+        option->apply(options, joined ? word.substr(equals + 1) : rest.Next());
 }
 
 bool IsOption(std::string_view word) { return word.size() > 1 && word[0] == '-'; }
 
-void CheckTogether(const EnhanceOptions& options) {
-    if (!options.plugin.empty() && options.simd != "auto")
-        throw UsageError("--simd and --plugin exclude each other: a loaded plug-in chooses for itself");
-}
-
-EnhanceOptions ParseEnhance(WordReader rest) {
-    EnhanceOptions options;
+/// Sets `options` from the options among the words behind a command, and gives the other words: files.
+template <class Options>
+std::vector<std::string_view> ReadWords(WordReader& rest, std::span<const Option<Options>> known, Options& options) {
     std::vector<std::string_view> files;
     bool optionsEnded = false;
     while (!rest.Empty()) {
@@ -158,16 +214,48 @@ EnhanceOptions ParseEnhance(WordReader rest) {
         if (!optionsEnded && word == "--")
             optionsEnded = true;
         else if (!optionsEnded && IsOption(word))
-            ReadOption(word, rest, options);
+            ReadOption(word, rest, known, options);
         else
             files.push_back(word);
     }
-    if (files.size() != 2)
-        throw UsageError("enhance needs two files, IN and OUT (- for a pipe), " + std::to_string(files.size()) +
-                         " given");
+    return files;
+}
+
+void CheckFileCount(const std::vector<std::string_view>& files, size_t wanted, const std::string& needed) {
+    if (files.size() != wanted) throw UsageError(needed + ", " + std::to_string(files.size()) + " given");
+}
+
+void CheckTogether(const EnhanceOptions& options) {
+    if (options.plugin.empty()) return;
+    if (options.simd != "auto")
+        throw UsageError("--simd and --plugin exclude each other: a loaded plug-in chooses for itself");
+    if (options.caption)
+        throw UsageError("--caption and --plugin exclude each other: a loaded plug-in always shows it");
+}
+
+EnhanceOptions ParseEnhance(WordReader& rest) {
+    EnhanceOptions options;
+    const auto files = ReadWords<EnhanceOptions>(rest, enhanceOptions, options);
+    CheckFileCount(files, 2, "enhance needs two files, IN and OUT (- for a pipe)");
     CheckTogether(options);
     options.input = files[0];
     options.output = files[1];
+    return options;
+}
+
+CaptionOptions ParseCaption(WordReader& rest) {
+    CaptionOptions options;
+    const auto files = ReadWords<CaptionOptions>(rest, captionOptions, options);
+    CheckFileCount(files, 1, "caption needs one file, OUT (- for a pipe)");
+    options.output = files[0];
+    return options;
+}
+
+TuneOptions ParseTune(WordReader& rest) {
+    TuneOptions options;
+    const auto files = ReadWords<TuneOptions>(rest, tuneOptions, options);
+    CheckFileCount(files, 1, "tune needs one file, TARGET (- for a pipe)");
+    options.target = files[0];
     return options;
 }
 
@@ -184,21 +272,38 @@ std::optional<Command> FindGeneralOption(std::span<const char* const> words) {
 }  // namespace
 
 CommandLine ParseCommandLine(std::span<const char* const> words) {
-    if (const auto general = FindGeneralOption(words)) return {*general, {}};
+    CommandLine result;
+    if (const auto general = FindGeneralOption(words)) {
+        result.command = *general;
+        return result;
+    }
     WordReader rest(words);
-    if (rest.Empty()) throw UsageError("a command is missing: enhance or info");
+    if (rest.Empty()) throw UsageError("a command is missing: enhance, caption, tune or info");
     const std::string_view command = rest.Next();
-    if (command == "enhance") return {Command::enhance, ParseEnhance(rest)};
-    if (command != "info")
+    if (command == "enhance") {
+        result.command = Command::enhance;
+        result.enhance = ParseEnhance(rest);
+    } else if (command == "caption") {
+        result.command = Command::caption;
+        result.caption = ParseCaption(rest);
+    } else if (command == "tune") {
+        result.command = Command::tune;
+        result.tune = ParseTune(rest);
+    } else if (command == "info") {
+        result.command = Command::info;
+        if (!rest.Empty()) throw UsageError("info takes no arguments, but " + Printable(rest.Next()) + " follows");
+    } else {
         throw UsageError((IsOption(command) ? "unknown option " : "unknown command ") + Printable(command));
-    if (!rest.Empty()) throw UsageError("info takes no arguments, but " + Printable(rest.Next()) + " follows");
-    return {Command::info, {}};
+    }
+    return result;
 }
 
 const char* const helpText =
     R"(clarivex: sharpens, corrects and enlarges video by 3/2, as the plug-in does in a player
 
   clarivex enhance [options] IN OUT    enhance a Y4M video (8-bit 4:2:0); - is standard input or output
+  clarivex caption [options] OUT       the opening caption alone, over grey: a Y4M video of one frame
+  clarivex tune [options] TARGET       look for engine settings that restore a reduced bitmap best; for development
   clarivex info                        version, processor, instruction set and speed
   clarivex --help | --version
 
@@ -211,10 +316,22 @@ Options of enhance:
   --simd scalar|sse2|avx2|avx512|auto
                              instruction set of the kernels; default auto
   --frames N                 stop after N frames
-  --caption on|off           the plug-in's opening caption; default off
+  --caption on|off           the plug-in's opening caption over the first 276 frames; default off
   --plugin PATH              Windows: go through this library instead of the code linked in
   --timing                   print the time spent inside ProcessOutput
   --quiet                    no notes, no progress, no summary
+
+Options of caption:
+  --frame N                  frame of the stream: it fades in until 72, out from 144, and is gone at 276; default 100
+  --size WxH                 size of the picture; default 960x720
+  --aspect N:D               width to height of a sample; default 1:1
+
+Options of tune, which prints the error of each attempt that improves, then the settings, and leaves in.bmp (the picture
+reduced) and out.bmp (enlarged again with the best settings) in the current folder:
+  --attempts N               number of attempts; default 200
+  --seed S                   another seed makes other attempts; default 1
+  --scale 1|3/2|2            enlargement that is tuned; default 3/2
+  --quiet                    no progress, no summary
 
 Exit codes: 0 done, 1 the run failed, 2 wrong use.
 

@@ -2,14 +2,16 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 
 #include "host/picture.h"
+#include "shell/tuning.h"
 
 namespace clarivex {
 
-enum class Command { enhance, info, help, version };
+enum class Command { enhance, caption, tune, info, help, version };
 
 /// When the plug-in enlarges; the values are those of its setting.
 enum class EnlargeMode : uint32_t { never = 0, automatic = 1, always = 2 };
@@ -20,7 +22,7 @@ struct EnhanceOptions {
     float sharpness = 1.0f;  ///< 0 … 2
     bool lighting = true;
     bool allowHd = true;
-    bool caption = false;
+    std::optional<bool> caption;  ///< shown or not; without a word of it, not shown by the code linked in
     bool quiet = false;
     bool timing = false;
     std::string simd = "auto";     ///< scalar, sse2, avx2, avx512 or auto
@@ -30,9 +32,28 @@ struct EnhanceOptions {
     std::string output;
 };
 
+constexpr int32_t largestCaptionFrame = 100000;
+
+struct CaptionOptions {
+    int32_t frame = 100;  ///< 1 … largestCaptionFrame
+    PictureSize size{960, 720};
+    Ratio sampleAspect{1, 1};
+    std::string output;
+};
+
+constexpr int32_t mostTuningAttempts = 1000000;
+
+struct TuneOptions {
+    TuningOptions tuning;  ///< attempts: 1 … mostTuningAttempts
+    bool quiet = false;
+    std::string target;
+};
+
 struct CommandLine {
     Command command = Command::help;
     EnhanceOptions enhance;
+    CaptionOptions caption;
+    TuneOptions tune;
 };
 
 /// Parses the words behind the program's name. Options may stand anywhere behind the command, as "--name value" or

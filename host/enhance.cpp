@@ -7,33 +7,18 @@
 #include <string>
 
 #include "host/byte_stream.h"
-#include "host/errors.h"
+#include "host/naming.h"
 #include "host/player.h"
 #include "host/plugin_library.h"
 #include "host/progress.h"
 #include "host/y4m.h"
 #include "platform/console.h"
+#include "shell/caption.h"
 #include "shell/instruction_set.h"
 
 namespace clarivex {
 
 namespace {
-
-std::string InputName(const EnhanceOptions& options) { return options.input == "-" ? "standard input" : options.input; }
-
-std::string OutputName(const EnhanceOptions& options) {
-    return options.output == "-" ? "standard output" : options.output;
-}
-
-/// Runs `action` and puts the name in front of its errors.
-template <class Action>
-auto Naming(const std::string& name, Action action) {
-    try {
-        return action();
-    } catch (const RunError& error) {
-        throw RunError(name + ": " + error.what());
-    }
-}
 
 void Note(const EnhanceOptions& options, const std::string& text) {
     if (!options.quiet) std::fprintf(stderr, "clarivex: note: %s\n", text.c_str());
@@ -73,7 +58,7 @@ private:
     PictureSize OutputSize() const { return bypassed ? reader.Header().size : player.OutputSize(); }
     void CopyFrames(Progress& progress);
     bool ReadFrame() {
-        return Naming(InputName(options), [this] { return reader.ReadFrame(frame); });
+        return Naming(InputName(options.input), [this] { return reader.ReadFrame(frame); });
     }
     void WriteFrame();
     void Report(const Progress& progress) const;
@@ -92,13 +77,13 @@ private:
 Enhancement::Enhancement(const EnhanceOptions& given)
     : options(given),
       plugin(LoadPlugin(given.plugin)),
-      source(Naming(InputName(given), [&] { return FileSource(given.input); })),
-      reader(Naming(InputName(given), [this] { return Y4mReader(source); })),
+      source(Naming(InputName(given.input), [&] { return FileSource(given.input); })),
+      reader(Naming(InputName(given.input), [this] { return Y4mReader(source); })),
       player(plugin ? plugin->MakeMediaObject() : MakeLinkedMediaObject(), FormatOf(reader.Header(), given.format),
              SettingsOf(given)),
-      bypassed(Naming(InputName(given), [this] { return player.Negotiate() == Negotiated::bypassedForHd; })),
+      bypassed(Naming(InputName(given.input), [this] { return player.Negotiate() == Negotiated::bypassedForHd; })),
       sink(OpenOutput()),
-      writer(Naming(OutputName(given), [this] { return Y4mWriter(sink, OutputHeader()); })) {
+      writer(Naming(OutputName(given.output), [this] { return Y4mWriter(sink, OutputHeader()); })) {
     NoteLimits();
     if (options.timing) player.NoteTimes();
 }
@@ -106,7 +91,7 @@ Enhancement::Enhancement(const EnhanceOptions& given)
 FileSink Enhancement::OpenOutput() const {
     if (SameFile(options.input, options.output))
         throw RunError(options.output + ": is the input file too; name another output");
-    return Naming(OutputName(options), [this] { return FileSink(options.output); });
+    return Naming(OutputName(options.output), [this] { return FileSink(options.output); });
 }
 
 std::string Enhancement::OutputHeader() const {
@@ -129,7 +114,6 @@ void Enhancement::NoteLimits() {
         Note(options,
              "pictures this large are not enlarged in both directions: they stand at the upper left of the "
              "output (--mode never keeps their size)");
-    if (options.caption) Note(options, "the caption is not available in this version; the pictures come without it");
 }
 
 std::optional<uint64_t> Enhancement::ExpectedFrames() const {
@@ -162,7 +146,7 @@ void Enhancement::CopyFrames(Progress& progress) {
 void Enhancement::WriteFrame() {
     const PicturePlanes planes =
         bypassed ? PlanarPicture{reader.Header().size, frame.samples}.Planes() : player.Play(frame.samples);
-    Naming(OutputName(options), [&] { writer.WriteFrame(frame.parameters, planes); });
+    Naming(OutputName(options.output), [&] { writer.WriteFrame(frame.parameters, planes); });
 }
 
 void Enhancement::Report(const Progress& progress) const {
@@ -175,7 +159,10 @@ void Enhancement::Report(const Progress& progress) const {
 }  // namespace
 
 void RunEnhance(const EnhanceOptions& options) {
-    if (options.plugin.empty()) ChooseSimd(options.simd);
+    if (options.plugin.empty()) {
+        ChooseSimd(options.simd);
+        ShowCaption(options.caption.value_or(false));
+    }
     Enhancement(options).Run();
 }
 

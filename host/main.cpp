@@ -5,10 +5,12 @@
 #include <span>
 #include <string>
 
+#include "host/caption.h"
 #include "host/command_line.h"
 #include "host/enhance.h"
 #include "host/errors.h"
 #include "host/info.h"
+#include "host/tune.h"
 #include "platform/console.h"
 #include "runtime/version.h"
 
@@ -26,6 +28,8 @@ void Print(const std::string& text) {
 void Run(const CommandLine& commandLine) {
     switch (commandLine.command) {
         case Command::enhance: RunEnhance(commandLine.enhance); break;
+        case Command::caption: RunCaption(commandLine.caption); break;
+        case Command::tune: RunTune(commandLine.tune); break;
         case Command::info: Print(InfoText()); break;
         case Command::help: Print(helpText); break;
         case Command::version: Print(std::string("clarivex ") + versionText + "\n"); break;

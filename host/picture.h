@@ -8,6 +8,8 @@
 
 namespace clarivex {
 
+constexpr int32_t largestPictureSide = 8192;  ///< that the command line works on, in luma samples
+
 /// A size in luma samples, both at least 1. Subsampled chroma is rounded up.
 struct PictureSize {
     int32_t width = 0;

@@ -18,11 +18,15 @@ std::string Fixed(double value, int digits) {
     return text;
 }
 
-std::string FramesASecond(uint64_t frames, double seconds) {
-    return Fixed(seconds > 0.0 ? static_cast<double>(frames) / seconds : 0.0, 1) + " frames/s";
+std::string Plural(const char* unit) { return std::string(" ") + unit + "s"; }
+
+std::string CountASecond(uint64_t count, double seconds, const char* unit) {
+    return Fixed(seconds > 0.0 ? static_cast<double>(count) / seconds : 0.0, 1) + Plural(unit) + "/s";
 }
 
-std::string FrameCount(uint64_t frames) { return std::to_string(frames) + (frames == 1 ? " frame" : " frames"); }
+std::string CountText(uint64_t count, const char* unit) {
+    return std::to_string(count) + (count == 1 ? std::string(" ") + unit : Plural(unit));
+}
 
 /// Hours only where there are any: 0:04, 1:02:03.
 std::string ClockTime(double seconds) {
@@ -43,17 +47,18 @@ double Milliseconds(Clock::duration time) { return std::chrono::duration<double,
 
 }  // namespace
 
-std::string ProgressText(uint64_t frames, std::optional<uint64_t> total, double seconds) {
-    if (!total || *total < frames) return FrameCount(frames) + ", " + FramesASecond(frames, seconds);
-    std::string text = std::to_string(frames) + " of " + FrameCount(*total) + ", " + FramesASecond(frames, seconds);
-    if (frames > 0)
-        text +=
-            ", " + ClockTime(seconds / static_cast<double>(frames) * static_cast<double>(*total - frames)) + " left";
+std::string ProgressText(uint64_t count, std::optional<uint64_t> total, double seconds, const char* unit) {
+    if (!total || *total < count) return CountText(count, unit) + ", " + CountASecond(count, seconds, unit);
+    std::string text =
+        std::to_string(count) + " of " + CountText(*total, unit) + ", " + CountASecond(count, seconds, unit);
+    if (count > 0)
+        text += ", " + ClockTime(seconds / static_cast<double>(count) * static_cast<double>(*total - count)) + " left";
     return text;
 }
 
 std::string SummaryText(uint64_t frames, PictureSize from, PictureSize to, double seconds) {
-    return FrameCount(frames) + ", " + SizeText(from) + " to " + SizeText(to) + ", " + FramesASecond(frames, seconds);
+    return CountText(frames, "frame") + ", " + SizeText(from) + " to " + SizeText(to) + ", " +
+           CountASecond(frames, seconds, "frame");
 }
 
 std::string TimingText(std::span<const Clock::duration> times) {
@@ -62,13 +67,14 @@ std::string TimingText(std::span<const Clock::duration> times) {
     std::sort(sorted.begin(), sorted.end());
     double total = 0.0;
     for (const Clock::duration time : sorted) total += Milliseconds(time);
-    return "timing: " + FrameCount(sorted.size()) + " in ProcessOutput, total " + Fixed(total, 3) + " ms, mean " +
-           Fixed(total / static_cast<double>(sorted.size()), 4) + " ms, minimum " +
+    return "timing: " + CountText(sorted.size(), "frame") + " in ProcessOutput, total " + Fixed(total, 3) +
+           " ms, mean " + Fixed(total / static_cast<double>(sorted.size()), 4) + " ms, minimum " +
            Fixed(Milliseconds(sorted.front()), 4) + " ms, median " + Fixed(Milliseconds(sorted[sorted.size() / 2]), 4) +
            " ms";
 }
 
-Progress::Progress(bool visible, std::optional<uint64_t> totalFrames) : shown(visible), total(totalFrames) {}
+Progress::Progress(bool visible, std::optional<uint64_t> wholeCount, const char* counted)
+    : shown(visible), total(wholeCount), unit(counted) {}
 
 Progress::~Progress() { Wipe(); }
 
@@ -81,7 +87,7 @@ void Progress::FrameDone() {
     ++frames;
     if (!shown || Clock::now() < nextShow) return;
     nextShow = Clock::now() + showEvery;
-    Show(ProgressText(frames, total, Seconds()));
+    Show(ProgressText(frames, total, Seconds(), unit));
 }
 
 double Progress::Seconds() const { return std::chrono::duration<double>(Clock::now() - start).count(); }

@@ -14,7 +14,9 @@ namespace clarivex {
 using Clock = std::chrono::steady_clock;
 
 /// "123 of 300 frames, 45.6 frames/s, 0:04 left"; without `total` neither "of" nor the time left. seconds at least 0.
-std::string ProgressText(uint64_t frames, std::optional<uint64_t> total, double seconds);
+///
+/// unit  what is counted, in the singular
+std::string ProgressText(uint64_t count, std::optional<uint64_t> total, double seconds, const char* unit = "frame");
 
 /// "300 frames, 640x480 to 960x720, 45.6 frames/s".
 std::string SummaryText(uint64_t frames, PictureSize from, PictureSize to, double seconds);
@@ -25,13 +27,13 @@ std::string TimingText(std::span<const Clock::duration> times);
 /// The progress line on standard error, written over itself a few times a second and wiped at the end.
 class Progress {
 public:
-    /// `shown` off makes every call do nothing.
-    Progress(bool shown, std::optional<uint64_t> totalFrames);
+    /// `shown` off makes every call do nothing. `unit` as in ProgressText.
+    Progress(bool shown, std::optional<uint64_t> wholeCount, const char* counted = "frame");
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    void FrameDone();
+    void FrameDone();  ///< a frame, or what else `unit` counts
 
     /// Takes the line off the terminal, so that another can take its place.
     void Wipe();
@@ -44,6 +46,7 @@ private:
 
     bool shown;
     std::optional<uint64_t> total;
+    const char* unit;
     uint64_t frames = 0;
     size_t lettersShown = 0;
     Clock::time_point start = Clock::now();

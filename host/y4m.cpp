@@ -56,9 +56,9 @@ std::optional<uint32_t> ParseNumber(std::string_view text) {
 
 int32_t ParseSide(const std::string& tag, const char* what) {
     const auto side = ParseNumber(std::string_view(tag).substr(1));
-    if (!side || *side < 1 || *side > static_cast<uint32_t>(largestY4mSide))
+    if (!side || *side < 1 || *side > static_cast<uint32_t>(largestPictureSide))
         throw RunError("header tag " + Printable(tag) + ": the " + what + " must be 1 to " +
-                       std::to_string(largestY4mSide));
+                       std::to_string(largestPictureSide));
     return static_cast<int32_t>(*side);
 }
 

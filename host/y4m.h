@@ -11,8 +11,7 @@
 
 namespace clarivex {
 
-constexpr int32_t largestY4mSide = 8192;  ///< of a picture, in luma samples
-constexpr size_t longestY4mLine = 2048;   ///< of a stream's or a frame's header, in bytes
+constexpr size_t longestY4mLine = 2048;  ///< of a stream's or a frame's header, in bytes
 
 /// What the first line of a stream tells.
 struct Y4mHeader {
@@ -23,7 +22,7 @@ struct Y4mHeader {
 };
 
 /// Parses the first line of a stream, without its line end. Throws RunError for anything that is not 8-bit 4:2:0 with
-/// sides of 1 … largestY4mSide, or whose numbers cannot be read.
+/// sides of 1 … largestPictureSide, or whose numbers cannot be read.
 Y4mHeader ParseY4mHeader(std::string_view line);
 
 /// The first line of a stream like `input` but with another size, line end included. Tags for rate, aspect, interlacing

@@ -39,6 +39,7 @@ enlarged_bytes=$((6 + 96 * 72 * 3 / 2))  # a frame of 96x72 with its FRAME line
 # Wrong use: code 2.
 expect 2 'a command is missing.*--help'
 expect 2 'unknown command polish' polish
+expect 2 '--attempts 0: the value must be a whole number from 1' tune --attempts 0 target.bmp
 expect 2 'unknown option --sharp;' enhance --sharp clip.y4m out.y4m
 expect 2 '--format rgb: the value must be one of yv12, iyuv, yuy2' enhance --format rgb clip.y4m out.y4m
 expect 2 '--sharpness 3: the value must be a number from 0 to 2' enhance --sharpness 3 clip.y4m out.y4m
@@ -90,6 +91,38 @@ expect 0 '64x48 to 64x48' enhance --mode never clip.y4m plain.y4m
 timeout 60 "$clarivex" enhance --hd bypass hd.y4m same_hd.y4m 2>errors || fail 'bypassing high definition'
 grep -q 'note: high definition is bypassed' errors || fail 'no word about the bypass'
 cmp -s hd.y4m same_hd.y4m || fail 'a bypassed video was changed'
+
+# The caption: off unless asked for, gone after 276 frames, and below the picture's middle.
+enhance_with() { timeout 60 "$clarivex" enhance --quiet --caption "$1" clip.y4m "$2" || fail "caption $1"; }
+enhance_with off without.y4m && cmp -s good.y4m without.y4m || fail 'the caption is not off by default'
+enhance_with on with.y4m && ! cmp -s good.y4m with.y4m || fail 'no caption where it was asked for'
+caption() { timeout 60 "$clarivex" caption --size 320x240 --frame "$1" "$2" 2>errors || fail "caption $1"; }
+caption 100 caption.y4m && caption 276 gone.y4m
+[ "$(wc -c <caption.y4m)" = "$(wc -c <gone.y4m)" ] || fail 'size of the caption alone'
+! cmp -s caption.y4m gone.y4m || fail 'the caption does not go'
+cmp -s <(head -c $((80 + 320 * 120)) caption.y4m) <(head -c $((80 + 320 * 120)) gone.y4m) || fail 'caption too high'
+expect 2 '--size 0x5: the value must be WIDTHxHEIGHT' caption --size 0x5 out.y4m
+expect 1 'no/out.y4m: cannot be opened for writing' caption no/out.y4m
+
+# Tuning: errors that fall, a table, and two pictures; the target is never written over.
+bitmap() {  # of 96x64 at most, 24 bits, with pixels from the program itself
+    printf 'BM\0\0\0\0\0\0\0\0\66\0\0\0\50\0\0\0\140\0\0\0\100\0\0\0\1\0\30\0'
+    head -c 24 /dev/zero && tail -c "${1:-18432}" "$clarivex"
+}
+bitmap >target.bmp
+expect 0 '^clarivex: 60 attempts, 64x43 to 96x64, err [0-9.]+ to [0-9.]+$' tune target.bmp --attempts 60
+grep -Eq '^err : [0-9]+\.[0-9]{5}$' output || fail 'no attempt improves'
+grep '^err' output | sort -c -t : -k 2 -g -r || fail 'errors that do not fall'
+grep -Eq '^kernelBeta +98 +[0-9]+$' output || fail 'no table of settings'
+[ "$(wc -c <in.bmp) $(wc -c <out.bmp)" = "$((54 + 192 * 43)) 18486" ] || fail 'sizes of in.bmp and out.bmp'
+timeout 60 "$clarivex" tune --quiet --attempts 60 --seed 1 - <target.bmp >again 2>errors || fail 'tuning from a pipe'
+cmp -s output again || fail 'another run with the same seed finds other settings'
+[ ! -s errors ] || fail 'tune --quiet spoke'
+cp target.bmp out.bmp && expect 1 'out.bmp: is the file that this command writes' tune out.bmp
+cmp -s target.bmp out.bmp || fail 'the target was written over'
+expect 1 'missing.bmp: cannot be opened for reading' tune missing.bmp
+bitmap 700 >cut.bmp && expect 1 'cut.bmp: row 2 of the bitmap.s 64 is cut short' tune cut.bmp
+expect 1 'clip.y4m: is not a Windows bitmap' tune clip.y4m
 
 # What breaks off is told, and the frames before it are whole.
 head -c $((${#header} + 1 + 2 * 4614 + 6 + 1000)) clip.y4m >cut.y4m

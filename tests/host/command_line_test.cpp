@@ -36,10 +36,25 @@ TEST(CommandLine, EveryOptionArrives) {
     EXPECT_FALSE(options.lighting || options.allowHd);
     EXPECT_EQ(options.simd, "sse2");
     EXPECT_EQ(options.frames, 12u);
-    EXPECT_TRUE(options.caption && options.quiet && options.timing);
+    EXPECT_TRUE(options.caption.value() && options.quiet && options.timing);
     EXPECT_EQ(options.input, "-");
     EXPECT_EQ(options.output, "-");
     EXPECT_EQ(Parse({"enhance", "--plugin", "x.dll", "a", "b"}).enhance.plugin, "x.dll");
+
+    const CaptionOptions caption =
+        Parse({"caption", "--frame=276", "out.y4m", "--size", "1x8192", "--aspect", "64:45"}).caption;
+    EXPECT_EQ(caption.frame, 276);
+    EXPECT_EQ(caption.size, (PictureSize{1, 8192}));
+    EXPECT_EQ(caption.sampleAspect, (Ratio{64, 45}));
+    EXPECT_EQ(caption.output, "out.y4m");
+
+    const TuneOptions tune =
+        Parse({"tune", "--attempts", "7", "a.bmp", "--seed=4294967295", "--scale", "2", "--quiet"}).tune;
+    EXPECT_EQ(tune.tuning.attempts, 7);
+    EXPECT_EQ(tune.tuning.seed, UINT32_MAX);
+    EXPECT_EQ(tune.tuning.scale, TuningScale::twofold);
+    EXPECT_TRUE(tune.quiet);
+    EXPECT_EQ(tune.target, "a.bmp");
 }
 
 TEST(CommandLine, HelpAndVersionWinOverTheRest) {
@@ -62,6 +77,11 @@ TEST(CommandLine, ErrorsNameTheWordAndWhatWouldBeRight) {
     EXPECT_EQ(ErrorOf({"info", "now"}), "info takes no arguments, but now follows");
     EXPECT_NE(ErrorOf({}), "");
     EXPECT_NE(ErrorOf({"enhance", "--plugin", "x.dll", "--simd", "sse2", "a", "b"}), "");
+    EXPECT_NE(ErrorOf({"enhance", "--plugin", "x.dll", "--caption", "off", "a", "b"}), "");
+    EXPECT_EQ(ErrorOf({"caption"}), "caption needs one file, OUT (- for a pipe), 0 given");
+    EXPECT_EQ(ErrorOf({"caption", "--quiet", "a"}), "unknown option --quiet");
+    EXPECT_EQ(ErrorOf({"tune"}), "tune needs one file, TARGET (- for a pipe), 0 given");
+    EXPECT_EQ(ErrorOf({"tune", "--scale", "1.5", "a"}), "--scale 1.5: the value must be one of 1, 3/2, 2");
 }
 
 TEST(CommandLine, NumbersOutsideTheirRangeAreRefused) {
@@ -69,6 +89,16 @@ TEST(CommandLine, NumbersOutsideTheirRangeAreRefused) {
         EXPECT_NE(ErrorOf({"enhance", "--sharpness", sharpness, "a", "b"}), "") << sharpness;
     for (const char* frames : {"", "0", "-1", "1.5", "99999999999999999999", "3f"})
         EXPECT_NE(ErrorOf({"enhance", "--frames", frames, "a", "b"}), "") << frames;
+    for (const char* frame : {"", "0", "-1", "100001", "1.5"})
+        EXPECT_NE(ErrorOf({"caption", "--frame", frame, "a"}), "") << frame;
+    for (const char* size : {"", "0x1", "1x0", "8193x1", "1x8193", "12", "12x", "x12", "1x1x1", "-1x-1"})
+        EXPECT_NE(ErrorOf({"caption", "--size", size, "a"}), "") << size;
+    for (const char* attempts : {"", "0", "-1", "1000001", "1.5"})
+        EXPECT_NE(ErrorOf({"tune", "--attempts", attempts, "a"}), "") << attempts;
+    for (const char* seed : {"", "-1", "4294967296", "0x1"})
+        EXPECT_NE(ErrorOf({"tune", "--seed", seed, "a"}), "") << seed;
+    for (const char* aspect : {"", "0:1", "1:0", "1", "1:1:1", "1.5:1"})
+        EXPECT_NE(ErrorOf({"caption", "--aspect", aspect, "a"}), "") << aspect;
     EXPECT_EQ(Parse({"enhance", "--sharpness", "0", "a", "b"}).enhance.sharpness, 0.0f);
     EXPECT_EQ(Parse({"enhance", "--sharpness", "2", "a", "b"}).enhance.sharpness, 2.0f);
 }

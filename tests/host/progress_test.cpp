@@ -15,6 +15,7 @@ TEST(ProgressText, TellsTimeLeftOnlyWithAKnownLengthAndBothSizesAtTheEnd) {
     EXPECT_EQ(ProgressText(0, 300, 0.0), "0 of 300 frames, 0.0 frames/s");
     EXPECT_EQ(ProgressText(301, 300, 3.01), "301 frames, 100.0 frames/s") << "the file grew while it was read";
     EXPECT_NE(ProgressText(1, UINT64_MAX, 1e9), "");
+    EXPECT_EQ(ProgressText(1, 2, 1.0, "attempt"), "1 of 2 attempts, 1.0 attempts/s, 0:01 left");
     EXPECT_EQ(SummaryText(1, {640, 480}, {960, 720}, 0.5), "1 frame, 640x480 to 960x720, 2.0 frames/s");
 }
 

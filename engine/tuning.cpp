@@ -1,0 +1,263 @@
+#include "engine/tuning.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+
+#include "engine/enhancement_pass.h"
+
+namespace clarivex {
+namespace {
+
+// Samples near the margins say more about how a stage ends its rows than about its settings.
+constexpr int32_t columnMargin = 16;
+constexpr int32_t rowMargin = 8;
+
+constexpr double errorUnit = 255.0;
+
+constexpr int32_t movesAnAttempt = 3;
+constexpr double mostSharpness = 8.99;
+constexpr double sharpnessStep = 0.01;
+
+/// A setting that may move, and how far.
+struct MovableSetting {
+    const char* name;
+    int32_t EngineSettings::*value;
+    int32_t least;
+    int32_t most;
+};
+
+// clang-format off
+constexpr std::array<MovableSetting, 20> movableSettings = {{
+    {"kernelBeta",          &EngineSettings::kernelBeta,            0, 200},
+    {"kernelCutoff",        &EngineSettings::kernelCutoff,         40, 100},
+    {"windowKind",          &EngineSettings::windowKind,            0,   2},
+    {"edgeStageMode",       &EngineSettings::edgeStageMode,         0,   2},
+    {"edgeGain",            &EngineSettings::edgeGain,              0, 127},
+    {"edgeDeadZone",        &EngineSettings::edgeDeadZone,          0,  64},
+    {"edgeMargin",          &EngineSettings::edgeMargin,            0,  64},
+    {"edgeNeighbourWeight", &EngineSettings::edgeNeighbourWeight,   0, 128},
+    {"wideSlopeBase",       &EngineSettings::wideSlopeBase,       -32,  64},
+    {"wideSlope",           &EngineSettings::wideSlope,             0, 127},
+    {"wideOffset",          &EngineSettings::wideOffset,          -64,  64},
+    {"wideDetailMode",      &EngineSettings::wideDetailMode,        1,   2},
+    {"baseDetailGain",      &EngineSettings::baseDetailGain,      -10,  10},
+    {"coringLevel",         &EngineSettings::coringLevel,           0,   4},
+    {"detailBoostA",        &EngineSettings::detailBoostA,          0, 255},
+    {"detailBoostB",        &EngineSettings::detailBoostB,          0,  63},
+    {"fusedNarrowGain",     &EngineSettings::fusedNarrowGain,     -20,  30},
+    {"fusedWideGain",       &EngineSettings::fusedWideGain,       -20,  30},
+    {"twofoldNarrowGain",   &EngineSettings::twofoldNarrowGain,   -20,  30},
+    {"twofoldWideGain",     &EngineSettings::twofoldWideGain,     -20,  30},
+}};
+// clang-format on
+
+/// 0 … below 1.
+double RandomFraction(Random15& random) { return random.Next() / 32768.0; }
+
+int32_t HalvesOf(TuningScale scale) { return static_cast<int32_t>(scale); }
+
+/// Three settings from the list and the sharpness move by a random step each.
+EngineSettings Vary(EngineSettings settings, Random15& random) {
+    for (int32_t i = 0; i < movesAnAttempt; ++i) {
+        const MovableSetting& setting = movableSettings[static_cast<size_t>(RandomChoice(random))];
+        int32_t& value = settings.*setting.value;
+        value = std::clamp(value + RandomStep(random), setting.least, setting.most);
+    }
+    const double sharpness = settings.sharpness + RandomStep(random) * sharpnessStep;
+    settings.sharpness = static_cast<float>(std::clamp(sharpness, 0.0, mostSharpness));
+    settings.filtersDirty = 1;
+    return settings;
+}
+
+std::vector<TunedSetting> Compare(const EngineSettings& start, const EngineSettings& best) {
+    std::vector<TunedSetting> rows{{"sharpness", start.sharpness, best.sharpness}};
+    for (const MovableSetting& setting : movableSettings)
+        rows.push_back(
+            {setting.name, static_cast<double>(start.*setting.value), static_cast<double>(best.*setting.value)});
+    return rows;
+}
+
+/// Copies a plane into one that may be larger, whose further columns and rows repeat the last ones.
+void CopyAndExtend(const Plane& target, const Plane& source) {
+    for (int32_t y = 0; y < target.height; ++y) {
+        const uint8_t* from = source.Row(std::min(y, source.height - 1));
+        std::memcpy(target.Row(y), from, static_cast<size_t>(source.width));
+        std::fill(target.Row(y) + source.width, target.Row(y) + target.width, from[source.width - 1]);
+    }
+}
+
+WorkingImage EvenImage(const ImagePlanes& picture) {
+    WorkingImage image;
+    image.Resize((picture.luma.width + 1) & ~1, (picture.luma.height + 1) & ~1);
+    CopyAndExtend(image.Planes().luma, picture.luma);
+    CopyAndExtend(image.Planes().second, picture.second);
+    CopyAndExtend(image.Planes().third, picture.third);
+    return image;
+}
+
+/// Each sample becomes the average of the area that it covers, `halves` half samples of the source wide and high. Areas
+/// that reach past the source take its last samples.
+void ReducePlane(const Plane& target, const Plane& source, int32_t halves) {
+    const auto from = [=](int32_t place, int32_t half, int32_t length) {
+        return std::min((place * halves + half) / 2, length - 1);
+    };
+    const int32_t area = halves * halves;
+    for (int32_t y = 0; y < target.height; ++y)
+        for (int32_t x = 0; x < target.width; ++x) {
+            int32_t sum = area / 2;
+            for (int32_t j = 0; j < halves; ++j)
+                for (int32_t i = 0; i < halves; ++i)
+                    sum += source.Row(from(y, j, source.height))[from(x, i, source.width)];
+            target.Row(y)[x] = static_cast<uint8_t>(sum / area);
+        }
+}
+
+/// As large as its enlargement needs it to cover the whole source.
+WorkingImage Reduce(const ImagePlanes& source, TuningScale scale) {
+    const int32_t halves = HalvesOf(scale);
+    const auto side = [=](int32_t length) { return (2 * length + halves - 1) / halves; };
+    WorkingImage image;
+    image.Resize(side(source.luma.width), side(source.luma.height));
+    ReducePlane(image.Planes().luma, source.luma, halves);
+    ReducePlane(image.Planes().second, source.second, halves);
+    ReducePlane(image.Planes().third, source.third, halves);
+    return image;
+}
+
+/// Squares, so that a halo or a lost edge weighs more than the same sum of differences spread over the picture.
+double ErrorOf(const Plane& actual, const Plane& wanted) {
+    const int32_t width = std::min(actual.width, wanted.width);
+    const int32_t height = std::min(actual.height, wanted.height);
+    uint64_t sum = 0;
+    uint64_t count = 0;
+    for (int32_t y = rowMargin; y < height - rowMargin; ++y)
+        for (int32_t x = columnMargin; x < width - columnMargin; ++x, ++count) {
+            const int32_t difference = actual.Row(y)[x] - wanted.Row(y)[x];
+            sum += static_cast<uint32_t>(difference * difference);
+        }
+    return count == 0 ? 0.0 : static_cast<double>(sum) / errorUnit / static_cast<double>(count);
+}
+
+void CheckSize(const Plane& luma, TuningScale scale) {
+    const TuningLimits limits = TuningLimitsOf(scale);
+    if (luma.width >= limits.leastWidth && luma.width <= limits.mostWidth && luma.height >= limits.leastHeight &&
+        luma.height <= limits.mostHeight)
+        return;
+    const auto size = [](int32_t width, int32_t height) {
+        return std::to_string(width) + "x" + std::to_string(height);
+    };
+    throw std::invalid_argument(
+        "a picture of " + size(luma.width, luma.height) + " cannot be tuned on at this scale: it must be at least " +
+        size(limits.leastWidth, limits.leastHeight) + " and at most " + size(limits.mostWidth, limits.mostHeight));
+}
+
+/// The engine, the picture it is given and the one it is to reach.
+class Harness {
+public:
+    Harness(EnhancementEngine& engine, const ImagePlanes& picture, const TuningOptions& options,
+            const KernelTable& kernels)
+        : engine(engine),
+          options(options),
+          kernels(kernels),
+          target(EvenImage(picture)),
+          reduced(Reduce(target.Planes(), options.scale)) {}
+
+    Tuning Run(const TuningObserver& observer) {
+        SetModes();
+        const EngineSettings start = engine;
+        Tuning tuning;
+        tuning.startError = tuning.bestError = Try(start);
+        const EngineSettings best = Search(start, tuning.bestError, observer);
+        tuning.settings = Compare(start, best);
+        ShowBest(best, tuning);
+        return tuning;
+    }
+
+private:
+    void SetModes() {
+        engine.horizontalMode = engine.verticalMode = HalvesOf(options.scale) - 2;
+        engine.lightingEnabled = 0;
+        engine.filtersDirty = 1;
+    }
+
+    EngineSettings Search(const EngineSettings& start, double& bestError, const TuningObserver& observer) {
+        Random15 random(options.seed);
+        EngineSettings best = start;
+        for (int32_t number = 1; number <= options.attempts; ++number) {
+            const EngineSettings varied = Vary(best, random);
+            const double error = Try(varied);
+            const bool improves = error < bestError;
+            if (improves) {
+                best = varied;
+                bestError = error;
+            }
+            if (observer) observer({number, error, improves});
+        }
+        return best;
+    }
+
+    /// Only luma is compared, so only luma is made.
+    double Try(const EngineSettings& settings) {
+        return ErrorOf(Enhance(settings, lumaPlane) ? enhanced.Planes().luma : reduced.Planes().luma,
+                       target.Planes().luma);
+    }
+
+    void ShowBest(const EngineSettings& best, Tuning& tuning) {
+        if (!Enhance(best, allPlanes)) PrepareWorkingImage(enhanced, reduced.Planes(), reduced.End());
+        static_cast<EngineSettings&>(engine) = best;
+        tuning.reduced = std::move(reduced);
+        tuning.enhanced = std::move(enhanced);
+    }
+
+    bool Enhance(const EngineSettings& settings, uint32_t planes) {
+        static_cast<EngineSettings&>(engine) = settings;
+        FrameRecord frame;
+        frame.keepFullSize = true;
+        FrameInfo info;
+        float aspect = 1.0F;
+        return EnhancementPass(engine, frame, {reduced.Planes(), reduced.End()}, {&enhanced, nullptr}, aspect, info,
+                               planes, kernels) != 0;
+    }
+
+    EnhancementEngine& engine;
+    const TuningOptions& options;
+    const KernelTable& kernels;
+    WorkingImage target;
+    WorkingImage reduced;
+    WorkingImage enhanced;
+};
+
+}  // namespace
+
+int32_t RandomStep(Random15& random) {
+    constexpr double wideShare = 0.1;
+    constexpr int32_t wide = 100;
+    constexpr int32_t fine = 4;
+    const int32_t reach = RandomFraction(random) < wideShare ? wide : fine;
+    return static_cast<int32_t>(RandomFraction(random) * (2 * reach + 1)) - reach;
+}
+
+int32_t RandomChoice(Random15& random) {
+    return static_cast<int32_t>(RandomFraction(random) * static_cast<double>(movableSettings.size()));
+}
+
+TuningLimits TuningLimitsOf(TuningScale scale) {
+    constexpr int32_t leastWidth = 2 * columnMargin + 1;
+    constexpr int32_t leastHeight = 2 * rowMargin + 1;
+    switch (scale) {
+        case TuningScale::threeHalves: return {leastWidth, leastHeight, 3070, 1530};
+        case TuningScale::twofold: return {leastWidth, leastHeight, 2046, 1534};
+        default: return {leastWidth, leastHeight, 65536, 65536};
+    }
+}
+
+Tuning TuneEngine(EnhancementEngine& engine, const ImagePlanes& target, const TuningOptions& options,
+                  const TuningObserver& observer, const KernelTable& kernels) {
+    CheckSize(target.luma, options.scale);
+    return Harness(engine, target, options, kernels).Run(observer);
+}
+
+}  // namespace clarivex

@@ -1,0 +1,24 @@
+// Feeds the bitmap reader with whatever the fuzzer thinks of: it may refuse, and what it takes comes through the writer.
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "host/bitmap.h"
+#include "host/errors.h"
+#include "tests/host/memory_stream.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
+    using namespace clarivex;
+    try {
+        MemorySource source(std::span(bytes, size));
+        const Bitmap bitmap = ReadBitmap(source);
+        MemorySink sink;
+        WriteBitmap(sink, bitmap);
+        MemorySource written(sink.text);
+        const Bitmap again = ReadBitmap(written);
+        if (again.size != bitmap.size || again.pixels != bitmap.pixels) __builtin_trap();
+    } catch (const RunError&) {
+        return 0;
+    }
+    return 0;
+}

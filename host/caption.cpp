@@ -1,0 +1,35 @@
+#include "host/caption.h"
+
+#include <string>
+#include <vector>
+
+#include "host/byte_stream.h"
+#include "host/naming.h"
+#include "host/y4m.h"
+#include "shell/caption.h"
+
+namespace clarivex {
+
+namespace {
+
+std::string HeaderLine(const CaptionOptions& options) {
+    const auto ratio = [](const Ratio& r) { return std::to_string(r.numerator) + ":" + std::to_string(r.denominator); };
+    return "YUV4MPEG2 W" + std::to_string(options.size.width) + " H" + std::to_string(options.size.height) +
+           " F24:1 Ip A" + ratio(options.sampleAspect) + " C420jpeg XCOLORRANGE=LIMITED\n";
+}
+
+}  // namespace
+
+void RunCaption(const CaptionOptions& options) {
+    const float pixelAspect =
+        static_cast<float>(options.sampleAspect.numerator) / static_cast<float>(options.sampleAspect.denominator);
+    const std::vector<uint8_t> picture =
+        DrawCaption(options.frame, options.size.width, options.size.height, pixelAspect);
+    Naming(OutputName(options.output), [&] {
+        FileSink sink(options.output);
+        Y4mWriter writer(sink, HeaderLine(options));
+        writer.WriteFrame("", PlanarPicture{options.size, picture}.Planes());
+    });
+}
+
+}  // namespace clarivex

@@ -1,0 +1,109 @@
+#include "host/tune.h"
+
+#include <cstdio>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "host/bitmap.h"
+#include "host/byte_stream.h"
+#include "host/naming.h"
+#include "host/progress.h"
+#include "host/studio_colour.h"
+#include "platform/console.h"
+#include "shell/tuning.h"
+
+namespace clarivex {
+
+namespace {
+
+constexpr const char* reducedName = "in.bmp";
+constexpr const char* enhancedName = "out.bmp";
+
+template <class... Values>
+std::string Formatted(const char* format, Values... values) {
+    char text[1024];
+    std::snprintf(text, sizeof text, format, values...);
+    return text;
+}
+
+/// Results for people and scripts, on standard output.
+class ResultLines {
+public:
+    void Write(const std::string& text) {
+        Naming(OutputName("-"), [&] {
+            sink.Write({reinterpret_cast<const uint8_t*>(text.data()), text.size()});
+            sink.Flush();
+        });
+    }
+
+private:
+    FileSink sink{"-"};
+};
+
+void CheckTargetSurvives(const std::string& target) {
+    for (const char* written : {reducedName, enhancedName})
+        if (SameFile(target, written))
+            throw RunError(target + ": is the file that this command writes; run it in another folder");
+}
+
+TuningPicture ReadTarget(const std::string& path) {
+    return Naming(InputName(path), [&] {
+        FileSource source(path);
+        const Bitmap bitmap = ReadBitmap(source);
+        return TuningPicture{bitmap.size.width, bitmap.size.height, PlanarOf(bitmap)};
+    });
+}
+
+void WritePicture(const char* name, const TuningPicture& picture) {
+    Naming(name, [&] {
+        FileSink sink(name);
+        WriteBitmap(sink, BitmapOf({{picture.width, picture.height}, picture.samples}));
+    });
+}
+
+std::string SettingsTable(const std::vector<TunedSetting>& settings) {
+    std::string table = Formatted("%-20s %10s %10s\n", "setting", "start", "best");
+    for (const TunedSetting& setting : settings)
+        table += Formatted("%-20s %10.6g %10.6g\n", setting.name, setting.start, setting.best);
+    return table;
+}
+
+PictureTuning Tune(const TuneOptions& options, TuningPicture target, ResultLines& results, Progress& progress) {
+    const auto observe = [&](const TuningAttempt& attempt) {
+        if (attempt.improves) {
+            progress.Wipe();
+            results.Write(Formatted("err : %.5f\n", attempt.error));
+        }
+        progress.FrameDone();
+    };
+    try {
+        return TunePicture(std::move(target), options.tuning, observe);
+    } catch (const std::invalid_argument& error) {
+        throw RunError(InputName(options.target) + ": " + error.what());
+    }
+}
+
+std::string Summary(const PictureTuning& tuning, const Progress& progress) {
+    const auto attempts = static_cast<unsigned long long>(progress.Frames());
+    return Formatted("clarivex: %llu attempt%s, %dx%d to %dx%d, err %.5f to %.5f\n", attempts, attempts == 1 ? "" : "s",
+                     tuning.reduced.width, tuning.reduced.height, tuning.enhanced.width, tuning.enhanced.height,
+                     tuning.startError, tuning.bestError);
+}
+
+}  // namespace
+
+void RunTune(const TuneOptions& options) {
+    CheckTargetSurvives(options.target);
+    TuningPicture target = ReadTarget(options.target);
+    ResultLines results;
+    Progress progress(!options.quiet && IsTerminal(stderr), static_cast<uint64_t>(options.tuning.attempts), "attempt");
+    const PictureTuning tuning = Tune(options, std::move(target), results, progress);
+    progress.Wipe();
+    results.Write(SettingsTable(tuning.settings));
+    WritePicture(reducedName, tuning.reduced);
+    WritePicture(enhancedName, tuning.enhanced);
+    if (!options.quiet) std::fputs(Summary(tuning, progress).c_str(), stderr);
+}
+
+}  // namespace clarivex

@@ -1,0 +1,153 @@
+// The tuning harness: its random draws, the error it reports, and that it finds better settings and always the same.
+#include "engine/tuning.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+#include <stdexcept>
+
+#include "engine/strength.h"
+#include "tests/support/test_images.h"
+
+namespace clarivex {
+namespace {
+
+/// Waves and soft discs, which the start settings overdraw.
+WorkingImage MadeUpTarget(int32_t width, int32_t height) {
+    WorkingImage image = TestImage(width, height, Texture::soft, 1);
+    const Plane& luma = image.Planes().luma;
+    for (int32_t y = 0; y < height; ++y)
+        for (int32_t x = 0; x < width; ++x) {
+            const double disc = std::max(0.0, 9.0 - std::hypot(x % 24 - 12, y % 20 - 10)) * 9.0;
+            luma.Row(y)[x] = static_cast<uint8_t>(90.0 + 40.0 * std::sin(x / 2.5) * std::cos(y / 3.1) + disc);
+        }
+    return image;
+}
+
+struct TuningRun {
+    Tuning tuning;
+    std::vector<TuningAttempt> attempts;
+    EngineSettings settings;
+};
+
+TuningRun Tune(const WorkingImage& target, const TuningOptions& options, const KernelTable& kernels = scalarKernels) {
+    TuningRun run;
+    EnhancementEngine engine;
+    engine.sharpness = 0.8F;
+    run.tuning = TuneEngine(
+        engine, target.Planes(), options, [&](const TuningAttempt& attempt) { run.attempts.push_back(attempt); },
+        kernels);
+    run.settings = engine;
+    return run;
+}
+
+double PlainError(const Plane& actual, const Plane& wanted, int32_t width, int32_t height) {
+    double sum = 0.0;
+    for (int32_t y = 8; y < height - 8; ++y)
+        for (int32_t x = 16; x < width - 16; ++x) sum += std::pow(actual.Row(y)[x] - wanted.Row(y)[x], 2);
+    return sum / 255.0 / ((width - 32) * (height - 16));
+}
+
+TEST(TuningRandom, DrawsStepsAndChoicesByTheirFormulas) {
+    Random15 known;  // 41, 18467, 6334, 26500
+    EXPECT_EQ(RandomStep(known), 13) << "41 is below a tenth: a wide step, 113 - 100";
+    EXPECT_EQ(RandomStep(known), 3) << "a fine step, 7 - 4";
+    Random15 again;
+    EXPECT_EQ(RandomChoice(again), 0);
+    EXPECT_EQ(RandomChoice(again), 11);
+
+    Random15 random(7);
+    std::set<int32_t> steps;
+    std::set<int32_t> choices;
+    int32_t wide = 0;
+    for (int32_t i = 0; i < 40000; ++i) {
+        const int32_t step = RandomStep(random);
+        steps.insert(step);
+        wide += std::abs(step) > 4 ? 1 : 0;
+        choices.insert(RandomChoice(random));
+    }
+    EXPECT_EQ(steps.size(), 201U);
+    EXPECT_EQ(*steps.begin(), -100);
+    EXPECT_EQ(*steps.rbegin(), 100);
+    EXPECT_NEAR(wide, 40000 * 0.1 * 192 / 201, 300);
+    EXPECT_EQ(choices.size(), 20U);
+    EXPECT_EQ(*choices.begin(), 0);
+    EXPECT_EQ(*choices.rbegin(), 19);
+}
+
+TEST(TuneEngine, FindsBetterSettingsThanItStartedWith) {
+    const WorkingImage target = MadeUpTarget(96, 60);
+    for (const TuningScale scale : {TuningScale::unscaled, TuningScale::threeHalves, TuningScale::twofold}) {
+        const TuningRun run = Tune(target, {.attempts = 150, .seed = 3, .scale = scale});
+        const Tuning& tuning = run.tuning;
+        EXPECT_LT(tuning.bestError, 0.95 * tuning.startError) << "scale " << static_cast<int32_t>(scale) << " halves";
+        EXPECT_DOUBLE_EQ(PlainError(tuning.enhanced.Planes().luma, target.Planes().luma, 96, 60), tuning.bestError);
+
+        ASSERT_EQ(run.attempts.size(), 150U);
+        double best = tuning.startError;
+        for (const TuningAttempt& attempt : run.attempts) {
+            EXPECT_EQ(attempt.improves, attempt.error < best) << "attempt " << attempt.number;
+            if (attempt.improves) best = attempt.error;
+        }
+        EXPECT_EQ(best, tuning.bestError);
+        EXPECT_EQ(tuning.settings.at(0).best, run.settings.sharpness);
+    }
+}
+
+TEST(TuneEngine, SameSeedSameResultOnEveryInstructionSet) {
+    const WorkingImage target = MadeUpTarget(77, 51);
+    const TuningOptions options{.attempts = 40, .seed = 5};
+    const TuningRun expected = Tune(target, options);
+    ForEachRunnableTable([&](const KernelTable& table) {
+        const TuningRun run = Tune(target, options, table);
+        for (size_t i = 0; i < expected.attempts.size(); ++i)
+            ASSERT_EQ(run.attempts.at(i).error, expected.attempts[i].error) << table.name << ", attempt " << i + 1;
+        for (size_t i = 0; i < expected.tuning.settings.size(); ++i)
+            EXPECT_EQ(run.tuning.settings[i].best, expected.tuning.settings[i].best)
+                << expected.tuning.settings[i].name;
+        EXPECT_TRUE(SamePictures(run.tuning.enhanced.Planes(), expected.tuning.enhanced.Planes())) << table.name;
+    });
+    EXPECT_NE(Tune(target, {.attempts = 40, .seed = 6}).tuning.bestError, expected.tuning.bestError);
+}
+
+TEST(TuneEngine, ReducesByAveragesOfArea) {
+    WorkingImage target;
+    target.Resize(35, 17);
+    for (const Plane& plane : {target.Planes().luma, target.Planes().second, target.Planes().third})
+        for (int32_t y = 0; y < plane.height; ++y)
+            for (int32_t x = 0; x < plane.width; ++x) plane.Row(y)[x] = static_cast<uint8_t>(x % 3 == 0 ? 90 : x);
+    const Tuning threeHalves = Tune(target, {.attempts = 0}).tuning;
+    const Plane& luma = threeHalves.reduced.Planes().luma;
+    EXPECT_EQ(luma.width, 24) << "36 samples, the even width";
+    EXPECT_EQ(luma.height, 12);
+    EXPECT_EQ(luma.Row(0)[2], 61) << "(2 * 90 + 4) / 3";
+    EXPECT_EQ(luma.Row(11)[3], 5) << "(4 + 2 * 5) / 3, rounded";
+    EXPECT_EQ(luma.Row(0)[23], 34) << "the repeated column";
+    EXPECT_EQ(threeHalves.reduced.Planes().third.Row(5)[3], 5);
+
+    const Tuning twofold = Tune(target, {.attempts = 0, .scale = TuningScale::twofold}).tuning;
+    EXPECT_EQ(twofold.reduced.Planes().luma.width, 18);
+    EXPECT_EQ(twofold.reduced.Planes().luma.Row(8)[2], 5) << "(4 + 5) / 2, rounded";
+}
+
+TEST(TuneEngine, TakesTheSizesThatTheEngineEnlargesInFull) {
+    for (const TuningScale scale : {TuningScale::threeHalves, TuningScale::twofold}) {
+        const TuningLimits limits = TuningLimitsOf(scale);
+        const int32_t halves = static_cast<int32_t>(scale);
+        const auto enlarges = [=](int32_t width, int32_t height) {
+            const auto reduced = [=](int32_t side) { return (2 * ((side + 1) & ~1) + halves - 1) / halves; };
+            return LimitModes({halves - 2, halves - 2}, reduced(width), reduced(height)).vertical == halves - 2;
+        };
+        EXPECT_TRUE(enlarges(limits.mostWidth, limits.mostHeight));
+        EXPECT_FALSE(enlarges(limits.mostWidth + 1, limits.mostHeight));
+        EXPECT_FALSE(enlarges(limits.mostWidth, limits.mostHeight + 1));
+    }
+    EXPECT_NO_THROW(Tune(MadeUpTarget(33, 17), {.attempts = 1}));
+    for (const auto& [width, height] : {std::pair{32, 17}, {33, 16}, {3071, 17}, {33, 1531}})
+        EXPECT_THROW(Tune(MadeUpTarget(width, height), {.attempts = 1}), std::invalid_argument) << width;
+}
+
+}  // namespace
+}  // namespace clarivex
