@@ -199,7 +199,7 @@ private:
         return best;
     }
 
-    /// Only luma is compared, so only luma is made.
+    /// Only luma is compared, so only luma is asked for.
     double Try(const EngineSettings& settings) {
         return ErrorOf(Enhance(settings, lumaPlane) ? enhanced.Planes().luma : reduced.Planes().luma,
                        target.Planes().luma);

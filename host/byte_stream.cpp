@@ -40,7 +40,7 @@ std::optional<uint64_t> RegularFileSize(const std::string& path) {
 [[noreturn]] void ThrowWriteError() {
     const bool closedPipe = errno == EPIPE || errno == EINVAL;  // the latter is what Windows reports
     throw RunError(std::string("cannot be written any further: ") + std::strerror(errno) +
-                   (closedPipe ? "; the program that reads it must run to the end of the video"
+                   (closedPipe ? "; the program that reads it must read to the end"
                                : "; check the space and rights there, or name another place"));
 }
 
@@ -74,11 +74,11 @@ void FileSink::Flush() {
     if (std::fflush(file.get()) != 0) ThrowWriteError();
 }
 
-bool SameFile(const std::string& first, const std::string& second) {
-    const std::string input = first == standardStream ? "/dev/stdin" : first;  // a file where one is redirected
+bool SameFile(const std::string& input, const std::string& output) {
+    const std::string source = input == standardStream ? "/dev/stdin" : input;
     std::error_code error;
-    return second != standardStream && std::filesystem::equivalent(input, second, error) && !error &&
-           std::filesystem::is_regular_file(input, error);
+    return output != standardStream && std::filesystem::equivalent(source, output, error) && !error &&
+           std::filesystem::is_regular_file(source, error);
 }
 
 }  // namespace clarivex

@@ -65,7 +65,8 @@ private:
     OwnedFile file;
 };
 
-/// Whether both paths name one existing file. "-" names none.
-bool SameFile(const std::string& first, const std::string& second);
+/// Whether an input and an output are one existing file. Standard input is the file that it comes from, where the system
+/// tells; standard output is none.
+bool SameFile(const std::string& input, const std::string& output);
 
 }  // namespace clarivex

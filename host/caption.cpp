@@ -10,6 +10,8 @@
 
 namespace clarivex {
 
+const char* const noFontText = "there is no sans-serif font on this system, so no caption; install one, such as DejaVu";
+
 namespace {
 
 std::string HeaderLine(const CaptionOptions& options) {
@@ -21,6 +23,7 @@ std::string HeaderLine(const CaptionOptions& options) {
 }  // namespace
 
 void RunCaption(const CaptionOptions& options) {
+    if (!HasCaptionFont()) throw RunError(noFontText);
     const float pixelAspect =
         static_cast<float>(options.sampleAspect.numerator) / static_cast<float>(options.sampleAspect.denominator);
     const std::vector<uint8_t> picture =

@@ -5,8 +5,11 @@
 
 namespace clarivex {
 
+/// What a person is told where the caption cannot be drawn.
+extern const char* const noFontText;
+
 /// Writes the caption of options.frame over grey as a Y4M stream of one frame. Throws RunError with the file's name in
-/// front.
+/// front, or one that says that there is no font.
 void RunCaption(const CaptionOptions& options);
 
 }  // namespace clarivex

@@ -32,7 +32,7 @@ struct EnhanceOptions {
     std::string output;
 };
 
-constexpr int32_t largestCaptionFrame = 100000;
+constexpr int32_t largestCaptionFrame = 1000;  ///< well behind the caption's end, which can be looked at too
 
 struct CaptionOptions {
     int32_t frame = 100;  ///< 1 … largestCaptionFrame

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "host/byte_stream.h"
+#include "host/caption.h"
 #include "host/naming.h"
 #include "host/player.h"
 #include "host/plugin_library.h"
@@ -105,6 +106,7 @@ bool IsTooLargeToEnlarge(const PictureSize& size) {
 }
 
 void Enhancement::NoteLimits() {
+    if (options.caption.value_or(false) && !HasCaptionFont()) Note(options, noFontText);
     if (bypassed)
         Note(options, "high definition is bypassed: the pictures pass unchanged (--hd allow enhances them)");
     else if (reader.Header().size.width < smallestEnhancedWidth)
@@ -132,12 +134,12 @@ void Enhancement::Run() {
 
 void Enhancement::CopyFrames(Progress& progress) {
     try {
-        while (progress.Frames() < options.frames && ReadFrame()) {
+        while (progress.Count() < options.frames && ReadFrame()) {
             WriteFrame();
-            progress.FrameDone();
+            progress.OneDone();
         }
     } catch (const RunError& error) {
-        const uint64_t written = progress.Frames();
+        const uint64_t written = progress.Count();
         throw RunError(std::string(error.what()) + "; " + std::to_string(written) +
                        (written == 1 ? " whole frame was written" : " whole frames were written"));
     }
@@ -152,7 +154,7 @@ void Enhancement::WriteFrame() {
 void Enhancement::Report(const Progress& progress) const {
     if (!options.quiet)
         std::fprintf(stderr, "clarivex: %s\n",
-                     SummaryText(progress.Frames(), reader.Header().size, OutputSize(), progress.Seconds()).c_str());
+                     SummaryText(progress.Count(), reader.Header().size, OutputSize(), progress.Seconds()).c_str());
     if (options.timing) std::fprintf(stderr, "clarivex: %s\n", TimingText(player.ProcessTimes()).c_str());
 }
 

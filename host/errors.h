@@ -19,7 +19,11 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Text from a stranger, fit for one line on a terminal: at most 40 letters, unprintable ones as '?'.
+/// Text from a stranger, fit for one line on a terminal: at most 40 letters, unprintable ones as '?'; "(empty)"
+/// where there is none.
 std::string Printable(std::string_view text);
+
+/// A path with its control characters as '?'; "(empty)" where there is none.
+std::string PrintablePath(std::string_view path);
 
 }  // namespace clarivex

@@ -7,9 +7,9 @@
 
 namespace clarivex {
 
-/// What a message calls the stream that a path stands for.
-inline std::string InputName(const std::string& path) { return path == "-" ? "standard input" : path; }
-inline std::string OutputName(const std::string& path) { return path == "-" ? "standard output" : path; }
+/// What a message calls the stream that a path stands for; fit for a terminal.
+inline std::string InputName(const std::string& path) { return path == "-" ? "standard input" : PrintablePath(path); }
+inline std::string OutputName(const std::string& path) { return path == "-" ? "standard output" : PrintablePath(path); }
 
 /// Runs `action` and puts the name in front of its RunErrors.
 template <class Action>

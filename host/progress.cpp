@@ -83,11 +83,11 @@ void Progress::Wipe() {
     lettersShown = 0;
 }
 
-void Progress::FrameDone() {
-    ++frames;
+void Progress::OneDone() {
+    ++count;
     if (!shown || Clock::now() < nextShow) return;
     nextShow = Clock::now() + showEvery;
-    Show(ProgressText(frames, total, Seconds(), unit));
+    Show(ProgressText(count, total, Seconds(), unit));
 }
 
 double Progress::Seconds() const { return std::chrono::duration<double>(Clock::now() - start).count(); }

@@ -27,18 +27,21 @@ std::string TimingText(std::span<const Clock::duration> times);
 /// The progress line on standard error, written over itself a few times a second and wiped at the end.
 class Progress {
 public:
-    /// `shown` off makes every call do nothing. `unit` as in ProgressText.
-    Progress(bool shown, std::optional<uint64_t> wholeCount, const char* counted = "frame");
+    /// visible     off makes every call do nothing that can be seen
+    /// wholeCount  what the count will come to, where that is known
+    /// counted     in the singular
+    Progress(bool visible, std::optional<uint64_t> wholeCount, const char* counted = "frame");
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    void FrameDone();  ///< a frame, or what else `unit` counts
+    /// Counts one more.
+    void OneDone();
 
     /// Takes the line off the terminal, so that another can take its place.
     void Wipe();
 
-    uint64_t Frames() const { return frames; }
+    uint64_t Count() const { return count; }
     double Seconds() const;  ///< since construction
 
 private:
@@ -47,7 +50,7 @@ private:
     bool shown;
     std::optional<uint64_t> total;
     const char* unit;
-    uint64_t frames = 0;
+    uint64_t count = 0;
     size_t lettersShown = 0;
     Clock::time_point start = Clock::now();
     Clock::time_point nextShow = start;

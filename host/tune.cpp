@@ -1,5 +1,6 @@
 #include "host/tune.h"
 
+#include <cstdarg>
 #include <cstdio>
 #include <stdexcept>
 #include <string>
@@ -20,10 +21,12 @@ namespace {
 constexpr const char* reducedName = "in.bmp";
 constexpr const char* enhancedName = "out.bmp";
 
-template <class... Values>
-std::string Formatted(const char* format, Values... values) {
+[[gnu::format(printf, 1, 2)]] std::string Formatted(const char* format, ...) {
     char text[1024];
-    std::snprintf(text, sizeof text, format, values...);
+    va_list values;
+    va_start(values, format);
+    std::vsnprintf(text, sizeof text, format, values);
+    va_end(values);
     return text;
 }
 
@@ -44,7 +47,7 @@ private:
 void CheckTargetSurvives(const std::string& target) {
     for (const char* written : {reducedName, enhancedName})
         if (SameFile(target, written))
-            throw RunError(target + ": is the file that this command writes; run it in another folder");
+            throw RunError(InputName(target) + ": is the file that this command writes; run it in another folder");
 }
 
 TuningPicture ReadTarget(const std::string& path) {
@@ -55,12 +58,19 @@ TuningPicture ReadTarget(const std::string& path) {
     });
 }
 
-void WritePicture(const char* name, const TuningPicture& picture) {
-    Naming(name, [&] {
-        FileSink sink(name);
-        WriteBitmap(sink, BitmapOf({{picture.width, picture.height}, picture.samples}));
-    });
-}
+/// A picture's file, opened before the search: not being able to write it must not come as a surprise at its end.
+class PictureFile {
+public:
+    explicit PictureFile(const char* fileName) : name(fileName), sink(Naming(name, [&] { return FileSink(name); })) {}
+
+    void Write(const TuningPicture& picture) {
+        Naming(name, [&] { WriteBitmap(sink, BitmapOf({{picture.width, picture.height}, picture.samples})); });
+    }
+
+private:
+    const char* name;
+    FileSink sink;
+};
 
 std::string SettingsTable(const std::vector<TunedSetting>& settings) {
     std::string table = Formatted("%-20s %10s %10s\n", "setting", "start", "best");
@@ -75,7 +85,7 @@ PictureTuning Tune(const TuneOptions& options, TuningPicture target, ResultLines
             progress.Wipe();
             results.Write(Formatted("err : %.5f\n", attempt.error));
         }
-        progress.FrameDone();
+        progress.OneDone();
     };
     try {
         return TunePicture(std::move(target), options.tuning, observe);
@@ -85,7 +95,7 @@ PictureTuning Tune(const TuneOptions& options, TuningPicture target, ResultLines
 }
 
 std::string Summary(const PictureTuning& tuning, const Progress& progress) {
-    const auto attempts = static_cast<unsigned long long>(progress.Frames());
+    const auto attempts = static_cast<unsigned long long>(progress.Count());
     return Formatted("clarivex: %llu attempt%s, %dx%d to %dx%d, err %.5f to %.5f\n", attempts, attempts == 1 ? "" : "s",
                      tuning.reduced.width, tuning.reduced.height, tuning.enhanced.width, tuning.enhanced.height,
                      tuning.startError, tuning.bestError);
@@ -96,13 +106,15 @@ std::string Summary(const PictureTuning& tuning, const Progress& progress) {
 void RunTune(const TuneOptions& options) {
     CheckTargetSurvives(options.target);
     TuningPicture target = ReadTarget(options.target);
+    PictureFile reducedFile(reducedName);
+    PictureFile enhancedFile(enhancedName);
     ResultLines results;
     Progress progress(!options.quiet && IsTerminal(stderr), static_cast<uint64_t>(options.tuning.attempts), "attempt");
     const PictureTuning tuning = Tune(options, std::move(target), results, progress);
     progress.Wipe();
+    reducedFile.Write(tuning.reduced);
+    enhancedFile.Write(tuning.enhanced);
     results.Write(SettingsTable(tuning.settings));
-    WritePicture(reducedName, tuning.reduced);
-    WritePicture(enhancedName, tuning.enhanced);
     if (!options.quiet) std::fputs(Summary(tuning, progress).c_str(), stderr);
 }
 

@@ -15,7 +15,6 @@ class YuvaImage;
 
 /// What an element gets to know of the frame that is composed.
 struct ComposeFrame {
-    int64_t ticks = 0;           ///< of 100 ns
     const KernelTable& kernels;  ///< for the pixel loops
 };
 
@@ -49,10 +48,6 @@ public:
 
     /// Paints what stands inside the region, over what the target holds there.
     virtual void Paint(Target& /*target*/, const Region& /*region*/, const ComposeFrame& /*frame*/) {}
-
-    const Region& Content() const { return content; }
-    const Region& Opaque() const { return opaque; }
-    const Region& Changed() const { return changed; }
 
     void SetVisible(bool on) { visible = on; }
 

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "overlay/compositor.h"
-#include "runtime/clock.h"
 
 namespace clarivex {
 
@@ -17,8 +16,8 @@ void OverlayCompose(Overlay& overlay, int32_t width, int32_t height, float pixel
         tiles.Resize(width, height);
         tiles.Clear();
     }
-    const Composition composition = Compose(overlay.sceneGroup, tiles, width, height, pixelAspect,
-                                            {ProcessClock().Now(), kernels}, {.releaseWhenEmpty = true});
+    const Composition composition =
+        Compose(overlay.sceneGroup, tiles, width, height, pixelAspect, {kernels}, {.releaseWhenEmpty = true});
     tiles.MarkAllRowsEmpty();
     for (const Rectangle rectangle : RegionRects(composition.content)) tiles.MarkRows(rectangle.top, rectangle.bottom);
 }

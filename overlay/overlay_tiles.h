@@ -50,7 +50,6 @@ public:
     int32_t Height() const { return height; }
     int32_t AllocatedWidth() const { return allocatedWidth; }
     int32_t AllocatedHeight() const { return allocatedHeight; }
-    int32_t GroupsPerRow() const { return groupsPerRow; }
 
     /// Bytes from one row to the next.
     int32_t Stride() const { return stride; }

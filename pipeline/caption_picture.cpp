@@ -1,5 +1,7 @@
 #include "pipeline/caption_picture.h"
 
+#include <utility>
+
 #include "overlay/overlay.h"
 #include "pipeline/frame_workspace.h"
 #include "pipeline/noise_table.h"
@@ -10,17 +12,13 @@ namespace {
 
 constexpr uint8_t grey = 128;
 
-/// Views of the planes that stand one behind the other in `samples`. The second is V, which comes last.
-ImagePlanes PlanesOf(std::vector<uint8_t>& samples, int32_t width, int32_t height) {
-    const int32_t chromaWidth = (width + 1) / 2;
-    const int32_t chromaHeight = (height + 1) / 2;
-    const auto lumaBytes = static_cast<size_t>(width) * static_cast<size_t>(height);
-    const auto chromaBytes = static_cast<size_t>(chromaWidth) * static_cast<size_t>(chromaHeight);
-    samples.resize(lumaBytes + 2 * chromaBytes, grey);
-    const auto chromaAt = [&](size_t offset) {
-        return Plane{samples.data() + offset, chromaWidth, chromaHeight, chromaWidth};
-    };
-    return {{samples.data(), width, height, width}, chromaAt(lumaBytes + chromaBytes), chromaAt(lumaBytes), nullptr};
+/// A grey picture, Y, U and V. The planes' second one is V.
+std::vector<uint8_t> GreyPicture(int32_t width, int32_t height, ImagePlanes& planes) {
+    const size_t chromaBytes = static_cast<size_t>((width + 1) / 2) * static_cast<size_t>((height + 1) / 2);
+    std::vector<uint8_t> samples(static_cast<size_t>(width) * static_cast<size_t>(height) + 2 * chromaBytes, grey);
+    planes = PlanesWithoutGaps(samples.data(), width, height);
+    std::swap(planes.second, planes.third);
+    return samples;
 }
 
 }  // namespace
@@ -30,10 +28,10 @@ std::vector<uint8_t> DrawCaptionPicture(int32_t frame, int32_t width, int32_t he
     Overlay overlay(std::move(fonts));
     for (int32_t i = 0; i < frame; ++i) OverlayCompose(overlay, width, height, pixelAspect, kernels);
 
-    std::vector<uint8_t> plain;
-    std::vector<uint8_t> picture;
-    const ImagePlanes source = PlanesOf(plain, width, height);
-    const ImagePlanes target = PlanesOf(picture, width, height);
+    ImagePlanes source;
+    ImagePlanes target;
+    const std::vector<uint8_t> plain = GreyPicture(width, height, source);
+    std::vector<uint8_t> picture = GreyPicture(width, height, target);
     const NoiseTable silent;
     OutputScratch scratch;
     PlanarOutputStage(target, picture.data() + picture.size(), source,

@@ -76,6 +76,16 @@ ImagePlanes PlanesIn(uint8_t* block, const PlaneLayout& layout, int32_t width, i
             .third = {third, layout.chromaWidth, layout.chromaHeight, layout.chromaStride}};
 }
 
+ImagePlanes PlanesWithoutGaps(uint8_t* samples, int32_t width, int32_t height) {
+    const int32_t chromaWidth = (width + 1) / 2;
+    const int32_t chromaHeight = (height + 1) / 2;
+    uint8_t* second = samples + static_cast<ptrdiff_t>(width) * height;
+    uint8_t* third = second + static_cast<ptrdiff_t>(chromaWidth) * chromaHeight;
+    return {.luma = {samples, width, height, width},
+            .second = {second, chromaWidth, chromaHeight, chromaWidth},
+            .third = {third, chromaWidth, chromaHeight, chromaWidth}};
+}
+
 void AllocatePlanes(int32_t width, int32_t height, ImagePlanes& planes) {
     const PlaneLayout layout = LayoutPlanes(width, height);
     void* block = AllocRetry(layout.blockBytes);

@@ -48,6 +48,11 @@ PlaneLayout LayoutPlanes(int32_t width, int32_t height);
 /// The planes of a picture in a block of layout.blockBytes; `owner` is null.
 ImagePlanes PlanesIn(uint8_t* block, const PlaneLayout& layout, int32_t width, int32_t height);
 
+/// Views of a 4:2:0 picture without gaps: luma, the second plane behind it, then the third; `owner` is null.
+///
+/// width, height  of the luma plane, at least 1; chroma sizes are rounded up
+ImagePlanes PlanesWithoutGaps(uint8_t* samples, int32_t width, int32_t height);
+
 /// Points `planes` at a fresh block from AllocRetry laid out by LayoutPlanes; the block is not cleared and belongs to
 /// the caller (`planes.owner`, to be given to AlignedFree). What `planes` held before is not freed.
 void AllocatePlanes(int32_t width, int32_t height, ImagePlanes& planes);

@@ -8,6 +8,8 @@ namespace clarivex {
 
 void ShowCaption(bool on) { ProcessOverlay().SetShown(on); }
 
+bool HasCaptionFont() { return MakeSystemFontEngine()->MakeFont({}) != nullptr; }
+
 std::vector<uint8_t> DrawCaption(int32_t frame, int32_t width, int32_t height, float pixelAspect) {
     return DrawCaptionPicture(frame, width, height, pixelAspect, MakeSystemFontEngine(), ProcessKernels());
 }
