@@ -80,7 +80,7 @@ struct KernelTable {
     void (*doubleRow)(const uint8_t* in, const int16_t* taps, uint8_t* out, int32_t width);
 
     // The next kernels take and give wide words: 8-bit samples times 64, 0 … 65535, less 32768. Their rows of words are
-    // slack rows. Sums have 32 bits and wrap, results are limited to the range of wide words.
+    // slack rows. Sums of products have 32 bits and wrap, results are limited to the range of wide words.
 
     /// doubleRow to wide words: the sums plus 128 are shifted by 8.
     void (*doubleRowWide)(const uint8_t* in, const int16_t* taps, int16_t* out, int32_t width);
@@ -89,7 +89,8 @@ struct KernelTable {
     void (*doubleColumnsWide)(const int16_t* const* rows, const int16_t* taps, int16_t* out, int32_t width);
 
     /// The full edge limiter with everything that is told in samples times 64: see simd/twofold.inl. rows: the samples,
-    /// their two neighbours, their two neighbours three away.
+    /// their two neighbours, their two neighbours three away. Differences of two samples saturate at 16 bits: only samples
+    /// further apart than twice white see that.
     void (*limitEdgesWide)(const int16_t* const* rows, int16_t* out, int32_t width, const EdgeLimits& limits);
 
     /// One output row from sixteen rows: out = (Σk taps[k]·rows[k]) >> 13.
