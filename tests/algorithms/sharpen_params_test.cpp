@@ -30,15 +30,6 @@ TEST(IsSharpenActive, NeedsAGainThatIsReached) {
     EXPECT_TRUE(IsSharpenActive(Curve(1, 0, 0)));
 }
 
-TEST(DeriveNarrowCoefficients, SmoothsBelowTheKneeWithOppositeGains) {
-    const SharpenCoefficients smoothing = DeriveNarrowCoefficients(Curve(-500, 500, 2));
-    EXPECT_EQ(smoothing.narrowBase, -5);
-    EXPECT_EQ(smoothing.narrowExtra, 5);
-    EXPECT_EQ(smoothing.narrowKnee, 10);
-    EXPECT_EQ(DeriveNarrowCoefficients(Curve(1, 1, -2.5F)).narrowKnee, 25);
-    EXPECT_EQ(DeriveNarrowCoefficients(Curve(1, 1, 1e9F)).narrowKnee, 16383);
-}
-
 TEST(DeriveSharpenCoefficients, ScalesBothMeasures) {
     const SharpenCoefficients c = DeriveSharpenCoefficients(Curve(1, 1, 3), Curve(0, 1, 0.5F), 1.0F, 256.0F);
     EXPECT_EQ(c.narrowBase, 5);

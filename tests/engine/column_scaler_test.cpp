@@ -69,21 +69,5 @@ TEST(ScaleColumnStrips, EqualTheWholePictureAtEveryWidth) {
     });
 }
 
-TEST(ScaleColumnStrips, ReadNothingBehindTheBuffer) {
-    ForEachRunnableTable([](const KernelTable& kernels) {
-        for (int32_t width = 1; width <= 80; ++width) {
-            const ColumnStages stages = StagesOf(stageCases[0]);
-            const DecodedPicture picture(width, 12, width + 1, Texture::hard, 3);
-            const Plane& last = picture.Source().planes.third;
-            const WorkingImage actual = TestImage(last.width, 9, Texture::hard, 1);
-            const WorkingImage expected = TestImage(last.width, 9, Texture::hard, 2);
-            ColumnScratch scratch;
-            ScaleLumaStrips(actual.Planes().luma, last, picture.Source().end, stages, scratch, kernels);
-            PlainScaleColumns(expected.Planes().luma, last, picture.Source().end, stages);
-            ASSERT_TRUE(SameSamples(actual.Planes().luma, expected.Planes().luma)) << kernels.name << ", " << width;
-        }
-    });
-}
-
 }  // namespace
 }  // namespace clarivex

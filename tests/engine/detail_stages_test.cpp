@@ -1,78 +1,56 @@
+// The stages that the start-up values leave off, in place over planes of every width, pinned.
 #include "engine/detail_stages.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <vector>
-
+#include "engine/cross_stage.h"
 #include "tests/support/guarded_plane.h"
+#include "tests/support/sharpen_curve.h"
 
 namespace clarivex {
 namespace {
 
-constexpr int32_t stride = 64;
-
-int32_t CoreOf(int32_t value, int32_t deadZone) {
-    return value > deadZone ? value - deadZone : value < -deadZone ? value + deadZone : 0;
+void RunCrossStage(const Plane& plane) {
+    uint8_t line[64];
+    CrossStage stage({5, 9, 250}, line);
+    for (int32_t y = 0; y < plane.height; y += stripSize) stage.Run(plane, y);
 }
 
-int32_t Limited(int32_t value) { return std::clamp(value, 0, 255); }
+struct Stage {
+    const char* name;
+    void (*run)(const Plane& plane);
+    bool inStrips;
+    uint32_t digest;
+};
 
-int32_t SimplyLimited(int32_t left, int32_t sample, int32_t right, const SimpleLimits& limits) {
-    const int32_t towardsLeft = Limited(sample + (((left - sample) * limits.neighbourWeight) >> 6));
-    const int32_t towardsRight = Limited(sample + (((right - sample) * limits.neighbourWeight) >> 6));
-    const int32_t first = CoreOf(limits.gain * (2 * sample - left - right), limits.deadZone);
-    const int32_t sharpened = Limited(sample + ((first + CoreOf(first, limits.deadZone) + 16) >> 5));
-    return std::clamp(sharpened, std::min({towardsLeft, sample, towardsRight}),
-                      std::max({towardsLeft, sample, towardsRight}));
+// clang-format off
+constexpr Stage stages[] = {
+    {"usual limits", [](const Plane& strip) { LimitEdgesSimple(strip, {}); }, true, 0x82c8badb},
+    {"far limits", [](const Plane& strip) { LimitEdgesSimple(strip, {15, 90, 100}); }, true, 0xae88827e},
+    {"near limits", [](const Plane& strip) { LimitEdgesSimple(strip, {30, 0, 20}); }, true, 0xbe83f1b0},
+    {"booster", [](const Plane& strip) { BoostSmallSignals(strip, {5, 90}); }, true, 0x8ac7b19c},
+    {"across the rows", RunCrossStage, false, 0x354523f7},
+    {"across the columns", [](const Plane& plane) { CrossColumns(plane, {5, 9, 250}); }, false, 0xbff6405b},
+};
+// clang-format on
+
+TEST(DetailStages, GiveThePinnedSamplesAtEveryWidthAndHeight) {
+    for (const Stage& stage : stages)
+        EXPECT_EQ(stage.inStrips ? DigestOfFiltered(stage.run, {1, 3, stripSize})
+                                 : DigestOfFiltered(stage.run, {1, 2, 3, 15, 16, 17, 18, 31, 32, 33, 34, 49, 66}),
+                  stage.digest)
+            << stage.name;
 }
 
-TEST(LimitEdgesSimple, EqualsThePlainFormAtEveryWidth) {
-    for (const SimpleLimits& limits : {SimpleLimits{}, SimpleLimits{15, 90, 100}, SimpleLimits{30, 0, 20}})
-        for (int32_t width = 1; width <= stride; ++width) {
-            GuardedPlane actual(width, 3, stride, 1, static_cast<uint32_t>(width));
-            GuardedPlane before = actual;
-            if (width % 4 != 0)
-                for (int32_t y = 0; y < 3; ++y) before.At(width, y) = before.At(width - 1, y);
-            GuardedPlane expected = before;
-            for (int32_t y = 0; y < 3; ++y)
-                for (int32_t x = 0; x < (width + 3) / 4 * 4; ++x) {
-                    const bool repeat = x == width - 1 || x == stride - 1;
-                    const int32_t right = before.At(repeat ? x : x + 1, y);
-                    expected.At(x, y) = static_cast<uint8_t>(
-                        SimplyLimited(before.At(std::max(x - 1, 0), y), before.At(x, y), right, limits));
-                }
-            LimitEdgesSimple(actual.View(), limits);
-            EXPECT_TRUE(actual == expected) << width << ": " << FirstDifference(actual, expected);
-        }
-}
-
-TEST(DeriveBoosterGains, LimitsTheDeadZone) {
+TEST(DetailStages, DeriveGainsInUnitsOfFiveAndLimitDeadZones) {
     EXPECT_EQ(DeriveBoosterGains(10, 30).gain, 7);
     EXPECT_EQ(DeriveBoosterGains(10, 30).deadZone, 75);
     EXPECT_EQ(DeriveBoosterGains(2'000'000, 2'000'000).deadZone, 0x3FFF >> 2);
-}
-
-TEST(BoostSmallSignals, EqualsThePlainFormAtEveryWidth) {
-    const BoosterGains gains{5, 90};
-    for (int32_t width = 1; width <= stride; ++width) {
-        GuardedPlane actual(width, 2, stride, 0, static_cast<uint32_t>(width));
-        const GuardedPlane before = actual;
-        GuardedPlane expected = actual;
-        for (int32_t y = 0; y < 2; ++y) {
-            const auto smallDetail = [&](int32_t x) {
-                if (x < 4) return 0;
-                const int32_t detail = 5 * (2 * before.At(x, y) - before.At(x - 2, y) - before.At(x + 2, y));
-                return std::clamp(detail, -90, 90);
-            };
-            for (int32_t x = 0; x < (width - 8) / 8 * 8; ++x) {
-                const int32_t sum = smallDetail(x - 1) + smallDetail(x) + smallDetail(x + 1);
-                expected.At(x, y) = static_cast<uint8_t>(Limited(before.At(x, y) + ((sum + 32) >> 6)));
-            }
-        }
-        BoostSmallSignals(actual.View(), gains);
-        EXPECT_TRUE(actual == expected) << width << ": " << FirstDifference(actual, expected);
-    }
+    EXPECT_EQ(DeriveCrossGains(Curve(-500, 500, -3)).deadZone, 15);
+    EXPECT_EQ(DeriveCrossGains(Curve(0, 1, 1e6F)).deadZone, 0x3FFF);
+    // The extra gain is what the unrounded base leaves: 5 · (2^0.6 − 1) = 2.58 and 5 · (2^0.9 − 1) − 2.58 = 1.75.
+    EXPECT_EQ(DeriveCrossGains(Curve(0.6F, 0.3F, 0)).base, 3);
+    EXPECT_EQ(DeriveCrossGains(Curve(0.6F, 0.3F, 0)).extra, 2);
 }
 
 }  // namespace

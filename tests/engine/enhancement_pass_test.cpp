@@ -4,6 +4,7 @@
 
 #include "engine/strength.h"
 #include "tests/support/crc32.h"
+#include "tests/support/memory_count.h"
 #include "tests/support/test_images.h"
 
 namespace clarivex {
@@ -84,21 +85,59 @@ TEST_F(Pass, WritesNothingWithoutScalingAndStrength) {
 }
 
 TEST_F(Pass, ReportsSizeAndAspectOfWhatItWrote) {
-    EXPECT_EQ(RunSize({1, 1}, 41, 21), 1);
-    EXPECT_EQ(info.writtenWidth, 61);
-    EXPECT_EQ(info.writtenHeight, 31);
-    EXPECT_EQ(image.Planes().luma.width, 61);
-    EXPECT_EQ(image.Planes().luma.height, 31);
-    EXPECT_FLOAT_EQ(aspect, 1.0F);
-    EXPECT_EQ(RunSize({1, 1}, 41, 1022), 1);
-    EXPECT_EQ(info.writtenHeight, 1022);
-    EXPECT_EQ(image.Planes().luma.height, 1022);
-    EXPECT_FLOAT_EQ(aspect, 1.5F);
+    struct Case {
+        ScaleModes modes;
+        int32_t height, writtenWidth, writtenHeight;
+        float aspect;
+    };
     engine.sharpness = 1.0F;
-    EXPECT_EQ(RunSize({0, 1}, 41, 21), 1);
-    EXPECT_EQ(info.writtenWidth, 41);
-    EXPECT_EQ(info.writtenHeight, 21) << "rows that keep their size keep their number";
-    EXPECT_FLOAT_EQ(aspect, 1.0F);
+    for (const Case& test : {Case{{1, 1}, 21, 61, 31, 1.0F},
+                             {{1, 1}, 1022, 61, 1022, 1.5F},
+                             {{0, 1}, 21, 41, 21, 2.0F / 3.0F},
+                             {{2, 1}, 21, 82, 31, 4.0F / 3.0F},
+                             {{2, 2}, 21, 82, 42, 1.0F}}) {
+        aspect = 1.0F;
+        EXPECT_EQ(RunSize(test.modes, 41, test.height), 1);
+        EXPECT_EQ(info.writtenWidth, test.writtenWidth);
+        EXPECT_EQ(info.writtenHeight, test.writtenHeight);
+        EXPECT_FLOAT_EQ(aspect, test.aspect);
+    }
+}
+
+TEST_F(Pass, TimesOnlyTheModesThatScale) {
+    for (int32_t i = 0; i < 3; ++i) RunSize({1, 1}, 64, 48);
+    EXPECT_EQ(engine.timing.Figures(TimingClass::bothAxes).meanCount, 1);
+    engine.verticalFirst = 1;
+    for (const ScaleModes modes : {ScaleModes{1, 1}, {1, 0}, {2, 1}, {2, 2}}) RunSize(modes, 64, 48);
+    engine.sharpness = 1.0F;
+    RunSize({0, 0}, 64, 48);
+    for (const TimingClass kind : {TimingClass::columnsFirst, TimingClass::rowsOnly, TimingClass::twofoldRows})
+        EXPECT_EQ(engine.timing.Figures(kind).sampleCount, 1);
+    EXPECT_EQ(engine.timing.Figures(TimingClass::bothAxes).sampleCount, 0);
+}
+
+TEST_F(Pass, LeavesLumaAloneThatIsTooNarrowForDoubledRows) {
+    for (const int32_t columnsFirst : {0, 1}) {
+        engine.verticalFirst = columnsFirst;
+        image = TestImage(16, 18, Texture::hard, 2);
+        const WorkingImage before = TestImage(16, 18, Texture::hard, 2);
+        EXPECT_EQ(RunSize({2, 1}, 8, 12), 1);
+        EXPECT_EQ(info.writtenWidth, 0);
+        EXPECT_TRUE(SameSamples(image.Planes().luma, before.Planes().luma));
+        EXPECT_FALSE(SameSamples(image.Planes().third, before.Planes().third));
+    }
+}
+
+TEST_F(Pass, AllocatesNothingForDoubledPicturesFromTheSecondFrameOn) {
+    engine.noiseReduction = 3.0F;
+    engine.noiseStagesH = engine.noiseStagesV = 2;
+    for (const auto& [modes, columnsFirst] : {std::pair{ScaleModes{2, 1}, 0}, {{2, 1}, 1}, {{2, 2}, 0}}) {
+        engine.verticalFirst = columnsFirst;
+        RunSize(modes, 64, 48);
+        const MemoryCount count;
+        RunSize(modes, 64, 48);
+        EXPECT_EQ(count.Attempts(), 0) << modes.vertical << ' ' << columnsFirst;
+    }
 }
 
 TEST_F(Pass, WritesThePlanesNamedUnlessOneAxisIsScaled) {
@@ -140,19 +179,6 @@ TEST_F(Pass, AnalysesAFrameOnce) {
     info = {};
     Run(picture.Source());
     EXPECT_EQ(info.correction.lumaGain, 1.0F);
-}
-
-TEST_F(Pass, TimesOnlyTheModesThatScale) {
-    for (int32_t i = 0; i < 3; ++i) RunSize({1, 1}, 64, 48);
-    EXPECT_EQ(engine.timing.Figures(TimingClass::bothAxes).meanCount, 1);
-    engine.verticalFirst = 1;
-    RunSize({1, 1}, 64, 48);
-    EXPECT_EQ(engine.timing.Figures(TimingClass::columnsFirst).sampleCount, 1);
-    RunSize({1, 0}, 64, 48);
-    EXPECT_EQ(engine.timing.Figures(TimingClass::rowsOnly).sampleCount, 1);
-    engine.sharpness = 1.0F;
-    RunSize({0, 0}, 64, 48);
-    EXPECT_EQ(engine.timing.Figures(TimingClass::bothAxes).sampleCount, 0);
 }
 
 /// Settings and the digests of the pictures that they give at each of `ways`.
@@ -198,6 +224,10 @@ constexpr SettingsCase settingsCases[] = {
     {"trimmed", [](EngineSettings& s) { s.spectrumTrim = 1; },
      {0x0edf7197, 0x29a3fc33, 0xea976f42, 0xb6bd2e52,
       0xccc26b5e, 0xd5ac69c4, 0xbdb8f3b4}},
+    {"trimmed further, another window and cutoff",
+     [](EngineSettings& s) { s.spectrumTrim = s.windowKind = 2; s.kernelCutoff = 0; },
+     {0x0edf7197, 0x29a3fc33, 0x8ed39b1c, 0x1b8d3493,
+      0x4b4c0ce1, 0x29b7385f, 0xbdb8f3b4}},
     {"noise reduction", [](EngineSettings& s) { s.noiseReduction = 1.0F; },
      {0x99a3435a, 0xac007b0f, 0xf7d065be, 0x44a99664,
       0xff4a523f, 0x3a30968d, 0xac05d7cb}},

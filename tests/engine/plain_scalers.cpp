@@ -41,23 +41,30 @@ void EnlargeRows(const Plane& target, const Plane& source, const uint8_t* end, c
         }
 }
 
-/// Tap k of the phase of an output, and the input sample that it stands on.
-int32_t TwofoldTap(const TwofoldTaps& taps, int32_t out, int32_t k) {
-    return taps.a[static_cast<size_t>(out % 2 == 0 ? k : 7 - k)];
-}
-int32_t TwofoldPosition(int32_t out, int32_t k) { return out / 2 + k - (out % 2 == 0 ? 4 : 3); }
+/// A row with its ends repeated beside it, as the kernels that double it read it; one sample more counts.
+class RepeatedRow {
+public:
+    RepeatedRow(const uint8_t* row, int32_t width) : samples(static_cast<size_t>(width + 9), row[width - 1]) {
+        std::fill_n(samples.begin(), 4, row[0]);
+        std::copy_n(row, width, samples.begin() + 4);
+    }
+    const uint8_t* Samples() const { return samples.data() + 4; }
+
+private:
+    std::vector<uint8_t> samples;
+};
 
 void DoubleRows(const Plane& target, const Plane& source, const TwofoldTaps& taps) {
-    const int32_t columns = std::min((2 * source.width + 3) / 4 * 4, target.stride);
-    for (int32_t y = 0; y < source.height; ++y)
-        for (int32_t out = 0; out < columns; ++out) {
-            int32_t sum = 8192;
-            for (int32_t k = 0; k < 8; ++k) {
-                const int32_t tap = out == 0 && k == 2 ? taps.a[0] : TwofoldTap(taps, out, k);
-                sum += tap * source.Row(y)[std::clamp(TwofoldPosition(out, k), 0, source.width - 1)];
-            }
-            target.Row(y)[out] = Limited(sum >> 14);
-        }
+    TapSet firstTaps = taps.a;
+    firstTaps[2] = firstTaps[0];
+    for (int32_t y = 0; y < source.height; ++y) {
+        const RepeatedRow row(source.Row(y), source.width);
+        std::vector<uint8_t> first(2), out(static_cast<size_t>(2 * source.width + 2));
+        plainKernels.doubleRow(row.Samples(), firstTaps.data(), first.data(), 1);
+        plainKernels.doubleRow(row.Samples(), taps.a.data(), out.data(), source.width + 1);
+        out[0] = first[0];
+        std::copy_n(out.begin(), std::min((2 * source.width + 3) / 4 * 4, target.stride), target.Row(y));
+    }
 }
 
 void RankRows(const Plane& plane, RankStage stage) {
@@ -68,75 +75,59 @@ void RankRows(const Plane& plane, RankStage stage) {
         }
 }
 
-/// A plane of wide samples.
+/// A plane of wide words.
 struct WidePlane {
     int32_t width, height;
-    std::vector<int32_t> samples;
+    std::vector<int16_t> words;
 
     WidePlane(int32_t columns, int32_t rows)
-        : width(columns), height(rows), samples(static_cast<size_t>(columns) * static_cast<size_t>(rows)) {}
-    int32_t& At(int32_t x, int32_t y) {
-        return samples[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)];
-    }
+        : width(columns), height(rows), words(static_cast<size_t>(columns) * static_cast<size_t>(rows)) {}
+    int16_t* Row(int32_t y) { return words.data() + ptrdiff_t{y} * width; }
 };
 
-WidePlane Expanded(const Plane& source, const TwofoldTaps& taps) {
+WidePlane DoubledRows(const Plane& source, const TwofoldTaps& taps) {
     WidePlane wide(2 * source.width, source.height);
-    for (int32_t y = 0; y < wide.height; ++y)
-        for (int32_t x = 0; x < wide.width; ++x) {
-            int32_t sum = 128;
-            for (int32_t k = 0; k < 8; ++k)
-                sum += TwofoldTap(taps, x, k) * source.Row(y)[std::clamp(TwofoldPosition(x, k), 0, source.width - 1)];
-            wide.At(x, y) = std::max(sum >> 8, 0);
-        }
+    for (int32_t y = 0; y < source.height; ++y) {
+        const RepeatedRow row(source.Row(y), source.width);
+        plainKernels.doubleRowWide(row.Samples(), taps.a.data(), wide.Row(y), source.width);
+    }
     return wide;
 }
 
-WidePlane DoubledDown(WidePlane& source, const TwofoldTaps& taps) {
+WidePlane DoubledColumns(WidePlane source, const TwofoldTaps& taps) {
     WidePlane wide(source.width, 2 * source.height);
-    for (int32_t y = 0; y < wide.height; ++y)
-        for (int32_t x = 0; x < wide.width; ++x) {
-            int32_t sum = 8192;
-            for (int32_t k = 0; k < 8; ++k)
-                sum += TwofoldTap(taps, y, k) * source.At(x, std::clamp(TwofoldPosition(y, k), 0, source.height - 1));
-            wide.At(x, y) = std::max(sum >> 14, 0);
-        }
+    for (int32_t y = 0; y < wide.height; ++y) {
+        const int16_t* rows[8];
+        for (int32_t k = 0; k < 8; ++k) rows[k] = source.Row(std::clamp((y + 1) / 2 + k - 4, 0, source.height - 1));
+        plainKernels.doubleColumnsWide(rows, (y % 2 == 0 ? taps.a : taps.b).data(), wide.Row(y), wide.width);
+    }
     return wide;
 }
 
-/// Replaces what the stages cover along an axis by make(at), at(i) being the sample i places further along it.
-template <class Make>
-WidePlane FilterWide(WidePlane& plane, bool down, Make make) {
-    WidePlane out = plane;
-    const int32_t length = down ? plane.height : plane.width;
-    const int32_t end = 8 + 8 * std::max((length - 16) >> 3, 0);
+/// Replaces what the stages cover along an axis by what kernel(words, out) makes of the words at these places along it.
+template <size_t count, class Kernel>
+void FilterWide(WidePlane& plane, bool down, const int32_t (&places)[count], Kernel kernel) {
+    WidePlane before = plane;
+    const int32_t end = 8 + 8 * std::max(((down ? plane.height : plane.width) - 16) >> 3, 0);
     for (int32_t y = 0; y < plane.height; ++y)
         for (int32_t x = 0; x < plane.width; ++x) {
-            const int32_t position = down ? y : x;
-            const auto at = [&](int32_t i) { return down ? plane.At(x, y + i) : plane.At(x + i, y); };
-            if (position >= 8 && position < end) out.At(x, y) = make(at);
+            if ((down ? y : x) < 8 || (down ? y : x) >= end) continue;
+            const int16_t* words[count];
+            for (size_t i = 0; i < count; ++i)
+                words[i] = before.Row(y) + x + ptrdiff_t{places[i]} * (down ? plane.width : 1);
+            kernel(words, plane.Row(y) + x);
         }
-    return out;
 }
 
-WidePlane PostStages(WidePlane plane, bool down, const WideStages& stages, const DetailTaps& taps) {
+void RunPostStages(WidePlane& plane, bool down, const WideStages& stages, const DetailTaps& taps) {
     if (stages.limitEdges)
-        plane = FilterWide(plane, down, [&](auto at) {
-            int16_t words[5], limited = 0;
-            const int16_t* rows[5];
-            constexpr int32_t places[5] = {0, -1, 1, -3, 3};
-            for (int32_t i = 0; i < 5; ++i) words[i] = static_cast<int16_t>(at(places[i]) - 32768);
-            for (int32_t i = 0; i < 5; ++i) rows[i] = &words[i];
-            plainKernels.limitEdgesWide(rows, &limited, 1, stages.edgeLimits);
-            return limited + 32768;
+        FilterWide(plane, down, {0, -1, 1, -3, 3}, [&](const int16_t* const* words, int16_t* out) {
+            plainKernels.limitEdgesWide(words, out, 1, stages.edgeLimits);
         });
     if (stages.postFilterOn)
-        plane = FilterWide(plane, down, [&](auto at) {
-            int64_t sum = 0;
-            for (int32_t k = 8; k < 16; ++k) sum += int64_t{taps[static_cast<size_t>(k)]} * (at(k - 8) + at(7 - k));
-            return static_cast<int32_t>(std::clamp<int64_t>(sum >> 13, 0, 65535));
-        });
-    return plane;
+        FilterWide(
+            plane, down, {-8, -7, -6, -5, -4, -3, -2, -1, 0, 1, 2, 3, 4, 5, 6, 7},
+            [&](const int16_t* const* words, int16_t* out) { plainKernels.firWide(words, taps.data(), out, 1); });
 }
 
 /// Filters each row through a kernel that does not work in place.
@@ -212,72 +203,11 @@ void PlainScaleColumns(const Plane& target, const Plane& source, const uint8_t* 
     if (stages.crossOn) CrossColumns({target.data, source.width, target.height, target.stride}, stages.cross);
 }
 
-void PlainScaleChromaRows(const Plane& target, const Plane& source, bool chromaOdd) {
-    const int32_t lastPair = (source.width + 1) / 2 - 1;
-    for (int32_t y = 0; y < source.height; ++y) {
-        const auto p = [&](int32_t x) { return int32_t{source.Row(y)[std::clamp(x, 0, source.width - 1)]}; };
-        uint8_t* out = target.Row(y);
-        for (int32_t n = 0; n <= lastPair; ++n, out += 3) {
-            const int32_t weight = chromaOdd && n < lastPair ? 171 : 213;
-            out[0] = static_cast<uint8_t>((weight * p(2 * n) + (256 - weight) * p(2 * n - 1)) >> 8);
-            if (chromaOdd && n < lastPair) {
-                out[1] = static_cast<uint8_t>((171 * p(2 * n) + 85 * p(2 * n + 1)) >> 8);
-                out[2] = static_cast<uint8_t>(p(2 * n + 1));
-            } else {
-                out[1] = static_cast<uint8_t>((p(2 * n) + p(2 * n + 1)) >> 1);
-                out[2] = static_cast<uint8_t>((213 * p(2 * n + 1) + 43 * p(2 * n + 2)) >> 8);
-            }
-        }
-    }
-}
-
-void PlainScaleChromaColumns(const Plane& target, const Plane& source) {
-    const int32_t height = source.height;
-    if (height < 2) return;
-    for (int32_t x = 0; x < source.width; ++x) {
-        const auto r = [&](int32_t y) { return int32_t{source.Row(std::clamp(y, 0, height - 1))[x]}; };
-        const auto store = [&](int32_t y, int32_t value) { target.Row(y)[x] = static_cast<uint8_t>(value); };
-        for (int32_t n = 0; n < height / 2; ++n) {
-            store(3 * n, (11 * r(2 * n - 1) + 53 * r(2 * n)) >> 6);
-            store(3 * n + 1, (r(2 * n) + r(2 * n + 1)) >> 1);
-            store(3 * n + 2, (53 * r(2 * n + 1) + 11 * r(2 * n + 2)) >> 6);
-        }
-        store(height / 2 * 3 - 1, r(height / 2 * 2 - 1));
-        if (height % 2 != 0)
-            for (int32_t i = 0; i < 2; ++i) store(height / 2 * 3 + i, r(height - 1));
-    }
-}
-
 void PlainScaleBothTwice(const Plane& target, const Plane& source, const WideStages& stages) {
-    WidePlane rows = Expanded(source, stages.taps);
-    WidePlane both = PostStages(DoubledDown(rows, stages.taps), true, stages, stages.columnTaps);
-    both = PostStages(both, false, stages, stages.rowTaps);
-    for (int32_t y = 0; y < both.height; ++y)
-        for (int32_t x = 0; x < both.width; ++x) target.Row(y)[x] = Limited(both.At(x, y) >> 6);
-}
-
-void PlainDoubleChromaRows(const Plane& target, const Plane& source, bool chromaOdd) {
-    const int32_t width = source.width;
-    for (int32_t y = 0; y < source.height; ++y)
-        for (int32_t i = 0; i < width; ++i) {
-            const uint8_t* p = source.Row(y);
-            uint8_t* out = target.Row(y) + 2 * i;
-            const int32_t before = p[std::max(i - 1, 0)];
-            const int32_t behind = p[std::min(i + 1, width - 1)];
-            out[0] = static_cast<uint8_t>(chromaOdd ? (160 * p[i] + 96 * before) >> 8 : (96 * p[i] + 32 * before) >> 7);
-            out[1] = static_cast<uint8_t>(chromaOdd ? (224 * p[i] + 32 * behind) >> 8 : (96 * p[i] + 32 * behind) >> 7);
-            if (i == width - 1) out[1] = p[i];
-        }
-}
-
-void PlainDoubleChromaColumns(const Plane& target, const Plane& source, bool chromaOdd) {
-    for (int32_t x = 0; x < source.width; ++x) {
-        std::vector<uint8_t> column(static_cast<size_t>(source.height)), doubled(2 * column.size());
-        for (int32_t y = 0; y < source.height; ++y) column[static_cast<size_t>(y)] = source.Row(y)[x];
-        PlainDoubleChromaRows({doubled.data(), 2 * source.height, 1, 2 * source.height},
-                              {column.data(), source.height, 1, source.height}, chromaOdd);
-        for (int32_t y = 0; y < 2 * source.height; ++y) target.Row(y)[x] = doubled[static_cast<size_t>(y)];
-    }
+    WidePlane both = DoubledColumns(DoubledRows(source, stages.taps), stages.taps);
+    RunPostStages(both, true, stages, stages.columnTaps);
+    RunPostStages(both, false, stages, stages.rowTaps);
+    for (int32_t y = 0; y < both.height; ++y) plainKernels.narrowRow(both.Row(y), target.Row(y), both.width);
 }
 
 ThreeHalvesTaps UsualTaps() {

@@ -15,18 +15,8 @@ void PlainScaleRows(const Plane& target, const Plane& source, const uint8_t* sou
 /// 3 · height / 2 rows.
 void PlainScaleColumns(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const ColumnStages& stages);
 
-/// Chroma along the rows: 3 · ⌈width / 2⌉ columns.
-void PlainScaleChromaRows(const Plane& target, const Plane& source, bool chromaOdd);
-
-/// Chroma down the columns.
-void PlainScaleChromaColumns(const Plane& target, const Plane& source);
-
 /// Luma on both axes through wide samples.
 void PlainScaleBothTwice(const Plane& target, const Plane& source, const WideStages& stages);
-
-/// Chroma twice along the rows, and down the columns.
-void PlainDoubleChromaRows(const Plane& target, const Plane& source, bool chromaOdd);
-void PlainDoubleChromaColumns(const Plane& target, const Plane& source, bool chromaOdd);
 
 /// Tap sets of ordinary strength.
 ThreeHalvesTaps UsualTaps();

@@ -63,13 +63,5 @@ TEST(DesignPostFilter, KeepsTheGainOfItsShapeAtEveryStrength) {
             }
 }
 
-TEST(DesignPostFilter, IsOffBelowTheLevelTables) {
-    EngineSettings settings;
-    settings.sharpenScheme = 1;
-    const PostFilter filter = DesignPostFilter(settings, Of(2.0), 0);
-    EXPECT_FALSE(filter.on);
-    EXPECT_EQ(filter.taps, (DetailTaps{0, 0, 0, 0, 0, 0, 0, 0, 8160})) << "samples of the unscaled walk must pass";
-}
-
 }  // namespace
 }  // namespace clarivex

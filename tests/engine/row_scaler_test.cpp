@@ -134,25 +134,5 @@ TEST(ScaleRowStrips, ReadWhatFollowsInTheBufferAndNothingBehindIt) {
     });
 }
 
-TEST(ScaleRowStrips, DoubleRowsWithAnExceptionInTheFirstOutput) {
-    RowStages stages;
-    stages.scale = RowScale::twofold;
-    stages.edgeStage = EdgeStage::none;
-    stages.twofoldTaps = {{-400, 100, -1300, 5000, 14000, -1200, 300, -116}, {}};
-    WorkingImage source, target;
-    source.Resize(9, 1);
-    target.Resize(18, 1);
-    std::memset(source.Planes().luma.data, 200, 9);
-    RowScratch scratch;
-    const Plane& out = target.Planes().luma;
-    ScaleLumaStrips(out, source.Planes().luma, EndOf(source), stages, scratch, scalarKernels);
-    EXPECT_EQ(out.data[0], (200 * (16384 - 400 + 1300) + 8192) >> 14) << "tap 0 for tap 2";
-    for (int32_t x = 1; x < 18; ++x) EXPECT_EQ(out.data[x], 200) << x;
-    source.Planes().luma.data[4] = 0;
-    ScaleLumaStrips(out, source.Planes().luma, EndOf(source), stages, scratch, scalarKernels);
-    EXPECT_EQ(out.data[2], (200 * (16384 + 116) + 8192) >> 14) << "the last tap of the first phase";
-    EXPECT_EQ(out.data[1], (200 * (16384 + 400) + 8192) >> 14) << "and the first one, mirrored, of the second";
-}
-
 }  // namespace
 }  // namespace clarivex

@@ -24,17 +24,6 @@ TEST(TimingBlock, KeepsTheSmallestMeanOfThreeSamples) {
     EXPECT_EQ(block.Figures(kind).sampleCount, 0);
 }
 
-TEST(TimingBlock, StartsAnewForAnotherSize) {
-    TimingBlock block;
-    Note(block, {1, 1, 1, 1});
-    block.Note(TimingClass::rowsOnly, 64, 49, 7);
-    EXPECT_EQ(block.Figures(kind).sampleCount, 0);
-    EXPECT_EQ(block.Figures(kind).meanCount, 0);
-    Note(block, {50, 50, 50}, 64, 49);
-    EXPECT_EQ(block.Figures(kind).bestMean, 50) << "the first mean of a size is taken outright";
-    EXPECT_EQ(block.Figures(TimingClass::rowsOnly).sampleCount, 1);
-}
-
 TEST(TimingBlock, LeavesOutWhatTellsNothing) {
     TimingBlock block;
     Note(block, {1});

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <set>
 #include <stdexcept>
 
 #include "engine/strength.h"
@@ -57,24 +56,6 @@ TEST(TuningRandom, DrawsStepsAndChoicesByTheirFormulas) {
     Random15 again;
     EXPECT_EQ(RandomChoice(again), 0);
     EXPECT_EQ(RandomChoice(again), 11);
-
-    Random15 random(7);
-    std::set<int32_t> steps;
-    std::set<int32_t> choices;
-    int32_t wide = 0;
-    for (int32_t i = 0; i < 40000; ++i) {
-        const int32_t step = RandomStep(random);
-        steps.insert(step);
-        wide += std::abs(step) > 4 ? 1 : 0;
-        choices.insert(RandomChoice(random));
-    }
-    EXPECT_EQ(steps.size(), 201U);
-    EXPECT_EQ(*steps.begin(), -100);
-    EXPECT_EQ(*steps.rbegin(), 100);
-    EXPECT_NEAR(wide, 40000 * 0.1 * 192 / 201, 300);
-    EXPECT_EQ(choices.size(), 20U);
-    EXPECT_EQ(*choices.begin(), 0);
-    EXPECT_EQ(*choices.rbegin(), 19);
 }
 
 TEST(TuneEngine, FindsBetterSettingsThanItStartedWith) {

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <numeric>
-
 #include "tests/engine/plain_scalers.h"
 #include "tests/simd/plain_kernels.h"
 #include "tests/support/test_images.h"
@@ -61,53 +58,6 @@ TEST(ScaleBothTwice, EqualsTheWholePlanesAtEveryWidth) {
         marked.edgeLimits = {.gain = 40, .deadZone = 17, .outerWeight = 90, .slope = 600, .offset = 2, .margin = 9};
         ASSERT_TRUE(RowsInPassingEqualWholePlanes(marked, 70, 14, Texture::hard, kernels));
     });
-}
-
-TEST(ScaleBothTwice, KeepsFlatPlanesFlat) {
-    const WorkingImage source = TestImage(40, 30, Texture::hard, 1);
-    const WorkingImage target = TestImage(80, 60, Texture::hard, 2);
-    const Plane& luma = source.Planes().luma;
-    const Plane& out = target.Planes().luma;
-    WideScratch scratch;
-    for (const int32_t value : {0, 1, 128, 254, 255}) {
-        std::memset(luma.data, value, static_cast<size_t>(luma.stride * luma.height));
-        ScaleBothTwice(out, luma, Stages(true, even12), scratch, scalarKernels);
-        for (int32_t y = 0; y < out.height; ++y)
-            for (int32_t x = 0; x < out.width; ++x) ASSERT_EQ(out.Row(y)[x], value) << x << ", " << y;
-    }
-}
-
-TEST(ScaleBothTwice, LimitsOvershootOnlyAtTheEnd) {
-    DetailTaps average{};
-    average[7] = average[8] = 4096;
-    WideStages stages = Stages(false, average);
-    stages.taps = {{0, 0, 0, -4096, 20480}, {0, 0, 0, 20480, -4096}};
-    const WorkingImage source = TestImage(32, 24, Texture::hard, 1);
-    const WorkingImage target = TestImage(64, 48, Texture::hard, 2);
-    const Plane& luma = source.Planes().luma;
-    for (int32_t y = 0; y < luma.height; ++y)
-        for (int32_t x = 0; x < luma.width; ++x) luma.Row(y)[x] = x < 16 ? 0 : 255;
-    WideScratch scratch;
-    ForEachRunnableTable([&](const KernelTable& kernels) {
-        ScaleBothTwice(target.Planes().luma, luma, stages, scratch, kernels);
-        const uint8_t* row = target.Planes().luma.Row(20);
-        EXPECT_EQ(row[31], 0);
-        EXPECT_EQ(row[32], 159) << "the mean of 0 and of 5/4 of 255";
-        EXPECT_EQ(row[33], 255) << "the mean of 5/4 of 255 and of 255";
-        EXPECT_EQ(row[34], 255);
-    });
-}
-
-TEST(HalvePostTaps, HalvesAroundTheCentreAndKeepsTheSum) {
-    EXPECT_EQ(HalvePostTaps(even8), (DetailTaps{0, 0, 0, 0, 166, 222, -3874, 7582, 7582, -3874, 222, 166}));
-    for (const auto& taps : {even12, even16}) {
-        const DetailTaps halved = HalvePostTaps(taps);
-        EXPECT_EQ(std::accumulate(halved.begin(), halved.end(), 0), 8192);
-        EXPECT_TRUE(ArePaired(halved));
-    }
-    DetailTaps odd{};
-    odd[8] = 8160;
-    EXPECT_FALSE(ArePaired(odd));
 }
 
 }  // namespace

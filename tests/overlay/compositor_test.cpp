@@ -68,10 +68,6 @@ public:
         return moved;
     }
 
-    void AdjustPaintRegion(Region& region) override {
-        if (snap) RegionSnapX8(region);
-    }
-
     void Paint(Grid& target, const Region& region, const ComposeFrame&) override {
         EXPECT_EQ(size, (Rectangle{0, 0, target.AllocatedWidth(), target.AllocatedHeight()}));
         painted = RegionUnion(painted, region);
@@ -91,7 +87,6 @@ public:
     Rectangle cover;
     uint32_t colour;
     bool dirty = false;
-    bool snap = false;
     int32_t updates = 0;
     Group<Grid> group;
 
@@ -169,40 +164,6 @@ TEST(Compositor, OpaqueElementHidesJustWhatIsBelow) {
     EXPECT_EQ(under.TakePainted(), RegionOf(under.place));
 }
 
-TEST(Compositor, AnotherSizeRepaintsEverything) {
-    Stage stage;
-    Box box(1, {3, 4, 10, 12});
-    stage.group.AddChild(box);
-    for (const auto& [newWidth, newHeight] : {std::pair{40, 30}, {20, 15}, {20, 16}, {64, 16}}) {
-        stage.grid.Reallocate(newWidth, newHeight);  // as if the target already had it, with rubbish inside
-        EXPECT_EQ(stage.Step({}, newWidth, newHeight).damage, RegionOf({0, 0, newWidth, newHeight}));
-        EXPECT_EQ(box.TakePainted(), RegionOf(box.place));
-        EXPECT_EQ(stage.grid.At(newWidth - 1, newHeight - 1), 0U);
-        EXPECT_EQ(stage.grid.At(3, 4), 1U);
-    }
-}
-
-TEST(Compositor, TargetIsReleasedWhileEmptyAndComesBack) {
-    constexpr ComposeOptions release{.releaseWhenEmpty = true};
-    const Rectangle place{3, 4, 10, 12};
-    Stage stage;
-    Box box(1, place);
-    stage.group.AddChild(box);
-    const auto goAndComeBack = [&](auto&& go, auto&& comeBack) {
-        stage.Step(release);
-        go();
-        EXPECT_EQ(stage.Step(release).damage, RegionOf(place));
-        EXPECT_EQ(stage.grid.AllocatedWidth(), 0);
-        EXPECT_TRUE(stage.Step(release).damage.IsEmpty());
-        comeBack();
-        EXPECT_EQ(stage.Step(release).damage, RegionOf({0, 0, width, height}));
-        EXPECT_EQ(stage.grid.At(3, 4), 1U);
-        EXPECT_EQ(stage.grid.At(20, 20), 0U);
-    };
-    goAndComeBack([&] { box.place = {}; }, [&] { box.place = place; });
-    goAndComeBack([&] { box.SetVisible(false); }, [&] { box.SetVisible(true); });
-}
-
 TEST(Compositor, ExtraDamageIsPaintedEvenOutsideTheClip) {
     Stage stage;
     Box box(1, {0, 0, 30, 30});
@@ -214,15 +175,6 @@ TEST(Compositor, ExtraDamageIsPaintedEvenOutsideTheClip) {
     EXPECT_EQ(stage.Step({.extraDamage = &extra, .clip = &clip}).damage,
               RegionUnion(clip, RegionOf({25, 25, width, 28})));
     EXPECT_EQ(box.TakePainted(), RegionUnion(clip, RegionOf({25, 25, 30, 28})));
-}
-
-TEST(Compositor, AdjustedPaintRegionStaysInsideTheTarget) {
-    Stage stage;
-    Box box(1, {3, 0, 35, 4});
-    box.snap = true;
-    stage.group.AddChild(box);
-    stage.Step({}, 37, 30);
-    EXPECT_EQ(box.TakePainted(), RegionOf({0, 0, 37, 4}));
 }
 
 /// A tree of boxes that anything may happen to.

@@ -32,11 +32,6 @@ std::vector<OutlinePoint> Box(int32_t left, int32_t top, int32_t right, int32_t 
     return {{left, bottom}, {left, top}, {right, top}, {right, bottom}, ContourBreak};
 }
 
-std::vector<OutlinePoint> Together(std::vector<OutlinePoint> a, const std::vector<OutlinePoint>& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
-
 // Rows of coverage of a mask of 8 by 3 pixels.
 using Coverage = std::vector<std::vector<int>>;
 Coverage Paint(const std::vector<OutlinePoint>& points, const OutlineTransform& transform = asItIs) {
@@ -49,28 +44,6 @@ Coverage Paint(const std::vector<OutlinePoint>& points, const OutlineTransform& 
 
 const std::vector<int> nothing(8, 0);
 const std::vector<int> everything(8, 255);
-
-TEST(Rasteriser, EdgesOnPixelBordersAreExact) {
-    const auto boxes = Together(Box(512, 256, 1280, 768), Box(1536, 0, 1792, 256));
-    const std::vector<int> first{0, 0, 0, 0, 0, 0, 255, 0}, others{0, 0, 255, 255, 255, 0, 0, 0};
-    EXPECT_EQ(Paint(boxes), (Coverage{first, others, others}));
-}
-
-TEST(Rasteriser, PixelsHalfCoveredAreHalfSet) {
-    const std::vector<int> row{0, 127, 255, 255, 128, 0, 0, 0};
-    EXPECT_EQ(Paint(Box(384, 0, 1152, 256))[0], row);
-    const std::vector<int> halfHeight{0, 127, 127, 0, 0, 0, 0, 0};
-    EXPECT_EQ(Paint(Box(256, 0, 768, 128))[0], halfHeight);
-}
-
-TEST(Rasteriser, ContoursAddWithTheirDirection) {
-    auto hole = Box(512, 0, 1024, 768);
-    std::reverse(hole.begin(), hole.end() - 1);
-    const auto outer = Box(256, 0, 1792, 768);
-    EXPECT_EQ(Paint(Together(outer, hole))[1], (std::vector<int>{0, 255, 0, 0, 255, 255, 255, 0}));
-    EXPECT_EQ(Paint(Together(outer, Box(512, 0, 1024, 768)))[1],
-              (std::vector<int>{0, 255, 254, 254, 255, 255, 255, 0}));
-}
 
 TEST(Rasteriser, OnlyWhatIsLeftOfTheMaskReachesIntoIt) {
     EXPECT_EQ(Paint(Box(-700, -700, 1024, 512)),

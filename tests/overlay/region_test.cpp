@@ -73,6 +73,22 @@ Sample RandomSample(std::mt19937& random) {
     return sample;
 }
 
+void ExpectHelpersAgree(const Sample& sample) {
+    Bitmap painted, widened;
+    Rectangle around = sample.region.IsEmpty() ? Rectangle() : Rectangle{side, side, 0, 0};
+    for (const Rectangle rectangle : RegionRects(sample.region)) {
+        Fill(painted, rectangle);
+        Fill(widened, {rectangle.left / 8 * 8, rectangle.top, (rectangle.right + 7) / 8 * 8, rectangle.bottom});
+        around = {std::min(around.left, rectangle.left), std::min(around.top, rectangle.top),
+                  std::max(around.right, rectangle.right), std::max(around.bottom, rectangle.bottom)};
+    }
+    EXPECT_EQ(painted, sample.bitmap);
+    EXPECT_EQ(RegionBounds(sample.region), around);
+    Region snapped = sample.region;
+    RegionSnapX8(snapped);
+    EXPECT_TRUE(Holds(snapped, widened));
+}
+
 TEST(Region, OperationsEqualThoseOnPixels) {
     std::mt19937 random(1);
     for (int32_t round = 0; round < 1500; ++round) {
@@ -85,34 +101,8 @@ TEST(Region, OperationsEqualThoseOnPixels) {
         ASSERT_TRUE(Holds(RegionSubtract(a.region, b.region), a.bitmap & ~b.bitmap));
         ASSERT_TRUE(Holds(RegionXor(a.region, a.region), Bitmap()));
         ASSERT_TRUE(Holds(RegionSubtract(a.region, a.region), Bitmap()));
+        ExpectHelpersAgree(a);
     }
-}
-
-TEST(Region, HelpersAgreeWithPixels) {
-    std::mt19937 random(2);
-    for (int32_t round = 0; round < 300; ++round) {
-        const Sample sample = RandomSample(random);
-        SCOPED_TRACE(round);
-        Bitmap painted, widened;
-        Rectangle around = sample.region.IsEmpty() ? Rectangle() : Rectangle{side, side, 0, 0};
-        for (const Rectangle rectangle : RegionRects(sample.region)) {
-            Fill(painted, rectangle);
-            Fill(widened, {rectangle.left / 8 * 8, rectangle.top, (rectangle.right + 7) / 8 * 8, rectangle.bottom});
-            around = {std::min(around.left, rectangle.left), std::min(around.top, rectangle.top),
-                      std::max(around.right, rectangle.right), std::max(around.bottom, rectangle.bottom)};
-        }
-        ASSERT_EQ(painted, sample.bitmap);
-        ASSERT_EQ(RegionBounds(sample.region), around);
-        Region snapped = sample.region;
-        RegionSnapX8(snapped);
-        ASSERT_TRUE(Holds(snapped, widened));
-    }
-}
-
-TEST(Region, CutsAMiddlePieceOut) {
-    const Region frame = RegionSubtract(Region::OfRectangle(0, 0, 9, 9), Region::OfRectangle(3, 2, 4, 5));
-    const RegionEntry end = regionSentinel;
-    EXPECT_TRUE(Holds(frame, {{0, 2}, {0, 9}, end, {2, 7}, {0, 3}, {7, 9}, end, {7, 9}, {0, 9}, end, end}));
 }
 
 // Narrow columns, and squares between them in every other row: far more entries than the two regions' own.
@@ -161,16 +151,6 @@ TEST(Region, StorageFollowsTheCapacityRule) {
     EXPECT_TRUE(two.IsEmpty());
     two = rectangle;
     EXPECT_EQ(RegionBounds(taken), (Rectangle{0, 0, 3, 1}));
-}
-
-TEST(VectorCapacityRule, GrowsWithRoomToSpareAndShrinksLate) {
-    EXPECT_EQ(VectorCapacityRule(0, 100, 100), 0);
-    EXPECT_EQ(VectorCapacityRule(41, 10, 10), 41);
-    EXPECT_EQ(VectorCapacityRule(40, 10, 10), 40 + 5 + 32);
-    EXPECT_EQ(VectorCapacityRule(10, 10, 3), 10);
-    EXPECT_EQ(VectorCapacityRule(128, 258, 258), 128 + 32);
-    EXPECT_EQ(VectorCapacityRule(129, 258, 258), 258);
-    EXPECT_EQ(VectorCapacityRule(1, 256, 256), 256);
 }
 
 TEST(Region, RectanglesStayWithinTheLimits) {

@@ -158,13 +158,6 @@ TEST(TextLayout, BytesFrom128OnAreNegativeCodes) {
               (Points{{4096 + 2560, 0}}));
 }
 
-TEST(TextLayout, WithoutAFontNothingIsDrawn) {
-    FakeFontEngine fonts;
-    fonts.hasFonts = false;
-    EXPECT_EQ(GlyphStarts({.text = ShortString("A\nB"), .align = TextContent::alignRight}, fonts), Points{});
-    EXPECT_EQ(fonts.made.size(), 1U);
-}
-
 TEST(TextLayout, OnlyListsThatOthersHoldAreReplaced) {
     FakeFontEngine fonts;
     OutlineHandle outline;

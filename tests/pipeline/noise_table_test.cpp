@@ -12,12 +12,6 @@ namespace {
 
 constexpr size_t tableBytes = 512 * 256;
 
-TEST(Random15, DrawsTheFixedSequence) {
-    Random15 random;
-    for (const int expected : {41, 18467, 6334, 26500, 19169, 15724, 11478, 29358, 26962, 24464})
-        EXPECT_EQ(random.Next(), expected);
-}
-
 TEST(NoiseTable, DrawsTheSameBytesInEveryBuild) {
     NoiseTable table;
     EXPECT_EQ(std::count(table.bytes.data, table.bytes.data + tableBytes, 128), ptrdiff_t{tableBytes});
@@ -37,24 +31,14 @@ TEST(NoiseTable, SaturatesStrongNoiseAboveZero) {
     }
 }
 
-TEST(NoiseTable, BuildingDoesNotMoveTheOffsets) {
-    NoiseTable once;
-    once.Build(0.75F);
-    NoiseTable often;
-    for (const float level : {0.75F, 0.75F, 3.0F, 0.75F}) often.Build(level);
-    once.Advance();
-    often.Advance();
-    EXPECT_EQ(once.offsetX, 117);
-    EXPECT_EQ(once.offsetY, 61);
-    EXPECT_EQ(often.offsetX, once.offsetX);
-    EXPECT_EQ(Crc32(often.bytes), Crc32(once.bytes));
-}
-
-TEST(NoiseTable, MovesEachOffsetBy32To221AndWraps) {
+TEST(NoiseTable, MovesEachOffsetBy32To221AndWrapsWhateverWasBuilt) {
     NoiseTable table;
+    for (const float level : {0.75F, 0.75F, 3.0F, 0.75F}) table.Build(level);
+    table.Advance();
+    EXPECT_EQ(table.offsetX, 117);
+    EXPECT_EQ(table.offsetY, 61);
     table.offsetX = std::numeric_limits<int32_t>::max();
-    int32_t least = 1000;
-    int32_t most = 0;
+    int32_t least = 1000, most = 0;
     for (int i = 0; i < 10000; ++i) {
         const auto before = static_cast<uint32_t>(table.offsetX);
         table.Advance();

@@ -7,20 +7,6 @@
 namespace clarivex {
 namespace {
 
-TEST(MakeOutputConstants, PutsEachParameterInItsPlace) {
-    const LightingCorrection params = {.square = -1.0F / 1048576,
-                                       .lumaGain = 2.0F,
-                                       .lumaOffset = -1.5F,
-                                       .cubic = 3.0F / 268435456,
-                                       .chromaGainU = 0.5F,
-                                       .chromaOffsetU = 4.0F,
-                                       .chromaGainV = 0.25F,
-                                       .chromaOffsetV = -8.0F};
-    const OutputConstants expected = {
-        .c3 = 3, .c2 = -1, .c1 = 16384, .c0 = -24, .gU = 4096, .oU = 64, .gV = 2048, .oV = -128};
-    EXPECT_EQ(MakeOutputConstants(params), expected);
-}
-
 TEST(MakeOutputConstants, RoundsTiesToEvenFoldsOverAndSurvivesNonsense) {
     LightingCorrection params;
     params.lumaGain = 4.0F;       // 32768

@@ -5,26 +5,12 @@
 #include <algorithm>
 #include <vector>
 
+#include "tests/support/stream_setup.h"
+
 namespace clarivex {
 namespace {
 
 constexpr uint8_t untouched = 0xEE;
-
-FrameRequest Stream(PixelFormat format, int32_t width, int32_t height, int32_t outputWidth, int32_t outputHeight) {
-    const auto formatOf = [format](int32_t w, int32_t h) -> ImageFormat {
-        const int32_t bits = format == PixelFormat::yuy2 ? 16 : 12;
-        return {.readable = true, .width = w, .height = h, .bitCount = bits, .target = {}};
-    };
-    FrameRequest request;
-    request.format = format;
-    request.input = formatOf(width, height);
-    request.source = request.input;
-    request.output = formatOf(outputWidth, outputHeight);
-    request.sourceWidth = width;
-    request.sourceHeight = height;
-    request.scalingOn = outputWidth > width;
-    return request;
-}
 
 // A copied frame; the buffers are exactly as long as told.
 struct CopiedFrame {
@@ -65,7 +51,7 @@ TEST(PlainCopy, PutsWholePairsOfRowsAtTheUpperLeftAndTouchesNothingElse) {
                               {PixelFormat::iyuv, 37, 9, 37, 9, 37 * 9 * 2, 37 * 9 * 2, 37, 37 * 8 + 8 * 18}};
     for (const CopyCase& test : cases) {
         SCOPED_TRACE(test.width);
-        const CopiedFrame frame(Stream(test.format, test.width, test.height, test.outputWidth, test.outputHeight),
+        const CopiedFrame frame(StreamOf(test.format, test.width, test.height, test.outputWidth, test.outputHeight),
                                 test.inputBytes, test.outputBytes);
         EXPECT_TRUE(SameSamples(frame.layout.input.luma, frame.layout.output.luma, test.rowBytes));
         EXPECT_EQ(frame.TouchedBytes(), test.touched);
@@ -76,19 +62,16 @@ TEST(PlainCopy, PutsWholePairsOfRowsAtTheUpperLeftAndTouchesNothingElse) {
 }
 
 TEST(PlainCopy, StaysInsideBuffersThatEndWithTheLastSample) {
-    // Rows with 28 bytes between them: all but the last are copied in whole units of 64 bytes.
-    FrameRequest packed = Stream(PixelFormat::yuy2, 64, 8, 64, 8);
-    packed.sourceWidth = 50;
-    const size_t bytes = 7 * 128 + 100;
-    const CopiedFrame frame(packed, bytes, bytes);
-    EXPECT_TRUE(SameSamples(frame.layout.input.luma, frame.layout.output.luma, 100));
-    EXPECT_EQ(frame.TouchedBytes(), static_cast<ptrdiff_t>(bytes));
-
-    // Rows that touch go as one run, which would end behind the last sample.
-    packed.sourceWidth = 60;
-    const size_t runBytes = 7 * 128 + 120;
-    const CopiedFrame run(packed, runBytes, runBytes);
-    EXPECT_EQ(run.TouchedBytes(), static_cast<ptrdiff_t>(runBytes));
+    // Rows with 28 bytes between them go in whole units of 64 bytes, but for the last. Rows that touch go as one run, which
+    // would end behind the last sample.
+    for (const int32_t width : {50, 60}) {
+        FrameRequest packed = StreamOf(PixelFormat::yuy2, 64, 8, 64, 8);
+        packed.sourceWidth = width;
+        const auto bytes = static_cast<size_t>(7 * 128 + 2 * width);
+        const CopiedFrame frame(packed, bytes, bytes);
+        EXPECT_TRUE(SameSamples(frame.layout.input.luma, frame.layout.output.luma, 2 * width));
+        EXPECT_EQ(frame.TouchedBytes(), static_cast<ptrdiff_t>(bytes));
+    }
 }
 
 }  // namespace

@@ -249,28 +249,26 @@ void ToneLumaOverlay(const uint8_t* in, uint8_t* out, int32_t width, const LumaC
     }
 }
 
+int32_t TonedChroma(int32_t chroma, int32_t x, const int16_t* gain, const int16_t* pattern, int32_t noise) {
+    return Sixteenths(MulHigh(128 * chroma, gain[x % patternPeriod]), pattern[x % patternPeriod], noise);
+}
+
 void ToneChroma(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* gain, const int16_t* pattern) {
-    for (int32_t x = 0; x < width; ++x)
-        out[x] =
-            Saturate8(Sixteenths(MulHigh(128 * in[x], gain[x % patternPeriod]), pattern[x % patternPeriod], 0) >> 4);
+    for (int32_t x = 0; x < width; ++x) out[x] = Saturate8(TonedChroma(in[x], x, gain, pattern, 0) >> 4);
 }
 
 void ToneChromaNoise(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* gain, const int16_t* pattern,
                      const int16_t* noise, int32_t noiseStart) {
-    for (int32_t x = 0; x < width; ++x) {
-        const int32_t value = MulHigh(128 * in[x], gain[x % patternPeriod]);
-        out[x] = Saturate8(Sixteenths(value, pattern[x % patternPeriod], noise[(noiseStart + x) % 256]) >> 4);
-    }
+    for (int32_t x = 0; x < width; ++x)
+        out[x] = Saturate8(TonedChroma(in[x], x, gain, pattern, noise[(noiseStart + x) % 256]) >> 4);
 }
 
 void ToneChromaOverlay(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* gain, const int16_t* pattern,
                        const int16_t* noise, int32_t noiseStart, const int16_t* keep, const uint8_t* term,
                        const int16_t* dither) {
-    for (int32_t x = 0; x < width; ++x) {
-        const int32_t grain = noise[(noiseStart + x) % 256];
-        const int32_t t = Sixteenths(MulHigh(128 * in[x], gain[x % patternPeriod]), pattern[x % patternPeriod], grain);
-        out[x] = Overlaid(t, keep[x], dither[x % patternPeriod], term[x]);
-    }
+    for (int32_t x = 0; x < width; ++x)
+        out[x] = Overlaid(TonedChroma(in[x], x, gain, pattern, noise[(noiseStart + x) % 256]), keep[x],
+                          dither[x % patternPeriod], term[x]);
 }
 
 void BlendChromaRows(const uint8_t* const* rows, uint8_t* out, int32_t width) {

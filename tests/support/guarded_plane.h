@@ -1,12 +1,16 @@
 // Planes for tests of filters that work in place: with spare columns, spare rows and guards, all of them compared.
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <cstdint>
+#include <initializer_list>
 #include <random>
-#include <string>
 #include <vector>
 
 #include "runtime/planes.h"
+#include "tests/support/crc32.h"
 
 namespace clarivex {
 
@@ -28,8 +32,6 @@ public:
     uint8_t& At(int32_t x, int32_t y) { return memory[static_cast<size_t>(guardLength + y * stride + x)]; }
     const uint8_t& At(int32_t x, int32_t y) const { return memory[static_cast<size_t>(guardLength + y * stride + x)]; }
 
-    void Fill(uint8_t sample) { memory.assign(memory.size(), sample); }
-
     /// Guards, spare columns and spare rows are compared as well.
     bool operator==(const GuardedPlane& other) const { return memory == other.memory; }
 
@@ -42,14 +44,23 @@ private:
     std::vector<uint8_t> memory;
 };
 
-/// The first place where two planes of one shape differ, for failure texts.
-inline std::string FirstDifference(const GuardedPlane& actual, const GuardedPlane& expected) {
-    for (int32_t y = 0; y <= expected.height; ++y)
-        for (int32_t x = 0; x < expected.stride; ++x)
-            if (actual.At(x, y) != expected.At(x, y))
-                return "column " + std::to_string(x) + ", row " + std::to_string(y) + ": " +
-                       std::to_string(actual.At(x, y)) + " instead of " + std::to_string(expected.At(x, y));
-    return actual == expected ? "equal" : "outside the plane's rows";
+/// Digest of planes of every width up to their stride, spare columns and a spare row included, after a filter that works
+/// in place. Nothing else may have changed.
+inline uint32_t DigestOfFiltered(void (*filter)(const Plane& plane), std::initializer_list<int32_t> heights,
+                                 int32_t mostWidth = 64) {
+    constexpr int32_t stride = 64;
+    uint32_t digest = 0;
+    for (int32_t width = 1; width <= mostWidth; ++width)
+        for (const int32_t height : heights) {
+            GuardedPlane plane(width, height, stride, 1, static_cast<uint32_t>(width * 31 + height));
+            GuardedPlane around = plane;
+            filter(plane.View());
+            const size_t bytes = static_cast<size_t>(stride * (height + 1));
+            digest = Crc32(&plane.At(0, 0), bytes, digest);
+            std::copy_n(&plane.At(0, 0), bytes, &around.At(0, 0));
+            EXPECT_TRUE(plane == around) << width << " x " << height << ": guards";
+        }
+    return digest;
 }
 
 }  // namespace clarivex

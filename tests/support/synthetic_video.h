@@ -5,9 +5,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "pipeline/frame_geometry.h"
-#include "pipeline/frame_request.h"
 #include "tests/support/crc32.h"
+#include "tests/support/stream_setup.h"
 
 namespace clarivex {
 
@@ -27,14 +26,8 @@ class SyntheticVideo {
 public:
     SyntheticVideo(PixelFormat format, int32_t pictureWidth, int32_t pictureHeight, bool scaled)
         : width(pictureWidth), height(pictureHeight), outSize{width, height} {
-        const int32_t bits = format == PixelFormat::yuy2 ? 16 : 12;
         if (scaled) outSize = OutputSize(width, height, true);
-        request.format = format;
-        request.input = request.source = FormatOf({width, height}, bits);
-        request.output = FormatOf(outSize, bits);
-        request.sourceWidth = width;
-        request.sourceHeight = height;
-        request.scalingOn = scaled;
+        request = StreamOf(format, width, height, outSize.width, outSize.height);
         request.newStream = request.settingsDirty = true;
         input.resize(BytesOf({width, height}));
         output.resize(BytesOf(outSize));
@@ -72,15 +65,6 @@ public:
 private:
     [[nodiscard]] bool IsPacked() const { return request.format == PixelFormat::yuy2; }
     [[nodiscard]] int32_t LaterChroma() const { return request.format == PixelFormat::iyuv ? 2 : 1; }
-
-    static ImageFormat FormatOf(const FrameSize& size, int32_t bits) {
-        ImageFormat format;
-        format.readable = true;
-        format.width = size.width;
-        format.height = size.height;
-        format.bitCount = bits;
-        return format;
-    }
 
     static int32_t ColumnsOf(int32_t plane, const FrameSize& size) {
         return plane == 0 ? size.width : (size.width + 1) / 2;

@@ -41,14 +41,17 @@ inline const uint8_t* EndOf(const WorkingImage& image) {
     return luma.data + LayoutPlanes(luma.width, luma.height).blockBytes;
 }
 
+inline size_t BytesOf(const WorkingImage& image) {
+    return static_cast<size_t>(EndOf(image) - image.Planes().luma.data);
+}
+
 inline SourceImage SourceOf(const WorkingImage& image) { return {image.Planes(), EndOf(image)}; }
 
 /// A working image full of samples, spare columns and rows included. The same arguments give the same image.
 inline WorkingImage TestImage(int32_t width, int32_t height, Texture texture, uint32_t seed) {
     WorkingImage image;
     image.Resize(width, height);
-    uint8_t* first = image.Planes().luma.data;
-    FillTexture(first, static_cast<size_t>(EndOf(image) - first), image.Planes().luma.stride, texture, seed);
+    FillTexture(image.Planes().luma.data, BytesOf(image), image.Planes().luma.stride, texture, seed);
     return image;
 }
 
