@@ -11,7 +11,7 @@ tests=${2:-build/windows-x86/clarivex_tests.exe}
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 CLARIVEX_PAGE_PICTURE=Z:$folder/page.bmp \
-    tests/support/run_under_wine.sh "$tests" --gtest_filter='PropertyPagePicture.*' --gtest_brief=1
+    tests/support/run_under_wine.sh "$tests" --gtest_filter='PropertyPage.IsPaintedIntoAFile' --gtest_brief=1
 mkdir -p "$(dirname "$output")"
 ffmpeg -loglevel error -y -i "$folder/page.bmp" -pix_fmt rgb24 "$output"
 echo "show_settings_page.sh: $output is painted"

@@ -85,20 +85,21 @@ TEST(CommandLine, ErrorsNameTheWordAndWhatWouldBeRight) {
 }
 
 TEST(CommandLine, NumbersOutsideTheirRangeAreRefused) {
-    for (const char* sharpness : {"", "-0.1", "2.01", "nan", "inf", "1x", "0x1", "1,5", "1e99"})
-        EXPECT_NE(ErrorOf({"enhance", "--sharpness", sharpness, "a", "b"}), "") << sharpness;
-    for (const char* frames : {"", "0", "-1", "1.5", "99999999999999999999", "3f"})
-        EXPECT_NE(ErrorOf({"enhance", "--frames", frames, "a", "b"}), "") << frames;
-    for (const char* frame : {"", "0", "-1", "1001", "1.5"})
-        EXPECT_NE(ErrorOf({"caption", "--frame", frame, "a"}), "") << frame;
-    for (const char* size : {"", "0x1", "1x0", "8193x1", "1x8193", "12", "12x", "x12", "1x1x1", "-1x-1"})
-        EXPECT_NE(ErrorOf({"caption", "--size", size, "a"}), "") << size;
-    for (const char* attempts : {"", "0", "-1", "1000001", "1.5"})
-        EXPECT_NE(ErrorOf({"tune", "--attempts", attempts, "a"}), "") << attempts;
-    for (const char* seed : {"", "-1", "4294967296", "0x1"})
-        EXPECT_NE(ErrorOf({"tune", "--seed", seed, "a"}), "") << seed;
-    for (const char* aspect : {"", "0:1", "1:0", "1", "1:1:1", "1.5:1", "65:1", "1:65"})
-        EXPECT_NE(ErrorOf({"caption", "--aspect", aspect, "a"}), "") << aspect;
+    struct {
+        const char* command;
+        const char* option;
+        std::vector<const char*> values;
+    } const cases[] = {
+        {"enhance", "--sharpness", {"", "-0.1", "2.01", "nan", "inf", "1x", "0x1", "1,5", "1e99"}},
+        {"enhance", "--frames", {"", "0", "-1", "1.5", "99999999999999999999", "3f"}},
+        {"caption", "--frame", {"", "0", "-1", "1001", "1.5"}},
+        {"caption", "--size", {"", "0x1", "1x0", "8193x1", "1x8193", "12", "12x", "x12", "1x1x1", "-1x-1"}},
+        {"caption", "--aspect", {"", "0:1", "1:0", "1", "1:1:1", "1.5:1", "65:1", "1:65"}},
+        {"tune", "--attempts", {"", "0", "-1", "1000001", "1.5"}},
+        {"tune", "--seed", {"", "-1", "4294967296", "0x1"}}};
+    for (const auto& [command, option, values] : cases)
+        for (const char* value : values)
+            EXPECT_TRUE(ErrorOf({command, option, value, "a"}).starts_with(option)) << option << " " << value;
     EXPECT_EQ(Parse({"enhance", "--sharpness", "0", "a", "b"}).enhance.sharpness, 0.0f);
     EXPECT_EQ(Parse({"enhance", "--sharpness", "2", "a", "b"}).enhance.sharpness, 2.0f);
 }

@@ -9,16 +9,15 @@
 
 #include "host/picture.h"
 #include "platform/com_pointer.h"
-#include "platform/guids.h"
-#include "platform/win32.h"
-#include "shell/settings.h"
+#include "tests/support/fake_settings.h"
 
 namespace clarivex {
 
-/// Lives on the test's stack: its references are counted, and the test looks at the count. Methods that a player has no
-/// use for answer E_NOTIMPL.
-class FakeMediaObject final : public IMediaObject, public ICVXSettings {
+/// Methods that a player has no use for answer E_NOTIMPL.
+class FakeMediaObject final : public CountedFake<IMediaObject> {
 public:
+    FakeMediaObject() : CountedFake(iidMediaObject) {}
+
     // What the test sets.
     std::function<PictureSize(PictureSize)> outputSizeOf = [](PictureSize size) { return size; };
     std::function<HRESULT()> offerResult = [] { return S_OK; };
@@ -33,25 +32,12 @@ public:
     std::vector<int64_t> starts, lengths;
     std::vector<DWORD> inputFlags;
     DWORD outputLengthBefore = 1;
-    ULONG references = 1;
-    unsigned mode = 99;
-    float sharpness = -1.0f;
-    int lighting = -1;
-    int allowHd = -1;
-
-    ComPointer<IMediaObject> Reference() {
-        ++references;
-        return ComPointer<IMediaObject>(this);
-    }
+    FakeSettings settings;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
-        *out = IsEqualGUID(iid, iidCvxSettings) ? static_cast<ICVXSettings*>(this) : nullptr;
-        if (!*out) return E_NOINTERFACE;
-        ++references;
-        return S_OK;
+        return IsEqualGUID(iid, iidCvxSettings) ? settings.QueryInterface(iid, out)
+                                                : CountedFake::QueryInterface(iid, out);
     }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
-    ULONG STDMETHODCALLTYPE Release() override { return --references; }
 
     HRESULT STDMETHODCALLTYPE SetInputType(DWORD, const DMO_MEDIA_TYPE* type, DWORD) override {
         calls.push_back("SetInputType");
@@ -104,6 +90,7 @@ public:
                                            REFERENCE_TIME length) override {
         calls.push_back("ProcessInput");
         buffer->AddRef();
+        Flush();
         held = buffer;
         inputFlags.push_back(flags);
         starts.push_back(time);
@@ -131,18 +118,6 @@ public:
     HRESULT STDMETHODCALLTYPE SetInputMaxLatency(DWORD, REFERENCE_TIME) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetInputStatus(DWORD, DWORD*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE Lock(LONG) override { return E_NOTIMPL; }
-
-    HRESULT STDMETHODCALLTYPE get_ScaleFactor(double*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE put_ScaleFactor(double) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE get_Sharpness(float*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE put_Sharpness(float value) override { return sharpness = value, S_OK; }
-    HRESULT STDMETHODCALLTYPE get_CVXMode(unsigned*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE put_CVXMode(unsigned value) override { return mode = value, S_OK; }
-    HRESULT STDMETHODCALLTYPE get_AllowHD(int*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE put_AllowHD(int value) override { return allowHd = value, S_OK; }
-    HRESULT STDMETHODCALLTYPE get_EnableLighting(int*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE put_EnableLighting(int value) override { return lighting = value, S_OK; }
-    HRESULT STDMETHODCALLTYPE get_ScalingActive(int*) override { return E_NOTIMPL; }
 
 private:
     IMediaBuffer* held = nullptr;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <tuple>
 
 #include "host/errors.h"
 #include "host/plugin_library.h"
@@ -28,35 +29,35 @@ std::string ErrorOf(const std::function<void()>& action) {
     return "";
 }
 
-TEST(Player, CallsInAPlayersOrder) {
+// Of small YV12 pictures.
+Player PlayerOf(FakeMediaObject& object, Ratio frameRate = {}, PictureSize size = {32, 16}) {
+    return Player(ReferenceTo<IMediaObject>(&object), {SampleFormat::yv12, size, frameRate, {}}, {.allowHd = false});
+}
+
+TEST(Player, HandsOverTheSettingsAndCallsInAPlayersOrder) {
     FakeMediaObject object;
     const std::vector<uint8_t> samples = Gradient({32, 16});
     {
-        Player player(object.Reference(), {SampleFormat::yv12, {32, 16}, {25, 1}, {}}, {});
+        Player player(ReferenceTo<IMediaObject>(&object), {SampleFormat::yv12, {32, 16}, {25, 1}, {}},
+                      {2, 0.25f, false, true});
         EXPECT_EQ(player.Negotiate(), Negotiated::playing);
         player.Play(samples);
         player.Play(samples);
         player.Finish();
     }
+    EXPECT_EQ(std::tuple(2U, 0.25f, 0, 1), std::tuple(object.settings.mode, object.settings.sharpness,
+                                                      object.settings.enableLighting, object.settings.allowHd));
     EXPECT_EQ(object.calls,
               (std::vector<std::string>{"SetInputType", "GetOutputType", "SetOutputType", "ProcessInput",
                                         "ProcessOutput", "ProcessInput", "ProcessOutput", "Discontinuity"}));
     EXPECT_EQ(object.outputLengthBefore, 0u);
-    EXPECT_EQ(object.references, 1u) << "every reference was given back";
-}
-
-TEST(Player, HandsOverTheSettings) {
-    FakeMediaObject object;
-    const Player player(object.Reference(), {SampleFormat::yv12, {32, 16}, {}, {}}, {1, 0.25f, false, true});
-    EXPECT_EQ(object.mode, 1u);
-    EXPECT_EQ(object.sharpness, 0.25f);
-    EXPECT_EQ(object.lighting, 0);
-    EXPECT_EQ(object.allowHd, 1);
+    EXPECT_EQ(object.references, 1) << "every reference was given back";
+    EXPECT_EQ(object.settings.references, 1);
 }
 
 TEST(Player, StatesTheVideoAsAPlayerDoes) {
     FakeMediaObject object;
-    Player player(object.Reference(), {SampleFormat::yuy2, {35, 20}, {30000, 1001}, {128, 117}}, {});
+    Player player(ReferenceTo<IMediaObject>(&object), {SampleFormat::yuy2, {35, 20}, {30000, 1001}, {128, 117}}, {});
     ASSERT_EQ(player.Negotiate(), Negotiated::playing);
     const VIDEOINFOHEADER2& header = object.inputHeader;
     EXPECT_TRUE(IsEqualGUID(object.inputSubtype, mediaSubtypeYuy2));
@@ -75,7 +76,7 @@ TEST(Player, StatesTheVideoAsAPlayerDoes) {
 TEST(Player, TimesFollowTheRateWithoutDrift) {
     FakeMediaObject object;
     const std::vector<uint8_t> samples = Gradient({32, 16});
-    Player player(object.Reference(), {SampleFormat::yv12, {32, 16}, {30000, 1001}, {}}, {});
+    Player player = PlayerOf(object, {30000, 1001});
     player.Negotiate();
     for (int frame = 0; frame < 4; ++frame) player.Play(samples);
     EXPECT_EQ(object.starts, (std::vector<int64_t>{0, 333666, 667333, 1001000}));
@@ -83,7 +84,7 @@ TEST(Player, TimesFollowTheRateWithoutDrift) {
     const DWORD timed = DMO_INPUT_DATA_BUFFERF_TIME | DMO_INPUT_DATA_BUFFERF_TIMELENGTH;
     EXPECT_EQ(object.inputFlags[0] & timed, timed);
     EXPECT_EQ(FrameStart(30'000'000, {30000, 1001}), 10'010'000'000'000) << "11 days later, to the tick";
-    Player untimed(object.Reference(), {SampleFormat::yv12, {32, 16}, {}, {}}, {});
+    Player untimed = PlayerOf(object);
     untimed.Negotiate();
     untimed.Play(samples);
     EXPECT_EQ(object.inputFlags.back() & timed, 0u);
@@ -99,7 +100,7 @@ TEST(Player, WhatTheObjectLeavesOutIsTheSourceOverBlack) {
     };
     const PictureSize size{32, 16};
     const std::vector<uint8_t> samples = Gradient(size);
-    Player player(object.Reference(), {SampleFormat::iyuv, size, {}, {}}, {});
+    Player player(ReferenceTo<IMediaObject>(&object), {SampleFormat::iyuv, size, {}, {}}, {});
     player.Negotiate();
     const auto [luma, u, v] = player.Play(samples);
     ASSERT_EQ(luma.size(), 48u * 24u);
@@ -115,41 +116,38 @@ TEST(Player, WhatTheObjectLeavesOutIsTheSourceOverBlack) {
 }
 
 TEST(Player, FailuresOfTheObjectAreNamed) {
-    const std::vector<uint8_t> samples = Gradient({32, 16});
     FakeMediaObject object;
     object.process = [](auto, BYTE*) { return E_INVALIDARG; };
-    Player player(object.Reference(), {SampleFormat::yv12, {32, 16}, {}, {}}, {});
+    Player player = PlayerOf(object);
     player.Negotiate();
-    EXPECT_EQ(ErrorOf([&] { player.Play(samples); }), "the media object failed in ProcessOutput with code 0x80070057");
-    FakeMediaObject silent;
-    silent.process = [](auto, BYTE*) { return S_FALSE; };
-    Player second(silent.Reference(), {SampleFormat::yv12, {32, 16}, {}, {}}, {});
-    second.Negotiate();
-    EXPECT_NE(ErrorOf([&] { second.Play(samples); }), "") << "no picture is a failure too";
+    const auto play = [&] { player.Play(Gradient({32, 16})); };
+    EXPECT_EQ(ErrorOf(play), "the media object failed in ProcessOutput with code 0x80070057");
+    object.process = [](auto, BYTE*) { return S_FALSE; };
+    EXPECT_NE(ErrorOf(play), "") << "no picture is a failure too";
 }
 
 TEST(Player, UnusableOffersAreRefused) {
-    for (const PictureSize absurd : {PictureSize{31, 16}, PictureSize{32, 0}, PictureSize{-32, 16},
-                                     PictureSize{INT32_MAX, 16}, PictureSize{32, INT32_MIN}}) {
+    const auto refuses = [](PictureSize offered, DWORD bytes) {
         FakeMediaObject object;
-        object.outputSizeOf = [=](PictureSize) { return absurd; };
-        Player player(object.Reference(), {SampleFormat::yv12, {32, 16}, {}, {}}, {});
-        EXPECT_NE(ErrorOf([&] { player.Negotiate(); }), "") << absurd.width << "x" << absurd.height;
-    }
-    FakeMediaObject small;
-    small.outputBytes = 32 * 16 * 3 / 2 - 1;
-    Player player(small.Reference(), {SampleFormat::yv12, {32, 16}, {}, {}}, {});
-    EXPECT_NE(ErrorOf([&] { player.Negotiate(); }), "");
+        object.outputSizeOf = [=](PictureSize) { return offered; };
+        object.outputBytes = bytes;
+        Player player = PlayerOf(object);
+        EXPECT_NE(ErrorOf([&] { player.Negotiate(); }), "") << offered.width << "x" << offered.height;
+    };
+    for (const PictureSize absurd : {PictureSize{31, 16}, PictureSize{32, 0}, PictureSize{-32, 16},
+                                     PictureSize{INT32_MAX, 16}, PictureSize{32, INT32_MIN}})
+        refuses(absurd, 1 << 20);
+    refuses({32, 16}, 32 * 16 * 3 / 2 - 1);
 }
 
 TEST(Player, ARefusalIsABypassOnlyWhenHdIsTheReason) {
     FakeMediaObject object;
-    object.offerResult = [&] { return object.allowHd == 1 ? S_OK : DMO_E_TYPE_NOT_ACCEPTED; };
-    Player bypassing(object.Reference(), {SampleFormat::yv12, {32, 16}, {}, {}}, {.allowHd = false});
-    EXPECT_EQ(bypassing.Negotiate(), Negotiated::bypassedForHd);
+    object.offerResult = [&] { return object.settings.allowHd == 1 ? S_OK : DMO_E_TYPE_NOT_ACCEPTED; };
+    EXPECT_EQ(PlayerOf(object).Negotiate(), Negotiated::bypassedForHd);
     object.offerResult = [] { return DMO_E_TYPE_NOT_ACCEPTED; };
-    Player refused(object.Reference(), {SampleFormat::yv12, {12, 64}, {}, {}}, {.allowHd = false});
-    EXPECT_EQ(ErrorOf([&] { refused.Negotiate(); }),
+    EXPECT_EQ(ErrorOf([&] {
+                  PlayerOf(object, {}, {12, 64}).Negotiate();
+              }),
               "a picture of 12x64 is too small: width and height must be at least 16");
 }
 
@@ -164,8 +162,8 @@ TEST(PictureAspect, IsTheSampleAspectTimesTheSize) {
 TEST(MediaBuffer, KeepsTheRulesOfItsInterface) {
     const ComPointer<MediaBuffer> buffer = MediaBuffer::Make(10);
     DWORD length = 9;
-    EXPECT_EQ(buffer->SetLength(11), E_INVALIDARG);
     EXPECT_EQ(buffer->SetLength(10), S_OK);
+    EXPECT_EQ(buffer->SetLength(11), E_INVALIDARG);
     EXPECT_EQ(buffer->GetBufferAndLength(nullptr, &length), S_OK);
     EXPECT_EQ(length, 10u);
     EXPECT_EQ(buffer->GetBufferAndLength(nullptr, nullptr), E_POINTER);
@@ -175,25 +173,20 @@ TEST(MediaBuffer, KeepsTheRulesOfItsInterface) {
     EXPECT_EQ(other, nullptr);
 }
 
-class RealMediaObject : public testing::TestWithParam<SampleFormat> {};
-INSTANTIATE_TEST_SUITE_P(Formats, RealMediaObject,
-                         testing::Values(SampleFormat::yv12, SampleFormat::iyuv, SampleFormat::yuy2));
-
-TEST_P(RealMediaObject, EnlargesKeepsTheSizeOrRefusesAsItIsTold) {
-    const PictureSize size{65, 49};
-    Player player(MakeLinkedMediaObject(), {GetParam(), size, {25, 1}, {}}, {.mode = 0});
-    ASSERT_EQ(player.Negotiate(), Negotiated::playing);
-    EXPECT_EQ(player.OutputSize(), size);
-    player.Play(Gradient(size));
-    Player enlarging(MakeLinkedMediaObject(), {GetParam(), {33, 17}, {25, 1}, {}}, {});
-    ASSERT_EQ(enlarging.Negotiate(), Negotiated::playing);
-    EXPECT_EQ(enlarging.OutputSize(), (PictureSize{56, 24}));
-    enlarging.Play(Gradient({33, 17}));
-    enlarging.Finish();
-    Player hd(MakeLinkedMediaObject(), {GetParam(), {1024, 576}, {}, {}}, {.allowHd = false});
-    EXPECT_EQ(hd.Negotiate(), Negotiated::bypassedForHd);
-    Player small(MakeLinkedMediaObject(), {GetParam(), {15, 64}, {}, {}}, {});
-    EXPECT_THROW(small.Negotiate(), RunError);
+TEST(RealMediaObject, EnlargesKeepsTheSizeOrRefusesAsItIsTold) {
+    const auto negotiate = [](SampleFormat format, PictureSize size, const PlayerSettings& settings) {
+        Player player(MakeLinkedMediaObject(), {format, size, {25, 1}, {}}, settings);
+        if (player.Negotiate() == Negotiated::bypassedForHd) return PictureSize{};
+        player.Play(Gradient(size));
+        player.Finish();
+        return player.OutputSize();
+    };
+    for (const SampleFormat format : {SampleFormat::yv12, SampleFormat::iyuv, SampleFormat::yuy2}) {
+        EXPECT_EQ(negotiate(format, {65, 49}, {.mode = 0}), (PictureSize{65, 49}));
+        EXPECT_EQ(negotiate(format, {33, 17}, {}), (PictureSize{56, 24}));
+        EXPECT_EQ(negotiate(format, {1024, 576}, {.allowHd = false}), PictureSize{});
+        EXPECT_THROW(negotiate(format, {15, 64}, {}), RunError);
+    }
 }
 
 }  // namespace

@@ -41,20 +41,18 @@ TEST(Y4mHeader, ReadsSizeRateAndAspectWhichMayBeMissing) {
     EXPECT_EQ(header.size, (PictureSize{352, 288}));
     EXPECT_EQ(header.frameRate, (Ratio{30000, 1001}));
     EXPECT_EQ(header.sampleAspect, (Ratio{128, 117}));
-    const Y4mHeader bare = ParseY4mHeader("YUV4MPEG2  H3 W5");
-    EXPECT_EQ(bare.size, (PictureSize{5, 3}));
-    EXPECT_FALSE(bare.frameRate.Known());
-    EXPECT_FALSE(bare.sampleAspect.Known());
-    EXPECT_FALSE(ParseY4mHeader("YUV4MPEG2 W5 H3 F0:0 A0:0").frameRate.Known());
+    for (const char* line : {"YUV4MPEG2  H3 W5", "YUV4MPEG2 W5 H3 F0:0 A0:0"}) {
+        const Y4mHeader bare = ParseY4mHeader(line);
+        EXPECT_EQ(bare.size, (PictureSize{5, 3}));
+        EXPECT_FALSE(bare.frameRate.Known() || bare.sampleAspect.Known());
+    }
 }
 
 TEST(Y4mHeader, EveryTagButTheSizeIsKept) {
-    const Y4mHeader header =
-        ParseY4mHeader("YUV4MPEG2 W352 H288 F25:1 Ib A12:11 C420jpeg XYSCSS=420JPEG XCOLORRANGE=LIMITED Qnew");
+    const Y4mHeader header = ParseY4mHeader("YUV4MPEG2 W352 H288 F25:1 Ib A12:11 C420jpeg XYSCSS=420JPEG Qnew");
     EXPECT_EQ(Y4mHeaderLine(header, {528, 432}, false),
-              "YUV4MPEG2 W528 H432 F25:1 Ib A12:11 C420jpeg XYSCSS=420JPEG XCOLORRANGE=LIMITED Qnew\n");
-    EXPECT_EQ(Y4mHeaderLine(header, {528, 432}, true),
-              "YUV4MPEG2 W528 H432 F25:1 Ib A12:11 C422 XYSCSS=422 XCOLORRANGE=LIMITED Qnew\n");
+              "YUV4MPEG2 W528 H432 F25:1 Ib A12:11 C420jpeg XYSCSS=420JPEG Qnew\n");
+    EXPECT_EQ(Y4mHeaderLine(header, {528, 432}, true), "YUV4MPEG2 W528 H432 F25:1 Ib A12:11 C422 XYSCSS=422 Qnew\n");
     EXPECT_EQ(Y4mHeaderLine(ParseY4mHeader("YUV4MPEG2 W2 H2"), {3, 3}, true), "YUV4MPEG2 W3 H3 C422\n");
 }
 
@@ -67,22 +65,17 @@ TEST(Y4mHeader, OnlyEightBitHalfChromaIsTaken) {
     }
 }
 
-TEST(Y4mHeader, AbsurdNumbersAreNamed) {
-    for (const char* side : {"W0", "W8193", "W4294967360", "W-64", "W", "W6x4", "W99999999999999999999"}) {
-        const std::string error = HeaderError(std::string("YUV4MPEG2 H64 ") + side);
-        EXPECT_EQ(error, std::string("header tag ") + side + ": the width must be 1 to 8192");
-    }
-    EXPECT_EQ(HeaderError("YUV4MPEG2 W64 H1000000"), "header tag H1000000: the height must be 1 to 8192");
+TEST(Y4mHeader, AbsurdNumbersAndMissingPartsAreNamed) {
+    for (const char* side : {"W0", "W8193", "W4294967360", "W-64", "W", "W6x4", "W99999999999999999999"})
+        EXPECT_EQ(HeaderError(std::string("YUV4MPEG2 H64 ") + side),
+                  std::string("header tag ") + side + ": the width must be 1 to 8192");
     for (const char* tag : {"F25", "F:", "F25:", "F-1:1", "F1:4294967296", "F1:3601", "F1000001:1", "A4", "A4:3:2"})
         EXPECT_NE(HeaderError(std::string("YUV4MPEG2 W64 H64 ") + tag), "") << tag;
+    EXPECT_EQ(HeaderError("YUV4MPEG2 W64 H1000000"), "header tag H1000000: the height must be 1 to 8192");
     EXPECT_EQ(HeaderError("YUV4MPEG2 W8192 H8192 F4294967295:4294967295"), "");
-}
-
-TEST(Y4mHeader, MissingPartsAreNamed) {
     EXPECT_NE(HeaderError("YUV4MPEG2 H64").find("no width"), std::string::npos);
     EXPECT_NE(HeaderError("YUV4MPEG2 W64").find("no height"), std::string::npos);
     EXPECT_NE(HeaderError("YUV4MPEG22 W64 H64").find("not a Y4M"), std::string::npos);
-    EXPECT_NE(HeaderError("RIFF").find("not a Y4M"), std::string::npos);
 }
 
 TEST(Y4mHeader, ForeignTextIsShownHarmlessly) {
@@ -106,30 +99,30 @@ TEST(Y4mReader, CountsFramesToTheEnd) {
     EXPECT_FALSE(reader.ReadFrame(got));
 }
 
-TEST(Y4mReader, ACutIsToldWithItsFrameAndBytes) {
+TEST(Y4mReader, CutsAndDamageAreToldWithTheirFrame) {
     const std::string begin = "YUV4MPEG2 W2 H2\nFRAME\nabcdef";
-    EXPECT_EQ(ReadAll(begin + "FRAME\nabc").error, "frame 1 is cut short: 6 bytes expected, 3 found");
-    EXPECT_EQ(ReadAll(begin + "FRAME\n").error, "frame 1 is cut short: 6 bytes expected, 0 found");
-    EXPECT_EQ(ReadAll(begin + "FRA").error, "frame 1 is cut short: 6 bytes expected, 0 found");
-    EXPECT_EQ(ReadAll(begin + "FRAME Ip").error, "frame 1 is cut short: 6 bytes expected, 0 found");
-    EXPECT_EQ(ReadAll(begin + "FRAME\nabc").frames, 1);
-}
-
-TEST(Y4mReader, DamageBetweenFramesIsTold) {
-    const std::string begin = "YUV4MPEG2 W2 H2\nFRAME\nabcdef";
-    for (const std::string& damage : {std::string("x"), std::string("FRAMES\nabcdef"), std::string("\n"),
-                                      "FRAME " + std::string(longestY4mLine, 'I') + "\nabcdef"}) {
-        const Reading reading = ReadAll(begin + damage);
-        EXPECT_NE(reading.error.find("frame 1 does not begin"), std::string::npos) << reading.error;
+    const std::string damaged = "frame 1 does not begin";
+    const std::pair<std::string, std::string> cases[] = {
+        {"FRAME\nabc", "frame 1 is cut short: 6 bytes expected, 3 found"},
+        {"FRAME\n", "frame 1 is cut short: 6 bytes expected, 0 found"},
+        {"FRA", "frame 1 is cut short: 6 bytes expected, 0 found"},
+        {"FRAME Ip", "frame 1 is cut short: 6 bytes expected, 0 found"},
+        {"x", damaged},
+        {"FRAMES\nabcdef", damaged},
+        {"\n", damaged},
+        {"FRAME " + std::string(longestY4mLine, 'I') + "\nabcdef", damaged}};
+    for (const auto& [rest, error] : cases) {
+        const Reading reading = ReadAll(begin + rest);
+        EXPECT_TRUE(reading.error.starts_with(error)) << reading.error;
         EXPECT_EQ(reading.frames, 1);
     }
 }
 
 TEST(Y4mReader, HeadersWithoutEndOrContentAreTold) {
+    const std::string endless = "YUV4MPEG2 " + std::string(longestY4mLine, 'X') + " W2 H2\n";
     EXPECT_NE(ReadAll("").error.find("is empty"), std::string::npos);
     EXPECT_NE(ReadAll("YUV4MPEG2 W2 H2").error.find("no line end"), std::string::npos);
-    EXPECT_NE(ReadAll("YUV4MPEG2 " + std::string(longestY4mLine, 'X') + " W2 H2\n").error.find("no line end"),
-              std::string::npos);
+    EXPECT_NE(ReadAll(endless).error.find("no line end"), std::string::npos);
     EXPECT_NE(ReadAll(std::string(100000, '\0')).error.find("not a Y4M"), std::string::npos);
 }
 

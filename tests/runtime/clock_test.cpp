@@ -57,7 +57,6 @@ TEST(HiResClock, GivesUpACounterThatReadsZeroForGood) {
     EXPECT_EQ(clock.Now(), 200'000);
     FakeMachine::counter = 500'000;
     EXPECT_EQ(clock.Now(), 200'000);
-    EXPECT_EQ(FakeMachine::counterReads, 1);
 }
 
 // Lets a second pass at a time; the stamp runs at 2.5 GHz.

@@ -27,7 +27,7 @@ CpuRegisters WidestProcessor() {
             .enabledState = 0xE7};
 }
 
-TEST(SimdSupportOf, NeedsTheOperatingSystemToSaveTheRegisters) {
+TEST(SimdSupportOf, NeedsEveryPartOfASetAndASystemThatSavesItsRegisters) {
     CpuRegisters registers = WidestProcessor();
     EXPECT_TRUE(SimdSupportOf(registers).avx512bw);
     registers.enabledState = 0x67;  // masks and upper halves, but not the upper sixteen registers
@@ -36,16 +36,12 @@ TEST(SimdSupportOf, NeedsTheOperatingSystemToSaveTheRegisters) {
     registers.enabledState = 0x03;
     EXPECT_FALSE(SimdSupportOf(registers).avx2);
     EXPECT_TRUE(SimdSupportOf(registers).sse2);
-}
-
-TEST(SimdSupportOf, NeedsEveryPartOfASet) {
     for (const int part : {5, 16, 30, 31}) {
-        CpuRegisters registers = WidestProcessor();
+        registers = WidestProcessor();
         registers.leaf7Ebx &= ~Bit(part);
         EXPECT_FALSE(SimdSupportOf(registers).avx512bw) << part;
         EXPECT_EQ(SimdSupportOf(registers).avx2, part != 5) << part;
     }
-    CpuRegisters registers = WidestProcessor();
     registers.leaf1Edx = 0;
     EXPECT_FALSE(SimdSupportOf(registers).sse2);
     EXPECT_FALSE(SimdSupportOf(registers).avx2);

@@ -13,12 +13,11 @@ TEST(FastLock, SecondAcquireByOwnerDoesNotCount) {
     ASSERT_TRUE(lock.Acquire());
     EXPECT_FALSE(lock.Acquire());
     lock.Release();
-
-    // One release freed it: another thread gets in at once, and then this one again.
-    std::thread([&lock] {
+    std::thread([&lock] {  // one release freed it
         EXPECT_TRUE(lock.Acquire());
         lock.Release();
-    }).join();
+    })
+        .join();
     EXPECT_TRUE(lock.Acquire());
     lock.Release();
 }

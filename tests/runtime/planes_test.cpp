@@ -88,24 +88,20 @@ TEST(CopyPlane, CropsToTheSmallerPlaneAndFollowsRowsUpwards) {
     EXPECT_EQ(upwards.plane.Row(0)[39], source.plane.Row(0)[39]);
 }
 
+// Bytes that a copy of three rows touches when both buffers end so many bytes behind the start of these rows.
+size_t TouchedWithin(const TestPlane& target, const TestPlane& source, size_t targetBytes, size_t sourceBytes) {
+    CopyPlane(target.plane, source.plane,
+              {.targetEnd = target.plane.data + targetBytes, .sourceEnd = source.plane.data + sourceBytes});
+    return target.TouchedBytes();
+}
+
 TEST(CopyPlane, StaysInsideTheBoundsOfBothBuffers) {
-    TestPlane source(100, 3, 136);
+    TestPlane source(100, 3, 136), touching(50, 3, 60);
     source.Number();
-    const TestPlane whole(100, 3, 128);
-    const uint8_t* sourceEnd = source.plane.Row(2) + 101;
-    CopyPlane(whole.plane, source.plane, {.targetEnd = nullptr, .sourceEnd = sourceEnd});
-    EXPECT_EQ(whole.TouchedBytes(), 2U * 128 + 101);
-
-    const TestPlane clipped(100, 3, 128);
-    const uint8_t* targetEnd = clipped.plane.Row(1) + 7;
-    CopyPlane(clipped.plane, source.plane, {.targetEnd = targetEnd, .sourceEnd = nullptr});
-    EXPECT_EQ(clipped.TouchedBytes(), 128U + 7);
-
-    TestPlane touching(50, 3, 60);
     touching.Number();
-    const TestPlane run(50, 3, 60);
-    CopyPlane(run.plane, touching.plane, {.targetEnd = run.plane.Row(2) + 50, .sourceEnd = nullptr});
-    EXPECT_EQ(run.TouchedBytes(), 2U * 60 + 50);
+    EXPECT_EQ(TouchedWithin(TestPlane(100, 3, 128), source, 999, 2 * 136 + 101), 2U * 128 + 101);
+    EXPECT_EQ(TouchedWithin(TestPlane(100, 3, 128), source, 128 + 7, 999), 128U + 7);
+    EXPECT_EQ(TouchedWithin(TestPlane(50, 3, 60), touching, 2 * 60 + 50, 999), 2U * 60 + 50);
 }
 
 TEST(LayoutPlanes, KeepsSpareRowsAndBalancesThePlanes) {

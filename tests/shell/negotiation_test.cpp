@@ -2,11 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <tuple>
 
-#include "engine/enhancement_engine.h"
 #include "shell/media_type.h"
-#include "shell/process_objects.h"
-#include "tests/support/fake_buffers.h"
 #include "tests/support/test_object.h"
 #include "tests/support/video_types.h"
 
@@ -35,18 +33,6 @@ protected:
     TestObject object;
     ReceivedType offered;
 };
-
-TEST_F(Negotiation, StreamsAreOneEachAndTellTheirFlags) {
-    DWORD in = 0;
-    DWORD out = 0;
-    EXPECT_EQ(S_OK, Media().GetStreamCount(&in, &out));
-    EXPECT_EQ(1U, in);
-    EXPECT_EQ(1U, out);
-    EXPECT_EQ(S_OK, Media().GetInputStreamInfo(0, &in));
-    EXPECT_EQ(S_OK, Media().GetOutputStreamInfo(0, &out));
-    EXPECT_EQ(11U, in);
-    EXPECT_EQ(3U, out);
-}
 
 TEST_F(Negotiation, ArgumentsAreTestedInOrder) {
     DWORD word = 0;
@@ -88,6 +74,14 @@ TEST_F(Negotiation, ArgumentsAreTestedInOrder) {
     for (const auto& result : results) EXPECT_EQ(result.first, result.second) << "call " << &result - results;
 }
 
+TEST_F(Negotiation, StreamsAreOneEachAndTellTheirFlags) {
+    DWORD inputs = 0, outputs = 0, inputFlags = 0, outputFlags = 0;
+    EXPECT_EQ(S_OK, Media().GetStreamCount(&inputs, &outputs));
+    EXPECT_EQ(S_OK, Media().GetInputStreamInfo(0, &inputFlags));
+    EXPECT_EQ(S_OK, Media().GetOutputStreamInfo(0, &outputFlags));
+    EXPECT_EQ(std::tuple(1, 1, 11, 3), std::tuple(inputs, outputs, inputFlags, outputFlags));
+}
+
 TEST_F(Negotiation, InputTypesAreListedUntilOneIsSet) {
     const std::array<GUID, 3> subtypes = {mediaSubtypeYv12, mediaSubtypeYuy2, mediaSubtypeIyuv};
     ReceivedType type;
@@ -110,47 +104,30 @@ TEST_F(Negotiation, NothingIsOfferedBeforeAnInputTypeIsSet) {
     EXPECT_EQ(DMO_E_TYPE_NOT_ACCEPTED, Offer());
     EXPECT_EQ(DMO_E_TYPE_NOT_ACCEPTED, SetOutput(VideoInfoType(320, 240)));
     EXPECT_EQ(S_FALSE, SetOutput(VideoInfoType(320, 240), testOnly));
-    ASSERT_EQ(S_OK, SetInput(VideoInfoType(320, 240)));
-    EXPECT_EQ(S_OK, SetOutput(VideoInfoType(320, 240)));
 }
 
-TEST_F(Negotiation, OfferIsTheInputTypeWithTheEnlargedPicture) {
-    VideoInfo2Type input(640, 480, mediaSubtypeYuy2);
+TEST_F(Negotiation, OfferIsTheInputTypeWithTheEnlargedPictureAtEveryIndex) {
+    VideoInfo2Type input(640, -480, mediaSubtypeYuy2);
     input.formatBytes = sizeof(VIDEOINFOHEADER2) + 5;  // what stands behind the header goes along
     input.header.dwInterlaceFlags = 1;
     input.header.dwBitRate = 1000;
     input.header.rcSource = {1, 2, 3, 4};
-    input.header.AvgTimePerFrame = 400000;
     input.Target() = {0, 0, 640, 480};
     ASSERT_EQ(S_OK, SetInput(input));
-    ASSERT_EQ(S_OK, Offer());
-    EXPECT_TRUE(object.ScalingActive());
-    EXPECT_TRUE(IsEqualGUID(mediaSubtypeYuy2, offered.Get().subtype));
-    EXPECT_EQ(input.Type()->lSampleSize, offered.Get().lSampleSize);
-    EXPECT_EQ(sizeof(VIDEOINFOHEADER2) + 5, offered.Get().cbFormat);
-    const auto header = offered.As<VIDEOINFOHEADER2>();
-    EXPECT_EQ(960, header.bmiHeader.biWidth);
-    EXPECT_EQ(720, header.bmiHeader.biHeight);
-    EXPECT_EQ(960U * 720 * 2, header.bmiHeader.biSizeImage);
-    EXPECT_EQ(640, header.rcTarget.right);
-    EXPECT_EQ(4, header.rcSource.bottom);
-    EXPECT_EQ(0U, header.dwInterlaceFlags);
-    EXPECT_EQ(400000, header.AvgTimePerFrame);
-}
-
-TEST_F(Negotiation, EveryTypeIndexGivesTheSameOfferUprightOrNot) {
-    ASSERT_EQ(S_OK, SetInput(VideoInfoType(352, -288)));
     for (DWORD i = 0; i < 3; ++i) {
         ASSERT_EQ(S_OK, Media().GetOutputType(0, i, offered.Out()));
-        EXPECT_TRUE(IsEqualGUID(mediaSubtypeYv12, offered.Get().subtype));
-        EXPECT_EQ(-432, offered.As<VIDEOINFOHEADER>().bmiHeader.biHeight);
+        EXPECT_TRUE(object.ScalingActive());
+        EXPECT_TRUE(IsEqualGUID(mediaSubtypeYuy2, offered.Get().subtype));
+        EXPECT_EQ(input.Type()->lSampleSize, offered.Get().lSampleSize);
+        EXPECT_EQ(sizeof(VIDEOINFOHEADER2) + 5, offered.Get().cbFormat);
+        const auto header = offered.As<VIDEOINFOHEADER2>();
+        EXPECT_EQ(960, header.bmiHeader.biWidth);
+        EXPECT_EQ(-720, header.bmiHeader.biHeight);
+        EXPECT_EQ(960U * 720 * 2, header.bmiHeader.biSizeImage);
+        EXPECT_EQ(640, header.rcTarget.right);
+        EXPECT_EQ(4, header.rcSource.bottom);
+        EXPECT_EQ(0U, header.dwInterlaceFlags);
     }
-    EXPECT_EQ(S_OK, SetOutput(VideoInfoType(528, -432)));
-    object.settings->put_CVXMode(0);
-    ASSERT_EQ(S_OK, SetInput(VideoInfoType(100, 101)));
-    ASSERT_EQ(S_OK, Offer());
-    EXPECT_FALSE(object.ScalingActive());
-    EXPECT_EQ(101, offered.As<VIDEOINFOHEADER>().bmiHeader.biHeight);
 }
 
 TEST_F(Negotiation, EveryRefusedOfferSwitchesScalingOff) {
@@ -178,7 +155,6 @@ TEST_F(Negotiation, EveryRefusedOfferSwitchesScalingOff) {
 TEST_F(Negotiation, FlagsTestWithoutStoring) {
     ReceivedType type;
     EXPECT_EQ(S_OK, SetInput(VideoInfoType(320, 240), testOnly));
-    EXPECT_EQ(S_OK, SetInput(VideoInfoType(320, 240), 4));
     EXPECT_EQ(S_FALSE, SetInput(VideoInfoType(0, 240), testOnly));
     EXPECT_EQ(DMO_E_TYPE_NOT_ACCEPTED, SetInput(VideoInfoType(0, 240), 4));
     EXPECT_EQ(DMO_E_TYPE_NOT_ACCEPTED, SetInput(VideoInfoType(0, 240)));
@@ -187,24 +163,11 @@ TEST_F(Negotiation, FlagsTestWithoutStoring) {
     ASSERT_EQ(S_OK, SetInput(VideoInfoType(320, 240)));
     EXPECT_EQ(DMO_E_TYPE_NOT_ACCEPTED, SetInput(VideoInfoType(0, 240)));  // keeps the old one
     EXPECT_EQ(S_OK, Media().GetInputCurrentType(0, type.Out()));
-    auto* held = const_cast<DMO_MEDIA_TYPE*>(&type.Get());
-    EXPECT_EQ(S_OK, Media().GetInputCurrentType(0, held));  // a leak here is one for the leak checker
     EXPECT_EQ(S_OK, SetOutput(VideoInfoType(320, 240), testOnly));
     EXPECT_EQ(DMO_E_TYPE_NOT_SET, Media().GetOutputCurrentType(0, type.Out()));
 }
 
-TEST_F(Negotiation, ClearNeedsNoTypeAndWinsOverTheTestFlag) {
-    ReceivedType type;
-    auto* nowhere = reinterpret_cast<const DMO_MEDIA_TYPE*>(4);
-    ASSERT_EQ(S_OK, SetInput(VideoInfoType(320, 240)));
-    ASSERT_EQ(S_OK, SetOutput(VideoInfoType(320, 240)));
-    EXPECT_EQ(S_OK, Media().SetOutputType(0, nowhere, clear | testOnly));
-    EXPECT_EQ(S_OK, Media().SetInputType(0, nowhere, clear));
-    EXPECT_EQ(DMO_E_TYPE_NOT_SET, Media().GetInputCurrentType(0, type.Out()));
-    EXPECT_EQ(DMO_E_TYPE_NOT_SET, Media().GetOutputCurrentType(0, type.Out()));
-}
-
-TEST_F(Negotiation, SizesFollowFromTheTypes) {
+TEST_F(Negotiation, SizesFollowFromTheTypesUntilTheyAreCleared) {
     DWORD size = 0;
     DWORD lookahead = 9;
     DWORD alignment = 0;
@@ -217,41 +180,11 @@ TEST_F(Negotiation, SizesFollowFromTheTypes) {
     EXPECT_EQ(S_OK, Media().GetOutputSizeInfo(0, &size, &alignment));
     EXPECT_EQ(64U * 16 * 2, size);
     EXPECT_EQ(1U, alignment);
-}
-
-// The start of a stream is seen in the engine's levels, which go back to video range with the next frame.
-class NewStream : public Negotiation {
-protected:
-    NewStream() {
-        object.player->SetEnable(FALSE);
-        EXPECT_EQ(S_OK, SetInput(VideoInfoType(64, 32)));
-        EXPECT_EQ(S_OK, SetOutput(VideoInfoType(64, 32)));
-        EXPECT_EQ(S_OK, Offer());
-    }
-
-    bool StartsWithNextFrame() {
-        ProcessEngine().lighting.trackedBlack = 99.0F;
-        EXPECT_EQ(S_OK, Media().ProcessInput(0, &in, 0, 0, 0));
-        DMO_OUTPUT_DATA_BUFFER output = {&out, 0, 0, 0};
-        EXPECT_EQ(S_OK, Media().ProcessOutput(0, 1, &output, nullptr));
-        return ProcessEngine().lighting.trackedBlack == 16.0F;
-    }
-
-    FakeBuffer in{64 * 32 * 3};
-    FakeBuffer out{96 * 48 * 3};
-};
-
-TEST_F(NewStream, StartsOnceAfterEverySetInputTypeWhateverItsResult) {
-    EXPECT_TRUE(StartsWithNextFrame());
-    EXPECT_FALSE(StartsWithNextFrame());
-    EXPECT_EQ(S_OK, SetInput(VideoInfoType(64, 32), testOnly));
-    EXPECT_TRUE(StartsWithNextFrame());
-    EXPECT_EQ(DMO_E_TYPE_NOT_ACCEPTED, SetInput(VideoInfoType(0, 0)));
-    EXPECT_TRUE(StartsWithNextFrame());
-    EXPECT_EQ(DMO_E_INVALIDSTREAMINDEX, Media().SetInputType(5, nullptr, 0));
-    EXPECT_TRUE(StartsWithNextFrame());
-    EXPECT_EQ(S_OK, SetOutput(VideoInfoType(64, 32)));
-    EXPECT_FALSE(StartsWithNextFrame());
+    auto* nowhere = reinterpret_cast<const DMO_MEDIA_TYPE*>(4);  // needs no type and wins over the test flag
+    EXPECT_EQ(S_OK, Media().SetOutputType(0, nowhere, clear | testOnly));
+    EXPECT_EQ(S_OK, Media().SetInputType(0, nowhere, clear));
+    EXPECT_EQ(DMO_E_TYPE_NOT_SET, Media().GetInputCurrentType(0, offered.Out()));
+    EXPECT_EQ(DMO_E_TYPE_NOT_SET, Media().GetOutputCurrentType(0, offered.Out()));
 }
 
 }  // namespace

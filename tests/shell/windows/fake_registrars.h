@@ -1,36 +1,13 @@
-// The two registrars as objects of the test's, found under their real class identifiers, that note what is asked of them.
+// The two registrars as objects of the test's that note what is asked of them.
 #pragma once
 
 #include <string>
 #include <vector>
 
-#include "platform/guids.h"
-#include "platform/win32.h"
 #include "platform/windows/registrars.h"
-#include "tests/support/test_object.h"
+#include "tests/support/counted_fake.h"
 
 namespace clarivex {
-
-/// Counts references without ever going; the test looks at the count.
-template <class Interface>
-class CountedFake : public Interface {
-public:
-    explicit CountedFake(const GUID& ownIid) : iid(ownIid) {}
-
-    int references = 0;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID asked, void** out) override {
-        const bool known = IsEqualGUID(asked, iidUnknown) || IsEqualGUID(asked, iid);
-        *out = known ? static_cast<Interface*>(this) : nullptr;
-        references += known ? 1 : 0;
-        return known ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++references); }
-    ULONG STDMETHODCALLTYPE Release() override { return static_cast<ULONG>(--references); }
-
-private:
-    const GUID iid;
-};
 
 using CallLog = std::vector<std::wstring>;
 
@@ -103,16 +80,10 @@ private:
     CallLog& log;
 };
 
-/// Makes an object known in this process under a class identifier while it lives.
-class ClassOnOffer final : public CountedFake<IClassFactory> {
+/// Gives its maker one object that is there already.
+class FakeFactory final : public CountedFake<IClassFactory> {
 public:
-    ClassOnOffer(REFCLSID classId, IUnknown& offered) : CountedFake(iidClassFactory), object(offered) {
-        Require(CoRegisterClassObject(classId, this, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie),
-                "CoRegisterClassObject");
-    }
-    ~ClassOnOffer() { CoRevokeClassObject(cookie); }
-    ClassOnOffer(const ClassOnOffer&) = delete;
-    ClassOnOffer& operator=(const ClassOnOffer&) = delete;
+    explicit FakeFactory(IUnknown& offered) : CountedFake(iidClassFactory), object(offered) {}
 
     HRESULT result = S_OK;  ///< anything else is what making the object gives
 
@@ -124,7 +95,6 @@ public:
 
 private:
     IUnknown& object;
-    DWORD cookie = 0;
 };
 
 }  // namespace clarivex

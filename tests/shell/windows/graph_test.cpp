@@ -1,5 +1,5 @@
-// The plug-in in a DirectShow graph, inside the system's own wrapper for media objects: what comes out of the graph is
-// what the object gives when it is driven by hand.
+// The plug-in between two DirectShow pins, inside the system's own wrapper for media objects: what comes out of the
+// graph is what the object gives when it is driven by hand.
 #include <gtest/gtest.h>
 
 #include <dshow.h>
@@ -11,9 +11,11 @@
 #include "host/buffer_layout.h"
 #include "host/player.h"
 #include "shell/settings.h"
-#include "tests/shell/windows/graph_filters.h"
+#include "tests/shell/windows/com_apartment.h"
+#include "tests/shell/windows/graph_pins.h"
 #include "tests/shell/windows/plugin_module.h"
 #include "tests/shell/windows/user_registry.h"
+#include "tests/support/synthetic_video.h"
 #include "tests/support/video_types.h"
 
 namespace clarivex {
@@ -27,18 +29,13 @@ constexpr PictureSize sourceSize{64, 48};
 constexpr size_t frameCount = 4;
 constexpr Ratio frameRate{25, 1};
 
-// A moving picture with slopes and edges: Y, U, V.
 std::vector<uint8_t> Samples(size_t frame) {
     std::vector<uint8_t> samples;
-    const auto shift = static_cast<int32_t>(frame) * 3;
-    for (int32_t y = 0; y < sourceSize.height; ++y) {
-        for (int32_t x = 0; x < sourceSize.width; ++x) {
-            const int32_t block = (x + shift) / 9 % 2 * 70 + y / 7 % 2 * 40;
-            samples.push_back(static_cast<uint8_t>(20 + block + (x * 5 + y * 3 + shift) % 60));
-        }
-    }
-    for (int32_t i = 0; i < 2 * sourceSize.ChromaWidth() * sourceSize.ChromaHeight(); ++i) {
-        samples.push_back(static_cast<uint8_t>(90 + (i * 7 + shift) % 80));
+    for (int32_t plane = 0; plane < 3; ++plane) {
+        const int32_t width = plane == 0 ? sourceSize.width : sourceSize.ChromaWidth();
+        const int32_t height = plane == 0 ? sourceSize.height : sourceSize.ChromaHeight();
+        for (int32_t i = 0; i < width * height; ++i)
+            samples.push_back(SyntheticSample(plane, i % width, i / width, static_cast<int32_t>(frame)));
     }
     return samples;
 }
@@ -50,73 +47,38 @@ struct GraphCase {
     unsigned mode;
 };
 
-// A decoder's type: VIDEOINFOHEADER, the target rectangle the whole picture.
-VideoInfoType DecoderType(const GraphCase& wanted) {
-    VideoInfoType type(sourceSize.width, sourceSize.height, wanted.subtype);
-    type.Target() = {0, 0, sourceSize.width, sourceSize.height};
-    type.header.AvgTimePerFrame = FrameStart(1, frameRate);
-    return type;
-}
-
-class ComApartment {
-public:
-    ComApartment() { RequireSuccess(CoInitializeEx(nullptr, COINIT_MULTITHREADED), "no apartment"); }
-    ~ComApartment() { CoUninitialize(); }
-    ComApartment(const ComApartment&) = delete;
-    ComApartment& operator=(const ComApartment&) = delete;
-};
-
-// While it lives, the system finds the module's media object under its class id.
-class Offered {
-public:
-    explicit Offered(const PluginModule& plugin) {
-        Require(CoRegisterClassObject(clsidMediaObject, plugin.Factory().get(), CLSCTX_INPROC_SERVER,
-                                      REGCLS_MULTIPLEUSE, &cookie),
-                "not registered");
-    }
-    ~Offered() { CoRevokeClassObject(cookie); }
-    Offered(const Offered&) = delete;
-    Offered& operator=(const Offered&) = delete;
-
-private:
-    DWORD cookie = 0;
-};
-
 // Source, wrapper and sink, connected and ready to run.
 class Graph {
 public:
-    explicit Graph(const GraphCase& wanted) : type(DecoderType(wanted)), layout(wanted.format, sourceSize) {
-        source->AddRef();
-        sink->AddRef();
+    explicit Graph(const GraphCase& wanted)
+        : type(sourceSize.width, sourceSize.height, wanted.subtype), layout(wanted.format, sourceSize) {
+        type.Target() = {0, 0, sourceSize.width, sourceSize.height};  // as a decoder's types have it
+        type.header.AvgTimePerFrame = FrameStart(1, frameRate);
         const auto init = Ask<IDMOWrapperFilter>(wrapper.get(), iidWrapper);
         Require(init->Init(clsidMediaObject, videoEffects), "the wrapper does not take the plug-in");
         Configure(wanted);
-        for (IBaseFilter* filter : {static_cast<IBaseFilter*>(source), wrapper.get(), static_cast<IBaseFilter*>(sink)})
-            RequireSuccess(builder->AddFilter(filter, nullptr), "AddFilter");
-        source->pin.type = reinterpret_cast<const AM_MEDIA_TYPE&>(*type.Type());
-        source->pin.frameBytes = static_cast<LONG>(layout.Bytes());
-        const ComPointer<IPin> in = WrapperPin(PINDIR_INPUT);
-        const ComPointer<IPin> out = WrapperPin(PINDIR_OUTPUT);
-        RequireSuccess(builder->ConnectDirect(&source->pin, in.get(), nullptr), "the input is not connected");
-        RequireSuccess(builder->ConnectDirect(out.get(), &sink->pin, nullptr), "the output is not connected");
+        in = WrapperPin(PINDIR_INPUT);
+        out = WrapperPin(PINDIR_OUTPUT);
+        source.ConnectTo(*in, reinterpret_cast<const AM_MEDIA_TYPE&>(*type.Type()), layout.Bytes());
+        RequireSuccess(out->Connect(&sink, nullptr), "the output is not connected");
     }
     ~Graph() {
-        for (IBaseFilter* filter : {static_cast<IBaseFilter*>(source), static_cast<IBaseFilter*>(sink)})
-            builder->RemoveFilter(filter);
-        source->Release();
-        sink->Release();
+        out->Disconnect();
+        in->Disconnect();
+        EXPECT_EQ(1, source.references);
+        EXPECT_EQ(1, sink.references);
     }
     Graph(const Graph&) = delete;
     Graph& operator=(const Graph&) = delete;
 
     // On a thread of its own, as a decoder's would be.
     void Play() {
-        const auto control = Ask<IMediaControl>(builder.get(), IID_IMediaControl);
-        RequireSuccess(control->Run(), "the graph does not run");
+        RequireSuccess(wrapper->Pause(), "the wrapper does not pause");
+        RequireSuccess(wrapper->Run(0), "the wrapper does not run");
         std::thread([this] { PushAll(); }).join();
-        RequireSuccess(control->Stop(), "the graph does not stop");
+        RequireSuccess(wrapper->Stop(), "the wrapper does not stop");
     }
-    const SinkPin& Result() const { return sink->pin; }
+    const SinkPin& Result() const { return sink; }
 
 private:
     // The same as a Player sets, through the wrapper that contains the object.
@@ -148,17 +110,18 @@ private:
         for (size_t frame = 0; frame < frameCount; ++frame) {
             const std::vector<uint8_t> samples = Samples(frame);
             layout.Put({sourceSize, samples}, buffer);
-            EXPECT_EQ(S_OK, source->pin.Push(buffer, FrameStart(frame, frameRate), FrameStart(frame + 1, frameRate)));
+            EXPECT_EQ(S_OK, source.Push(buffer, FrameStart(frame, frameRate), FrameStart(frame + 1, frameRate)));
         }
-        EXPECT_EQ(S_OK, source->pin.Finish());
+        EXPECT_EQ(S_OK, source.Finish());
     }
 
     VideoInfoType type;
     const BufferLayout layout;
-    const ComPointer<IGraphBuilder> builder = Create<IGraphBuilder>(CLSID_FilterGraph, IID_IGraphBuilder, "no graph");
+    SourcePin source;
+    SinkPin sink;
     const ComPointer<IBaseFilter> wrapper = Create<IBaseFilter>(clsidWrapper, IID_IBaseFilter, "no wrapper");
-    GraphSource* const source = new GraphSource;
-    GraphSink* const sink = new GraphSink;
+    ComPointer<IPin> in;
+    ComPointer<IPin> out;
 };
 
 class DirectShowGraph : public testing::TestWithParam<GraphCase> {
@@ -184,7 +147,7 @@ protected:
     }
 
     const UserRegistry registry;  // nobody's settings
-    const ComApartment apartment;
+    const ComApartment apartment{COINIT_MULTITHREADED};
 };
 
 TEST_P(DirectShowGraph, GivesTheFramesThatTheObjectGivesByHand) {
@@ -193,7 +156,8 @@ TEST_P(DirectShowGraph, GivesTheFramesThatTheObjectGivesByHand) {
     {
         const PluginModule plugin;
         {
-            const Offered offered(plugin);
+            const auto factory = plugin.Factory();
+            const OfferedClass offered(clsidMediaObject, *factory);
             Graph graph(GetParam());
             graph.Play();
             received = graph.Result().frames;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <atomic>
-#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -17,31 +16,15 @@ inline std::string TextOf(HWND window) {
     return text;
 }
 
-inline std::string ClassOf(HWND window) {
-    char name[128] = {};
-    GetClassNameA(window, name, sizeof name);
-    return name;
-}
-
-/// An empty window on the screen. Messages WM_APP make it call `onRequest` on its own thread.
+/// An empty window on the screen.
 class HostWindow {
 public:
-    HostWindow(const char* title, int width, int height) {
-        WNDCLASSA description = {};
-        description.lpfnWndProc = &Procedure;
-        description.hInstance = GetModuleHandleA(nullptr);
-        description.lpszClassName = className;
-        description.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
-        RegisterClassA(&description);
-        window = CreateWindowExA(WS_EX_TOOLWINDOW, className, title, style, 0, 0, width, height, nullptr, nullptr,
-                                 description.hInstance, nullptr);
-        SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    HostWindow(const char* title, int width, int height)
+        : window(CreateWindowExA(WS_EX_TOOLWINDOW, "STATIC", title, WS_POPUP | WS_CLIPCHILDREN, 0, 0, width, height,
+                                 nullptr, nullptr, nullptr, nullptr)) {
         ShowWindow(window, SW_SHOWNA);
     }
-    ~HostWindow() {
-        DestroyWindow(window);
-        UnregisterClassA(className, GetModuleHandleA(nullptr));
-    }
+    ~HostWindow() { DestroyWindow(window); }
     HostWindow(const HostWindow&) = delete;
     HostWindow& operator=(const HostWindow&) = delete;
 
@@ -57,30 +40,14 @@ public:
         }
     }
 
-    std::function<void()> onRequest;
-
 private:
-    static constexpr DWORD style = WS_POPUP | WS_CLIPCHILDREN;
-    static constexpr char className[] = "Clarivex test host";
-
-    static LRESULT CALLBACK Procedure(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {
-        auto* host = reinterpret_cast<HostWindow*>(GetWindowLongPtrA(handle, GWLP_USERDATA));
-        if (message == WM_APP && host != nullptr && host->onRequest) {
-            host->onRequest();
-            return 0;
-        }
-        return DefWindowProcA(handle, message, wParam, lParam);
-    }
-
-    HWND window = nullptr;
+    const HWND window;
 };
 
 /// While it lives, a thread of its own closes each message box of this process with the caption, and keeps its text.
 class MessageBoxCloser {
 public:
-    /// beforeClosing  called on the closing thread while the box stands
-    explicit MessageBoxCloser(const char* boxCaption, std::function<void()> beforeClosing = {})
-        : caption(boxCaption), meanwhile(std::move(beforeClosing)), watcher([this] { Watch(); }) {}
+    explicit MessageBoxCloser(const char* boxCaption) : caption(boxCaption), watcher([this] { Watch(); }) {}
     ~MessageBoxCloser() { Finish(); }
     MessageBoxCloser(const MessageBoxCloser&) = delete;
     MessageBoxCloser& operator=(const MessageBoxCloser&) = delete;
@@ -106,12 +73,10 @@ private:
         const HWND text = GetDlgItem(box, textId);
         if (text == nullptr || IsWindowVisible(box) == FALSE) return;  // not finished yet
         texts.push_back(TextOf(text));
-        if (meanwhile) meanwhile();
         SendMessageA(box, WM_COMMAND, IDOK, 0);
     }
 
     const char* caption;
-    const std::function<void()> meanwhile;
     std::atomic<bool> finished = false;
     std::vector<std::string> texts;
     std::thread watcher;

@@ -6,9 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "shell/module.h"
+#include "tests/shell/windows/com_apartment.h"
 #include "tests/shell/windows/fake_registrars.h"
-#include "tests/shell/windows/handle_count.h"
 #include "tests/shell/windows/plugin_module.h"
 #include "tests/shell/windows/temporary_folder.h"
 
@@ -19,11 +18,6 @@ constexpr HRESULT classMissing = REGDB_E_CLASSNOTREG;
 constexpr char mediaObjectKey[] = R"(CLSID\{5C1E8A47-93D2-4B06-B7F1-2A6D90CE3F18})";
 constexpr char propertyPageKey[] = R"(CLSID\{7F40B2D9-18A6-4E5C-9C33-D1E07A5B6C42})";
 
-struct ComApartment {
-    ComApartment() { Require(CoInitialize(nullptr), "CoInitialize"); }
-    ~ComApartment() { CoUninitialize(); }
-};
-
 // In a folder with a quote in its name.
 class Registration : public testing::Test {
 protected:
@@ -33,123 +27,83 @@ protected:
         return quoted.insert(quoted.find(L'\''), 1, L'\'');
     }
 
-    const ComApartment apartment;
+    const ComApartment apartment{COINIT_APARTMENTTHREADED};
     const TemporaryFolder folder{"registrar's test"};
     const std::string dll = folder.Copy("WMP_CVX.dll");
     const PluginModule module{dll};
     CallLog log;
     FakePluginRegistrar player{log};
+    FakeFactory playerFactory{player};
 };
 
 // With both registrars of the test's.
 class RegistrationCalls : public Registration {
 protected:
     void TearDown() override {
-        EXPECT_EQ(0, player.references);
-        EXPECT_EQ(0, system.references);
+        EXPECT_EQ(1, player.references);
+        EXPECT_EQ(1, system.references);
     }
 
-    CallLog EntryOf(const wchar_t* script) const {
-        return {L"Module = " + QuotedPath(), std::wstring(L"enter REGISTRY ") + script + L" of " + Path()};
+    // Each class with its path in a script's quotes.
+    CallLog CallsFor(const wchar_t* plugin, const wchar_t* what) const {
+        const std::wstring path = L"Module = " + QuotedPath();
+        return {plugin, path, what + (L" REGISTRY 101 of " + Path()), path, what + (L" REGISTRY 107 of " + Path())};
     }
-    static CallLog Joined(std::initializer_list<CallLog> parts) {
-        CallLog all;
-        for (const CallLog& part : parts) {
-            all.insert(all.end(), part.begin(), part.end());
-        }
-        return all;
+    void ExpectRegister(HRESULT result, size_t calls) {
+        CallLog expected =
+            CallsFor(L"enter plug-in: Clarivex Plugin, Clarivex Technology [www.tesselworks.example], null", L"enter");
+        expected.resize(calls);
+        log.clear();
+        EXPECT_EQ(result, module.Register());
+        EXPECT_EQ(expected, log);
     }
 
-    const CallLog pluginEntered = {
-        L"enter plug-in: Clarivex Plugin, Clarivex Technology [www.tesselworks.example], null"};
     FakeRegistrar system{log};
-    ClassOnOffer playerClass{clsidPluginRegistrar, player};
-    ClassOnOffer systemClass{clsidRegistrar, system};
+    FakeFactory systemFactory{system};
+    const OfferedClass playerClass{clsidPluginRegistrar, playerFactory};
+    const OfferedClass systemClass{clsidRegistrar, systemFactory};
 };
 
 TEST_F(RegistrationCalls, EnterThePluginAndThenEachClass) {
-    EXPECT_EQ(S_OK, module.Register());
-    EXPECT_EQ(Joined({pluginEntered, EntryOf(L"101"), EntryOf(L"107")}), log);
+    ExpectRegister(S_OK, 5);
     EXPECT_EQ(1U, player.priority);
     EXPECT_TRUE(IsEqualGUID(pluginTypeDsp, player.pluginType));
     EXPECT_TRUE(IsEqualGUID(clsidMediaObject, player.classId));
     ASSERT_EQ(3U, player.types.size());
-    for (const PluginMediaType& type : player.types) {
-        EXPECT_TRUE(IsEqualGUID(mediaTypeVideo, type.majorType));
+    const GUID subtypes[] = {mediaSubtypeYv12, mediaSubtypeYuy2, mediaSubtypeIyuv};
+    for (size_t i = 0; i < 3; ++i) {
+        EXPECT_TRUE(IsEqualGUID(mediaTypeVideo, player.types[i].majorType));
+        EXPECT_TRUE(IsEqualGUID(subtypes[i], player.types[i].subtype));
     }
-    EXPECT_TRUE(IsEqualGUID(mediaSubtypeYv12, player.types[0].subtype));
-    EXPECT_TRUE(IsEqualGUID(mediaSubtypeYuy2, player.types[1].subtype));
-    EXPECT_TRUE(IsEqualGUID(mediaSubtypeIyuv, player.types[2].subtype));
+}
+
+// Each failure comes before the one that the line above it tells of.
+TEST_F(RegistrationCalls, FirstFailureIsTheResultAndEndsIt) {
+    system.failingScript = 107;
+    ExpectRegister(E_ACCESSDENIED, 5);
+    system.failingScript = 101;
+    ExpectRegister(E_ACCESSDENIED, 3);
+    system.replacementResult = E_OUTOFMEMORY;
+    ExpectRegister(E_OUTOFMEMORY, 2);
+    systemFactory.result = E_UNEXPECTED;
+    ExpectRegister(E_UNEXPECTED, 1);
+    player.result = E_ACCESSDENIED;
+    ExpectRegister(E_ACCESSDENIED, 1);
+    playerFactory.result = E_FAIL;
+    ExpectRegister(E_FAIL, 0);
+    EXPECT_EQ(E_FAIL, module.Unregister());
+    EXPECT_TRUE(log.empty());
 }
 
 TEST_F(RegistrationCalls, RemovalGoesThroughEverythingWhateverFails) {
     player.result = E_FAIL;
     system.failingScript = 101;
     EXPECT_EQ(S_OK, module.Unregister());
-    EXPECT_EQ((CallLog{L"remove plug-in", L"Module = " + QuotedPath(), L"remove REGISTRY 101 of " + Path(),
-                       L"Module = " + QuotedPath(), L"remove REGISTRY 107 of " + Path()}),
-              log);
+    EXPECT_EQ(CallsFor(L"remove plug-in", L"remove"), log);
     EXPECT_TRUE(IsEqualGUID(pluginTypeDsp, player.pluginType));
     EXPECT_TRUE(IsEqualGUID(clsidMediaObject, player.classId));
-}
-
-TEST_F(RegistrationCalls, PlayersRefusalIsTheResultAndEndsIt) {
-    player.result = E_ACCESSDENIED;
-    EXPECT_EQ(E_ACCESSDENIED, module.Register());
-    EXPECT_EQ(pluginEntered, log);
-}
-
-TEST_F(RegistrationCalls, RegistrarThatCannotBeMadeEndsIt) {
-    systemClass.result = E_OUTOFMEMORY;
-    EXPECT_EQ(E_OUTOFMEMORY, module.Register());
-    EXPECT_EQ(pluginEntered, log);
-    log.clear();
+    systemFactory.result = E_OUTOFMEMORY;
     EXPECT_EQ(S_OK, module.Unregister());
-    EXPECT_EQ(CallLog{L"remove plug-in"}, log);
-
-    playerClass.result = E_ACCESSDENIED;
-    log.clear();
-    EXPECT_EQ(E_ACCESSDENIED, module.Register());
-    EXPECT_EQ(E_ACCESSDENIED, module.Unregister());
-    EXPECT_EQ(CallLog{}, log);
-}
-
-TEST_F(RegistrationCalls, FailureOfOneClassKeepsTheNextFromBeingEntered) {
-    system.failingScript = 107;
-    EXPECT_EQ(E_ACCESSDENIED, module.Register());
-    EXPECT_EQ(Joined({pluginEntered, EntryOf(L"101"), EntryOf(L"107")}), log);
-    log.clear();
-    system.failingScript = 101;
-    EXPECT_EQ(E_ACCESSDENIED, module.Register());
-    EXPECT_EQ(Joined({pluginEntered, EntryOf(L"101")}), log);
-    log.clear();
-    system.replacementResult = E_OUTOFMEMORY;
-    EXPECT_EQ(E_OUTOFMEMORY, module.Register());
-    EXPECT_EQ(Joined({pluginEntered, {L"Module = " + QuotedPath()}}), log);
-}
-
-TEST_F(RegistrationCalls, ProgramWithoutTextsEntersNullAndItsOwnPath) {
-    EXPECT_EQ(nullptr, ThisModule().instance);
-    EXPECT_EQ(S_OK, RegisterServer());
-    ASSERT_EQ(5U, log.size());
-    EXPECT_EQ(L"enter plug-in: null, null, null", log[0]);
-    const std::wstring entered = L"enter REGISTRY 101 of ";
-    ASSERT_TRUE(log[2].starts_with(entered)) << std::string(log[2].begin(), log[2].end());
-    wchar_t longPath[MAX_PATH] = {};
-    wchar_t ownPath[MAX_PATH] = {};
-    GetLongPathNameW(log[2].substr(entered.size()).c_str(), longPath, MAX_PATH);
-    GetModuleFileNameW(nullptr, ownPath, MAX_PATH);
-    EXPECT_EQ(0, _wcsicmp(ownPath, longPath));
-}
-
-TEST_F(RegistrationCalls, LeavesNoHandleOpen) {
-    module.Register();
-    const int64_t before = OpenHandles();
-    for (int i = 0; i < 5; ++i) {
-        module.Register();
-        module.Unregister();
-    }
-    EXPECT_EQ(before, OpenHandles());
 }
 
 // A text of HKEY_CLASSES_ROOT.
@@ -163,14 +117,15 @@ std::optional<std::string> ClassText(const std::string& key, const char* name = 
 // With the system's own registrar and registry.
 class RegistrationKeys : public Registration {
 protected:
-    static void ExpectNoKeys() {
-        EXPECT_EQ(std::nullopt, ClassText(mediaObjectKey));
-        EXPECT_EQ(std::nullopt, ClassText(propertyPageKey));
-    }
-    void ExpectServer(const std::string& key, const char* title) const {
-        EXPECT_EQ(title, ClassText(key));
-        EXPECT_EQ(dll, ClassText(key + R"(\InprocServer32)"));
-        EXPECT_EQ("Apartment", ClassText(key + R"(\InprocServer32)", "ThreadingModel"));
+    void ExpectKeys(bool present) const {
+        using Text = std::optional<std::string>;
+        for (const auto& [key, title] :
+             {std::pair{mediaObjectKey, "WMP_CVX Class"}, std::pair{propertyPageKey, "WMP_CVX PropertyPage Class"}}) {
+            const std::string server = std::string(key) + R"(\InprocServer32)";
+            EXPECT_EQ(present ? Text(title) : std::nullopt, ClassText(key));
+            EXPECT_EQ(present ? Text(dll) : std::nullopt, ClassText(server));
+            EXPECT_EQ(present ? Text("Apartment") : std::nullopt, ClassText(server, "ThreadingModel"));
+        }
     }
 
     // Whatever happens in between, the registry is left as it was.
@@ -181,30 +136,20 @@ protected:
 };
 
 TEST_F(RegistrationKeys, ComeAndGoAndMakeTheClassesKnown) {
-    const ClassOnOffer playerClass(clsidPluginRegistrar, player);
-    ExpectNoKeys();
-    ASSERT_EQ(S_OK, module.Register());
-    ExpectServer(mediaObjectKey, "WMP_CVX Class");
-    ExpectServer(propertyPageKey, "WMP_CVX PropertyPage Class");
-
+    EXPECT_EQ(classMissing, module.Register()) << "no player";
+    ExpectKeys(false);
+    {
+        const OfferedClass playerClass(clsidPluginRegistrar, playerFactory);
+        ASSERT_EQ(S_OK, module.Register());
+    }
     void* out = nullptr;
     ASSERT_EQ(S_OK, CoCreateInstance(clsidMediaObject, nullptr, CLSCTX_INPROC_SERVER, iidMediaObject, &out));
     static_cast<IMediaObject*>(out)->Release();
-
+    EXPECT_EQ(classMissing, module.Unregister()) << "no player";
+    ExpectKeys(true);
+    const OfferedClass playerClass(clsidPluginRegistrar, playerFactory);
     EXPECT_EQ(S_OK, module.Unregister());
-    ExpectNoKeys();
-}
-
-TEST_F(RegistrationKeys, StayWhereThePlayersRegistrarIsMissing) {
-    EXPECT_EQ(classMissing, module.Register());
-    ExpectNoKeys();
-    {
-        const ClassOnOffer playerClass(clsidPluginRegistrar, player);
-        ASSERT_EQ(S_OK, module.Register());
-    }
-    EXPECT_EQ(classMissing, module.Unregister());
-    ExpectServer(mediaObjectKey, "WMP_CVX Class");
-    ExpectServer(propertyPageKey, "WMP_CVX PropertyPage Class");
+    ExpectKeys(false);
 }
 
 }  // namespace
