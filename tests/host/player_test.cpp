@@ -159,20 +159,6 @@ TEST(PictureAspect, IsTheSampleAspectTimesTheSize) {
     EXPECT_FALSE(PictureAspect({8192, 1}, {4294967295, 1}).Known()) << "thinner than 32 bits can say";
 }
 
-TEST(MediaBuffer, KeepsTheRulesOfItsInterface) {
-    const ComPointer<MediaBuffer> buffer = MediaBuffer::Make(10);
-    DWORD length = 9;
-    EXPECT_EQ(buffer->SetLength(10), S_OK);
-    EXPECT_EQ(buffer->SetLength(11), E_INVALIDARG);
-    EXPECT_EQ(buffer->GetBufferAndLength(nullptr, &length), S_OK);
-    EXPECT_EQ(length, 10u);
-    EXPECT_EQ(buffer->GetBufferAndLength(nullptr, nullptr), E_POINTER);
-    EXPECT_EQ(buffer->GetMaxLength(nullptr), E_POINTER);
-    void* other = &length;
-    EXPECT_EQ(buffer->QueryInterface(iidMediaObject, &other), E_NOINTERFACE);
-    EXPECT_EQ(other, nullptr);
-}
-
 TEST(RealMediaObject, EnlargesKeepsTheSizeOrRefusesAsItIsTold) {
     const auto negotiate = [](SampleFormat format, PictureSize size, const PlayerSettings& settings) {
         Player player(MakeLinkedMediaObject(), {format, size, {25, 1}, {}}, settings);

@@ -41,18 +41,6 @@ TEST(Threads, PriorityIsRememberedAndUnknownOnesAreRefused) {
     EXPECT_TRUE(SetThreadPriority(self, before));
 }
 
-TEST(Clocks, CountersNeverGoBack) {
-    LARGE_INTEGER perSecond{}, before{}, after{};
-    ASSERT_TRUE(QueryPerformanceFrequency(&perSecond));
-    ASSERT_TRUE(QueryPerformanceCounter(&before));
-    const DWORD milliseconds = timeGetTime();
-    Sleep(2);
-    ASSERT_TRUE(QueryPerformanceCounter(&after));
-    EXPECT_GT(perSecond.QuadPart, 1000);
-    EXPECT_GT(after.QuadPart, before.QuadPart);
-    EXPECT_LT(timeGetTime() - milliseconds, 0x80000000U);  // modulo 2³²
-}
-
 TEST(MediaTypes, CopyOwnsItsFormatBlock) {
     BYTE block[3] = {1, 2, 3};
     DMO_MEDIA_TYPE source = {};

@@ -99,9 +99,9 @@ TEST(CopyPlane, StaysInsideTheBoundsOfBothBuffers) {
     TestPlane source(100, 3, 136), touching(50, 3, 60);
     source.Number();
     touching.Number();
-    EXPECT_EQ(TouchedWithin(TestPlane(100, 3, 128), source, 999, 2 * 136 + 101), 2U * 128 + 101);
-    EXPECT_EQ(TouchedWithin(TestPlane(100, 3, 128), source, 128 + 7, 999), 128U + 7);
-    EXPECT_EQ(TouchedWithin(TestPlane(50, 3, 60), touching, 2 * 60 + 50, 999), 2U * 60 + 50);
+    EXPECT_EQ(TouchedWithin(TestPlane(100, 3, 128), source, 3 * 128, 2 * 136 + 101), 2U * 128 + 101);
+    EXPECT_EQ(TouchedWithin(TestPlane(100, 3, 128), source, 128 + 7, 3 * 136), 128U + 7);
+    EXPECT_EQ(TouchedWithin(TestPlane(50, 3, 60), touching, 2 * 60 + 50, 3 * 60), 2U * 60 + 50);
 }
 
 TEST(LayoutPlanes, KeepsSpareRowsAndBalancesThePlanes) {

@@ -155,6 +155,7 @@ TEST_F(Negotiation, EveryRefusedOfferSwitchesScalingOff) {
 TEST_F(Negotiation, FlagsTestWithoutStoring) {
     ReceivedType type;
     EXPECT_EQ(S_OK, SetInput(VideoInfoType(320, 240), testOnly));
+    EXPECT_EQ(S_OK, SetInput(VideoInfoType(320, 240), 4));
     EXPECT_EQ(S_FALSE, SetInput(VideoInfoType(0, 240), testOnly));
     EXPECT_EQ(DMO_E_TYPE_NOT_ACCEPTED, SetInput(VideoInfoType(0, 240), 4));
     EXPECT_EQ(DMO_E_TYPE_NOT_ACCEPTED, SetInput(VideoInfoType(0, 240)));
@@ -163,6 +164,8 @@ TEST_F(Negotiation, FlagsTestWithoutStoring) {
     ASSERT_EQ(S_OK, SetInput(VideoInfoType(320, 240)));
     EXPECT_EQ(DMO_E_TYPE_NOT_ACCEPTED, SetInput(VideoInfoType(0, 240)));  // keeps the old one
     EXPECT_EQ(S_OK, Media().GetInputCurrentType(0, type.Out()));
+    auto* held = const_cast<DMO_MEDIA_TYPE*>(&type.Get());
+    EXPECT_EQ(S_OK, Media().GetInputCurrentType(0, held));  // a leak here is one for the leak checker
     EXPECT_EQ(S_OK, SetOutput(VideoInfoType(320, 240), testOnly));
     EXPECT_EQ(DMO_E_TYPE_NOT_SET, Media().GetOutputCurrentType(0, type.Out()));
 }

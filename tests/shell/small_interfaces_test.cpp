@@ -67,12 +67,11 @@ TEST(Settings, SharpnessChangesWithItsBits) {
 }
 
 TEST(PropertyPages, NameOnePageInTheCallersMemory) {
+    CAUUID pages = {};
     TestObject object;
     EXPECT_EQ(E_POINTER, object.pages->GetPages(nullptr));
-    CAUUID pages = {};
     ASSERT_EQ(S_OK, object.pages->GetPages(&pages));
-    ASSERT_EQ(1U, pages.cElems);
-    EXPECT_TRUE(IsEqualGUID(clsidPropertyPage, pages.pElems[0]));
+    EXPECT_TRUE(pages.cElems == 1 && IsEqualGUID(clsidPropertyPage, pages.pElems[0]));
     CoTaskMemFree(pages.pElems);
 }
 

@@ -99,23 +99,25 @@ TEST(PlanStream, EveryOtherModeWeighsSpeedAgainstArea) {
 }
 
 TEST(PlanStream, NotesPixelAspectAndASecondHeaderWithoutBitRate) {
-    VideoHeader header = Header(720, 576);
-    header.aspectX = 4;
-    header.aspectY = 3;
-    for (auto [kind, bitRate, noted] : {std::tuple{HeaderKind::videoInfo, 0U, false},
-                                        {HeaderKind::videoInfo2, 0U, true},
-                                        {HeaderKind::videoInfo2, 1U, false}}) {
+    struct {
+        HeaderKind kind;
+        uint32_t bitRate, aspectY;
+        bool noted;
+        float pixelAspect;
+    } const cases[] = {{HeaderKind::videoInfo, 0, 3, false, 0.9375F},
+                       {HeaderKind::videoInfo2, 0, 3, true, 0.9375F},
+                       {HeaderKind::videoInfo2, 1, 0, false, 1.0F}};
+    for (const auto& [kind, bitRate, aspectY, noted, pixelAspect] : cases) {
         StreamPlan plan;
+        VideoHeader header = Header(720, 576);
         header.kind = kind;
         header.bitRate = bitRate;
+        header.aspectX = 4;
+        header.aspectY = aspectY;
         ASSERT_TRUE(PlanStream(never, header, plan));
         EXPECT_EQ(noted, plan.sourceIsVih2WithoutBitrate);
-        EXPECT_FLOAT_EQ(0.9375F, plan.pixelAspect);
+        EXPECT_FLOAT_EQ(pixelAspect, plan.pixelAspect);
     }
-    StreamPlan plan;
-    header.aspectY = 0;
-    ASSERT_TRUE(PlanStream(never, header, plan));
-    EXPECT_EQ(1.0F, plan.pixelAspect);
 }
 
 }  // namespace

@@ -152,24 +152,23 @@ TEST_F(Streaming, MissingAndFailingBuffersKeepTheInput) {
     EXPECT_TRUE(KeepsTheInputAfter(E_UNEXPECTED));
     EXPECT_EQ(6U, output.dwStatus);
     in.contentResult = S_OK;
-    in.givesNull = true;
-    EXPECT_TRUE(KeepsTheInputAfter(E_POINTER));
-    in.givesNull = false;
-    out.givesNull = true;
-    EXPECT_TRUE(KeepsTheInputAfter(E_POINTER));
-    out.givesNull = false;
+    for (FakeBuffer* buffer : {&in, &out}) {
+        buffer->givesNull = true;
+        EXPECT_TRUE(KeepsTheInputAfter(E_POINTER));
+        buffer->givesNull = false;
+    }
     EXPECT_EQ(S_OK, Take());
 }
 
 TEST_F(Streaming, BuffersBelowTheirPictureAreRefusedUntouched) {
     ASSERT_EQ(S_OK, Give());
-    out.toldCapacity = enlargedBytes - 1;
-    EXPECT_TRUE(KeepsTheInputAfter(E_INVALIDARG));
-    out.toldCapacity = 0;
-    EXPECT_TRUE(KeepsTheInputAfter(E_INVALIDARG));
-    out.toldCapacity = enlargedBytes;
-    in.toldCapacity = frameBytes - 1;
-    EXPECT_TRUE(KeepsTheInputAfter(E_INVALIDARG));
+    for (const auto& [outCapacity, inCapacity] :
+         {std::pair(enlargedBytes - 1, frameBytes), std::pair(size_t{0}, frameBytes),
+          std::pair(enlargedBytes, frameBytes - 1)}) {
+        out.toldCapacity = static_cast<DWORD>(outCapacity);
+        in.toldCapacity = static_cast<DWORD>(inCapacity);
+        EXPECT_TRUE(KeepsTheInputAfter(E_INVALIDARG));
+    }
     EXPECT_TRUE(out.HoldsOnly(7));
     // Untold capacities are the input's length and the output type's size.
     in.capacityResult = out.capacityResult = E_NOTIMPL;
