@@ -83,6 +83,8 @@ protected:
 TEST_F(UpdateCheckOfTheDll, StartsTheUpdaterForEachObjectWithTheProductCodeAlone) {
     EXPECT_EQ(1U, Started());
     EXPECT_EQ("CVX1WMP", CommandLineSeen());
+    registry.SetNumber(key, nextCheck, HoursFromNow(-2));
+    registry.SetNumber(R"(Software\Tessel Works\Clarivex WMP)", "CVXMode", 1);
     const int32_t before = OpenHandles();  // the first object opened what stays open
     EXPECT_EQ(1U, Started());
     EXPECT_EQ(1U, Started());
