@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <span>
 #include <type_traits>
 #include <utility>
@@ -56,6 +55,7 @@ public:
     void Resize(int32_t newCount) {
         const int64_t newCapacity = VectorCapacityRule(newCount, capacity, count);
         if (newCapacity != capacity) {
+            // NOLINTNEXTLINE(bugprone-sizeof-expression): elements may well be pointers.
             void* block = ReallocRetry(storage.get(), static_cast<size_t>(newCapacity) * sizeof(Element));
             static_cast<void>(storage.release());  // the old block is gone
             storage.reset(static_cast<Element*>(block));
@@ -72,7 +72,7 @@ public:
 
     /// Takes an element out and closes the gap.
     void RemoveAt(int32_t index) {
-        std::memmove(begin() + index, begin() + index + 1, static_cast<size_t>(count - index - 1) * sizeof(Element));
+        std::copy(begin() + index + 1, end(), begin() + index);
         Resize(count - 1);
     }
 

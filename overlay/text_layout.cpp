@@ -81,7 +81,8 @@ private:
 constexpr double arcStep = 0.1;  // radians
 
 OutlinePoint OnCircle(double angle, int32_t radius) {
-    const double units = static_cast<double>(radius) * (emUnits / Font::cellHeight);
+    constexpr int32_t pixelUnits = emUnits / Font::cellHeight;
+    const double units = static_cast<double>(radius) * pixelUnits;
     return {ToCoordinate(std::llrint(std::sin(angle) * units)), ToCoordinate(std::llrint(-std::cos(angle) * units))};
 }
 
