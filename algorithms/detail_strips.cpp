@@ -77,14 +77,13 @@ private:
 
 }  // namespace
 
-void NarrowDetailRows(const Plane& strip, const SharpenCoefficients& coefficients, bool bottom) {
+void NarrowDetailRows(const Plane& strip, const SharpenCoefficients& coefficients) {
     const NarrowGains gains = MakeNarrowGains(coefficients);
     const int32_t blocks = BlocksOf(strip.width);
     const int32_t end = blocks * blockSize;
     for (int32_t y = 0; y < strip.height; ++y) {
         uint8_t* row = strip.Row(y);
-        const bool nothingBehind = end >= strip.stride && bottom && y + 1 == strip.height;
-        FilterInGroups<blockSize, 1, 1>(row, blocks, {0}, nothingBehind ? row + end - 1 : row + end,
+        FilterInGroups<blockSize, 1, 1>(row, blocks, {0}, row + end,
                                         [&](const uint8_t* samples, uint8_t* group, int32_t) {
                                             for (int32_t i = 0; i < blockSize; ++i)
                                                 group[i] = NarrowDetail(samples[i], NarrowAt(samples + i), gains,

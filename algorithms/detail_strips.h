@@ -25,9 +25,8 @@ enum class RowDither {
 /// Narrow kernel on whole groups of 8, spare columns up to the next multiple of 8 included.
 ///
 /// edges   the sample left of a row counts as 0. Right of the last group stands what memory holds there: a spare column
-///         or, without one, the row below; the bottom row of the plane repeats its last sample then.
-/// bottom  whether the strip's last row is the plane's.
-void NarrowDetailRows(const Plane& strip, const SharpenCoefficients& coefficients, bool bottom);
+///         or, without one, the row below, for the last row the spare row that has to follow it.
+void NarrowDetailRows(const Plane& strip, const SharpenCoefficients& coefficients);
 
 /// Gated kernel. The last group of 8 of a row, 1 to 8 samples, stays as it is; a width of at most 8 is left alone.
 ///

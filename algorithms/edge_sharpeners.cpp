@@ -14,12 +14,12 @@ constexpr float narrowScale = 1.0F;
 constexpr float wideRowScale = 256.0F;
 constexpr float widePlainScale = 1.0F;
 
-/// run(strip, bottom) for each strip of up to 16 rows; bottom tells the last one.
+/// run(strip) for each strip of up to 16 rows.
 template <class Run>
 void ForEachStripOfRows(const Plane& plane, Run run) {
     for (int32_t y = 0; y < plane.height; y += stripSize) {
         const int32_t rows = std::min(stripSize, plane.height - y);
-        run(Plane{plane.Row(y), plane.width, rows, plane.stride}, y + rows == plane.height);
+        run(Plane{plane.Row(y), plane.width, rows, plane.stride});
     }
 }
 
@@ -109,7 +109,7 @@ bool IsEitherActive(const SharpenParams& narrow, const SharpenParams& wide) {
 void SharpenRowsNarrow(const Plane& plane, const SharpenParams& params) {
     if (!IsSharpenActive(params)) return;
     const SharpenCoefficients coefficients = DeriveNarrowCoefficients(params);
-    ForEachStripOfRows(plane, [&](const Plane& strip, bool bottom) { NarrowDetailRows(strip, coefficients, bottom); });
+    ForEachStripOfRows(plane, [&](const Plane& strip) { NarrowDetailRows(strip, coefficients); });
 }
 
 void SharpenColumnsNarrow(const Plane& plane, const SharpenParams& params) {
@@ -121,7 +121,7 @@ void SharpenColumnsNarrow(const Plane& plane, const SharpenParams& params) {
 void SharpenRowsGated(const Plane& plane, const SharpenParams& narrow, const SharpenParams& wide, RowDither dither) {
     if (!IsEitherActive(narrow, wide)) return;
     const SharpenCoefficients coefficients = DeriveSharpenCoefficients(narrow, wide, narrowScale, wideRowScale);
-    ForEachStripOfRows(plane, [&](const Plane& strip, bool) { GatedDetailRows(strip, coefficients, dither); });
+    ForEachStripOfRows(plane, [&](const Plane& strip) { GatedDetailRows(strip, coefficients, dither); });
 }
 
 void SharpenColumnsGated(const Plane& plane, const SharpenParams& narrow, const SharpenParams& wide) {
@@ -135,7 +135,7 @@ void SharpenRowsKnee(const Plane& plane, const SharpenParams& narrow, const Shar
     const bool active = IsEitherActive(narrow, wide);
     const float wideScale = scalarForm ? widePlainScale : wideRowScale;
     const SharpenCoefficients coefficients = DeriveSharpenCoefficients(narrow, wide, narrowScale, wideScale);
-    ForEachStripOfRows(plane, [&](const Plane& strip, bool) {
+    ForEachStripOfRows(plane, [&](const Plane& strip) {
         if (active && scalarForm)
             SharpenStripScalar(strip, ScalarGains(coefficients));
         else if (active)

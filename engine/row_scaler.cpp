@@ -66,10 +66,9 @@ void RowScaler::ScaleStrip(int32_t y) {
 
 void RowScaler::RunPreStage(int32_t y) {
     const Plane strip = StripOf(source, y);
-    const bool bottom = y + strip.height == source.height;
     if (stages.preStage.gated) GatedDetailRows(strip, stages.preStage.gains, RowDither::byRow);
     if (stages.preStage.mode == 1)
-        NarrowDetailRows(strip, stages.preStage.gains, bottom);
+        NarrowDetailRows(strip, stages.preStage.gains);
     else if (stages.preStage.mode == 2)
         KneeDetailRows(strip, stages.preStage.gains, RowDither::byRow);
 }

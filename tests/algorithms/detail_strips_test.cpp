@@ -24,8 +24,8 @@ struct StripFilter {
 
 // clang-format off
 constexpr StripFilter filters[] = {
-    {"narrow rows", [](const Plane& strip) { NarrowDetailRows(strip, crisp, false); }, true, 0x564c7828},
-    {"smoothing rows", [](const Plane& strip) { NarrowDetailRows(strip, smoothing, true); }, true, 0x5737dbf8},
+    {"narrow rows", [](const Plane& strip) { NarrowDetailRows(strip, crisp); }, true, 0x564c7828},
+    {"smoothing rows", [](const Plane& strip) { NarrowDetailRows(strip, smoothing); }, true, 0xd1381f86},
     {"knee rows", [](const Plane& strip) { KneeDetailRows(strip, crisp, RowDither::byRow); }, true, 0x50647413},
     {"smoothing knee rows", [](const Plane& strip) { KneeDetailRows(strip, smoothing, RowDither::checkerboard); }, true, 0x416c6f50},
     {"gated rows", [](const Plane& strip) { GatedDetailRows(strip, crisp, RowDither::checkerboard); }, true, 0x9d043223},

@@ -167,7 +167,7 @@ void RunCrossStage(const Plane& plane, const CrossGains& gains) {
 
 void PlainScaleRows(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const RowStages& stages) {
     if (stages.preStage.gated) GatedDetailRows(source, stages.preStage.gains, RowDither::byRow);
-    if (stages.preStage.mode == 1) NarrowDetailRows(source, stages.preStage.gains, true);
+    if (stages.preStage.mode == 1) NarrowDetailRows(source, stages.preStage.gains);
     if (stages.preStage.mode == 2) KneeDetailRows(source, stages.preStage.gains, RowDither::byRow);
     if (stages.scale == RowScale::twofold)
         DoubleRows(target, source, stages.twofoldTaps);
