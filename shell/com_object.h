@@ -69,9 +69,10 @@ private:
 /// For objects that do not keep the module loaded.
 struct NoLock {};
 
-/// The shape that counts for itself.
+/// The shape that counts for itself. The lock is the first base: it is taken before the object's first line runs and given
+/// back after its last.
 template <class Object, class Lock = ModuleLock>
-class PlainObject final : public Object {
+class PlainObject final : private Lock, public Object {
 public:
     using Object::Object;
 
@@ -86,13 +87,12 @@ public:
 
 private:
     ReferenceCount count;
-    [[no_unique_address]] Lock lock;
 };
 
 /// The shape that is part of another object: all its interfaces are counted and asked through the outer one, which is
 /// not referenced. Only Identity(), the outer object's private handle, counts and answers for this object itself.
 template <class Object>
-class AggregatedObject final : public Object {
+class AggregatedObject final : private ModuleLock, public Object {
 public:
     explicit AggregatedObject(IUnknown* outerObject) : outer(outerObject) {}
 
@@ -127,7 +127,6 @@ private:
 
     IUnknown* const outer;
     InnerUnknown inner{this};
-    ModuleLock lock;
 };
 
 /// The last step of an object's making, for classes that have one: `HRESULT Complete()`. The object can be referenced
@@ -164,8 +163,8 @@ HRESULT CreateObject(IUnknown* outer, REFIID iid, void** out) {
             return HandOver(new AggregatedObject<Object>(outer), iid, out);
         }
         return HandOver(new PlainObject<Object>, iid, out);
-    } catch (const std::bad_alloc&) {
-        return E_OUTOFMEMORY;
+    } catch (...) {
+        return E_OUTOFMEMORY;  // a constructor throws only what it says of memory
     }
 }
 
