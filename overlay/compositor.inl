@@ -134,7 +134,7 @@ template <class Target>
 void Compositor<Target>::NoteClip(const Element<Target>& element, const Region& newContent) {
     Region hidden = RegionIntersect(opaque, newContent);
     if (hidden.IsEmpty()) return;
-    std::unique_ptr<ClipRecord<Target>> record(NewRetry<ClipRecord<Target>>());
+    auto record = WaitForMemory([] { return std::make_unique<ClipRecord<Target>>(); });
     record->element = &element;
     record->hidden = std::move(hidden);
     record->below = std::move(clips);

@@ -36,6 +36,7 @@ public:
     ///
     /// character  code; negative for bytes from 128 on, which may have no outline
     /// buffer     empty to ask for the size only; too small a one is left as it is
+    /// throws     std::bad_alloc while memory is short
     virtual Glyph GlyphOutline(int32_t character, std::span<uint8_t> buffer) = 0;
 };
 
@@ -43,7 +44,7 @@ class FontEngine {
 public:
     virtual ~FontEngine() = default;
 
-    /// The font in a style, or null when there is none.
+    /// The font in a style, or null when there is none. Throws std::bad_alloc while memory is short.
     virtual std::unique_ptr<Font> MakeFont(FontStyle style) = 0;
 };
 

@@ -144,11 +144,14 @@ int32_t AppendGlyph(PointList& outline, Font& font, int8_t character, int32_t& p
         return 0;
     }
     constexpr int32_t unitsPerPixel = emUnits / Font::cellHeight;
-    const Font::Glyph needed = font.GlyphOutline(character, {});
+    const auto ask = [&](std::span<uint8_t> buffer) {
+        return WaitForMemory([&] { return font.GlyphOutline(character, buffer); });
+    };
+    const Font::Glyph needed = ask({});
     if (needed.bytes < 1 || needed.bytes >= largestOutline) return needed.advance * unitsPerPixel;
     const auto size = static_cast<size_t>(needed.bytes);
     const SampleBlock buffer = MakeAlignedArray<uint8_t>(size);
-    const Font::Glyph glyph = font.GlyphOutline(character, {buffer.get(), size});
+    const Font::Glyph glyph = ask({buffer.get(), size});
     const bool isWritten = glyph.bytes >= 1 && glyph.bytes <= needed.bytes;
     if (isWritten) DrawGlyph({outline, penX, penY}, {buffer.get(), static_cast<size_t>(glyph.bytes)});
     return glyph.advance * unitsPerPixel;

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "overlay/glyph_outline.h"
+#include "runtime/memory.h"
 
 namespace clarivex {
 namespace {
@@ -49,7 +50,7 @@ private:
 
     void RenewFont() {
         font.reset();  // one at a time
-        font = fonts.MakeFont(style);
+        font = WaitForMemory([this] { return fonts.MakeFont(style); });
         fontValid = true;
     }
 
@@ -99,7 +100,8 @@ void AppendArc(PointList& outline, int32_t radius, int32_t turn) {
 }  // namespace
 
 void LayoutText(const TextContent& content, FontEngine& fonts, OutlineHandle& outline) {
-    if (outline == nullptr || outline.use_count() > 1) outline = std::make_shared<PointList>();
+    if (outline == nullptr || outline.use_count() > 1)
+        outline = WaitForMemory([] { return std::make_shared<PointList>(); });
     outline->Clear();
     if (content.arcMode) {
         AppendArc(*outline, content.arcRadius, content.arcTurn);

@@ -28,7 +28,7 @@ void BodyRef<Body>::Detach() {
     if (body != nullptr && body->refCount.load() < 2) {
         return;
     }
-    Body* fresh = NewRetry<Body>();
+    Body* fresh = WaitForMemory([] { return new Body(); });
     Clear();
     body = fresh;
 }

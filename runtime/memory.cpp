@@ -8,10 +8,21 @@
 #include <limits>
 #include <utility>
 
+#include "runtime/diagnostics.h"
+
 namespace clarivex {
 namespace {
 
 RawAllocator rawAllocator = std::malloc;
+
+constexpr const char* reallocFailed = "MemAlloc : realloc() failed";
+
+bool PauseForEver(size_t /*bytes*/, uint32_t /*waitedMilliseconds*/) {
+    Sleep(retryMilliseconds);
+    return true;
+}
+
+MemoryWait memoryWait = PauseForEver;
 
 // Stands just before the bytes of a block. `raw` comes last: it is the word that AlignedFree looks for.
 struct BlockHeader {
@@ -30,6 +41,18 @@ BlockHeader* HeaderOf(void* pointer) {
 }
 
 }  // namespace
+
+MemoryWait SetMemoryWait(MemoryWait wait) { return std::exchange(memoryWait, wait); }
+
+void MemoryShortage::Wait() {
+    if (waited == 0) {
+        Trace("MemAlloc : waiting for %zu bytes", bytes);
+    }
+    if (!memoryWait(bytes, waited)) {
+        throw text;
+    }
+    waited += retryMilliseconds;
+}
 
 RawAllocator SetRawAllocator(RawAllocator allocator) { return std::exchange(rawAllocator, allocator); }
 
@@ -77,13 +100,13 @@ void* AllocRetry(size_t size) {
         return nullptr;
     }
     if (size > largestRequest) {
-        throw "MemAlloc : malloc() failed";
+        throw MemoryShortage::mallocFailed;
     }
-    for (;;) {
+    for (MemoryShortage shortage(size);;) {
         if (void* block = AlignedAlloc(size, blockAlignment)) {
             return block;
         }
-        Sleep(retryMilliseconds);
+        shortage.Wait();
     }
 }
 
@@ -96,13 +119,13 @@ void* ReallocRetry(void* pointer, size_t size) {
         return nullptr;
     }
     if (size > largestRequest) {
-        throw "MemAlloc : realloc() failed";
+        throw reallocFailed;
     }
-    for (;;) {
+    for (MemoryShortage shortage(size, reallocFailed);;) {
         if (void* block = AlignedRealloc(pointer, size, blockAlignment)) {
             return block;
         }
-        Sleep(retryMilliseconds);
+        shortage.Wait();
     }
 }
 

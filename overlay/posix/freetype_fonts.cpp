@@ -8,8 +8,10 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <new>
 #include <utility>
-#include <vector>
+
+#include "overlay/growing_array.h"
 
 namespace clarivex {
 namespace {
@@ -33,6 +35,14 @@ int64_t RoundedQuotient(int64_t dividend, int64_t divisor) {
     return (dividend + half) / divisor;
 }
 
+/// Whether FreeType did what it was asked for. Throws std::bad_alloc where it was short of memory.
+bool Succeeds(FT_Error error) {
+    if (FT_ERROR_BASE(error) == FT_Err_Out_Of_Memory) {
+        throw std::bad_alloc();
+    }
+    return error == FT_Err_Ok;
+}
+
 // ---- Outlines ----
 
 /// TrueType contour records of an outline, a curve record for every line and spline in it. A cubic piece becomes the two
@@ -44,11 +54,11 @@ public:
         constexpr FT_Outline_Funcs pieces = {
             .move_to = OnStart, .line_to = OnLine, .conic_to = OnSpline, .cubic_to = OnCubic, .shift = 0, .delta = 0};
         if (FT_Outline_Decompose(&outline, &pieces, this) != 0) {
-            bytes.clear();
+            bytes.Clear();
         }
     }
 
-    const std::vector<uint8_t>& Bytes() const { return bytes; }
+    std::span<const uint8_t> Bytes() const { return bytes.Elements(); }
 
 private:
     static constexpr uint32_t polygonType = 24;
@@ -72,7 +82,7 @@ private:
     }
 
     int BeginContour(FT_Vector start) {
-        contour = bytes.size();
+        contour = bytes.Count();
         Append(0, 4);
         Append(polygonType, 4);
         AppendPoint(start);
@@ -98,20 +108,20 @@ private:
 
     void Append(uint32_t number, int count) {
         for (int i = 0; i < count; ++i) {
-            bytes.push_back(static_cast<uint8_t>(number >> 8 * i));
+            bytes.Append(static_cast<uint8_t>(number >> 8 * i));
         }
     }
 
     void StoreContourSize() {
-        const size_t size = bytes.size() - contour;
-        for (size_t i = 0; i < 4; ++i) {
+        const int32_t size = bytes.Count() - contour;
+        for (int32_t i = 0; i < 4; ++i) {
             bytes[contour + i] = static_cast<uint8_t>(size >> 8 * i);
         }
     }
 
-    std::vector<uint8_t> bytes;
-    size_t contour = 0;   // where the contour's header begins
-    FT_Vector current{};  // the point added last
+    GrowingArray<uint8_t> bytes;  // waits for memory: FreeType's C stands between its callbacks and whoever could catch
+    int32_t contour = 0;          // where the contour's header begins
+    FT_Vector current{};          // the point added last
 };
 
 /// Makes every contour run the other way round from the same start: FreeType's own reversal starts at the point that was
@@ -146,7 +156,7 @@ public:
         }
         const FT_UInt glyph = FT_Get_Char_Index(face.get(), static_cast<FT_ULong>(character));
         FT_GlyphSlot slot = face->glyph;
-        if (FT_Load_Glyph(face.get(), glyph, FT_LOAD_NO_SCALE) != 0 || slot->format != FT_GLYPH_FORMAT_OUTLINE) {
+        if (!Succeeds(FT_Load_Glyph(face.get(), glyph, FT_LOAD_NO_SCALE)) || slot->format != FT_GLYPH_FORMAT_OUTLINE) {
             return {};
         }
         ToFixedPoint(slot->outline);
@@ -228,7 +238,7 @@ Face OpenFace(FT_Library library, FcPattern* font) {
     FT_Face opened = nullptr;
     if (FcPatternGetString(font, FC_FILE, 0, &file) != FcResultMatch ||
         FcPatternGetInteger(font, FC_INDEX, 0, &index) != FcResultMatch ||
-        FT_New_Face(library, reinterpret_cast<const char*>(file), index, &opened) != 0) {
+        !Succeeds(FT_New_Face(library, reinterpret_cast<const char*>(file), index, &opened))) {
         return nullptr;
     }
     Face face(opened);
@@ -238,7 +248,7 @@ Face OpenFace(FT_Library library, FcPattern* font) {
 
 Library OpenLibrary() {
     FT_Library opened = nullptr;
-    return Library(FT_Init_FreeType(&opened) == 0 ? opened : nullptr);
+    return Library(Succeeds(FT_Init_FreeType(&opened)) ? opened : nullptr);
 }
 
 class FreeTypeFontEngine final : public FontEngine {
