@@ -7,11 +7,12 @@ namespace clarivex {
 
 void MaskBitmap::Reallocate(int32_t newWidth, int32_t newHeight) {
     if (newWidth == width && newHeight == height) return;
+    width = height = 0;
+    pixels.reset();
+    stride = (newWidth + 3) & ~3;
+    pixels = MakeAlignedArray<uint8_t>(static_cast<size_t>(stride) * static_cast<size_t>(newHeight));
     width = newWidth;
     height = newHeight;
-    stride = (newWidth + 3) & ~3;
-    pixels.reset();
-    pixels = MakeAlignedArray<uint8_t>(static_cast<size_t>(stride) * static_cast<size_t>(newHeight));
 }
 
 void MaskBitmap::ClearRectangle(const Rectangle& rectangle) {

@@ -12,10 +12,7 @@ Overlay::Overlay(std::unique_ptr<FontEngine> fontEngine) : fonts(std::move(fontE
 
 void OverlayCompose(Overlay& overlay, int32_t width, int32_t height, float pixelAspect, const KernelTable& kernels) {
     OverlayTiles& tiles = overlay.tiles;
-    if (width != tiles.Width() || height != tiles.Height()) {
-        tiles.Resize(width, height);
-        tiles.Clear();
-    }
+    tiles.Resize(width, height);
     const Composition composition =
         Compose(overlay.sceneGroup, tiles, width, height, pixelAspect, {kernels}, {.releaseWhenEmpty = true});
     tiles.MarkAllRowsEmpty();

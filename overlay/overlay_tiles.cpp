@@ -2,12 +2,19 @@
 
 #include <algorithm>
 #include <cstring>
-#include <numeric>
 
 namespace clarivex {
 namespace {
 
 int32_t GroupsFor(int32_t pixels) { return (pixels + OverlayTiles::groupPixels - 1) / OverlayTiles::groupPixels; }
+
+// Whole blocks of 8 rows and one row more, with room for a wide store behind the last group.
+size_t StoreBytes(int32_t stride, int32_t rows) {
+    if (stride == 0 || rows == 0) return 0;
+    constexpr uint64_t spareBytes = 32;
+    const uint64_t rowsKept = static_cast<uint64_t>(rows + 7) / 8 * 8 + 1;
+    return static_cast<size_t>(std::min<uint64_t>(rowsKept * static_cast<uint64_t>(stride) + spareBytes, SIZE_MAX));
+}
 
 void MakeNeutral(uint8_t* group) {
     std::memset(group, 0, OverlayTiles::groupBytes);
@@ -17,32 +24,32 @@ void MakeNeutral(uint8_t* group) {
 }  // namespace
 
 void OverlayTiles::Resize(int32_t newWidth, int32_t newHeight) {
-    if (newWidth != width || newHeight != height) {
-        width = newWidth;
-        height = newHeight;
-        Reallocate(newWidth, newHeight);
+    if (newWidth == width && newHeight == height) {
+        return;
     }
-    if (rowCount != newHeight) {
-        rowTable.reset();
-        rowTable = MakeAlignedArray<int32_t>(static_cast<size_t>(newHeight));
-        rowCount = newHeight;
-    }
-    std::iota(rowTable.get(), rowTable.get() + rowCount, 0);
+    Reallocate(0, 0);
+    width = height = rowCount = 0;
+    rowTable.reset();
+    rowTable = MakeAlignedArray<int32_t>(static_cast<size_t>(newHeight));
+    rowCount = newHeight;
+    width = newWidth;
+    height = newHeight;
+    MarkAllRowsEmpty();
 }
 
 void OverlayTiles::Reallocate(int32_t newWidth, int32_t newHeight) {
     if (newWidth == allocatedWidth && newHeight == allocatedHeight) {
         return;
     }
-    constexpr uint64_t spareBytes = 32;
+    allocatedWidth = allocatedHeight = stride = groupsPerRow = 0;
+    data.reset();
+    const int32_t groups = GroupsFor(newWidth);
+    const int32_t rowBytes = groups * groupBytes;
+    data = MakeAlignedArray<uint8_t>(StoreBytes(rowBytes, newHeight));
     allocatedWidth = newWidth;
     allocatedHeight = newHeight;
-    groupsPerRow = GroupsFor(newWidth);
-    stride = groupsPerRow * groupBytes;
-    const uint64_t rowsKept = static_cast<uint64_t>(newHeight + 7) / 8 * 8 + 1;
-    const uint64_t bytes = rowsKept * static_cast<uint64_t>(stride) + spareBytes;
-    data.reset();
-    data = MakeAlignedArray<uint8_t>(static_cast<size_t>(std::min<uint64_t>(bytes, SIZE_MAX)));
+    groupsPerRow = groups;
+    stride = rowBytes;
 }
 
 void OverlayTiles::ClearRectangle(const Rectangle& rectangle) {

@@ -21,15 +21,11 @@ public:
     static constexpr int32_t chromaOffset = 16;  ///< U and V terms in a group
     static constexpr int32_t emptyRow = -1;      ///< entry of the row table: nothing to blend
 
-    /// Sets the picture's size, gives the store that size and marks every row as its own. A store of another size is
-    /// allocated anew and not cleared.
+    /// Sets the picture's size. Another size than before releases the store and marks every row as empty.
     void Resize(int32_t newWidth, int32_t newHeight);
 
-    /// Gives only the store another size: picture size and row table stay. (0, 0) shrinks it to 32 bytes.
+    /// Gives the store another size, not cleared; picture size and row table stay. A side of 0 releases it.
     void Reallocate(int32_t newWidth, int32_t newHeight);
-
-    /// Makes every pixel of the picture neutral, with the rest of its last group, as far as the store reaches.
-    void Clear() { ClearRectangle({0, 0, width, height}); }
 
     /// Makes the groups that the rectangle touches neutral, as far as the store reaches.
     void ClearRectangle(const Rectangle& rectangle);

@@ -8,13 +8,14 @@ namespace clarivex {
 void YuvaImage::Reallocate(int32_t newWidth, int32_t newHeight) {
     if (newWidth == width && newHeight == height) return;
     constexpr uint64_t spareBytes = 32;
+    width = height = 0;
+    pixels.reset();
+    stride = (newWidth * pixelBytes + 31) / 32 * 32;
+    const uint64_t rowsKept = static_cast<uint64_t>(newHeight + 15) / 16 * 16 + 1;
+    const uint64_t bytes = rowsKept * static_cast<uint64_t>(stride) + spareBytes;
+    pixels = MakeAlignedArray<uint8_t>(static_cast<size_t>(std::min<uint64_t>(bytes, SIZE_MAX)));
     width = newWidth;
     height = newHeight;
-    stride = (width * pixelBytes + 31) / 32 * 32;
-    const uint64_t rowsKept = static_cast<uint64_t>(height + 15) / 16 * 16 + 1;
-    const uint64_t bytes = rowsKept * static_cast<uint64_t>(stride) + spareBytes;
-    pixels.reset();
-    pixels = MakeAlignedArray<uint8_t>(static_cast<size_t>(std::min<uint64_t>(bytes, SIZE_MAX)));
 }
 
 void YuvaImage::ClearRectangle(const Rectangle& rectangle) {

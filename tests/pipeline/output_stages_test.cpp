@@ -60,7 +60,8 @@ protected:
     /// An overlay whose rows y with (y · 5 / 3) % 3 == 0 hold random groups, or none at all.
     void MakeOverlay(int32_t width, int32_t height, bool marked) {
         tiles.Resize(width, height);
-        tiles.Clear();
+        tiles.Reallocate(width, height);
+        tiles.ClearRectangle({0, 0, width, height});
         tiles.MarkAllRowsEmpty();
         std::mt19937 random(7);
         for (int32_t y = 0; y < height && marked; ++y) {
