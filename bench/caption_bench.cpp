@@ -59,10 +59,11 @@ void WholeFrame(benchmark::State& state, const CaptionTime& time, const KernelTa
 
 void OverlayAlone(benchmark::State& state, const CaptionTime& time, const KernelTable& kernels) {
     Overlay overlay(FontsFor(time));
+    CaptionRun run;
     const FrameSize size = OutputSize(frames.size.width, frames.size.height, frames.scaled);
     RunFrames(
-        state, time, [&] { OverlayCompose(overlay, size.width, size.height, 1.0F, kernels); },
-        [&] { overlay.Restart(); });
+        state, time, [&] { OverlayCompose(overlay, run.Advance(), size.width, size.height, 1.0F, kernels); },
+        [&] { run.Restart(); });
 }
 
 bool RegisterCaptions() {

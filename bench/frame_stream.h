@@ -8,11 +8,9 @@
 #include <utility>
 #include <vector>
 
-#include "engine/enhancement_engine.h"
 #include "overlay/overlay.h"
 #include "pipeline/frame_geometry.h"
 #include "pipeline/frame_pipeline.h"
-#include "pipeline/noise_table.h"
 #include "simd/kernel_table.h"
 
 namespace clarivex {
@@ -54,8 +52,7 @@ class FrameStream {
 public:
     /// fonts  for the caption; without any none is drawn
     FrameStream(const FrameCase& frames, const KernelTable& kernels, std::unique_ptr<FontEngine> fonts = nullptr)
-        : overlay(std::move(fonts)), pipeline(engine, noise, overlay, kernels) {
-        engine.Start();
+        : pipeline(process, std::move(fonts), kernels) {
         const FrameSize written = OutputSize(frames.size.width, frames.size.height, frames.scaled);
         request.format = frames.format.format;
         request.input = FormatOf(frames.size, frames.format.bitCount);
@@ -78,10 +75,10 @@ public:
     /// False when the frame path reports a failure.
     bool PlayOne() {
         const std::vector<uint8_t>& picture = pictures[framesPlayed++ % pictures.size()];
-        const FrameResult result =
+        const HRESULT result =
             pipeline.RunFrame(request, {output.data(), output.size()}, {picture.data(), picture.size()});
         request.newStream = request.settingsDirty = false;
-        return result.code == S_OK && result.settingsApplied;
+        return result == S_OK;
     }
 
     /// The next frame is the first of a new stream.
@@ -97,9 +94,7 @@ private:
         return format;
     }
 
-    EnhancementEngine engine;
-    NoiseTable noise;
-    Overlay overlay;
+    ProcessState process;
     FramePipeline pipeline;
     FrameRequest request;
     std::array<std::vector<uint8_t>, 4> pictures;

@@ -107,7 +107,7 @@ struct StageSettings {
     SharpenParams preWideV;
 };
 
-/// One per process. Not re-entrant: runs on the thread of ProcessOutput.
+/// One for each stream. Not re-entrant: runs on the stream's frame thread.
 class EnhancementEngine : public EngineSettings {
 public:
     LightingState lighting;
@@ -117,9 +117,6 @@ public:
     std::array<PrototypeKernel, 2> responses{};
     TimingBlock timing;
     EngineWorkspace workspace;
-
-    /// Puts back what a media object's construction sets: no noise reduction, rows first, both axes scaled.
-    void Start();
 };
 
 }  // namespace clarivex

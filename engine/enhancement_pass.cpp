@@ -63,8 +63,6 @@ private:
     }
 
     void StartFrame() {
-        rebuildFilters = engine.filtersDirty != 0;
-        engine.filtersDirty = 0;
         sharpness = engine.sharpness;
         stages = StageSettings{};
     }
@@ -83,7 +81,9 @@ private:
     void MeasureStrength() { strength = StrengthOf(sharpness, width, height); }
 
     void RebuildFilters() {
-        if (rebuildFilters) DesignFilters(engine, strength, modes.horizontal);
+        if (engine.filtersDirty == 0) return;
+        DesignFilters(engine, strength, modes.horizontal);
+        engine.filtersDirty = 0;
     }
 
     void AddBaseGain() {
@@ -291,7 +291,6 @@ private:
     const KernelTable& kernels;
     int32_t width;
     int32_t height;
-    bool rebuildFilters = false;
     bool bypass = false;
     bool haveCopy = false;
     float sharpness = 0.0F;

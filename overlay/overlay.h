@@ -1,4 +1,4 @@
-// The overlay of the process: a caption that fades in and out over the first frames of a stream.
+// What is drawn over the pictures of one stream: a caption that fades in and out over its first frames.
 #pragma once
 
 #include <cstdint>
@@ -17,17 +17,11 @@ class Overlay {
 public:
     explicit Overlay(std::unique_ptr<FontEngine> fontEngine);
 
-    /// Begins the caption anew with the next frame.
-    void Restart() { scene.Restart(); }
-
-    /// Whether frames composed from now on show the caption; a hidden one stands still and draws nothing.
-    void SetShown(bool on) { scene.SetVisible(on); }
-
     /// What the last frame composed holds.
     const OverlayTiles& Tiles() const { return tiles; }
 
 private:
-    friend void OverlayCompose(Overlay& overlay, int32_t width, int32_t height, float pixelAspect,
+    friend void OverlayCompose(Overlay& overlay, int32_t captionFrame, int32_t width, int32_t height, float pixelAspect,
                                const KernelTable& kernels);
 
     std::unique_ptr<FontEngine> fonts;
@@ -39,8 +33,10 @@ private:
 /// Prepares the overlay of one frame: follows the picture's size, draws what changed since the last frame, and marks the
 /// rows that hold something. While there is nothing to draw, the tiles hold no memory.
 ///
+/// captionFrame   as CaptionRun gives it: from 1 on, or captionHidden
 /// width, height  of the output frame, 0 … 65536; beyond 16384 nothing is drawn
 /// pixelAspect    width of a pixel in relation to its height; 1 when it is not a positive number
-void OverlayCompose(Overlay& overlay, int32_t width, int32_t height, float pixelAspect, const KernelTable& kernels);
+void OverlayCompose(Overlay& overlay, int32_t captionFrame, int32_t width, int32_t height, float pixelAspect,
+                    const KernelTable& kernels);
 
 }  // namespace clarivex

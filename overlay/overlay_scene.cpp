@@ -1,7 +1,5 @@
 #include "overlay/overlay_scene.h"
 
-#include <algorithm>
-
 #include "overlay/caption_style.h"
 
 namespace clarivex {
@@ -12,6 +10,11 @@ OverlayScene::OverlayScene(FontEngine* fonts) : caption(fonts) {
     group.AddChild(layer);
 }
 
+void OverlayScene::SetFrame(int32_t newFrame) {
+    frame = newFrame;
+    SetVisible(frame != captionHidden);
+}
+
 void OverlayScene::SetSize(int32_t newWidth, int32_t newHeight, float aspect) {
     width = newWidth;
     height = newHeight;
@@ -19,7 +22,6 @@ void OverlayScene::SetSize(int32_t newWidth, int32_t newHeight, float aspect) {
 }
 
 bool OverlayScene::Update(const ComposeFrame& /*composeFrame*/) {
-    frame = std::min(frame + 1, captionEnd);
     caption.SetColours(ColoursOf(frame));
     caption.SetPlacement(PlaceCaption(width, height, pixelAspect));
     return true;

@@ -26,13 +26,15 @@ std::vector<uint8_t> GreyPicture(int32_t width, int32_t height, ImagePlanes& pla
 std::vector<uint8_t> DrawCaptionPicture(int32_t frame, int32_t width, int32_t height, float pixelAspect,
                                         std::unique_ptr<FontEngine> fonts, const KernelTable& kernels) {
     Overlay overlay(std::move(fonts));
-    for (int32_t i = 0; i < frame; ++i) OverlayCompose(overlay, width, height, pixelAspect, kernels);
+    OverlayCompose(overlay, frame, width, height, pixelAspect, kernels);
 
     ImagePlanes source;
     ImagePlanes target;
     const std::vector<uint8_t> plain = GreyPicture(width, height, source);
     std::vector<uint8_t> picture = GreyPicture(width, height, target);
-    const NoiseTable silent;
+    const NoiseGenerator noise;
+    NoiseTable silent(noise);
+    silent.Build(0.0F);
     OutputScratch scratch;
     PlanarOutputStage(target, picture.data() + picture.size(), source,
                       {LightingCorrection{}, overlay.Tiles(), silent, kernels, scratch});

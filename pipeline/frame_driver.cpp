@@ -31,18 +31,19 @@ float StrengthOfSlider(float sharpness) {
 
 void FrameDriver::StartStream() {
     engine.lighting = LightingState{};
-    overlay.Restart();
+    RenewFilters();
+    process.RestartCaption();
 }
 
 void FrameDriver::Enhance(const FrameRequest& request, const FrameLayout& layout) {
-    ApplySettings(request);
+    ApplySettings(request, layout);
     if (request.format == PixelFormat::yuy2)
         EnhancePacked(request, layout);
     else
         EnhancePlanar(request, layout);
 }
 
-void FrameDriver::ApplySettings(const FrameRequest& request) {
+void FrameDriver::ApplySettings(const FrameRequest& request, const FrameLayout& layout) {
     engine.horizontalMode = engine.verticalMode = request.scalingOn ? 1 : 0;
     engine.sharpness = StrengthOfSlider(request.sharpness);
     engine.ditherGain = 0.0F;
@@ -50,7 +51,10 @@ void FrameDriver::ApplySettings(const FrameRequest& request) {
     engine.colourBiasA = 50;
     engine.colourBiasB = request.enableLighting ? 42 : 50;
     engine.colourBiasC = request.enableLighting ? 47 : 50;
-    if (request.settingsDirty) engine.filtersDirty = 1;
+    engine.lightingAdoptNow = request.enableLighting && process.TakeAdoptAtOnce() ? 1 : 0;
+    const FrameShape shape{layout.width, layout.height, request.scalingOn};
+    if (shape != lastShape) RenewFilters();
+    lastShape = shape;
 }
 
 void FrameDriver::EnhancePacked(const FrameRequest& request, const FrameLayout& layout) {
@@ -99,8 +103,8 @@ FrameInfo FrameDriver::RunEngine(const FrameRequest& request, const SourceImage&
 
 void FrameDriver::PrepareOutput(const FrameInfo& info, const FrameLayout& layout, float aspect) {
     noise.Build(info.noiseAmplitude);
-    noise.Advance();
-    OverlayCompose(overlay, layout.outputWidth, layout.outputHeight, aspect, kernels);
+    noise.offsets = process.AdvanceNoise();
+    OverlayCompose(overlay, process.AdvanceCaption(), layout.outputWidth, layout.outputHeight, aspect, kernels);
 }
 
 }  // namespace clarivex

@@ -2,11 +2,10 @@
 #pragma once
 
 #include "engine/enhancement_pass.h"
-#include "overlay/overlay.h"
 #include "pipeline/frame_geometry.h"
 #include "pipeline/frame_request.h"
-#include "pipeline/frame_workspace.h"
-#include "pipeline/noise_table.h"
+#include "pipeline/process_state.h"
+#include "pipeline/stream_state.h"
 
 namespace clarivex {
 
@@ -15,29 +14,40 @@ float StrengthOfSlider(float sharpness);
 
 class FrameDriver {
 public:
-    FrameDriver(EnhancementEngine& engine, NoiseTable& noise, Overlay& overlay, const KernelTable& kernels,
-                FrameWorkspace& workspace)
-        : engine(engine), noise(noise), overlay(overlay), kernels(kernels), workspace(workspace) {}
+    FrameDriver(ProcessState& process, StreamState& stream, const KernelTable& kernels)
+        : process(process),
+          engine(stream.engine),
+          noise(stream.noise),
+          overlay(stream.overlay),
+          workspace(stream.workspace),
+          lastShape(stream.lastShape),
+          kernels(kernels) {}
 
-    /// Before the first frame of a stream: lighting starts from the levels of video, the caption from its first frame.
+    /// Before the first frame of a stream: lighting starts from the levels of video, the caption from its first frame, and
+    /// filters are designed anew.
     void StartStream();
+
+    /// The next frame enhanced designs its filters anew.
+    void RenewFilters() { engine.filtersDirty = 1; }
 
     /// Reads the picture of the layout's input and writes the one of its output.
     void Enhance(const FrameRequest& request, const FrameLayout& layout);
 
 private:
-    void ApplySettings(const FrameRequest& request);
+    void ApplySettings(const FrameRequest& request, const FrameLayout& layout);
     void EnhancePacked(const FrameRequest& request, const FrameLayout& layout);
     void EnhancePlanar(const FrameRequest& request, const FrameLayout& layout);
     FrameInfo RunEngine(const FrameRequest& request, const SourceImage& source, const PassTarget& target,
                         float& aspect);
     void PrepareOutput(const FrameInfo& info, const FrameLayout& layout, float aspect);
 
+    ProcessState& process;
     EnhancementEngine& engine;
     NoiseTable& noise;
     Overlay& overlay;
-    const KernelTable& kernels;
     FrameWorkspace& workspace;
+    FrameShape& lastShape;
+    const KernelTable& kernels;
 };
 
 }  // namespace clarivex

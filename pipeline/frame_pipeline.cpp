@@ -6,20 +6,19 @@
 
 namespace clarivex {
 
-FrameResult FramePipeline::RunFrame(const FrameRequest& request, OutputBuffer output, InputBuffer input) {
-    FrameDriver driver(engine, noise, overlay, kernels, workspace);
+HRESULT FramePipeline::RunFrame(const FrameRequest& request, OutputBuffer output, InputBuffer input) {
+    FrameDriver driver(process, stream, kernels);
     if (request.newStream) driver.StartStream();
-    if (request.format == PixelFormat::other) return {};
+    if (request.settingsDirty) driver.RenewFilters();
+    if (request.format == PixelFormat::other) return S_OK;
     FrameLayout layout;
     const HRESULT code = LayOutFrame(request, output, input, layout);
-    if (FAILED(code)) return {code, false};
-    if (layout.tooSmall) return {};
-    if (!request.enabled) {
+    if (FAILED(code) || layout.tooSmall) return code;
+    if (request.enabled)
+        driver.Enhance(request, layout);
+    else
         PlainCopy(request.format, layout);
-        return {};
-    }
-    driver.Enhance(request, layout);
-    return {S_OK, true};
+    return S_OK;
 }
 
 }  // namespace clarivex

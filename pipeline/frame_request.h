@@ -51,7 +51,7 @@ struct FrameRequest {
     bool sourceIsVih2WithoutBitrate = false;
     float pixelAspect = 1.0F;
     bool newStream = false;      ///< first frame since an input type was set
-    bool settingsDirty = false;  ///< the sharpness changed since the last enhanced frame
+    bool settingsDirty = false;  ///< the sharpness changed since the last frame
     bool enabled = true;         ///< false: frames are copied without enhancement
     bool enableLighting = true;
     float sharpness = 1.0F;  ///< slider value, 0 … 2

@@ -20,11 +20,11 @@ struct OutputStageInputs {
 };
 
 /// Column of the noise table that belongs to the first column of the current frame.
-inline int32_t NoiseColumnOf(const NoiseTable& noise) { return noise.offsetX & ~7 & 255; }
+inline int32_t NoiseColumnOf(const NoiseTable& noise) { return noise.offsets.x & ~7 & 255; }
 
 /// Row of the noise table that belongs to picture row y of the current frame.
 inline int32_t NoiseRowOf(const NoiseTable& noise, int32_t y) {
-    return static_cast<int32_t>((static_cast<uint32_t>(noise.offsetY) + static_cast<uint32_t>(y)) & 255U);
+    return static_cast<int32_t>((static_cast<uint32_t>(noise.offsets.y) + static_cast<uint32_t>(y)) & 255U);
 }
 
 }  // namespace clarivex

@@ -6,7 +6,7 @@
 
 namespace clarivex {
 
-void ShowCaption(bool on) { ProcessOverlay().SetShown(on); }
+void ShowCaption(bool on) { ThisProcess().ShowCaption(on); }
 
 bool HasCaptionFont() { return MakeSystemFontEngine()->MakeFont({}) != nullptr; }
 

@@ -6,8 +6,8 @@
 
 namespace clarivex {
 
-/// Whether the media objects of this process show the caption. They do until told otherwise. Not while frames are
-/// processed.
+/// Whether the media objects of this process show the caption. They do until told otherwise. May be called
+/// while frames are processed.
 void ShowCaption(bool on);
 
 /// Whether this system has a font to draw the caption with. Without one there is no caption.

@@ -28,7 +28,6 @@ public:
     /// Whether the sharpness changed since the last call, true at first. Ask before reading the sharpness: a change in
     /// between is then told again instead of being lost.
     bool TakeSharpnessChange() { return sharpnessChanged.exchange(false, std::memory_order_acquire); }
-    void KeepSharpnessChange() { sharpnessChanged.store(true, std::memory_order_release); }
 
     std::atomic<uint32_t> mode = modeAuto;
     std::atomic<bool> allowHd = false;

@@ -1,12 +1,9 @@
-// The one place where the objects of the process are made and bound to an instruction set.
+// The one place where the state of the process is made and streams are bound to it and to an instruction set.
 #include "shell/process_objects.h"
 
 #include <algorithm>
 #include <atomic>
 
-#include "engine/enhancement_engine.h"
-#include "overlay/overlay.h"
-#include "pipeline/noise_table.h"
 #include "runtime/cpu_features.h"
 #include "shell/instruction_set.h"
 #include "simd/kernel_table.h"
@@ -15,9 +12,7 @@ namespace clarivex {
 namespace {
 
 // Built when the module loads, before anything of it can be called.
-EnhancementEngine engine;
-NoiseTable noiseTable;
-Overlay overlay(MakeSystemFontEngine());
+ProcessState processState;
 
 InstructionSets RunnableSets() {
     const SimdSupport support = DetectSimdSupport();
@@ -28,13 +23,11 @@ std::atomic<const KernelTable*> kernels = &SelectKernels(RunnableSets());
 
 }  // namespace
 
-EnhancementEngine& ProcessEngine() { return engine; }
-
-Overlay& ProcessOverlay() { return overlay; }
+ProcessState& ThisProcess() { return processState; }
 
 const KernelTable& ProcessKernels() { return *kernels.load(); }
 
-FramePipeline MakeProcessPipeline() { return FramePipeline(engine, noiseTable, overlay, ProcessKernels()); }
+FramePipeline MakeProcessPipeline() { return FramePipeline(processState, MakeSystemFontEngine(), ProcessKernels()); }
 
 std::vector<std::string_view> RunnableInstructionSets() {
     std::vector<std::string_view> names;

@@ -34,7 +34,8 @@ using TileRows = std::vector<std::vector<uint8_t>>;
 class CaptionTiles {
 public:
     CaptionTiles& Compose(int32_t frames, int32_t width, int32_t height, float aspect = 1.0F) {
-        for (int32_t i = 0; i < frames; ++i) OverlayCompose(overlay, width, height, aspect, scalarKernels);
+        for (int32_t i = 0; i < frames; ++i)
+            OverlayCompose(overlay, run.Advance(), width, height, aspect, scalarKernels);
         return *this;
     }
 
@@ -50,6 +51,7 @@ public:
 
     bool IsEmpty() const { return std::ranges::count(Rows(), TileRows::value_type()) == overlay.Tiles().Height(); }
 
+    CaptionRun run;
     Overlay overlay{std::make_unique<FakeFontEngine>()};
 };
 
@@ -59,7 +61,7 @@ TEST(Caption, GivesTheSameTilesOnEverySystemAndAtEveryWidth) {
         uint32_t digest = 0;
         for (int32_t frame = 1; frame <= captionEnd; ++frame) {
             const bool narrow = frame > 40 && frame <= 60;
-            OverlayCompose(caption.overlay, narrow ? 123 : 333, 240, narrow ? 1.0F : 16.0F / 11.0F, kernels);
+            OverlayCompose(caption.overlay, frame, narrow ? 123 : 333, 240, narrow ? 1.0F : 16.0F / 11.0F, kernels);
             for (const auto& row : caption.Rows()) digest = Crc32(row.data(), row.size(), digest);
         }
         EXPECT_EQ(digest, 0xc2107479U) << kernels.name;
@@ -82,9 +84,9 @@ TEST(Caption, KeepsItsTilesWhileItStandsAndComesBackAfterARestart) {
         caption.Compose(50, 320, 240);
         EXPECT_EQ(MemoryCount::Attempts(), 0);
     }
-    caption.overlay.Restart();
+    caption.run.Restart();
     EXPECT_EQ(caption.Compose(1, 320, 240).Rows(), firstFrame);
-    caption.overlay.Restart();
+    caption.run.Restart();
     EXPECT_EQ(caption.Compose(72, 320, 240).Rows(), standing);
 }
 
@@ -102,17 +104,17 @@ TEST(Caption, AChangedSizeLooksAsIfItHadAlwaysBeenThatSize) {
 
 TEST(Caption, StandsStillWhileItIsHidden) {
     CaptionTiles caption;
-    caption.overlay.SetShown(false);
+    caption.run.SetShown(false);
     EXPECT_TRUE(caption.Compose(3, 320, 240).IsEmpty());
-    caption.overlay.SetShown(true);
+    caption.run.SetShown(true);
     const TileRows standing = caption.Compose(100, 320, 240).Rows();
     EXPECT_EQ(standing, CaptionTiles().Compose(100, 320, 240).Rows());
-    caption.overlay.SetShown(false);
+    caption.run.SetShown(false);
     EXPECT_TRUE(caption.Compose(1, 320, 240).IsEmpty());
     EXPECT_TRUE(caption.Compose(1, 160, 120).IsEmpty());
     EXPECT_EQ(caption.overlay.Tiles().Width(), 160);
     EXPECT_TRUE(caption.Compose(1, 320, 240).IsEmpty());
-    caption.overlay.SetShown(true);
+    caption.run.SetShown(true);
     EXPECT_EQ(caption.Compose(1, 320, 240).Rows(), standing);
 }
 
@@ -122,7 +124,7 @@ TEST(Caption, WithoutFontsNothingIsDrawn) {
     Overlay overlays[] = {Overlay(nullptr), Overlay(std::move(noFonts))};
     for (Overlay& overlay : overlays)
         for (const int32_t width : {48, 48, 24}) {
-            OverlayCompose(overlay, width, 10, 1.0F, scalarKernels);
+            OverlayCompose(overlay, 1, width, 10, 1.0F, scalarKernels);
             EXPECT_EQ(overlay.Tiles().Width(), width);
             EXPECT_TRUE(std::ranges::all_of(overlay.Tiles().RowTable(), [](int32_t entry) { return entry == -1; }));
             EXPECT_EQ(overlay.Tiles().Row(5), nullptr);
@@ -139,7 +141,7 @@ TEST(Caption, TakesAnySizeAndPixelAspect) {
     for (const float aspect : {1.0F, 0.0F, -3.0F, 1e-20F, 1e20F, std::nanf(""), 64.0F})
         for (const Size& size :
              {Size{32, 8}, {0, 0}, {0, 40}, {1, 1}, {33, 8}, {65536, 8}, {16, 20000}, {7, 65536}, {400, 300}}) {
-            if (frame++ % 200 == 0) caption.overlay.Restart();
+            if (frame++ % 200 == 0) caption.run.Restart();
             caption.Compose(1, size.width, size.height, aspect);
             EXPECT_EQ(caption.overlay.Tiles().RowTable().size(), static_cast<size_t>(size.height));
         }

@@ -13,7 +13,9 @@ namespace {
 constexpr size_t tableBytes = 512 * 256;
 
 TEST(NoiseTable, DrawsTheSameBytesInEveryBuild) {
-    NoiseTable table;
+    const NoiseGenerator generator;
+    NoiseTable table(generator);
+    table.Build(0.0F);
     EXPECT_EQ(std::count(table.bytes.data, table.bytes.data + tableBytes, 128), ptrdiff_t{tableBytes});
     table.Build(0.75F);
     EXPECT_EQ(Crc32(table.bytes), 0x120CAC1FU);
@@ -22,8 +24,9 @@ TEST(NoiseTable, DrawsTheSameBytesInEveryBuild) {
 }
 
 TEST(NoiseTable, SaturatesStrongNoiseAboveZero) {
+    const NoiseGenerator generator;
     for (const float level : {1000.0F, std::numeric_limits<float>::infinity()}) {
-        NoiseTable table;
+        NoiseTable table(generator);
         table.Build(level);
         const auto [least, most] = std::minmax_element(table.bytes.data, table.bytes.data + tableBytes);
         EXPECT_EQ(*least, 1);
@@ -31,23 +34,23 @@ TEST(NoiseTable, SaturatesStrongNoiseAboveZero) {
     }
 }
 
-TEST(NoiseTable, MovesEachOffsetBy32To221AndWrapsWhateverWasBuilt) {
-    NoiseTable table;
-    for (const float level : {0.75F, 0.75F, 3.0F, 0.75F}) table.Build(level);
-    table.Advance();
-    EXPECT_EQ(table.offsetX, 117);
-    EXPECT_EQ(table.offsetY, 61);
-    table.offsetX = std::numeric_limits<int32_t>::max();
-    int32_t least = 1000, most = 0;
-    for (int i = 0; i < 10000; ++i) {
-        const auto before = static_cast<uint32_t>(table.offsetX);
-        table.Advance();
-        const auto step = static_cast<int32_t>(static_cast<uint32_t>(table.offsetX) - before);
+TEST(NoiseGenerator, MovesEachOffsetBy32To221AndWraps) {
+    NoiseGenerator generator;
+    NoiseOffsets last = generator.Advance();
+    EXPECT_EQ(last.x, 117);
+    EXPECT_EQ(last.y, 61);
+    int32_t least = 1000, most = 0, wraps = 0;
+    for (int i = 0; i < 20'000'000; ++i) {  // far enough to pass 2³¹
+        const NoiseOffsets next = generator.Advance();
+        const auto step = static_cast<int32_t>(static_cast<uint32_t>(next.x) - static_cast<uint32_t>(last.x));
         least = std::min(least, step);
         most = std::max(most, step);
+        wraps += next.x < last.x ? 1 : 0;
+        last = next;
     }
     EXPECT_EQ(least, 32);
     EXPECT_EQ(most, 221);
+    EXPECT_EQ(wraps, 1);
 }
 
 }  // namespace

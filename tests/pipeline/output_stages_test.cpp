@@ -77,12 +77,13 @@ protected:
     /// The digest of what run(inputs, shape, buffer) leaves of buffers that are longer than told.
     template <size_t count, class Run>
     uint32_t DigestOf(const OutputCase& test, const Shape (&shapes)[count], const KernelTable& kernels, Run run) {
-        NoiseTable noise;
+        NoiseGenerator generator;
+        NoiseTable noise(generator);
         noise.Build(test.noiseLevel);
         uint32_t digest = 0;
         for (const Shape& shape : shapes)
             for (const bool overlay : {false, true}) {
-                noise.Advance();
+                noise.offsets = generator.Advance();
                 MakeOverlay(shape.targetWidth, shape.targetHeight, overlay);
                 std::vector<uint8_t> buffer(static_cast<size_t>(2 * shape.stride * shape.targetHeight), 0xA5);
                 run({test.params, tiles, noise, kernels, scratch}, shape, buffer.data());
@@ -128,7 +129,9 @@ TEST_F(OutputStages, GiveThePinnedBytesAtEveryWidth) {
 TEST_F(OutputStages, DoWithoutAnOverlayThatIsTooNarrowAndWithoutAPicture) {
     const WorkingImage source = TestImage(64, 4, Texture::soft, 3);
     const LightingCorrection neutral;
-    const NoiseTable noise;
+    const NoiseGenerator generator;
+    NoiseTable noise(generator);
+    noise.Build(0.0F);
     MakeOverlay(56, 4, true);
     const OutputStageInputs inputs{neutral, tiles, noise, scalarKernels, scratch};
     std::vector<uint8_t> bytes(128 * 4);

@@ -3,8 +3,7 @@
 
 #include <utility>
 
-#include "engine/enhancement_engine.h"
-#include "shell/process_objects.h"
+#include "shell/media_object.h"
 #include "tests/support/fake_buffers.h"
 #include "tests/support/test_object.h"
 #include "tests/support/video_types.h"
@@ -19,6 +18,12 @@ constexpr size_t enlargedBytes = 96 * 48 * 3 / 2;
 constexpr DWORD timeValid = DMO_INPUT_DATA_BUFFERF_TIME;
 constexpr DWORD lengthValid = DMO_INPUT_DATA_BUFFERF_TIMELENGTH;
 constexpr DWORD syncPoint = DMO_INPUT_DATA_BUFFERF_SYNCPOINT;
+
+/// A media object whose stream can be looked into.
+class OpenObject : public CVXMediaObject {
+public:
+    using CVXMediaObject::Stream;
+};
 
 class Streaming : public testing::Test {
 protected:
@@ -53,7 +58,10 @@ protected:
         return testing::AssertionSuccess();
     }
 
-    TestObject object;
+    EnhancementEngine& Engine() { return open->Stream().engine; }
+
+    PlainObject<OpenObject>* open = new PlainObject<OpenObject>;
+    TestObject object{Ask<IMediaObject>(open->Identity(), iidMediaObject)};
     FakeBuffer in{frameBytes, 100};
     FakeBuffer out{enlargedBytes, 7};
     DMO_OUTPUT_DATA_BUFFER output = {&out, 77, 11, 22};
@@ -209,10 +217,10 @@ TEST_F(Streaming, SwitchedOffObjectCopiesToTheUpperLeft) {
 // The start of a stream is seen in the engine's levels, which go back to video range with the next frame.
 TEST_F(Streaming, StartsAnewOnceAfterEverySetInputTypeWhateverItsResult) {
     const auto startsWithNextFrame = [this] {
-        ProcessEngine().lighting.trackedBlack = 99.0F;
+        Engine().lighting.trackedBlack = 99.0F;
         EXPECT_EQ(S_OK, Give());
         EXPECT_EQ(S_OK, Take());
-        return ProcessEngine().lighting.trackedBlack == 16.0F;
+        return Engine().lighting.trackedBlack == 16.0F;
     };
     object.player->SetEnable(FALSE);
     EXPECT_TRUE(startsWithNextFrame());
@@ -228,24 +236,30 @@ TEST_F(Streaming, StartsAnewOnceAfterEverySetInputTypeWhateverItsResult) {
 }
 
 // Whether a frame designs its filters anew shows in a tap set that the test has spoilt.
-TEST_F(Streaming, SharpnessReachesTheFirstEnhancedFrameEvenAfterCopiedOnes) {
+TEST_F(Streaming, FiltersFollowTheSharpnessTheSizeAndTheStreamAndNothingElse) {
     const auto frameDesignsFilters = [this] {
-        ProcessEngine().filtersDirty = 0;
-        ProcessEngine().tapsHorizontal.a = {};
+        Engine().tapsHorizontal.a = {};
         EXPECT_EQ(S_OK, Give());
         EXPECT_EQ(S_OK, Take());
-        return ProcessEngine().tapsHorizontal.a != TapSet{};
+        return Engine().tapsHorizontal.a != TapSet{};
     };
     EXPECT_TRUE(frameDesignsFilters());
     EXPECT_FALSE(frameDesignsFilters());
     object.settings->put_Sharpness(0.5F);
     object.player->SetEnable(FALSE);
-    EXPECT_FALSE(frameDesignsFilters());
+    EXPECT_FALSE(frameDesignsFilters());  // copied, not enhanced
     object.player->SetEnable(TRUE);
     EXPECT_TRUE(frameDesignsFilters());
     object.settings->put_Sharpness(0.5F);
+    object.settings->put_EnableLighting(FALSE);
     EXPECT_FALSE(frameDesignsFilters());
-    ProcessEngine().filtersDirty = 1;  // the spoilt taps are of no use to anybody
+    Negotiate(2);  // a new stream
+    EXPECT_TRUE(frameDesignsFilters());
+    ReceivedType offered;
+    object.settings->put_CVXMode(0);  // the same stream kept at its size
+    EXPECT_EQ(S_OK, Media().GetOutputType(0, 0, offered.Out()));
+    EXPECT_TRUE(frameDesignsFilters());
+    EXPECT_FALSE(frameDesignsFilters());
 }
 
 }  // namespace

@@ -1,0 +1,35 @@
+// What one stream owns, so that no other can change what it comes to.
+#pragma once
+
+#include <memory>
+#include <utility>
+
+#include "engine/enhancement_engine.h"
+#include "overlay/overlay.h"
+#include "pipeline/frame_workspace.h"
+#include "pipeline/noise_table.h"
+
+namespace clarivex {
+
+/// What decides the filters of a frame besides the sharpness.
+struct FrameShape {
+    int32_t width = 0;
+    int32_t height = 0;
+    bool scalingOn = false;
+
+    bool operator==(const FrameShape&) const = default;
+};
+
+/// On the stream's frame thread only.
+struct StreamState {
+    StreamState(const NoiseGenerator& noisePlanes, std::unique_ptr<FontEngine> fonts)
+        : noise(noisePlanes), overlay(std::move(fonts)) {}
+
+    EnhancementEngine engine;
+    NoiseTable noise;
+    Overlay overlay;
+    FrameWorkspace workspace;
+    FrameShape lastShape;
+};
+
+}  // namespace clarivex
