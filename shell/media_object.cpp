@@ -1,7 +1,6 @@
 // The media object's making and end, and its smaller interfaces.
 #include "shell/media_object.h"
 
-#include "engine/enhancement_engine.h"
 #include "platform/resources.h"
 #include "runtime/clock.h"
 #include "runtime/cpu_features.h"
@@ -43,7 +42,6 @@ std::span<const InterfaceEntry<CVXMediaObject>> CVXMediaObject::Interfaces() {
 
 CVXMediaObject::CVXMediaObject() : pipeline(MakeProcessPipeline()) {
     CheckForUpdate();
-    ProcessEngine().Start();
     DetectCpuFeatures();
     AdvanceClockCalibration();
 }
@@ -53,7 +51,7 @@ CVXMediaObject::~CVXMediaObject() = default;
 HRESULT CVXMediaObject::Complete() { return LoadStoredSettings(settings); }
 
 HRESULT CVXMediaObject::Lock(LONG enter) {
-    enter != 0 ? lock.Enter() : lock.Leave();
+    enter != 0 ? hostLock.Enter() : hostLock.Leave();
     return S_OK;
 }
 
@@ -144,6 +142,9 @@ HRESULT CVXMediaObject::put_EnableLighting(int value) {
     return S_OK;
 }
 
-HRESULT CVXMediaObject::get_ScalingActive(int* value) { return WriteIfAsked(value, int{scalingActive}); }
+HRESULT CVXMediaObject::get_ScalingActive(int* value) {
+    const CriticalSectionGuard guard(stateLock);
+    return WriteIfAsked(value, int{negotiated.plan.scalingOn});
+}
 
 }  // namespace clarivex

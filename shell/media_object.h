@@ -1,12 +1,12 @@
 // CVXMediaObject: the plug-in as the player sees it, a media object with one input and one output stream.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <span>
 
 #include "pipeline/frame_pipeline.h"
+#include "platform/com_pointer.h"
 #include "platform/player.h"
 #include "platform/win32.h"
 #include "shell/com_object.h"
@@ -19,7 +19,11 @@
 namespace clarivex {
 
 /// Negotiates types, keeps at most one input buffer, and makes each frame inside ProcessOutput on the caller's thread.
-/// The player serialises these calls; the settings, the switch and Lock may be used from other threads meanwhile.
+/// Everything that a stream needs is the object's own: two objects on two threads do not know of each other.
+///
+/// The player serialises streaming calls; the settings, the switch and Lock may be used from other threads meanwhile. A
+/// host that streams from several threads all the same, or calls the object from inside a buffer's methods, gets an
+/// error or a late effect: a frame goes on with the buffer and the types that it has begun with.
 /// Comes in the two shapes of com_object.h. No exception leaves a method.
 ///
 /// Stream indices other than 0 give DMO_E_INVALIDSTREAMINDEX and null pointers E_POINTER, in the order in which the
@@ -73,7 +77,7 @@ public:
                                            REFERENCE_TIME length) override;
 
     /// Without an input or an output buffer S_FALSE. A failure keeps the input; E_INVALIDARG is also what a buffer gets
-    /// that cannot hold the picture of its type.
+    /// that cannot hold the picture of its type, and E_UNEXPECTED what a second call gets while one is at work.
     HRESULT STDMETHODCALLTYPE ProcessOutput(DWORD flags, DWORD count, DMO_OUTPUT_DATA_BUFFER* buffers,
                                             DWORD* status) override;
 
@@ -113,15 +117,13 @@ public:
     HRESULT STDMETHODCALLTYPE get_ScalingActive(int* value) override;
 
 protected:
-    /// Checks for an update of the plug-in and gives the engine of the process its start state.
+    /// Checks for an update of the plug-in and reads what the processor can do.
     CVXMediaObject();
 
-private:
-    struct BufferReleaser {
-        void operator()(IMediaBuffer* buffer) const { buffer->Release(); }
-    };
-    using HeldBuffer = std::unique_ptr<IMediaBuffer, BufferReleaser>;
+    /// What the object's stream holds; for tests, between frames.
+    StreamState& Stream() { return pipeline.Stream(); }
 
+private:
     // Times of the held buffer, in ticks of 100 ns.
     struct BufferTimes {
         bool hasTime = false;
@@ -133,33 +135,68 @@ private:
         void PassOn(DMO_OUTPUT_DATA_BUFFER& target) const;
     };
 
-    // A stream's type and the image bytes that follow from it.
+    // One stream's type; none while the pointer is null. A type that is stored is never changed, so that whoever holds it
+    // can read it after another has taken its place.
     struct StreamType {
-        MediaType type;
-        uint32_t imageBytes = 0;
+        std::shared_ptr<const MediaType> type;
+        uint32_t imageBytes = 0;  // of the last type stored
+
+        /// The type, all zero when there is none.
+        DMO_MEDIA_TYPE Get() const { return type != nullptr ? type->Get() : DMO_MEDIA_TYPE{}; }
+    };
+
+    // What the offer of an output type settled, and the input type it was made for.
+    struct Negotiated {
+        StreamPlan plan;
+        ImageFormat source;
+    };
+
+    // The buffer that waits for ProcessOutput.
+    struct HeldInput {
+        ComPointer<IMediaBuffer> buffer;
+        BufferTimes times;
+    };
+
+    // What a frame begins with. It holds the input itself, so that nobody frees that while the frame runs.
+    struct FrameStart {
+        bool inputHeld = false;
+        HeldInput input;
+        uint32_t inputBytes = 0;
+        uint32_t outputBytes = 0;
     };
 
     HRESULT ChangeType(DWORD index, const DMO_MEDIA_TYPE* type, StreamSide side, DWORD flags);
     HRESULT CheckType(const DMO_MEDIA_TYPE& type, StreamSide side, DWORD flags) const;
-    static HRESULT StoreType(const DMO_MEDIA_TYPE& type, StreamType& stream);
-    HRESULT OfferOutputType(DMO_MEDIA_TYPE* type);
-    bool DecideStream(VideoHeader& header);
+    HRESULT StoreType(const DMO_MEDIA_TYPE& type, StreamSide side);
+    void ReplaceType(StreamType type, StreamSide side);
+    StreamType CurrentType(StreamSide side) const;
+    HRESULT GiveCurrentType(DWORD index, StreamSide side, DMO_MEDIA_TYPE* target) const;
+    HRESULT OfferOutputType(Negotiated& next, DMO_MEDIA_TYPE* type) const;
+    bool DecideStream(VideoHeader& header, StreamPlan& plan) const;
 
-    HRESULT GiveNothing(DMO_OUTPUT_DATA_BUFFER& target) const;
-    HRESULT EnhanceInto(IMediaBuffer& target);
+    bool HoldsInput() const { return held.buffer != nullptr || frameHoldsInput; }
+    HRESULT AcceptsInput() const;
+    HRESULT BeginFrame(bool outputGiven, FrameStart& start);
+    void EndFrame(HeldInput& used, HRESULT result);
+    static HRESULT GiveNothing(DMO_OUTPUT_DATA_BUFFER& target, bool inputHeld);
+    HRESULT EnhanceInto(DMO_OUTPUT_DATA_BUFFER& target, const FrameStart& start);
     HRESULT RunFrame(OutputBuffer to, InputBuffer from);
     FrameRequest NextRequest();
 
-    CriticalSection lock;
+    CriticalSection hostLock;  // of IMediaObject::Lock
+    PluginSettings settings;
+
+    // Guards what stands from here on, but for the pipeline. Nothing of a host is called under it: its buffers and types
+    // are asked, copied and released outside.
+    mutable CriticalSection stateLock;
     StreamType input;
     StreamType output;
-    MediaType sourceType;  // the input type as it was when the output type was offered
-    HeldBuffer heldInput;
-    BufferTimes times;
-    PluginSettings settings;
-    StreamPlan plan;
-    std::atomic<bool> scalingActive = false;  // plan.scalingOn for the property page's thread
+    Negotiated negotiated;
+    HeldInput held;
     bool newStream = true;
+    bool frameRuns = false;        // a ProcessOutput is at work; only that one touches the pipeline
+    bool frameHoldsInput = false;  // its input counts as held: nobody has flushed it since
+
     FramePipeline pipeline;
 };
 

@@ -1,5 +1,4 @@
 // The media object while frames run through it: one buffer is kept, and made into a picture when output is asked for.
-#include <cmath>
 #include <utility>
 
 #include "shell/media_object.h"
@@ -25,14 +24,13 @@ size_t CapacityOf(IMediaBuffer& buffer, DWORD otherwise) {
     return buffer.GetMaxLength(&capacity) == S_OK ? capacity : otherwise;
 }
 
-// The settings take any number; the picture takes those that mean a strength.
-float UsableSharpness(float value) { return std::isfinite(value) && value > 0.0F ? value : 0.0F; }
-
 }  // namespace
 
 HRESULT CVXMediaObject::Flush() {
-    heldInput.reset();
-    times = {};
+    HeldInput flushed;  // let go of after the lock
+    const CriticalSectionGuard guard(stateLock);
+    std::swap(held, flushed);
+    frameHoldsInput = false;
     return S_OK;
 }
 
@@ -51,7 +49,8 @@ HRESULT CVXMediaObject::GetInputStatus(DWORD index, DWORD* flags) {
     }
     constexpr DWORD busy = 0;
     constexpr DWORD acceptsData = DMO_INPUT_STATUSF_ACCEPT_DATA;
-    *flags = heldInput == nullptr ? acceptsData : busy;
+    const CriticalSectionGuard guard(stateLock);
+    *flags = HoldsInput() ? busy : acceptsData;
     return S_OK;
 }
 
@@ -63,21 +62,30 @@ HRESULT CVXMediaObject::ProcessInput(DWORD index, IMediaBuffer* buffer, DWORD fl
     if (buffer == nullptr) {
         return E_POINTER;
     }
-    if (!input.type.IsSet()) {
-        return DMO_E_TYPE_NOT_SET;
-    }
-    if (heldInput != nullptr) {
-        return DMO_E_NOTACCEPTING;
+    if (const HRESULT accepts = AcceptsInput(); FAILED(accepts)) {
+        return accepts;
     }
     BufferContent content;
     const HRESULT works = GetContent(*buffer, content);
     if (FAILED(works)) {
         return works;
     }
-    buffer->AddRef();
-    heldInput.reset(buffer);
-    times.Note(flags, time, length);
+    ComPointer<IMediaBuffer> reference = ReferenceTo(buffer);
+    const CriticalSectionGuard guard(stateLock);
+    if (HoldsInput()) {
+        return DMO_E_NOTACCEPTING;  // another call was here first
+    }
+    held.buffer = std::move(reference);
+    held.times.Note(flags, time, length);
     return works;
+}
+
+HRESULT CVXMediaObject::AcceptsInput() const {
+    const CriticalSectionGuard guard(stateLock);
+    if (input.type == nullptr) {
+        return DMO_E_TYPE_NOT_SET;
+    }
+    return HoldsInput() ? DMO_E_NOTACCEPTING : S_OK;
 }
 
 void CVXMediaObject::BufferTimes::Note(DWORD flags, REFERENCE_TIME time, REFERENCE_TIME length) {
@@ -104,66 +112,94 @@ HRESULT CVXMediaObject::ProcessOutput(DWORD, DWORD count, DMO_OUTPUT_DATA_BUFFER
     if (count != 1) {
         return E_INVALIDARG;
     }
-    if (!output.type.IsSet()) {
-        return DMO_E_TYPE_NOT_SET;
+    FrameStart start;
+    const HRESULT begun = BeginFrame(buffers->pBuffer != nullptr, start);
+    if (FAILED(begun)) {
+        return begun;
     }
     if (status != nullptr) {
         *status = 0;
     }
-    if (heldInput == nullptr || buffers->pBuffer == nullptr) {
-        return GiveNothing(*buffers);
+    if (begun == S_FALSE) {
+        return GiveNothing(*buffers, start.inputHeld);
     }
-    // The size of the input type, for larger pictures too: the renderer goes by the negotiated type.
-    buffers->pBuffer->SetLength(input.imageBytes);
-    times.PassOn(*buffers);
-    const HRESULT result = EnhanceInto(*buffers->pBuffer);
-    if (FAILED(result)) {
-        return result;
-    }
-    return Flush();
+    const HRESULT result = EnhanceInto(*buffers, start);
+    EndFrame(start.input, result);
+    return FAILED(result) ? result : S_OK;
 }
 
-HRESULT CVXMediaObject::GiveNothing(DMO_OUTPUT_DATA_BUFFER& target) const {
-    if (heldInput == nullptr && target.pBuffer != nullptr) {
+/// Takes the held input for a frame: S_FALSE when there is none, or nothing to make it into.
+HRESULT CVXMediaObject::BeginFrame(bool outputGiven, FrameStart& start) {
+    const CriticalSectionGuard guard(stateLock);
+    if (output.type == nullptr) {
+        return DMO_E_TYPE_NOT_SET;
+    }
+    if (frameRuns) {
+        return E_UNEXPECTED;
+    }
+    start.inputHeld = held.buffer != nullptr;
+    if (!start.inputHeld || !outputGiven) {
+        return S_FALSE;
+    }
+    start.input = std::exchange(held, {});
+    start.inputBytes = input.imageBytes;
+    start.outputBytes = output.imageBytes;
+    frameRuns = frameHoldsInput = true;
+    return S_OK;
+}
+
+/// A failed frame gives its input back, unless that was flushed meanwhile. The input is let go of by the caller, outside
+/// the lock.
+void CVXMediaObject::EndFrame(HeldInput& used, HRESULT result) {
+    const CriticalSectionGuard guard(stateLock);
+    if (FAILED(result) && frameHoldsInput) {
+        held = std::move(used);
+    }
+    frameRuns = frameHoldsInput = false;
+}
+
+HRESULT CVXMediaObject::GiveNothing(DMO_OUTPUT_DATA_BUFFER& target, bool inputHeld) {
+    if (!inputHeld && target.pBuffer != nullptr) {
         target.pBuffer->SetLength(0);
     }
     target.dwStatus = 0;
     return S_FALSE;
 }
 
-HRESULT CVXMediaObject::EnhanceInto(IMediaBuffer& target) {
+HRESULT CVXMediaObject::EnhanceInto(DMO_OUTPUT_DATA_BUFFER& target, const FrameStart& start) {
+    // The size of the input type, for larger pictures too: the renderer goes by the negotiated type.
+    target.pBuffer->SetLength(start.inputBytes);
+    start.input.times.PassOn(target);
     BufferContent to;
     BufferContent from;
-    if (const HRESULT got = GetContent(target, to); FAILED(got)) {
+    if (const HRESULT got = GetContent(*target.pBuffer, to); FAILED(got)) {
         return got;
     }
-    if (const HRESULT got = GetContent(*heldInput, from); FAILED(got)) {
+    if (const HRESULT got = GetContent(*start.input.buffer, from); FAILED(got)) {
         return got;
     }
     // An output that does not tell its capacity has at least the bytes that GetOutputSizeInfo asked for; its length was
     // set just now and says nothing. An input has at least what it says it holds.
-    return RunFrame({to.data, CapacityOf(target, output.imageBytes)}, {from.data, CapacityOf(*heldInput, from.length)});
+    return RunFrame({to.data, CapacityOf(*target.pBuffer, start.outputBytes)},
+                    {from.data, CapacityOf(*start.input.buffer, from.length)});
 }
 
 HRESULT CVXMediaObject::RunFrame(OutputBuffer to, InputBuffer from) {
     try {
-        const FrameRequest request = NextRequest();
-        const FrameResult result = pipeline.RunFrame(request, to, from);
-        if (request.settingsDirty && !result.settingsApplied) {
-            settings.KeepSharpnessChange();
-        }
-        return result.code;
+        return pipeline.RunFrame(NextRequest(), to, from);
     } catch (...) {
         return E_OUTOFMEMORY;  // the frame path throws only what it says of memory
     }
 }
 
 FrameRequest CVXMediaObject::NextRequest() {
+    const CriticalSectionGuard guard(stateLock);
+    const StreamPlan& plan = negotiated.plan;
     FrameRequest request;
-    request.format = PixelFormatOf(input.type.Get());
-    request.input = FormatOf(input.type.Get());
-    request.output = FormatOf(output.type.Get());
-    request.source = FormatOf(sourceType.Get());
+    request.format = PixelFormatOf(input.Get());
+    request.input = FormatOf(input.Get());
+    request.output = FormatOf(output.Get());
+    request.source = negotiated.source;
     request.sourceWidth = plan.sourceWidth;
     request.sourceHeight = plan.sourceHeight;
     request.scalingOn = plan.scalingOn;
@@ -173,7 +209,7 @@ FrameRequest CVXMediaObject::NextRequest() {
     request.settingsDirty = settings.TakeSharpnessChange();
     request.enabled = settings.enabled != 0;
     request.enableLighting = settings.enableLighting;
-    request.sharpness = UsableSharpness(settings.Sharpness());
+    request.sharpness = settings.Sharpness();
     return request;
 }
 

@@ -1,4 +1,8 @@
 // The media object before its first frame: which types it takes and what it offers in return.
+#include <memory>
+#include <new>
+#include <utility>
+
 #include "platform/stream_flags.h"
 #include "runtime/diagnostics.h"
 #include "shell/cpu_speed.h"
@@ -34,15 +38,17 @@ HRESULT GiveFlags(DWORD index, DWORD* target, DWORD flags) {
     return S_OK;
 }
 
-HRESULT GiveCurrentType(DWORD index, const MediaType& stored, DMO_MEDIA_TYPE* target) {
-    if (const HRESULT checked = CheckStream(index, target != nullptr); FAILED(checked)) {
-        return checked;
+HRESULT CopyType(const DMO_MEDIA_TYPE& source, std::shared_ptr<const MediaType>& target) {
+    try {
+        const auto copy = std::make_shared<MediaType>();
+        const HRESULT result = copy->Assign(source);
+        if (SUCCEEDED(result)) {
+            target = copy;
+        }
+        return result;
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
     }
-    if (!stored.IsSet()) {
-        return DMO_E_TYPE_NOT_SET;
-    }
-    MoFreeMediaType(target);
-    return MoCopyMediaType(target, &stored.Get());
 }
 
 void TraceSize(const BITMAPINFOHEADER& bitmap) {
@@ -72,9 +78,11 @@ HRESULT CVXMediaObject::GetInputType(DWORD index, DWORD typeIndex, DMO_MEDIA_TYP
     if (const HRESULT checked = CheckTypeIndex(index, typeIndex); FAILED(checked) || type == nullptr) {
         return checked;
     }
-    if (const auto header = ReadVideoHeader(input.type.Get())) {
-        TraceSize(header->bitmap);
-        return MoCopyMediaType(type, &input.type.Get());
+    if (const StreamType current = CurrentType(StreamSide::input); current.type != nullptr) {
+        if (const auto header = ReadVideoHeader(current.type->Get())) {
+            TraceSize(header->bitmap);
+        }
+        return MoCopyMediaType(type, &current.type->Get());
     }
     *type = {};
     type->majortype = mediaTypeVideo;
@@ -87,69 +95,91 @@ HRESULT CVXMediaObject::GetOutputType(DWORD index, DWORD typeIndex, DMO_MEDIA_TY
     if (const HRESULT checked = CheckTypeIndex(index, typeIndex); FAILED(checked) || type == nullptr) {
         return checked;
     }
-    const HRESULT result = OfferOutputType(type);
-    scalingActive = plan.scalingOn;
+    Negotiated next;
+    {
+        const CriticalSectionGuard guard(stateLock);
+        next = negotiated;
+    }
+    const HRESULT result = OfferOutputType(next, type);
+    const CriticalSectionGuard guard(stateLock);
+    negotiated = next;
     return result;
 }
 
-HRESULT CVXMediaObject::OfferOutputType(DMO_MEDIA_TYPE* type) {
-    plan.scalingOn = false;
-    plan.sourceIsVih2WithoutBitrate = true;
-    std::optional<VideoHeader> header = ReadVideoHeader(input.type.Get());
+/// Decides about the stream in `next`, and offers the output type that follows. Measuring the processor may take a while.
+HRESULT CVXMediaObject::OfferOutputType(Negotiated& next, DMO_MEDIA_TYPE* type) const {
+    next.plan.scalingOn = false;
+    next.plan.sourceIsVih2WithoutBitrate = true;
+    const StreamType current = CurrentType(StreamSide::input);
+    std::optional<VideoHeader> header = ReadVideoHeader(current.Get());
     if (!header) {
         return DMO_E_TYPE_NOT_ACCEPTED;
     }
-    if (const HRESULT kept = sourceType.Assign(input.type.Get()); FAILED(kept)) {
-        return kept;
-    }
+    next.source = FormatOf(current.Get());
     TraceSize(header->bitmap);
-    if (!DecideStream(*header)) {
+    if (!DecideStream(*header, next.plan)) {
         return DMO_E_TYPE_NOT_ACCEPTED;
     }
-    const HRESULT copied = MoCopyMediaType(type, &input.type.Get());
+    const HRESULT copied = MoCopyMediaType(type, &current.type->Get());
     if (SUCCEEDED(copied)) {
         WriteVideoHeader(*type, *header);
     }
     return copied;
 }
 
-bool CVXMediaObject::DecideStream(VideoHeader& header) {
+bool CVXMediaObject::DecideStream(VideoHeader& header, StreamPlan& plan) const {
     const PlanSettings choice{.mode = settings.mode, .allowHd = settings.allowHd, .speedGHz = MeasureCpuSpeed};
     return PlanStream(choice, header, plan);
 }
 
+CVXMediaObject::StreamType CVXMediaObject::CurrentType(StreamSide side) const {
+    const CriticalSectionGuard guard(stateLock);
+    return side == StreamSide::input ? input : output;
+}
+
 HRESULT CVXMediaObject::CheckType(const DMO_MEDIA_TYPE& type, StreamSide side, DWORD flags) const {
-    const bool inputKnown = side == StreamSide::input || input.type.IsSet();
+    const bool inputKnown = side == StreamSide::input || CurrentType(StreamSide::input).type != nullptr;
     if (inputKnown && IsAcceptedType(type, side)) {
         return S_OK;
     }
     return (flags & DMO_SET_TYPEF_TEST_ONLY) != 0 ? S_FALSE : DMO_E_TYPE_NOT_ACCEPTED;
 }
 
-HRESULT CVXMediaObject::StoreType(const DMO_MEDIA_TYPE& type, StreamType& stream) {
-    const HRESULT result = stream.type.Assign(type);
-    stream.imageBytes = ImageBytes(stream.type.Get());
+/// A copy that fails leaves the stream without a type.
+HRESULT CVXMediaObject::StoreType(const DMO_MEDIA_TYPE& type, StreamSide side) {
+    std::shared_ptr<const MediaType> copy;
+    const HRESULT result = CopyType(type, copy);
+    const uint32_t imageBytes = copy != nullptr ? ImageBytes(copy->Get()) : 0;
+    ReplaceType({std::move(copy), imageBytes}, side);
     return result;
 }
 
+/// The old type is let go of by the caller, outside the lock: it may hold an object of the host.
+void CVXMediaObject::ReplaceType(StreamType type, StreamSide side) {
+    const CriticalSectionGuard guard(stateLock);
+    std::swap(side == StreamSide::input ? input : output, type);
+}
+
 HRESULT CVXMediaObject::ChangeType(DWORD index, const DMO_MEDIA_TYPE* type, StreamSide side, DWORD flags) {
-    StreamType& stream = side == StreamSide::input ? input : output;
     if (index != 0) {
         return DMO_E_INVALIDSTREAMINDEX;
     }
     if ((flags & DMO_SET_TYPEF_CLEAR) != 0) {
-        stream.type.Clear();
+        ReplaceType({nullptr, CurrentType(side).imageBytes}, side);
         return S_OK;
     }
     if (type == nullptr) {
         return E_POINTER;
     }
     const HRESULT checked = CheckType(*type, side, flags);
-    return flags != 0 || checked != S_OK ? checked : StoreType(*type, stream);
+    return flags != 0 || checked != S_OK ? checked : StoreType(*type, side);
 }
 
 HRESULT CVXMediaObject::SetInputType(DWORD index, const DMO_MEDIA_TYPE* type, DWORD flags) {
-    newStream = true;
+    {
+        const CriticalSectionGuard guard(stateLock);
+        newStream = true;
+    }
     return ChangeType(index, type, StreamSide::input, flags);
 }
 
@@ -158,11 +188,23 @@ HRESULT CVXMediaObject::SetOutputType(DWORD index, const DMO_MEDIA_TYPE* type, D
 }
 
 HRESULT CVXMediaObject::GetInputCurrentType(DWORD index, DMO_MEDIA_TYPE* type) {
-    return GiveCurrentType(index, input.type, type);
+    return GiveCurrentType(index, StreamSide::input, type);
 }
 
 HRESULT CVXMediaObject::GetOutputCurrentType(DWORD index, DMO_MEDIA_TYPE* type) {
-    return GiveCurrentType(index, output.type, type);
+    return GiveCurrentType(index, StreamSide::output, type);
+}
+
+HRESULT CVXMediaObject::GiveCurrentType(DWORD index, StreamSide side, DMO_MEDIA_TYPE* target) const {
+    if (const HRESULT checked = CheckStream(index, target != nullptr); FAILED(checked)) {
+        return checked;
+    }
+    const StreamType current = CurrentType(side);
+    if (current.type == nullptr) {
+        return DMO_E_TYPE_NOT_SET;
+    }
+    MoFreeMediaType(target);
+    return MoCopyMediaType(target, &current.type->Get());
 }
 
 HRESULT CVXMediaObject::GetInputSizeInfo(DWORD index, DWORD* size, DWORD* lookahead, DWORD* alignment) {
@@ -170,10 +212,11 @@ HRESULT CVXMediaObject::GetInputSizeInfo(DWORD index, DWORD* size, DWORD* lookah
     if (const HRESULT checked = CheckStream(index, given); FAILED(checked)) {
         return checked;
     }
-    if (!input.type.IsSet()) {
+    const StreamType current = CurrentType(StreamSide::input);
+    if (current.type == nullptr) {
         return DMO_E_TYPE_NOT_SET;
     }
-    *size = input.imageBytes;
+    *size = current.imageBytes;
     *lookahead = 0;
     *alignment = 1;
     return S_OK;
@@ -183,10 +226,11 @@ HRESULT CVXMediaObject::GetOutputSizeInfo(DWORD index, DWORD* size, DWORD* align
     if (const HRESULT checked = CheckStream(index, size != nullptr && alignment != nullptr); FAILED(checked)) {
         return checked;
     }
-    if (!output.type.IsSet()) {
+    const StreamType current = CurrentType(StreamSide::output);
+    if (current.type == nullptr) {
         return DMO_E_TYPE_NOT_SET;
     }
-    *size = output.imageBytes;
+    *size = current.imageBytes;
     *alignment = 1;
     return S_OK;
 }
