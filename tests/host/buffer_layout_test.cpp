@@ -1,4 +1,4 @@
-// Media buffer layouts against their plain description, for even and odd sizes, with guard bytes around every buffer.
+// Media buffer layouts against their plain description, for even and odd sizes, with a guard page behind every buffer.
 #include "host/buffer_layout.h"
 
 #include <gtest/gtest.h>
@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <random>
 
-#include "tests/support/fake_buffers.h"
+#include "tests/support/guarded_pages.h"
 
 namespace clarivex {
 namespace {
@@ -31,10 +31,10 @@ const std::vector<PictureSize> sizes = {{16, 16}, {17, 16}, {16, 17}, {17, 17}, 
 struct FilledBuffer {
     FilledBuffer(SampleFormat format, PictureSize layoutSize, const PlanarPicture& picture)
         : layout(format, layoutSize) {
-        FakeBuffer guarded(layout.Bytes());
-        layout.Put(picture, guarded.Bytes());
-        EXPECT_TRUE(guarded.GuardsIntact()) << "format " << int(format) << ", " << layoutSize.width << " wide";
-        bytes.assign(guarded.Bytes().begin(), guarded.Bytes().end());  // exactly sized: reads behind it are seen
+        const GuardedPages pages(layout.Bytes());
+        const std::span<uint8_t> guarded = pages.Last(layout.Bytes());
+        layout.Put(picture, guarded);
+        bytes.assign(guarded.begin(), guarded.end());  // exactly sized: reads behind it are seen
         planes = layout.Get(bytes, scratch);
     }
 

@@ -3,22 +3,26 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <span>
-#include <vector>
 
 #include "tests/support/counted_fake.h"
 
 namespace clarivex {
 
-/// A media buffer whose memory stands between guard bytes.
+/// A media buffer whose memory ends where it says: a block of its own, or the test's, such as guarded pages.
 class FakeBuffer final : public CountedFake<IMediaBuffer> {
 public:
-    explicit FakeBuffer(size_t capacity, uint8_t fill = 0)
+    /// Takes the memory with what it holds.
+    explicit FakeBuffer(std::span<uint8_t> memory)
         : CountedFake(iidMediaBuffer),
-          toldCapacity(static_cast<DWORD>(capacity)),
-          length(static_cast<DWORD>(capacity)),
-          memory(capacity + 2 * guardBytes, guardValue) {
-        std::ranges::fill(Bytes(), fill);
+          toldCapacity(static_cast<DWORD>(memory.size())),
+          length(static_cast<DWORD>(memory.size())),
+          bytes(memory) {}
+    FakeBuffer(std::span<uint8_t> memory, uint8_t fill) : FakeBuffer(memory) { std::ranges::fill(bytes, fill); }
+    explicit FakeBuffer(size_t capacity, uint8_t fill = 0)
+        : FakeBuffer(std::span(new uint8_t[capacity], capacity), fill) {
+        ownMemory.reset(bytes.data());
     }
 
     // What the test sets.
@@ -31,11 +35,9 @@ public:
     // What the test looks at.
     int lengthsSet = 0;
 
-    std::span<uint8_t> Bytes() { return std::span(memory).subspan(guardBytes, memory.size() - 2 * guardBytes); }
-    bool HoldsOnly(uint8_t value) { return AllAre(Bytes(), value); }
-    bool GuardsIntact() const {
-        const std::span<const uint8_t> all(memory);
-        return AllAre(all.first(guardBytes), guardValue) && AllAre(all.last(guardBytes), guardValue);
+    std::span<uint8_t> Bytes() const { return bytes; }
+    bool HoldsOnly(uint8_t value) const {
+        return std::ranges::all_of(bytes, [value](uint8_t byte) { return byte == value; });
     }
 
     HRESULT STDMETHODCALLTYPE SetLength(DWORD newLength) override {
@@ -56,14 +58,8 @@ public:
     }
 
 private:
-    static constexpr size_t guardBytes = 64;
-    static constexpr uint8_t guardValue = 0xC5;
-
-    static bool AllAre(std::span<const uint8_t> bytes, uint8_t value) {
-        return std::all_of(bytes.begin(), bytes.end(), [value](uint8_t byte) { return byte == value; });
-    }
-
-    std::vector<uint8_t> memory;
+    std::span<uint8_t> bytes;
+    std::unique_ptr<uint8_t[]> ownMemory;
 };
 
 /// An object that contains another one: what it does not know itself it asks of `inner`.
