@@ -1,0 +1,69 @@
+// A font that says anything of its glyphs: whatever its contour records hold, an outline comes out whose length is
+// bounded by theirs and whose contours are closed.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "fuzz/support/demand.h"
+#include "fuzz/support/input_numbers.h"
+#include "overlay/glyph_outline.h"
+#include "overlay/text_layout.h"
+#include "tests/overlay/fake_fonts.h"
+
+namespace clarivex {
+namespace {
+
+/// A point of 8 bytes becomes 4 at most, a record of 16 or more its last point and a break.
+constexpr size_t MostPoints(size_t recordBytes) { return recordBytes / 8 * 4 + recordBytes / 16 * 2; }
+
+void CheckOutline(const PointList& outline, size_t mostPoints) {
+    Demand(static_cast<size_t>(outline.Count()) <= mostPoints, "an outline has more points than its records");
+    Demand(outline.Count() == 0 || outline[outline.Count() - 1] == ContourBreak, "the last contour is open");
+    for (const OutlinePoint& point : outline)
+        Demand(IsPosition(point) || point == ContourBreak, "half a break stands for a position");
+}
+
+FakeGlyph AnyGlyph(InputNumbers& numbers) {
+    FakeGlyph glyph;
+    glyph.advance = numbers.Any<int16_t>();
+    for (int64_t& claimed : glyph.bytesClaimed)
+        if (numbers.Below(8) == 7) claimed = numbers.Any<int32_t>();
+    return glyph;
+}
+
+void AppendOne(FakeFontEngine& fonts, int32_t penX, int32_t penY) {
+    PointList outline;
+    const int16_t advance = fonts.glyphs['a'].advance;
+    const size_t recordBytes = fonts.glyphs['a'].records.size();
+    const int32_t moved = AppendGlyph(outline, *fonts.MakeFont({}), 'a', penX, penY);
+    Demand(moved == advance * (emUnits / Font::cellHeight), "the advance is not the font's");
+    CheckOutline(outline, MostPoints(recordBytes));
+}
+
+}  // namespace
+}  // namespace clarivex
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    using namespace clarivex;
+    InputNumbers numbers(data, size);
+    TextContent content;
+    content.align = numbers.Below(4);
+    content.markup = numbers.Below(2) != 0;
+    const auto penX = numbers.Any<int32_t>();
+    const auto penY = numbers.Any<int32_t>();
+    FakeFontEngine fonts;
+    FakeGlyph glyph = AnyGlyph(numbers);
+    std::string text = "a<b>a\na</b>";  // and what the input adds
+    for (uint32_t left = numbers.Below(12); left > 0; --left) text += static_cast<char>(1 + numbers.Below(255));
+    glyph.records.assign(numbers.Rest().begin(), numbers.Rest().end());
+    fonts.glyphs['a'] = glyph;
+    AppendOne(fonts, penX, penY);
+
+    content.text = ShortString(text.c_str());
+    OutlineHandle outline;
+    LayoutText(content, fonts, outline);
+    const size_t mostPoints = std::max(MostPoints(glyph.records.size()), MostPoints(BoxWithHole().records.size()));
+    CheckOutline(*outline, text.size() * mostPoints);
+    return 0;
+}
