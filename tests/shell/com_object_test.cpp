@@ -70,6 +70,30 @@ TEST(BothShapes, ObjectThatCannotBeCompletedOrLacksTheInterfaceDoesNotSurviveIts
     EXPECT_EQ(locksBefore, ModuleLocks());
 }
 
+/// Looks at the module's count before the object's first line and after its last.
+struct CountWitness {
+    static inline int32_t atStart = 0;
+    static inline int32_t atEnd = 0;
+
+    CountWitness() { atStart = ModuleLocks(); }
+    ~CountWitness() { atEnd = ModuleLocks(); }
+};
+class WitnessedObject : private CountWitness, public CVXMediaObject {};
+
+TEST(BothShapes, KeepTheModuleFromTheirFirstLineToTheirLast) {
+    const int32_t locksBefore = ModuleLocks();
+    FakeOuter outer;
+    for (IUnknown* whole : {static_cast<IUnknown*>(nullptr), static_cast<IUnknown*>(&outer)}) {
+        CountWitness::atStart = CountWitness::atEnd = -1;
+        void* out = nullptr;
+        ASSERT_EQ(S_OK, CreateObject<WitnessedObject>(whole, iidUnknown, &out));
+        static_cast<IUnknown*>(out)->Release();
+        EXPECT_EQ(locksBefore + 1, CountWitness::atStart);
+        EXPECT_EQ(locksBefore + 1, CountWitness::atEnd);
+        EXPECT_EQ(locksBefore, ModuleLocks());
+    }
+}
+
 TEST(AggregatedShape, AllButThePrivateHandleAskAndCountThroughTheOuterObject) {
     FakeOuter outer;
     const int32_t locksBefore = ModuleLocks();
