@@ -14,6 +14,8 @@ struct PictureRect {
     int32_t top = 0;
     int32_t right = 0;
     int32_t bottom = 0;
+
+    bool operator==(const PictureRect&) const = default;
 };
 
 /// What a media type says of its picture.
@@ -27,6 +29,8 @@ struct ImageFormat {
     int32_t bitCount = 0;
     int32_t xPelsPerMeter = 0;
     PictureRect target;
+
+    bool operator==(const ImageFormat&) const = default;
 };
 
 /// Memory that may be read or written: `capacity` bytes from `data`.
@@ -54,7 +58,9 @@ struct FrameRequest {
     bool settingsDirty = false;  ///< the sharpness changed since the last frame
     bool enabled = true;         ///< false: frames are copied without enhancement
     bool enableLighting = true;
-    float sharpness = 1.0F;  ///< slider value, 0 … 2
+    float sharpness = 1.0F;  ///< slider value, 0 … 2; below 0 and no number count as no strength
+
+    bool operator==(const FrameRequest&) const = default;
 };
 
 }  // namespace clarivex

@@ -120,6 +120,9 @@ protected:
     /// Checks for an update of the plug-in and reads what the processor can do.
     CVXMediaObject();
 
+    /// What the next frame is asked for; takes the notes of a new stream and of a changed sharpness.
+    FrameRequest NextRequest();
+
     /// What the object's stream holds; for tests, between frames.
     StreamState& Stream() { return pipeline.Stream(); }
 
@@ -181,7 +184,6 @@ private:
     static HRESULT GiveNothing(DMO_OUTPUT_DATA_BUFFER& target, bool inputHeld);
     HRESULT EnhanceInto(DMO_OUTPUT_DATA_BUFFER& target, const FrameStart& start);
     HRESULT RunFrame(OutputBuffer to, InputBuffer from);
-    FrameRequest NextRequest();
 
     CriticalSection hostLock;  // of IMediaObject::Lock
     PluginSettings settings;

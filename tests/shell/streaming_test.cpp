@@ -3,9 +3,9 @@
 
 #include <utility>
 
-#include "shell/media_object.h"
 #include "tests/support/fake_buffers.h"
 #include "tests/support/guarded_pages.h"
+#include "tests/support/open_object.h"
 #include "tests/support/test_object.h"
 #include "tests/support/video_types.h"
 
@@ -20,13 +20,7 @@ constexpr DWORD timeValid = DMO_INPUT_DATA_BUFFERF_TIME;
 constexpr DWORD lengthValid = DMO_INPUT_DATA_BUFFERF_TIMELENGTH;
 constexpr DWORD syncPoint = DMO_INPUT_DATA_BUFFERF_SYNCPOINT;
 
-/// A media object whose stream can be looked into.
-class OpenObject : public CVXMediaObject {
-public:
-    using CVXMediaObject::Stream;
-};
-
-class Streaming : public testing::Test {
+class Streaming : public testing::Test, protected OpenTestObject {
 protected:
     Streaming() { Negotiate(2); }
     ~Streaming() override { Media().Flush(); }  // the buffers end before the object
@@ -61,8 +55,6 @@ protected:
 
     EnhancementEngine& Engine() { return open->Stream().engine; }
 
-    PlainObject<OpenObject>* open = new PlainObject<OpenObject>;
-    TestObject object{Ask<IMediaObject>(open->Identity(), iidMediaObject)};
     GuardedPages inPages{frameBytes};
     GuardedPages outPages{enlargedBytes};
     FakeBuffer in{inPages.Last(frameBytes), 100};
@@ -250,6 +242,42 @@ TEST_F(Streaming, FiltersFollowTheSharpnessTheSizeAndTheStreamAndNothingElse) {
     EXPECT_EQ(S_OK, Media().GetOutputType(0, 0, offered.Out()));
     EXPECT_TRUE(frameDesignsFilters());
     EXPECT_FALSE(frameDesignsFilters());
+}
+
+TEST_F(Streaming, AFrameIsAskedForAsItWasNegotiatedAndSet) {
+    VideoInfo2Type type(96, 80, mediaSubtypeYuy2);
+    type.Target() = {0, 0, 64, 50};
+    type.Bitmap().biXPelsPerMeter = 3;
+    type.header.dwPictAspectRatioX = 12;
+    type.header.dwPictAspectRatioY = 5;
+    ReceivedType offered;
+    ASSERT_EQ(S_OK, Media().SetInputType(0, type.Type(), 0));
+    ASSERT_EQ(S_OK, Media().GetOutputType(0, 0, offered.Out()));
+    ASSERT_EQ(S_OK, Media().SetOutputType(0, &offered.Get(), 0));
+    FrameRequest expected;
+    expected.format = PixelFormat::yuy2;
+    expected.input = expected.source = {true, 96, 80, 16, 3, {0, 0, 64, 50}};
+    expected.output = {true, 144, 120, 16, 3, {0, 0, 64, 50}};
+    expected.sourceWidth = 64;
+    expected.sourceHeight = 50;
+    expected.scalingOn = expected.sourceIsVih2WithoutBitrate = true;
+    expected.pixelAspect = 2.0F;  // 80 rows as high as 96 columns would be wide at 12:10
+    expected.newStream = expected.settingsDirty = true;
+    EXPECT_EQ(expected, open->NextRequest());
+    expected.newStream = expected.settingsDirty = false;
+    EXPECT_EQ(expected, open->NextRequest());
+
+    type.header.dwBitRate = 1;  // an input type that comes after the offer
+    type.Bitmap().biWidth = 98;
+    ASSERT_EQ(S_OK, Media().SetInputType(0, type.Type(), 0));
+    object.settings->put_Sharpness(1.75F);
+    object.settings->put_EnableLighting(0);
+    object.player->SetEnable(FALSE);
+    expected.input.width = 98;
+    expected.sharpness = 1.75F;
+    expected.enableLighting = expected.enabled = false;
+    expected.newStream = expected.settingsDirty = true;
+    EXPECT_EQ(expected, open->NextRequest());
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // What the tests' own COM objects have in common.
 #pragma once
 
+#include <atomic>
+
 #include "platform/guids.h"
 #include "platform/win32.h"
 
@@ -13,7 +15,7 @@ class CountedFake : public Interface {
 public:
     explicit CountedFake(const GUID& ownIid) : iid(ownIid) {}
 
-    int references = 1;
+    std::atomic<int> references = 1;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID asked, void** out) override {
         const bool known = IsEqualGUID(asked, iidUnknown) || IsEqualGUID(asked, iid);

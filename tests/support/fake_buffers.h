@@ -11,7 +11,7 @@
 namespace clarivex {
 
 /// A media buffer whose memory ends where it says: a block of its own, or the test's, such as guarded pages.
-class FakeBuffer final : public CountedFake<IMediaBuffer> {
+class FakeBuffer : public CountedFake<IMediaBuffer> {
 public:
     /// Takes the memory with what it holds.
     explicit FakeBuffer(std::span<uint8_t> memory)
