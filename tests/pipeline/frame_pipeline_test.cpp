@@ -152,6 +152,68 @@ TEST(RunFrame, WaitsWhileMemoryIsShortAndThenFinishes) {
     EXPECT_EQ(video.output, expected.output);
 }
 
+struct StreamSize {
+    int32_t width, height;
+    bool scaled;
+};
+
+/// A picture as it comes out when the stream has been another one for 72 frames, or none: noise and caption have run on.
+std::vector<uint8_t> After(const StreamSize* before, const StreamSize& size, PixelFormat format, bool newStream) {
+    Process process(scalarKernels, std::make_unique<FakeFontEngine>());
+    SyntheticVideo video(format, size.width, size.height, size.scaled);
+    if (before != nullptr) {
+        SyntheticVideo first(format, before->width, before->height, before->scaled);
+        first.request.enableLighting = false;
+        for (int32_t frame = 0; frame < 72; ++frame) process.Run(first);
+        video.request.newStream = newStream;
+    } else {
+        for (int32_t frame = 0; frame < 72; ++frame) process.state.AdvanceNoise();
+        for (int32_t frame = 0; frame < (newStream ? 0 : 72); ++frame) process.state.AdvanceCaption();
+        video.request.newStream = newStream;
+    }
+    video.request.enableLighting = video.request.settingsDirty = false;
+    EXPECT_EQ(process.Run(video), S_OK);
+    return video.output;
+}
+
+TEST(RunFrame, KeepsNothingOfWhatTheStreamWasBefore) {
+    const std::pair<StreamSize, StreamSize> changes[] = {
+        {{240, 240, true}, {640, 240, true}}, {{88, 120, true}, {88, 130, true}}, {{130, 120, true}, {88, 120, true}},
+        {{43, 92, true}, {64, 138, false}},   {{64, 138, false}, {43, 92, true}}, {{61, 145, true}, {61, 145, false}},
+    };
+    for (const auto& [before, now] : changes)
+        for (const PixelFormat format : formats)
+            for (const bool newStream : {false, true})
+                EXPECT_EQ(After(&before, now, format, newStream), After(nullptr, now, format, newStream))
+                    << before.width << " x " << before.height << " to " << now.width << " x " << now.height
+                    << ", format " << static_cast<int>(format) << (newStream ? ", new stream" : "");
+}
+
+TEST(RunFrame, StreamsOfAProcessShareItsNoiseItsCaptionAndItsFirstLighting) {
+    ProcessState process;
+    FramePipeline pipelines[] = {{process, nullptr, scalarKernels}, {process, nullptr, scalarKernels}};
+    SyntheticVideo videos[] = {{PixelFormat::yv12, 88, 40, true}, {PixelFormat::yuy2, 64, 48, false}};
+    NoiseGenerator noise;
+    const auto run = [&](size_t i) {
+        videos[i].NextFrame();
+        EXPECT_EQ(pipelines[i].RunFrame(videos[i].request, videos[i].Output(), videos[i].Input()), S_OK);
+        videos[i].request.newStream = false;
+        const NoiseOffsets expected = noise.Advance(), taken = pipelines[i].Stream().noise.offsets;
+        EXPECT_EQ(taken.x, expected.x);
+        EXPECT_EQ(taken.y, expected.y);
+        return pipelines[i].Stream().engine.lighting.trackedBlack;
+    };
+    const float adopted = run(0), tracked = run(1);
+    EXPECT_GT(adopted, 20.0F);  // darkest samples of the video are about 30
+    EXPECT_LT(tracked, 20.0F);
+    for (const size_t i : {0, 0, 1, 0}) run(i);
+    EXPECT_EQ(process.AdvanceCaption(), 1 + 5);  // the second stream began it anew
+    process.ShowCaption(false);
+    EXPECT_EQ(process.AdvanceCaption(), captionHidden);
+    process.ShowCaption(true);
+    EXPECT_EQ(process.AdvanceCaption(), 7);
+}
+
 TEST(RunFrame, LeavesTheOutputOfTooSmallPicturesAlone) {
     for (const auto& [width, height] : {std::pair{31, 100}, {40, 7}}) {
         Process process;
