@@ -71,7 +71,7 @@ struct EngineSettings {
     // Edge limiter.
     int32_t edgeGain = 29;
     int32_t edgeDeadZone = 4;  ///< dead zone T = (edgeDeadZone · edgeGain) >> 2
-    int32_t edgeMargin = 0;
+    int32_t edgeMargin = 0;    ///< full limiter: limits stand this far outside, below 0 inside, the allowed range
     int32_t edgeNeighbourWeight = 64;  ///< 64ths, simple limiter
     int32_t edgeKernelSelect = 2;      ///< anything but 2 leaves the full limiter out where both axes are doubled
     int32_t wideSlopeBase = 13;        ///< full limiter: K = 64 + this

@@ -22,7 +22,7 @@ EdgeLimits FullLimits(const EngineSettings& settings) {
             .outerWeight = Word(64 + settings.wideSlopeBase),
             .slope = Word(32 * settings.wideSlope),
             .offset = Word(settings.wideOffset),
-            .margin = Word(std::clamp(settings.edgeMargin, 0, 255))};
+            .margin = Word(std::clamp(settings.edgeMargin, INT16_MIN, 255))};
 }
 
 bool DetailStageOn(const EngineSettings& settings, const StageSettings& stages) {

@@ -34,6 +34,22 @@ struct EdgeWindow {
 template <class Lanes>
 struct EdgeDecision {
     typename Lanes::U8 sharpened, up, down;
+
+    typename Lanes::U8 Upper(typename Lanes::U8 most) const { return Lanes::AddBytes(most, up); }
+    typename Lanes::U8 Lower(typename Lanes::U8 least) const { return Lanes::SubBytes(least, down); }
+};
+
+/// With a margin below 0 the limits may also stand inside the local extremes: of each pair one is 0.
+template <class Lanes>
+struct InwardEdgeDecision {
+    typename Lanes::U8 sharpened, up, down, upBack, downBack;
+
+    typename Lanes::U8 Upper(typename Lanes::U8 most) const {
+        return Lanes::SubBytes(Lanes::AddBytes(most, up), upBack);
+    }
+    typename Lanes::U8 Lower(typename Lanes::U8 least) const {
+        return Lanes::AddBytes(Lanes::SubBytes(least, down), downBack);
+    }
 };
 
 /// Limits as they usually are. A dead zone of whole gains lets the gain follow it in one rounding multiply, and with
@@ -97,9 +113,9 @@ public:
           slope(Lanes::Set(limits.slope)),
           minusSlope(Lanes::Set(static_cast<int16_t>(-limits.slope))),
           offset(Lanes::Set(limits.offset)),
-          margin(Lanes::SetBytes(static_cast<uint8_t>(limits.margin))) {}
+          margin(Lanes::Set(limits.margin)) {}
 
-    EdgeDecision<Lanes> operator()(const EdgeWindow<Lanes>& window) const {
+    InwardEdgeDecision<Lanes> operator()(const EdgeWindow<Lanes>& window) const {
         const auto centre = Lanes::Unpack(window.centre);
         const auto sides = Lanes::Sum(window.left, window.right);
         const auto left3 = Lanes::Unpack(window.left3);
@@ -108,7 +124,8 @@ public:
         Allow(Lanes::SubWrap(centre.low, left3.low), Lanes::SubWrap(centre.low, right3.low), up.low, down.low);
         Allow(Lanes::SubWrap(centre.high, left3.high), Lanes::SubWrap(centre.high, right3.high), up.high, down.high);
         return {Lanes::PackUnpacked({Sharpen(centre.low, sides.low), Sharpen(centre.high, sides.high)}),
-                Lanes::AddBytes(Lanes::PackUnpacked(up), margin), Lanes::AddBytes(Lanes::PackUnpacked(down), margin)};
+                Lanes::PackUnpacked(up), Lanes::PackUnpacked(down), Lanes::PackUnpacked(Back(up)),
+                Lanes::PackUnpacked(Back(down))};
     }
 
 private:
@@ -123,25 +140,30 @@ private:
         const auto middle = Lanes::template ShiftLeft<6>(Lanes::AddWrap(a, b));
         const auto above = Lanes::SubSat(Lanes::MulLow(Lanes::Max(a, b), outerWeight), middle);
         const auto below = Lanes::SubSat(Lanes::MulLow(Lanes::Min(a, b), outerWeight), middle);
-        up = Lanes::AddWrap(Lanes::MulHigh(above, minusSlope), offset);
-        down = Lanes::AddWrap(Lanes::MulHigh(below, slope), offset);
+        up = WithMargin(Lanes::AddWrap(Lanes::MulHigh(above, minusSlope), offset));
+        down = WithMargin(Lanes::AddWrap(Lanes::MulHigh(below, slope), offset));
     }
 
-    I16 gain, deadZone, minusDeadZone, outerWeight, slope, minusSlope, offset;
-    typename Lanes::U8 margin;
+    /// The local extremes themselves are allowed before the margin moves them.
+    I16 WithMargin(I16 allowance) const { return Lanes::AddSat(Lanes::Max(allowance, Lanes::Set(0)), margin); }
+
+    static typename Lanes::Pair Back(const typename Lanes::Pair& allowance) {
+        return {Lanes::SubSat(Lanes::Set(0), allowance.low), Lanes::SubSat(Lanes::Set(0), allowance.high)};
+    }
+
+    I16 gain, deadZone, minusDeadZone, outerWeight, slope, minusSlope, offset, margin;
 };
 
 template <class Lanes, class Decide>
 void LimitBlocks(const uint8_t* in, uint8_t* out, int32_t first, int32_t end, const Decide& decide) {
     for (int32_t x = first; x < end; x += blockLength<Lanes>) {
         const EdgeWindow<Lanes> window(in + x);
-        const EdgeDecision<Lanes> decision = decide(window);
+        const auto decision = decide(window);
         const auto most = Lanes::MaxBytes(Lanes::MaxBytes(window.left, window.right), window.centre);
         const auto least = Lanes::MinBytes(Lanes::MinBytes(window.left, window.right), window.centre);
-        // Packing has limited negative allowances to 0: the local extremes themselves are always allowed.
-        const auto upper = Lanes::AddBytes(most, decision.up);
-        const auto lower = Lanes::SubBytes(least, decision.down);
-        Lanes::StoreBytes(out + x, Lanes::MinBytes(Lanes::MaxBytes(decision.sharpened, lower), upper));
+        // Packing has limited negative allowances to 0: without a margin the local extremes are always allowed.
+        const auto within = Lanes::MaxBytes(decision.sharpened, decision.Lower(least));
+        Lanes::StoreBytes(out + x, Lanes::MinBytes(within, decision.Upper(most)));
     }
 }
 

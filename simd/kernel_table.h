@@ -27,7 +27,7 @@ struct EdgeLimits {
     int16_t outerWeight = 77;  ///< K
     int16_t slope = 800;       ///< Q
     int16_t offset = 0;        ///< O
-    int16_t margin = 0;        ///< M, 0 … 255
+    int16_t margin = 0;        ///< M, up to 255; below 0 the limits move inwards by it
 };
 
 /// A curve on samples in 16-bit fixed point: t = hi(hi(hi(q, c3)·2 + c2, q)·4 + c1, q) with q = 128·Y.

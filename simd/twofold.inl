@@ -135,7 +135,7 @@ public:
           slope(limits.slope),
           minusSlope(Word(-limits.slope)),
           offset(Lanes::SetSums(64 * limits.offset)),
-          margin(Lanes::Set(Word(64 * limits.margin))) {}
+          margin(Lanes::Set(InWideUnits(limits.margin))) {}
 
     typename Lanes::I16 operator()(const int16_t* const* rows, int32_t x) const {
         const I16 centre = Lanes::Load(rows[0] + x);
@@ -157,6 +157,11 @@ private:
     using I16 = typename Lanes::I16;
 
     static int16_t Word(int32_t v) { return static_cast<int16_t>(static_cast<uint16_t>(v)); }
+
+    static int16_t InWideUnits(int32_t margin) {
+        if (margin < INT16_MIN / 64) return INT16_MIN;
+        return margin > INT16_MAX / 64 ? INT16_MAX : Word(64 * margin);
+    }
 
     I16 Sharpen(I16 centre, I16 measure) const {
         typename Lanes::Sums sums;

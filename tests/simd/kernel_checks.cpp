@@ -94,7 +94,7 @@ EdgeLimits PickLimits(CallRows& rows) {
     limits.slope = static_cast<int16_t>(rows.Pick("slope", {800, 0, 1, -800, INT16_MIN, INT16_MAX}));
     if (rows.Pick("offset and margin", {0, 1}) == 0) return limits;
     limits.offset = static_cast<int16_t>(rows.Pick("offset", {0, 1, -1, 20, INT16_MIN, INT16_MAX}));
-    limits.margin = static_cast<int16_t>(rows.Pick("margin", {0, 1, 5, 128, 254, 255}));
+    limits.margin = static_cast<int16_t>(rows.Pick("margin", {0, 1, 5, 128, 254, 255, -1, -40, -255, -300, INT16_MIN}));
     return limits;
 }
 

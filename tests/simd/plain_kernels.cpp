@@ -151,11 +151,11 @@ void LimitEdgesWide(const int16_t* const* rows, int16_t* out, int32_t width, con
             const int32_t edge =
                 std::clamp(64 * sameSide + Wrap16(64 - limits.outerWeight) * otherSide, -(1 << 23), (1 << 23) - 1);
             const int64_t rise = ((int64_t{edge} * Wrap16(slope)) >> 16) + 64 * limits.offset;
-            return static_cast<int32_t>(
-                std::min<int64_t>(std::clamp<int64_t>(rise, 0, INT16_MAX) + 64 * limits.margin, INT16_MAX));
+            const int32_t margin = std::clamp(64 * limits.margin, INT16_MIN, INT16_MAX);
+            return static_cast<int32_t>(std::min<int64_t>(std::clamp<int64_t>(rise, 0, INT16_MAX) + margin, INT16_MAX));
         };
-        const int32_t upper = most + allowance(above, below, -limits.slope);
-        const int32_t lower = least - allowance(below, above, limits.slope);
+        const int32_t upper = Saturate16(most + allowance(above, below, -limits.slope));
+        const int32_t lower = Saturate16(least - allowance(below, above, limits.slope));
         out[x] = WideWord(std::min(std::max(sharpened, lower), upper) + wideBias);
     }
 }
