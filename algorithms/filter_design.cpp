@@ -187,6 +187,18 @@ void ShiftTwofoldMoment(TapSet& taps) {
     Trace("Moment 200 (int) : %.6f", CentreOf(taps));
 }
 
+/// Tells the debugger how taps answer to a step that is smoothed by 1, 2, 1: each value, and the moment of all.
+void TraceSmoothed(const TapSet& taps) {
+    std::array<int32_t, 8> smoothed{};
+    for (size_t k = 0; k < taps.size(); ++k) {
+        const int32_t before = k > 0 ? taps[k - 1] : 0;
+        const int32_t behind = k + 1 < taps.size() ? taps[k + 1] : 0;
+        smoothed[k] = before + 2 * taps[k] + behind;
+        Trace("%d : %d", static_cast<int>(k), static_cast<int>(smoothed[k]));
+    }
+    Trace("Moment 200 (2): %.6f", CentreOf(smoothed));
+}
+
 }  // namespace
 
 void DesignPrototype(PrototypeKernel& table, const PrototypeDesign& design) {
@@ -229,6 +241,7 @@ TwofoldTaps DesignTwofoldTaps(const PrototypeKernel& table) {
     NormaliseSum(raw);
     TwofoldTaps taps{QuantiseTwofold(raw), {}};
     ShiftTwofoldMoment(taps.a);
+    TraceSmoothed(taps.a);
     std::reverse_copy(taps.a.begin(), taps.a.end(), taps.b.begin());
     return taps;
 }
