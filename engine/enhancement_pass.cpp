@@ -214,7 +214,9 @@ private:
         return true;
     }
 
-    PictureScaler Scaler() { return {engine.workspace.scaler, kernels, engine.splitView != 0}; }
+    PictureScaler Scaler() {
+        return {engine.workspace.scaler, kernels, engine.splitView != 0 ? &work.planes.luma : nullptr};
+    }
 
     void KeepSize(const ImagePlanes& out, const PostFilter& filter) {
         const CopyBounds bounds{.targetEnd = nullptr, .sourceEnd = work.end};

@@ -39,10 +39,22 @@ PassPlanes DownColumns(const Plane& target, const Plane& source, bool splitView)
 
 }  // namespace
 
+/// Fills the columns of `whole` that stand left of `part`, a plane that ends with the same column.
+void PictureScaler::ShowFrameLeftOf(const Plane& part, const Plane& whole) const {
+    constexpr uint8_t black = 16;
+    const auto columns = static_cast<int32_t>(part.data - whole.data);
+    for (int32_t y = 0; y < whole.height && columns > 0; ++y) {
+        const int32_t shared = y < splitFrame->height ? std::min(columns, splitFrame->width) : 0;
+        std::fill_n(whole.Row(y) + shared, columns - shared, black);
+        if (shared > 0) std::copy_n(splitFrame->Row(y), shared, whole.Row(y));
+    }
+}
+
 void PictureScaler::ScaleHorizontal(const ImagePlanes& target, const SourceImage& source, const RowStages& stages,
                                     bool chromaOdd, uint32_t planes) {
     if ((planes & lumaPlane) != 0) {
         const PassPlanes luma = AlongRows(target.luma, source.planes.luma, stages.scale, splitView);
+        ShowFrameLeftOf(luma.target, target.luma);
         ScaleLumaStrips(luma.target, luma.source, source.end, stages, scratch.rows, kernels);
     }
     if ((planes & secondPlane) != 0) ScaleChromaAlongRows(target.second, source.planes.second, stages.scale, chromaOdd);
@@ -67,6 +79,7 @@ void PictureScaler::ScaleVertical(const ImagePlanes& target, const SourceImage& 
                                   uint32_t planes) {
     if ((planes & lumaPlane) != 0) {
         const PassPlanes luma = DownColumns(target.luma, source.planes.luma, splitView);
+        ShowFrameLeftOf(luma.target, target.luma);
         ScaleLumaStrips(luma.target, luma.source, source.end, stages, scratch.columns, kernels);
     }
     if ((planes & secondPlane) != 0)
@@ -87,6 +100,8 @@ void PictureScaler::ScaleLumaBothAxes(const ImagePlanes& target, const WorkingIm
     const Plane& between = half.Planes().luma;
     const PassPlanes rows = AlongRows(between, source.planes.luma, rowStages.scale, splitView);
     const PassPlanes columns = DownColumns(target.luma, between, splitView);
+    ShowFrameLeftOf(rows.target, between);
+    ShowFrameLeftOf(columns.target, target.luma);
     RowScaler rowScaler(rows.target, rows.source, source.end, rowStages, scratch.rows, kernels);
     ColumnScaler columnScaler(columns.target, columns.source, half.End(), columnTaps, scratch.columns, kernels);
     for (int32_t y = 0; y < between.height; y += stripSize) {

@@ -26,9 +26,10 @@ struct ScalerScratch {
 
 class PictureScaler {
 public:
-    /// splitView  enlarge only the right part of the luma plane and leave the rest of the target as it is.
-    PictureScaler(ScalerScratch& scratch, const KernelTable& kernels, bool splitView)
-        : scratch(scratch), kernels(kernels), splitView(splitView) {}
+    /// splitFrame  null enlarges whole pictures. Otherwise only the right part of the luma plane is enlarged, and columns
+    ///             that this leaves are those of the split frame at the same place, black where it has none.
+    PictureScaler(ScalerScratch& scratch, const KernelTable& kernels, const Plane* splitFrame)
+        : scratch(scratch), kernels(kernels), splitFrame(splitFrame), splitView(splitFrame != nullptr) {}
 
     /// Along the rows by stages.scale, the planes named by `planes`, into planes sized by the caller.
     void ScaleHorizontal(const ImagePlanes& target, const SourceImage& source, const RowStages& stages, bool chromaOdd,
@@ -54,10 +55,12 @@ public:
                            const RowStages& rowStages, const ThreeHalvesTaps& columnTaps);
 
 private:
+    void ShowFrameLeftOf(const Plane& part, const Plane& whole) const;
     void ScaleChromaAlongRows(const Plane& target, const Plane& source, RowScale scale, bool chromaOdd);
 
     ScalerScratch& scratch;
     const KernelTable& kernels;
+    const Plane* splitFrame;
     bool splitView;
 };
 
