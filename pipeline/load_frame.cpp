@@ -5,12 +5,13 @@
 namespace clarivex {
 namespace {
 
-// Filters take luma 8 samples at a time: the rest of the last group continues the last pair.
-void PadRow(uint8_t* row, int32_t width) {
-    constexpr int32_t group = 8;
-    const int32_t padded = (width + group - 1) & ~(group - 1);
-    for (int32_t x = width; x < padded; ++x) {
-        row[x] = row[x - 2];
+// Filters take luma 8 samples at a time: the rest of the last group continues the last pair, chroma with it.
+constexpr int32_t groupPairs = 4;
+
+void PadRow(uint8_t* row, int32_t pairs, int32_t samplesPerPair) {
+    const int32_t padded = (pairs + groupPairs - 1) / groupPairs * groupPairs;
+    for (int32_t x = samplesPerPair * pairs; x < samplesPerPair * padded; ++x) {
+        row[x] = row[x - samplesPerPair];
     }
 }
 
@@ -24,7 +25,11 @@ void LoadFrame(const Plane& packed, const ImagePlanes& target, const KernelTable
         uint8_t* u = takesChroma ? target.third.Row(y / 2) : nullptr;
         uint8_t* v = takesChroma ? target.second.Row(y / 2) : nullptr;
         kernels.splitPackedRow(packed.Row(y), luma, u, v, pairs);
-        PadRow(luma, 2 * pairs);
+        PadRow(luma, pairs, 2);
+        if (takesChroma) {
+            PadRow(u, pairs, 1);
+            PadRow(v, pairs, 1);
+        }
     }
 }
 
