@@ -33,6 +33,12 @@ void CompletePlane(const Plane& picture, const Plane& source, const PlanePart& p
     }
 }
 
+/// Output stages take luma in pairs: an odd width goes on with its last column.
+void RepeatOddColumn(const Plane& luma) {
+    if (luma.width % 2 == 0) return;
+    for (int32_t y = 0; y < luma.height; ++y) luma.Row(y)[luma.width] = luma.Row(y)[luma.width - 1];
+}
+
 PlanePart ChromaPart(const ImagePlanes& picture, const ImagePlanes& source, const WrittenPart& written) {
     if (written.height == 0) return {0, 0, false};
     const bool wider = written.width > source.luma.width;
@@ -46,6 +52,7 @@ PlanePart ChromaPart(const ImagePlanes& picture, const ImagePlanes& source, cons
 void CompletePlanes(const ImagePlanes& picture, const ImagePlanes& source, const WrittenPart& written) {
     CompletePlane(picture.luma, source.luma, {written.width, written.height, written.width > source.luma.width},
                   blackLuma);
+    RepeatOddColumn(picture.luma);
     if (!written.chroma) return;
     const PlanePart chroma = ChromaPart(picture, source, written);
     CompletePlane(picture.second, source.second, chroma, neutralChroma);

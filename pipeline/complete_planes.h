@@ -15,9 +15,10 @@ struct WrittenPart {
 };
 
 /// Samples outside the written part become the source's at the same place, and black where the source has none. In a
-/// picture whose columns were enlarged, the few that rounding its width added repeat the last one before them.
+/// picture whose columns were enlarged, the few that rounding its width added repeat the last one before them, and so does
+/// the spare column behind an odd width of luma.
 ///
-/// picture  planes of the output's size, completed in place
+/// picture  planes of the output's size, completed in place; rows of an odd width have room for one sample more
 void CompletePlanes(const ImagePlanes& picture, const ImagePlanes& source, const WrittenPart& written);
 
 }  // namespace clarivex

@@ -58,14 +58,21 @@ private:
         for (int32_t y = 0; y < height; ++y) {
             const uint8_t* in = source.luma.Row(y);
             uint8_t* out = target.luma.Row(y);
+            const int32_t columns = LumaColumns(out);
             if (const uint8_t* groups = TileRow(y))
-                ToneLumaUnderOverlay(y, in, out, groups);
+                ToneLumaUnderOverlay(y, in, out, columns, groups);
             else if (work)
-                kernels.toneLuma(in, out, width, Curve(), lumaPatterns[y % 2].Data(), LumaNoise(y), noiseColumn);
+                kernels.toneLuma(in, out, columns, Curve(), lumaPatterns[y % 2].Data(), LumaNoise(y), noiseColumn);
             else
-                std::memcpy(out, in, static_cast<size_t>(width));
-            FillMargin(target.luma, y, (width + 1) & ~1, blackLuma);
+                std::memcpy(out, in, static_cast<size_t>(columns));
+            FillMargin(target.luma, y, 2 * chromaWidth, blackLuma);
         }
+    }
+
+    /// An odd width is written as an even one where the row and the buffer have room.
+    int32_t LumaColumns(const uint8_t* out) const {
+        const int32_t even = 2 * chromaWidth;
+        return even <= target.luma.stride && even <= targetEnd - out ? even : width;
     }
 
     /// The overlay's chroma belongs to both planes, so rows under it are made here for the third plane too.
@@ -93,9 +100,9 @@ private:
             std::memcpy(out, in, static_cast<size_t>(chromaWidth));
     }
 
-    void ToneLumaUnderOverlay(int32_t y, const uint8_t* in, uint8_t* out, const uint8_t* groups) {
+    void ToneLumaUnderOverlay(int32_t y, const uint8_t* in, uint8_t* out, int32_t columns, const uint8_t* groups) {
         const OverlayRow overlay = UnpackTileRow(groups, 2 * chromaWidth, inputs.scratch);
-        kernels.toneLumaOverlay(in, out, width, Curve(), overlayLuma.Data(), LumaNoise(y), noiseColumn, overlay.keep,
+        kernels.toneLumaOverlay(in, out, columns, Curve(), overlayLuma.Data(), LumaNoise(y), noiseColumn, overlay.keep,
                                 overlay.lumaTerms, overlayLumaDithers[y % 2].Data());
     }
 

@@ -248,8 +248,8 @@ TEST_F(Streaming, AFrameIsAskedForAsItWasNegotiatedAndSet) {
     VideoInfo2Type type(96, 80, mediaSubtypeYuy2);
     type.Target() = {0, 0, 64, 50};
     type.Bitmap().biXPelsPerMeter = 3;
-    type.header.dwPictAspectRatioX = 12;
-    type.header.dwPictAspectRatioY = 5;
+    type.header.dwPictAspectRatioX = 3;
+    type.header.dwPictAspectRatioY = 2;
     ReceivedType offered;
     ASSERT_EQ(S_OK, Media().SetInputType(0, type.Type(), 0));
     ASSERT_EQ(S_OK, Media().GetOutputType(0, 0, offered.Out()));
@@ -261,7 +261,7 @@ TEST_F(Streaming, AFrameIsAskedForAsItWasNegotiatedAndSet) {
     expected.sourceWidth = 64;
     expected.sourceHeight = 50;
     expected.scalingOn = expected.sourceIsVih2WithoutBitrate = true;
-    expected.pixelAspect = 2.0F;  // 80 rows as high as 96 columns would be wide at 12:10
+    expected.pixelAspect = 0.8F;  // 1 / (3:2 / 96 · 80)
     expected.newStream = expected.settingsDirty = true;
     EXPECT_EQ(expected, open->NextRequest());
     expected.newStream = expected.settingsDirty = false;
