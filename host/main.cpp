@@ -44,6 +44,7 @@ int Fail(ExitCode code, const char* what, const char* remedy = "") {
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
+    FillStandardStreams();
     ReportClosedPipes();
     try {
         Run(ParseCommandLine(

@@ -11,6 +11,10 @@ bool IsTerminal(std::FILE* stream);
 /// Passes bytes through unchanged from here on, line ends included. Call before the first read or write.
 void SetBinaryMode(std::FILE* stream);
 
+/// Puts the null device, opened the wrong way round, in place of the standard streams that the process was started
+/// without: no file opened later takes their place, and using one of them fails. Call once at start, first of all.
+void FillStandardStreams();
+
 /// Makes a write to a closed pipe fail with a code instead of ending the process. Call once at start.
 void ReportClosedPipes();
 
