@@ -45,7 +45,7 @@ int Fail(ExitCode code, const char* what, const char* remedy = "") {
 
 int main(int argumentCount, char** arguments) {
     FillStandardStreams();
-    ReportClosedPipes();
+    ReportFailedWrites();
     try {
         Run(ParseCommandLine(
             std::span<const char* const>(arguments, arguments + argumentCount).subspan(argumentCount > 0)));

@@ -15,7 +15,8 @@ void SetBinaryMode(std::FILE* stream);
 /// without: no file opened later takes their place, and using one of them fails. Call once at start, first of all.
 void FillStandardStreams();
 
-/// Makes a write to a closed pipe fail with a code instead of ending the process. Call once at start.
-void ReportClosedPipes();
+/// Makes a write that cannot be done, to a closed pipe or beyond a limit of the file's size, fail with a code instead of
+/// ending the process. Call once at start.
+void ReportFailedWrites();
 
 }  // namespace clarivex

@@ -18,6 +18,9 @@ void FillStandardStreams() {
             open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
 }
 
-void ReportClosedPipes() { std::signal(SIGPIPE, SIG_IGN); }
+void ReportFailedWrites() {
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+}
 
 }  // namespace clarivex

@@ -19,6 +19,6 @@ void FillStandardStreams() {
     fill(stderr, "r");
 }
 
-void ReportClosedPipes() {}  // a write to a closed pipe returns an error here by itself
+void ReportFailedWrites() {}  // such a write returns an error here by itself
 
 }  // namespace clarivex
