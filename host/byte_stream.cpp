@@ -5,15 +5,16 @@
 #include <cstring>
 #include <filesystem>
 
-#include "host/errors.h"
+#include "host/naming.h"
 #include "platform/console.h"
+#include "platform/file_stream.h"
 
 namespace clarivex {
 
 namespace {
 
 constexpr const char* standardStream = "-";
-constexpr size_t bufferBytes = 1 << 16;  // for headers; a frame is larger and passes by the buffer
+constexpr size_t bufferBytes = 1 << 16;  // for headers; what is larger passes by the buffer
 
 OwnedFile Open(const std::string& path, const char* mode, std::FILE* standard, const char* purpose) {
     if (path == standardStream) {
@@ -41,7 +42,7 @@ std::optional<uint64_t> RegularFileSize(const std::string& path) {
     const bool closedPipe = errno == EPIPE || errno == EINVAL;  // the latter is what Windows reports
     throw RunError(std::string("cannot be written any further: ") + std::strerror(errno) +
                    (closedPipe ? "; the program that reads it must read to the end"
-                               : "; check the space and rights there, or name another place"));
+                               : "; check the space, rights and limits there, or name another place"));
 }
 
 }  // namespace
@@ -56,22 +57,46 @@ FileSource::FileSource(const std::string& path)
 }
 
 size_t FileSource::Read(std::span<uint8_t> bytes) {
-    const size_t count = std::fread(bytes.data(), 1, bytes.size(), file.get());
-    if (count < bytes.size() && std::ferror(file.get()))
-        throw RunError(std::string("cannot be read any further: ") + std::strerror(errno));
-    return count;
+    size_t count = 0;
+    for (;;) {
+        count += std::fread(bytes.data() + count, 1, bytes.size() - count, file.get());
+        if (count == bytes.size() || !std::ferror(file.get())) return count;
+        if (!WaitForInput(file.get()))
+            throw RunError(std::string("cannot be read any further: ") + std::strerror(errno));
+    }
 }
 
-FileSink::FileSink(const std::string& path) : file(Open(path, "wb", stdout, "writing")) {
-    std::setvbuf(file.get(), nullptr, _IOFBF, bufferBytes);
-}
+FileSink::FileSink(const std::string& path) : file(Open(path, "wb", stdout, "writing")) {}
 
 void FileSink::Write(std::span<const uint8_t> bytes) {
-    if (std::fwrite(bytes.data(), 1, bytes.size(), file.get()) != bytes.size()) ThrowWriteError();
+    if (waiting.size() + bytes.size() > bufferBytes) Flush();
+    if (bytes.size() > bufferBytes)
+        WriteOut(bytes);
+    else
+        waiting.insert(waiting.end(), bytes.begin(), bytes.end());
 }
 
 void FileSink::Flush() {
-    if (std::fflush(file.get()) != 0) ThrowWriteError();
+    WriteOut(waiting);
+    waiting.clear();
+}
+
+void FileSink::Close() {
+    Flush();
+    std::FILE* const closed = file.release();
+    if (closed != stdout && std::fclose(closed) != 0) ThrowWriteError();
+}
+
+void FileSink::WriteOut(std::span<const uint8_t> bytes) {
+    if (WriteBytes(file.get(), bytes) != bytes.size()) ThrowWriteError();
+}
+
+void PrintResult(std::string_view text) {
+    Naming(OutputName(standardStream), [&] {
+        FileSink sink(standardStream);
+        sink.Write({reinterpret_cast<const uint8_t*>(text.data()), text.size()});
+        sink.Close();
+    });
 }
 
 bool SameFile(const std::string& input, const std::string& output) {

@@ -8,6 +8,8 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace clarivex {
 
@@ -52,7 +54,7 @@ private:
     std::optional<uint64_t> size;
 };
 
-/// A file opened anew for writing, or standard output for "-".
+/// A file opened anew for writing, or standard output for "-". What is neither flushed nor closed may not arrive.
 class FileSink : public ByteSink {
 public:
     /// Throws RunError when the path cannot be opened.
@@ -61,9 +63,19 @@ public:
     void Write(std::span<const uint8_t> bytes) override;
     void Flush() override;
 
+    /// Flushes and closes; a standard stream stays open. Throws RunError when the system could not keep what was written.
+    /// Nothing may be written behind it.
+    void Close();
+
 private:
+    void WriteOut(std::span<const uint8_t> bytes);
+
     OwnedFile file;
+    std::vector<uint8_t> waiting;
 };
+
+/// Writes a text to standard output at once. Throws RunError with the stream's name in front.
+void PrintResult(std::string_view text);
 
 /// Whether an input and an output are one existing file. Standard input is the file that it comes from, where the system
 /// tells; standard output is none.

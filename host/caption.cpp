@@ -32,6 +32,7 @@ void RunCaption(const CaptionOptions& options) {
         FileSink sink(options.output);
         Y4mWriter writer(sink, HeaderLine(options));
         writer.WriteFrame("", PlanarPicture{options.size, picture}.Planes());
+        sink.Close();
     });
 }
 

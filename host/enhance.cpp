@@ -128,6 +128,7 @@ void Enhancement::Run() {
     Progress progress(!options.quiet && IsTerminal(stderr), ExpectedFrames());
     CopyFrames(progress);
     if (!bypassed) player.Finish();
+    Naming(OutputName(options.output), [this] { sink.Close(); });
     progress.Wipe();
     Report(progress);
 }

@@ -1,10 +1,13 @@
 // clarivex, the command line: runs one command and turns errors into a line and an exit code.
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <new>
 #include <span>
 #include <string>
 
+#include "host/byte_stream.h"
 #include "host/caption.h"
 #include "host/command_line.h"
 #include "host/enhance.h"
@@ -20,9 +23,9 @@ using namespace clarivex;
 
 enum ExitCode { done = 0, runFailed = 1, wrongUse = 2 };
 
-void Print(const std::string& text) {
-    if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0)
-        throw RunError("standard output: cannot be written");
+/// Some systems tell only here that they could not keep what was written.
+void CloseOutput() {
+    if (std::fclose(stdout) != 0) throw RunError(std::string("standard output: ") + std::strerror(errno));
 }
 
 void Run(const CommandLine& commandLine) {
@@ -30,9 +33,9 @@ void Run(const CommandLine& commandLine) {
         case Command::enhance: RunEnhance(commandLine.enhance); break;
         case Command::caption: RunCaption(commandLine.caption); break;
         case Command::tune: RunTune(commandLine.tune); break;
-        case Command::info: Print(InfoText()); break;
-        case Command::help: Print(helpText); break;
-        case Command::version: Print(std::string("clarivex ") + versionText + "\n"); break;
+        case Command::info: PrintResult(InfoText()); break;
+        case Command::help: PrintResult(helpText); break;
+        case Command::version: PrintResult(std::string("clarivex ") + versionText + "\n"); break;
     }
 }
 
@@ -49,6 +52,7 @@ int main(int argumentCount, char** arguments) {
     try {
         Run(ParseCommandLine(
             std::span<const char* const>(arguments, arguments + argumentCount).subspan(argumentCount > 0)));
+        CloseOutput();
         return done;
     } catch (const UsageError& error) {
         return Fail(wrongUse, error.what(), "; clarivex --help shows the use");

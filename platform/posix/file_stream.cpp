@@ -1,0 +1,41 @@
+// Files and pipes on POSIX systems.
+#include "platform/file_stream.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace clarivex {
+
+namespace {
+
+/// Whether the last call may be made again; waits until then.
+bool WaitUntilReady(std::FILE* stream, short event) {
+    if (errno == EINTR) return true;
+    if (errno != EAGAIN) return false;
+    pollfd waited{fileno(stream), event, 0};
+    return poll(&waited, 1, -1) > 0 || errno == EINTR;
+}
+
+}  // namespace
+
+size_t WriteBytes(std::FILE* stream, std::span<const uint8_t> bytes) {
+    size_t written = 0;
+    while (written < bytes.size()) {
+        const ssize_t count = write(fileno(stream), bytes.data() + written, bytes.size() - written);
+        if (count >= 0)
+            written += static_cast<size_t>(count);
+        else if (!WaitUntilReady(stream, POLLOUT))
+            break;
+    }
+    return written;
+}
+
+bool WaitForInput(std::FILE* stream) {
+    if (!WaitUntilReady(stream, POLLIN)) return false;
+    std::clearerr(stream);
+    return true;
+}
+
+}  // namespace clarivex
