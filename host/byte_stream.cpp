@@ -38,6 +38,10 @@ std::optional<uint64_t> RegularFileSize(const std::string& path) {
     return error ? std::nullopt : std::optional<uint64_t>(size);
 }
 
+std::optional<FileIdentity> Identity(const std::string& path, std::FILE* standard) {
+    return path == standardStream ? IdentityOf(standard) : IdentityOf(path);
+}
+
 [[noreturn]] void ThrowWriteError() {
     const bool closedPipe = errno == EPIPE || errno == EINVAL;  // the latter is what Windows reports
     throw RunError(std::string("cannot be written any further: ") + std::strerror(errno) +
@@ -100,10 +104,8 @@ void PrintResult(std::string_view text) {
 }
 
 bool SameFile(const std::string& input, const std::string& output) {
-    const std::string source = input == standardStream ? "/dev/stdin" : input;
-    std::error_code error;
-    return output != standardStream && std::filesystem::equivalent(source, output, error) && !error &&
-           std::filesystem::is_regular_file(source, error);
+    const auto source = Identity(input, stdin);
+    return source && source == Identity(output, stdout);
 }
 
 }  // namespace clarivex

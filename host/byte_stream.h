@@ -77,8 +77,7 @@ private:
 /// Writes a text to standard output at once. Throws RunError with the stream's name in front.
 void PrintResult(std::string_view text);
 
-/// Whether an input and an output are one existing file. Standard input is the file that it comes from, where the system
-/// tells; standard output is none.
+/// Whether an input and an output are one existing file; "-" is the file that standard input or output was led to.
 bool SameFile(const std::string& input, const std::string& output);
 
 }  // namespace clarivex

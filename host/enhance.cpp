@@ -91,7 +91,7 @@ Enhancement::Enhancement(const EnhanceOptions& given)
 
 FileSink Enhancement::OpenOutput() const {
     if (SameFile(options.input, options.output))
-        throw RunError(options.output + ": is the input file too; name another output");
+        throw RunError(OutputName(options.output) + ": is the input file too; name another output");
     return Naming(OutputName(options.output), [this] { return FileSink(options.output); });
 }
 

@@ -2,6 +2,7 @@
 #include "platform/file_stream.h"
 
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -9,6 +10,11 @@
 namespace clarivex {
 
 namespace {
+
+std::optional<FileIdentity> RegularFile(int result, const struct stat& status) {
+    if (result != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+    return FileIdentity{status.st_dev, status.st_ino};
+}
 
 /// Whether the last call may be made again; waits until then.
 bool WaitUntilReady(std::FILE* stream, short event) {
@@ -19,6 +25,16 @@ bool WaitUntilReady(std::FILE* stream, short event) {
 }
 
 }  // namespace
+
+std::optional<FileIdentity> IdentityOf(std::FILE* stream) {
+    struct stat status {};
+    return RegularFile(fstat(fileno(stream), &status), status);
+}
+
+std::optional<FileIdentity> IdentityOf(const std::string& path) {
+    struct stat status {};
+    return RegularFile(stat(path.c_str(), &status), status);
+}
 
 size_t WriteBytes(std::FILE* stream, std::span<const uint8_t> bytes) {
     size_t written = 0;

@@ -5,7 +5,34 @@
 
 #include <algorithm>
 
+#include "platform/win32.h"
+
 namespace clarivex {
+
+namespace {
+
+std::optional<FileIdentity> IdentityOfHandle(HANDLE handle) {
+    BY_HANDLE_FILE_INFORMATION file = {};
+    if (GetFileType(handle) != FILE_TYPE_DISK || !GetFileInformationByHandle(handle, &file) ||
+        (file.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
+        return std::nullopt;
+    return FileIdentity{file.dwVolumeSerialNumber, uint64_t{file.nFileIndexHigh} << 32 | file.nFileIndexLow};
+}
+
+}  // namespace
+
+std::optional<FileIdentity> IdentityOf(std::FILE* stream) {
+    return IdentityOfHandle(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream))));
+}
+
+std::optional<FileIdentity> IdentityOf(const std::string& path) {
+    constexpr DWORD everybody = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const HANDLE handle = CreateFileA(path.c_str(), 0, everybody, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) return std::nullopt;
+    const auto identity = IdentityOfHandle(handle);
+    CloseHandle(handle);
+    return identity;
+}
 
 size_t WriteBytes(std::FILE* stream, std::span<const uint8_t> bytes) {
     constexpr size_t mostAtOnce = 1 << 30;
