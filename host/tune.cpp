@@ -8,6 +8,7 @@
 
 #include "host/bitmap.h"
 #include "host/byte_stream.h"
+#include "host/file_replacement.h"
 #include "host/naming.h"
 #include "host/progress.h"
 #include "host/studio_colour.h"
@@ -30,20 +31,6 @@ constexpr const char* enhancedName = "out.bmp";
     return text;
 }
 
-/// Results for people and scripts, on standard output.
-class ResultLines {
-public:
-    void Write(const std::string& text) {
-        Naming(OutputName("-"), [&] {
-            sink.Write({reinterpret_cast<const uint8_t*>(text.data()), text.size()});
-            sink.Flush();
-        });
-    }
-
-private:
-    FileSink sink{"-"};
-};
-
 void CheckTargetSurvives(const std::string& target) {
     for (const char* written : {reducedName, enhancedName})
         if (SameFile(target, written))
@@ -58,19 +45,24 @@ TuningPicture ReadTarget(const std::string& path) {
     });
 }
 
-/// A picture's file, opened before the search: not being able to write it must not come as a surprise at its end.
-class PictureFile {
-public:
-    explicit PictureFile(const char* fileName) : name(fileName), sink(Naming(name, [&] { return FileSink(name); })) {}
+/// That they cannot be written must not come as a surprise at the end of a search.
+void CheckPicturesCanBeWritten() {
+    for (const char* name : {reducedName, enhancedName}) FileReplacement probe(name);
+}
 
-    void Write(const TuningPicture& picture) {
-        Naming(name, [&] { WriteBitmap(sink, BitmapOf({{picture.width, picture.height}, picture.samples})); });
-    }
-
-private:
-    const char* name;
-    FileSink sink;
-};
+/// What bears their names is replaced when both are whole.
+void WritePictures(const PictureTuning& tuning) {
+    const auto fill = [](FileReplacement& file, const TuningPicture& picture) {
+        const Bitmap bitmap = BitmapOf({{picture.width, picture.height}, picture.samples});
+        file.Fill([&](ByteSink& sink) { WriteBitmap(sink, bitmap); });
+    };
+    FileReplacement reduced(reducedName);
+    FileReplacement enhanced(enhancedName);
+    fill(reduced, tuning.reduced);
+    fill(enhanced, tuning.enhanced);
+    reduced.TakePlace();
+    enhanced.TakePlace();
+}
 
 std::string SettingsTable(const std::vector<TunedSetting>& settings) {
     std::string table = Formatted("%-20s %10s %10s\n", "setting", "start", "best");
@@ -79,11 +71,11 @@ std::string SettingsTable(const std::vector<TunedSetting>& settings) {
     return table;
 }
 
-PictureTuning Tune(const TuneOptions& options, TuningPicture target, ResultLines& results, Progress& progress) {
+PictureTuning Tune(const TuneOptions& options, TuningPicture target, Progress& progress) {
     const auto observe = [&](const TuningAttempt& attempt) {
         if (attempt.improves) {
             progress.Wipe();
-            results.Write(Formatted("err : %.5f\n", attempt.error));
+            PrintResult(Formatted("err : %.5f\n", attempt.error));
         }
         progress.OneDone();
     };
@@ -106,15 +98,12 @@ std::string Summary(const PictureTuning& tuning, const Progress& progress) {
 void RunTune(const TuneOptions& options) {
     CheckTargetSurvives(options.target);
     TuningPicture target = ReadTarget(options.target);
-    PictureFile reducedFile(reducedName);
-    PictureFile enhancedFile(enhancedName);
-    ResultLines results;
+    CheckPicturesCanBeWritten();
     Progress progress(!options.quiet && IsTerminal(stderr), static_cast<uint64_t>(options.tuning.attempts), "attempt");
-    const PictureTuning tuning = Tune(options, std::move(target), results, progress);
+    const PictureTuning tuning = Tune(options, std::move(target), progress);
     progress.Wipe();
-    reducedFile.Write(tuning.reduced);
-    enhancedFile.Write(tuning.enhanced);
-    results.Write(SettingsTable(tuning.settings));
+    WritePictures(tuning);
+    PrintResult(SettingsTable(tuning.settings));
     if (!options.quiet) std::fputs(Summary(tuning, progress).c_str(), stderr);
 }
 
