@@ -15,6 +15,7 @@ namespace clarivex {
 namespace {
 
 constexpr int32_t largestOutputSide = 16384;  // twice what this program reads; buffers stay below 2 GB
+constexpr size_t mostSpareBytes = 1 << 24;    // behind a picture; a larger wish is nonsense
 
 void Check(HRESULT code, const char* call) {
     if (code == S_OK) return;
@@ -27,6 +28,7 @@ void Check(HRESULT code, const char* call) {
 ComPointer<ICVXSettings> SettingsOf(IMediaObject& object) {
     void* settings = nullptr;
     Check(object.QueryInterface(iidCvxSettings, &settings), "QueryInterface for its settings");
+    if (!settings) throw RunError("the media object gives no settings");
     return ComPointer<ICVXSettings>(static_cast<ICVXSettings*>(settings));
 }
 
@@ -59,6 +61,13 @@ std::string SizeText(PictureSize size) { return std::to_string(size.width) + "x"
         throw RunError("a picture of " + SizeText(size) + " is too small: width and height must be at least " +
                        std::to_string(smallestSide));
     throw RunError("the media object refuses pictures of " + SizeText(size));
+}
+
+ComPointer<MediaBuffer> MakeBuffer(DWORD bytes, const BufferLayout& layout) {
+    if (bytes < layout.Bytes() || bytes - layout.Bytes() > mostSpareBytes)
+        throw RunError("the media object asks for a buffer of " + std::to_string(bytes) + " bytes; a picture of " +
+                       SizeText(layout.Size()) + " needs " + std::to_string(layout.Bytes()));
+    return MediaBuffer::Make(bytes);
 }
 
 }  // namespace
@@ -112,10 +121,8 @@ void Player::MakeBuffers() {
     DWORD inputBytes = 0, outputBytes = 0, lookahead = 0, alignment = 0;
     Check(object->GetInputSizeInfo(0, &inputBytes, &lookahead, &alignment), "GetInputSizeInfo");
     Check(object->GetOutputSizeInfo(0, &outputBytes, &alignment), "GetOutputSizeInfo");
-    if (inputBytes < inputLayout.Bytes() || outputBytes < outputLayout.Bytes())
-        throw RunError("the media object asks for buffers that cannot hold a picture");
-    input = MediaBuffer::Make(inputBytes);
-    output = MediaBuffer::Make(outputBytes);
+    input = MakeBuffer(inputBytes, inputLayout);
+    output = MakeBuffer(outputBytes, outputLayout);
 }
 
 PicturePlanes Player::Play(std::span<const uint8_t> samples) {

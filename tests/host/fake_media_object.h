@@ -22,6 +22,8 @@ public:
     std::function<PictureSize(PictureSize)> outputSizeOf = [](PictureSize size) { return size; };
     std::function<HRESULT()> offerResult = [] { return S_OK; };
     std::function<HRESULT(std::span<const BYTE> in, BYTE* out)> process = [](auto, BYTE*) { return S_OK; };
+    std::function<void(DMO_MEDIA_TYPE& offered)> spoilOffer = [](auto&) {};
+    bool withoutSettings = false;  // but it says that all is well
     DWORD inputBytes = 1 << 20;
     DWORD outputBytes = 1 << 20;
 
@@ -35,8 +37,8 @@ public:
     FakeSettings settings;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
-        return IsEqualGUID(iid, iidCvxSettings) ? settings.QueryInterface(iid, out)
-                                                : CountedFake::QueryInterface(iid, out);
+        if (!IsEqualGUID(iid, iidCvxSettings)) return CountedFake::QueryInterface(iid, out);
+        return withoutSettings ? S_OK : settings.QueryInterface(iid, out);
     }
 
     HRESULT STDMETHODCALLTYPE SetInputType(DWORD, const DMO_MEDIA_TYPE* type, DWORD) override {
@@ -58,7 +60,9 @@ public:
         offered.formattype = formatVideoInfo2;
         offered.cbFormat = sizeof header;
         offered.pbFormat = reinterpret_cast<BYTE*>(&header);
-        return MoCopyMediaType(type, &offered);
+        MoCopyMediaType(type, &offered);
+        spoilOffer(*type);
+        return S_OK;
     }
     HRESULT STDMETHODCALLTYPE SetOutputType(DWORD, const DMO_MEDIA_TYPE*, DWORD) override {
         calls.push_back("SetOutputType");

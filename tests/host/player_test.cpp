@@ -1,4 +1,4 @@
-// The player against a media object that notes its calls, and against the real one.
+// The player against a media object that notes its calls or talks nonsense.
 #include "host/player.h"
 
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 #include <tuple>
 
 #include "host/errors.h"
-#include "host/plugin_library.h"
+#include "tests/host/error_of.h"
 #include "tests/host/fake_media_object.h"
 
 namespace clarivex {
@@ -18,15 +18,6 @@ std::vector<uint8_t> Gradient(PictureSize size) {
     std::vector<uint8_t> samples(size.PlanarBytes());
     for (size_t i = 0; i < samples.size(); ++i) samples[i] = static_cast<uint8_t>(40 + i % 160);
     return samples;
-}
-
-std::string ErrorOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const RunError& error) {
-        return error.what();
-    }
-    return "";
 }
 
 // Of small YV12 pictures.
@@ -115,29 +106,49 @@ TEST(Player, WhatTheObjectLeavesOutIsTheSourceOverBlack) {
     EXPECT_EQ(player.Play(samples)[0][0], samples[0]) << "nothing of the frame before is left";
 }
 
-TEST(Player, FailuresOfTheObjectAreNamed) {
-    FakeMediaObject object;
-    object.process = [](auto, BYTE*) { return E_INVALIDARG; };
-    Player player = PlayerOf(object);
-    player.Negotiate();
-    const auto play = [&] { player.Play(Gradient({32, 16})); };
-    EXPECT_EQ(ErrorOf(play), "the media object failed in ProcessOutput with code 0x80070057");
-    object.process = [](auto, BYTE*) { return S_FALSE; };
-    EXPECT_NE(ErrorOf(play), "") << "no picture is a failure too";
-}
-
-TEST(Player, UnusableOffersAreRefused) {
-    const auto refuses = [](PictureSize offered, DWORD bytes) {
-        FakeMediaObject object;
-        object.outputSizeOf = [=](PictureSize) { return offered; };
-        object.outputBytes = bytes;
-        Player player = PlayerOf(object);
-        EXPECT_NE(ErrorOf([&] { player.Negotiate(); }), "") << offered.width << "x" << offered.height;
+/// What a media object says is looked at before it is believed.
+TEST(Player, NonsenseOfTheObjectIsRefusedAndNamed) {
+    using Fake = FakeMediaObject;
+    const auto offering = [](PictureSize size) {
+        return [=](Fake& object) { object.outputSizeOf = [=](PictureSize) { return size; }; };
     };
-    for (const PictureSize absurd : {PictureSize{31, 16}, PictureSize{32, 0}, PictureSize{-32, 16},
-                                     PictureSize{INT32_MAX, 16}, PictureSize{32, INT32_MIN}})
-        refuses(absurd, 1 << 20);
-    refuses({32, 16}, 32 * 16 * 3 / 2 - 1);
+    const auto spoiling = [](void (*spoil)(DMO_MEDIA_TYPE & type)) {
+        return [=](Fake& object) { object.spoilOffer = spoil; };
+    };
+    constexpr const char* unusable = "offers an output type that cannot be shown";
+    constexpr DWORD pictureBytes = 32 * 16 * 3 / 2;
+    const std::pair<std::function<void(Fake&)>, const char*> cases[] = {
+        {offering({31, 16}), unusable},
+        {offering({32, 0}), unusable},
+        {offering({-32, 16}), unusable},
+        {offering({INT32_MAX, 16}), unusable},
+        {offering({32, INT32_MIN}), unusable},
+        {spoiling([](auto& type) { type.majortype = {}; }), unusable},
+        {spoiling([](auto& type) { type.subtype = mediaSubtypeYuy2; }), unusable},
+        {spoiling([](auto& type) { type.formattype = {}; }), unusable},
+        {spoiling([](auto& type) { --type.cbFormat; }), unusable},
+        {spoiling([](auto& type) { CoTaskMemFree(std::exchange(type.pbFormat, nullptr)); }), unusable},
+        {spoiling([](auto& type) { MoFreeMediaType(&type); }), unusable},
+        {[](Fake& object) { object.withoutSettings = true; }, "gives no settings"},
+        {[](Fake& object) { object.inputBytes = 0; }, "a buffer of 0 bytes; a picture of 32x16 needs 768"},
+        {[](Fake& object) { object.inputBytes = UINT32_MAX; }, "a buffer of 4294967295 bytes"},
+        {[](Fake& object) { object.outputBytes = pictureBytes - 1; }, "a buffer of 767 bytes"},
+        {[](Fake& object) { object.outputBytes = UINT32_MAX; }, "a buffer of 4294967295 bytes"},
+        {[](Fake& object) { object.process = [](auto, BYTE*) { return E_INVALIDARG; }; },
+         "failed in ProcessOutput with code 0x80070057"},
+        {[](Fake& object) { object.process = [](auto, BYTE*) { return S_FALSE; }; }, "failed in ProcessOutput"},
+    };
+    for (const auto& [spoil, words] : cases) {
+        FakeMediaObject object;
+        spoil(object);
+        const std::string error = ErrorOf([&] {
+            Player player = PlayerOf(object);
+            player.Negotiate();
+            player.Play(Gradient({32, 16}));
+        });
+        EXPECT_NE(error.find(words), std::string::npos) << "\"" << error << "\" instead of " << words;
+        EXPECT_EQ(object.references, 1);
+    }
 }
 
 TEST(Player, ARefusalIsABypassOnlyWhenHdIsTheReason) {
@@ -157,22 +168,6 @@ TEST(PictureAspect, IsTheSampleAspectTimesTheSize) {
     EXPECT_FALSE(PictureAspect({640, 360}, {0, 0}).Known());
     EXPECT_TRUE(PictureAspect({8191, 8190}, {4294967291, 4294967279}).Known());
     EXPECT_FALSE(PictureAspect({8192, 1}, {4294967295, 1}).Known()) << "thinner than 32 bits can say";
-}
-
-TEST(RealMediaObject, EnlargesKeepsTheSizeOrRefusesAsItIsTold) {
-    const auto negotiate = [](SampleFormat format, PictureSize size, const PlayerSettings& settings) {
-        Player player(MakeLinkedMediaObject(), {format, size, {25, 1}, {}}, settings);
-        if (player.Negotiate() == Negotiated::bypassedForHd) return PictureSize{};
-        player.Play(Gradient(size));
-        player.Finish();
-        return player.OutputSize();
-    };
-    for (const SampleFormat format : {SampleFormat::yv12, SampleFormat::iyuv, SampleFormat::yuy2}) {
-        EXPECT_EQ(negotiate(format, {65, 49}, {.mode = 0}), (PictureSize{65, 49}));
-        EXPECT_EQ(negotiate(format, {33, 17}, {}), (PictureSize{56, 24}));
-        EXPECT_EQ(negotiate(format, {1024, 576}, {.allowHd = false}), PictureSize{});
-        EXPECT_THROW(negotiate(format, {15, 64}, {}), RunError);
-    }
 }
 
 }  // namespace
