@@ -3,18 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/host/error_of.h"
 #include "tests/host/memory_stream.h"
 
 namespace clarivex {
 namespace {
 
 std::string HeaderError(std::string_view line) {
-    try {
-        ParseY4mHeader(line);
-    } catch (const RunError& error) {
-        return error.what();
-    }
-    return "";
+    return ErrorOf([=] { ParseY4mHeader(line); });
 }
 
 /// The error of reading a whole stream, and how many frames came before it.
@@ -25,14 +21,12 @@ struct Reading {
 
 Reading ReadAll(std::string_view stream) {
     Reading reading;
-    try {
+    reading.error = ErrorOf([&] {
         MemorySource source(stream);
         Y4mReader reader(source);
         Y4mFrame frame;
         while (reader.ReadFrame(frame)) ++reading.frames;
-    } catch (const RunError& error) {
-        reading.error = error.what();
-    }
+    });
     return reading;
 }
 
@@ -75,13 +69,8 @@ TEST(Y4mHeader, AbsurdNumbersAndMissingPartsAreNamed) {
     EXPECT_EQ(HeaderError("YUV4MPEG2 W8192 H8192 F4294967295:4294967295"), "");
     EXPECT_NE(HeaderError("YUV4MPEG2 H64").find("no width"), std::string::npos);
     EXPECT_NE(HeaderError("YUV4MPEG2 W64").find("no height"), std::string::npos);
+    EXPECT_NE(HeaderError("YUV4MPEG2 W64 H64 C\x1b]0;x\x07").find("C?]0;x? is not"), std::string::npos);
     EXPECT_NE(HeaderError("YUV4MPEG22 W64 H64").find("not a Y4M"), std::string::npos);
-}
-
-TEST(Y4mHeader, ForeignTextIsShownHarmlessly) {
-    const std::string error = HeaderError("YUV4MPEG2 W64 H64 C\x1b]0;x\x07" + std::string(500, 'z'));
-    EXPECT_EQ(error.find('\x1b'), std::string::npos);
-    EXPECT_LT(error.size(), 250u);
 }
 
 TEST(Y4mReader, CountsFramesToTheEnd) {

@@ -7,19 +7,14 @@
 #include <string>
 #include <vector>
 
-#include "host/errors.h"
 #include "host/player.h"
+#include "tests/host/error_of.h"
 
 namespace clarivex {
 namespace {
 
-std::string ErrorOf(const char* path) {
-    try {
-        const PluginLibrary library(path);
-    } catch (const RunError& error) {
-        return error.what();
-    }
-    return "";
+std::string RefusalOf(const char* path) {
+    return ErrorOf([=] { PluginLibrary library(path); });
 }
 
 TEST(PluginLibrary, PlaysThroughTheLibrarysOwnClassFactory) {
@@ -34,8 +29,8 @@ TEST(PluginLibrary, PlaysThroughTheLibrarysOwnClassFactory) {
 }
 
 TEST(PluginLibrary, FilesThatAreNoPluginsAreNamed) {
-    EXPECT_NE(ErrorOf("no_such_plugin.dll").find("no_such_plugin.dll: cannot be loaded"), std::string::npos);
-    EXPECT_EQ(ErrorOf("winmm.dll"), "winmm.dll: is not a plug-in: it exports no DllGetClassObject");
+    EXPECT_NE(RefusalOf("no_such_plugin.dll").find("no_such_plugin.dll: cannot be loaded"), std::string::npos);
+    EXPECT_EQ(RefusalOf("winmm.dll"), "winmm.dll: is not a plug-in: it exports no DllGetClassObject");
 }
 
 }  // namespace
