@@ -20,7 +20,7 @@ std::string FreeNameBeside(const std::string& path) {
     if (files::is_directory(path, error)) throw RunError("cannot be replaced: it is a folder; name a file");
     if (files::exists(path, error) && !OwnedFile(std::fopen(path.c_str(), "r+b")))  // opened without a change
         throw RunError(std::string("cannot be replaced: ") + std::strerror(errno) + "; check its rights");
-    const std::string part = path + ".part";
+    std::string part = path + ".part";
     if (files::exists(files::symlink_status(part, error)))
         throw RunError("cannot be written: " + part + " is in its way; delete or rename that");
     return part;
