@@ -2,7 +2,9 @@
 #include "shell/cpu_speed.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
+#include <utility>
 
 #include "platform/tsc.h"
 #include "platform/win32.h"
@@ -24,13 +26,19 @@ int64_t ReadPerformanceFrequency() {
 
 void SleepFor(uint32_t milliseconds) { Sleep(milliseconds); }
 
+constinit SpeedSources sources = {.timeStamp = ReadTimeStamp,
+                                  .performanceCounter = ReadPerformanceCounter,
+                                  .performanceFrequency = ReadPerformanceFrequency,
+                                  .sleep = SleepFor};
+constinit std::atomic<float> knownGHz = 0.0F;
+
 // Counts of both clocks across a sleep.
 struct Interval {
     int64_t stamps = 0;
     int64_t counts = 0;
 };
 
-Interval TimeSleep(const SpeedSources& sources, uint32_t milliseconds) {
+Interval TimeSleep(uint32_t milliseconds) {
     const int64_t countBefore = sources.performanceCounter();
     const uint64_t stampBefore = sources.timeStamp();
     sources.sleep(milliseconds);
@@ -45,11 +53,11 @@ int64_t RoundHertz(double hertz) {
     return std::abs(hertz) < limit ? static_cast<int64_t>(std::nearbyint(hertz)) : 0;
 }
 
-int64_t MeasureRound(const SpeedSources& sources, uint32_t milliseconds) {
+int64_t MeasureRound(uint32_t milliseconds) {
     const HANDLE thread = GetCurrentThread();
     const int priority = GetThreadPriority(thread);
     const BOOL raised = SetThreadPriority(thread, THREAD_PRIORITY_TIME_CRITICAL);
-    const Interval interval = TimeSleep(sources, milliseconds);
+    const Interval interval = TimeSleep(milliseconds);
     SetThreadPriority(thread, raised);  // near normal while the rest is worked out
     const double ratio = static_cast<double>(interval.stamps) / static_cast<double>(interval.counts);
     const int64_t hertz = RoundHertz(static_cast<double>(sources.performanceFrequency()) * ratio);
@@ -59,30 +67,22 @@ int64_t MeasureRound(const SpeedSources& sources, uint32_t milliseconds) {
 
 }  // namespace
 
-SpeedSources SystemSpeedSources() {
-    return {.timeStamp = ReadTimeStamp,
-            .performanceCounter = ReadPerformanceCounter,
-            .performanceFrequency = ReadPerformanceFrequency,
-            .sleep = SleepFor};
-}
-
-float CpuSpeedMeter::Measure() {
-    const float known = cpuSpeedGHz.load();
-    if (known > 0.0F) {
-        return known;
-    }
-    int64_t highest = MeasureRound(sources, 100);
-    highest = std::max(highest, MeasureRound(sources, 50));
-    highest = std::max(highest, MeasureRound(sources, 50));
-    const float measured = highest > 0 ? static_cast<float>(static_cast<double>(highest) / 1e9) : 0.0F;
-    const float speed = measured > 0.0F ? measured : 1.0F;
-    cpuSpeedGHz.store(speed);
-    return speed;
+SpeedSources SetSpeedSources(const SpeedSources& wanted) {
+    knownGHz = 0.0F;
+    return std::exchange(sources, wanted);
 }
 
 float MeasureCpuSpeed() {
-    static CpuSpeedMeter meter(SystemSpeedSources());
-    return meter.Measure();
+    if (const float known = knownGHz; known > 0.0F) {
+        return known;
+    }
+    int64_t highest = MeasureRound(100);
+    highest = std::max(highest, MeasureRound(50));
+    highest = std::max(highest, MeasureRound(50));
+    const float measured = highest > 0 ? static_cast<float>(static_cast<double>(highest) / 1e9) : 0.0F;
+    const float speed = measured > 0.0F ? measured : 1.0F;
+    knownGHz = speed;
+    return speed;
 }
 
 double SpeedScore(float speedGHz, int64_t area) {

@@ -1,7 +1,6 @@
 // How fast the processor is, and whether that is enough to enlarge a picture in time.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 
 namespace clarivex {
@@ -14,22 +13,13 @@ struct SpeedSources {
     void (*sleep)(uint32_t milliseconds) = nullptr;
 };
 
-SpeedSources SystemSpeedSources();
+/// Gives the process other clocks and forgets what it measured with the old ones. Not while a thread measures.
+///
+/// result  the clocks until now; the system's own at first
+SpeedSources SetSpeedSources(const SpeedSources& wanted);
 
-/// Measures once and remembers. Two threads that ask at first measure both, with the same result.
-class CpuSpeedMeter {
-public:
-    explicit CpuSpeedMeter(const SpeedSources& from) : sources(from) {}
-
-    /// Clock rate in GHz, always above 0; 1.0 when nothing usable comes out. The first call takes about 200 ms.
-    float Measure();
-
-private:
-    const SpeedSources sources;
-    std::atomic<float> cpuSpeedGHz = 0.0F;
-};
-
-/// The clock rate of this machine in GHz, measured once in a process.
+/// The clock rate of this machine in GHz, measured once in a process: always above 0, and 1.0 when nothing usable comes
+/// out. The first call takes about 200 ms; two threads that ask at first measure both, with the same result.
 float MeasureCpuSpeed();
 
 /// Score of a machine for pictures of `area` pixels, at least 1; from 1.0 on the stream is enlarged.

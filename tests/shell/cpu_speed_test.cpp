@@ -5,42 +5,60 @@
 
 #include <vector>
 
+#include "platform/win32.h"
+#include "tests/support/test_object.h"
+#include "tests/support/video_types.h"
+
 namespace clarivex {
 namespace {
 
+int OwnPriority() { return GetThreadPriority(GetCurrentThread()); }
+
 // A machine whose clocks move only while it sleeps, by a rate for each round.
 struct FakeMachine {
-    uint64_t stamps = 1'000'000;
-    int64_t counts = 77;
     std::vector<double> stampsPerCount = {2000.0, 2000.0, 2000.0};
     int64_t countsPerMillisecond = 1000;
-    std::vector<uint32_t> sleeps;
+    uint64_t stamps = 1'000'000;
+    int64_t counts = 77;
+    std::vector<uint32_t> sleeps = {};
+    std::vector<int> priorities = {};  // of the measuring thread: while it sleeps, while it works the round out, …
 };
 FakeMachine machine;
 
-SpeedSources FakeSources() {
-    return {.timeStamp = [] { return machine.stamps; },
-            .performanceCounter = [] { return machine.counts; },
-            .performanceFrequency = [] { return int64_t{1'000'000}; },
-            .sleep =
-                [](uint32_t milliseconds) {
-                    const int64_t counts = machine.countsPerMillisecond * milliseconds;
-                    const double rate = machine.stampsPerCount[machine.sleeps.size() % 3];
-                    machine.counts += counts;
-                    machine.stamps += static_cast<uint64_t>(static_cast<int64_t>(rate * static_cast<double>(counts)));
-                    machine.sleeps.push_back(milliseconds);
-                }};
+int64_t OneCountAMicrosecond() {
+    machine.priorities.push_back(OwnPriority());
+    return 1'000'000;
 }
 
-float SpeedAt(const std::vector<double>& stampsPerCount, int64_t countsPerMillisecond = 1000) {
-    machine = {};
-    machine.stampsPerCount = stampsPerCount;
-    machine.countsPerMillisecond = countsPerMillisecond;
-    CpuSpeedMeter meter(FakeSources());
-    return meter.Measure();
+void PassTime(uint32_t milliseconds) {
+    const int64_t counts = machine.countsPerMillisecond * milliseconds;
+    const double rate = machine.stampsPerCount[machine.sleeps.size() % 3];
+    machine.counts += counts;
+    machine.stamps += static_cast<uint64_t>(static_cast<int64_t>(rate * static_cast<double>(counts)));
+    machine.sleeps.push_back(milliseconds);
+    machine.priorities.push_back(OwnPriority());
 }
 
-TEST(CpuSpeed, HighestOfThreeRoundsCounts) {
+class CpuSpeed : public testing::Test {
+protected:
+    ~CpuSpeed() override { SetSpeedSources(before); }
+
+    static SpeedSources Start(const FakeMachine& started) {
+        machine = started;
+        return SetSpeedSources({.timeStamp = [] { return machine.stamps; },
+                                .performanceCounter = [] { return machine.counts; },
+                                .performanceFrequency = OneCountAMicrosecond,
+                                .sleep = PassTime});
+    }
+    static float SpeedAt(const std::vector<double>& stampsPerCount, int64_t countsPerMillisecond = 1000) {
+        Start({stampsPerCount, countsPerMillisecond});
+        return MeasureCpuSpeed();
+    }
+
+    const SpeedSources before = Start({});
+};
+
+TEST_F(CpuSpeed, HighestOfThreeRoundsCounts) {
     EXPECT_FLOAT_EQ(2.0F, SpeedAt({2000.0, 2000.0, 2000.0}));
     EXPECT_EQ((std::vector<uint32_t>{100, 50, 50}), machine.sleeps);
     EXPECT_FLOAT_EQ(3.5F, SpeedAt({1000.0, 3500.0, 2000.0}));
@@ -49,14 +67,37 @@ TEST(CpuSpeed, HighestOfThreeRoundsCounts) {
     EXPECT_EQ(1.0F, SpeedAt({2000.0, 2000.0, 2000.0}, 0)) << "neither clock moves";
 }
 
-TEST(CpuSpeed, IsMeasuredOnce) {
-    machine = {};
-    CpuSpeedMeter meter(FakeSources());
-    meter.Measure();
-    machine.stampsPerCount = {9000.0, 9000.0, 9000.0};
-    EXPECT_FLOAT_EQ(2.0F, meter.Measure());
-    EXPECT_EQ(3U, machine.sleeps.size());
-    EXPECT_GT(MeasureCpuSpeed(), 0.0F);
+TEST_F(CpuSpeed, RaisesItsThreadWhileItSleepsAndPutsItBack) {
+    constexpr int belowNormal = -1;
+    const int own = OwnPriority();
+    ASSERT_TRUE(SetThreadPriority(GetCurrentThread(), belowNormal));
+    MeasureCpuSpeed();
+    EXPECT_EQ(belowNormal, OwnPriority());
+    SetThreadPriority(GetCurrentThread(), own);
+    EXPECT_EQ((std::vector<int>{15, 1, 15, 1, 15, 1}), machine.priorities);
+}
+
+bool IsEnlarged(const TestObject& object, int32_t width, int32_t height) {
+    ReceivedType offered;
+    EXPECT_EQ(S_OK, object.media->SetInputType(0, VideoInfoType(width, height).Type(), 0));
+    EXPECT_EQ(S_OK, object.media->GetOutputType(0, 0, offered.Out()));
+    return object.ScalingActive();
+}
+
+// 163,203 pixels for each GHz.
+TEST_F(CpuSpeed, DecidesInAutomaticModeAndIsMeasuredOnceForAllObjects) {
+    for (const double gigahertz : {2.0, 3.0}) {
+        Start({{0.0, gigahertz * 1000.0, 0.0}});
+        for (const unsigned automatic : {1U, 7U}) {
+            const TestObject object;
+            object.settings->put_CVXMode(automatic);
+            EXPECT_EQ(gigahertz == 3.0, IsEnlarged(object, 572, 571));
+            EXPECT_TRUE(IsEnlarged(object, 568, 574));
+            EXPECT_FALSE(IsEnlarged(object, 700, 700));
+            EXPECT_EQ(gigahertz == 3.0, IsEnlarged(object, 700, 699));
+        }
+        EXPECT_EQ(3U, machine.sleeps.size());
+    }
 }
 
 TEST(LargestAutomaticArea, IsTheLastThatScoresOne) {
