@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cmath>
+#include <bit>
 #include <limits>
 #include <thread>
 #include <tuple>
@@ -16,41 +16,66 @@
 namespace clarivex {
 namespace {
 
-void ExpectSettings(TestObject& object, double scaleFactor, unsigned mode, int allowHd, int lighting, BOOL enabled) {
+// Hosts know these by heart: here they are written down once more, so that a change of a declaration is seen.
+TEST(Identifiers, AreTheOnesThatHostsKnow) {
+    // clang-format off
+    const std::pair<GUID, GUID> known[] = {
+        {clsidMediaObject,        {0x5C1E8A47, 0x93D2, 0x4B06, {0xB7, 0xF1, 0x2A, 0x6D, 0x90, 0xCE, 0x3F, 0x18}}},
+        {clsidPropertyPage,       {0x7F40B2D9, 0x18A6, 0x4E5C, {0x9C, 0x33, 0xD1, 0xE0, 0x7A, 0x5B, 0x6C, 0x42}}},
+        {iidCvxSettings,          {0x2C7E41D0, 0x96B3, 0x4A58, {0xB1, 0xF6, 0x83, 0xD0, 0x5A, 0x7E, 0x19, 0xC4}}},
+        {iidMediaObject,          {0xD8AD0F58, 0x5494, 0x4102, {0x97, 0xC5, 0xEC, 0x79, 0x8E, 0x59, 0xBC, 0xF4}}},
+        {iidWmpPluginEnable,      {0x5FCA444C, 0x7AD1, 0x479D, {0xA4, 0xEF, 0x40, 0x56, 0x6A, 0x53, 0x09, 0xD6}}},
+        {iidSpecifyPropertyPages, {0xB196B28B, 0xBAB4, 0x101A, {0xB6, 0x9C, 0x00, 0xAA, 0x00, 0x34, 0x1D, 0x07}}},
+        {iidPropertyBag,          {0x55272A00, 0x42CB, 0x11CE, {0x81, 0x35, 0x00, 0xAA, 0x00, 0x4B, 0xB8, 0x51}}},
+        {iidUnknown,              {0x00000000, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}}}};
+    // clang-format on
+    for (const auto& [declared, expected] : known)
+        EXPECT_TRUE(IsEqualGUID(declared, expected)) << std::hex << expected.Data1;
+}
+
+// As a host calls that was built without this project's declarations: by the place in an object's table.
+template <class Result = HRESULT, class... Arguments>
+Result Call(IUnknown* object, size_t slot, Arguments... arguments) {
+    using Function = Result(STDMETHODCALLTYPE*)(IUnknown*, Arguments...);
+    return (*reinterpret_cast<Function**>(object))[slot](object, arguments...);
+}
+
+void ExpectSettings(const TestObject& object, double scaleFactor, float sharpness, unsigned mode, int allowHd,
+                    int lighting, BOOL enabled) {
     double foundScaleFactor = -1.0;
+    float foundSharpness = -1.0F;
     unsigned foundMode = 99;
-    int foundAllowHd = 99, foundLighting = 99;
+    int foundAllowHd = 99, foundLighting = 99, foundActive = 99;
     BOOL foundEnabled = 99;
-    EXPECT_EQ(S_OK, object.settings->get_ScaleFactor(&foundScaleFactor));
-    EXPECT_EQ(S_OK, object.settings->get_CVXMode(&foundMode));
-    EXPECT_EQ(S_OK, object.settings->get_AllowHD(&foundAllowHd));
-    EXPECT_EQ(S_OK, object.settings->get_EnableLighting(&foundLighting));
-    EXPECT_EQ(S_OK, object.player->GetEnable(&foundEnabled));
-    EXPECT_EQ(std::tuple(scaleFactor, mode, allowHd, lighting, enabled),
-              std::tuple(foundScaleFactor, foundMode, foundAllowHd, foundLighting, foundEnabled));
+    EXPECT_EQ(S_OK, Call(object.settings.get(), 3, &foundScaleFactor));
+    EXPECT_EQ(S_OK, Call(object.settings.get(), 5, &foundSharpness));
+    EXPECT_EQ(S_OK, Call(object.settings.get(), 7, &foundMode));
+    EXPECT_EQ(S_OK, Call(object.settings.get(), 9, &foundAllowHd));
+    EXPECT_EQ(S_OK, Call(object.settings.get(), 11, &foundLighting));
+    EXPECT_EQ(S_OK, Call(object.settings.get(), 13, &foundActive));
+    EXPECT_EQ(S_OK, Call(object.player.get(), 4, &foundEnabled));
+    EXPECT_EQ(std::tuple(scaleFactor, std::bit_cast<uint32_t>(sharpness), mode, allowHd, lighting, 0, enabled),
+              std::tuple(foundScaleFactor, std::bit_cast<uint32_t>(foundSharpness), foundMode, foundAllowHd,
+                         foundLighting, foundActive, foundEnabled));
 }
 
 TEST(Settings, HaveStartValuesAndComeBackAsTheyWereGiven) {
-    TestObject object;
-    float sharpness = 0.0F;
-    ExpectSettings(object, 0.0, 1, 0, 1, 1);
-    EXPECT_EQ(S_OK, object.settings->get_Sharpness(&sharpness));
-    EXPECT_EQ(1.0F, sharpness);
-    object.settings->put_ScaleFactor(0.25);
-    object.settings->put_Sharpness(std::numeric_limits<float>::quiet_NaN());
-    object.settings->put_CVXMode(0xFFFFFFFFU);
-    object.settings->put_AllowHD(-7);
-    object.settings->put_EnableLighting(0);
-    object.player->SetEnable(0);
-    ExpectSettings(object, 0.25, 0xFFFFFFFFU, 1, 0, 0);
-    object.settings->get_Sharpness(&sharpness);
-    EXPECT_TRUE(std::isnan(sharpness));
+    constexpr float noNumber = std::numeric_limits<float>::quiet_NaN();
+    const TestObject object;
+    IUnknown* settings = object.settings.get();
+    EXPECT_EQ(6U, Call<ULONG>(settings, 1)) << "all interfaces of the test's object count together";
+    EXPECT_EQ(5U, Call<ULONG>(settings, 2));
+    ExpectSettings(object, 0.0, 1.0F, 1, 0, 1, 1);
+    EXPECT_EQ(S_OK, Call(settings, 4, 0.25));
+    EXPECT_EQ(S_OK, Call(settings, 6, noNumber));
+    EXPECT_EQ(S_OK, Call(settings, 8, 0xFFFFFFFFU));
+    EXPECT_EQ(S_OK, Call(settings, 10, -7));
+    ExpectSettings(object, 0.25, noNumber, 0xFFFFFFFFU, 1, 1, 1);
+    EXPECT_EQ(S_OK, Call(settings, 12, 0));
+    EXPECT_EQ(S_OK, Call(object.player.get(), 3, BOOL{0}));
+    ExpectSettings(object, 0.25, noNumber, 0xFFFFFFFFU, 1, 0, 0);
     EXPECT_EQ(E_POINTER, object.settings->get_ScaleFactor(nullptr));
-    EXPECT_EQ(S_OK, object.settings->get_Sharpness(nullptr));
-    EXPECT_EQ(S_OK, object.settings->get_CVXMode(nullptr));
-    EXPECT_EQ(S_OK, object.settings->get_AllowHD(nullptr));
-    EXPECT_EQ(S_OK, object.settings->get_EnableLighting(nullptr));
-    EXPECT_EQ(S_OK, object.settings->get_ScalingActive(nullptr));
+    for (const size_t getter : {5, 7, 9, 11, 13}) EXPECT_EQ(S_OK, Call(settings, getter, static_cast<void*>(nullptr)));
     EXPECT_EQ(E_POINTER, object.player->GetEnable(nullptr));
 }
 
