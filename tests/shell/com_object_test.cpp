@@ -17,8 +17,10 @@ constexpr GUID objectInterfaces[] = {iidCvxSettings, iidMediaObject, iidWmpPlugi
 int32_t ModuleLocks() { return ThisModule().lockCount; }
 
 ULONG ReferencesTo(IUnknown* object) {
-    object->AddRef();
-    return object->Release();
+    const ULONG added = object->AddRef();
+    const ULONG left = object->Release();
+    EXPECT_EQ(left + 1, added);
+    return left;
 }
 
 TEST(PlainShape, EveryInterfaceLeadsToEveryOtherAndToOneIdentityAndCount) {

@@ -89,8 +89,11 @@ TEST(IsAcceptedType, PicturesBeyondTheFramePathAreRefused) {
 }
 
 TEST(IsAcceptedType, InputsMustLeaveRoomForTheEnlargedPicture) {
-    EXPECT_TRUE(Accepted(VideoInfoType(8192, 8192)));
-    for (const VideoInfoType& enlargedTooFar : {VideoInfoType(16384, 16384), VideoInfoType(44000, 16)}) {
+    for (const VideoInfoType& fitting :
+         {VideoInfoType(8192, 8192), VideoInfoType(43691, 16), VideoInfoType(16, -43691)})
+        EXPECT_TRUE(Accepted(fitting));
+    for (const VideoInfoType& enlargedTooFar :
+         {VideoInfoType(16384, 16384), VideoInfoType(43692, 16), VideoInfoType(16, 43692), VideoInfoType(65536, 16)}) {
         EXPECT_FALSE(Accepted(enlargedTooFar));
         EXPECT_TRUE(Accepted(enlargedTooFar, StreamSide::output));
     }
