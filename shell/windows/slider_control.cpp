@@ -25,18 +25,20 @@ void SliderControl::Attach(HWND dialog, int controlId, int32_t lastPosition, int
     ticks = lastPosition;
     dragging = false;
     seenPosition = 0;
-    if (trackBar == nullptr || SetPropA(trackBar, ownerProperty, this) == FALSE) {
+    if (trackBar == nullptr) {
         return;
     }
-    const LONG_PTR procedure = reinterpret_cast<LONG_PTR>(&Procedure);
-    oldProcedure = reinterpret_cast<WNDPROC>(SetWindowLongPtrA(trackBar, GWLP_WNDPROC, procedure));
     SendMessageA(trackBar, TBM_SETRANGE, TRUE, MAKELPARAM(0, ticks));
     SendMessageA(trackBar, TBM_SETPOS, TRUE, position);
     Position();
+    if (SetPropA(trackBar, ownerProperty, this) != FALSE) {
+        const LONG_PTR procedure = reinterpret_cast<LONG_PTR>(&Procedure);
+        oldProcedure = reinterpret_cast<WNDPROC>(SetWindowLongPtrA(trackBar, GWLP_WNDPROC, procedure));
+    }
 }
 
 int32_t SliderControl::Position() {
-    if (GetCurrentThreadId() == thread && trackBar != nullptr) {
+    if (GetCurrentThreadId() == thread && IsWindow(trackBar) != FALSE) {
         seenPosition = static_cast<int32_t>(SendMessageA(trackBar, TBM_GETPOS, 0, 0));
     }
     return seenPosition;

@@ -16,7 +16,8 @@ public:
     SliderControl& operator=(const SliderControl&) = delete;
 
     /// Takes over a track bar, with positions 0 … `lastPosition`, and puts it at `position` or the end next to that. A
-    /// dialog without this control leaves the slider at rest at 0.
+    /// dialog without this control leaves the slider at rest at 0. A track bar that cannot be watched, because the
+    /// system is short of window properties, stands and answers like any other; only the companion stays as it was.
     ///
     /// companion  control of the dialog that shows the position as a number from 0.00 to 1.00 while the user moves the
     ///            slider; 0 for none
