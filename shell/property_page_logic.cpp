@@ -34,6 +34,35 @@ PageChoices ChoicesAt(const SliderPositions& positions, bool bypassHd, bool enab
             .enableLighting = enableLighting};
 }
 
+void TouchedChoices::Note(const PageChoices& atFirst, const PageChoices& now) {
+    sharpness |= now.sharpness != atFirst.sharpness;
+    mode |= now.mode != atFirst.mode;
+    bypassHd |= now.bypassHd != atFirst.bypassHd;
+    enableLighting |= now.enableLighting != atFirst.enableLighting;
+}
+
+void Merge(const PageChoices& chosen, const TouchedChoices& touched, PluginSettings& settings) {
+    if (touched.sharpness) {
+        settings.SetSharpness(chosen.sharpness);
+    }
+    if (touched.mode) {
+        settings.mode = chosen.mode;
+    }
+    if (touched.bypassHd) {
+        settings.allowHd = !chosen.bypassHd;
+    }
+    if (touched.enableLighting) {
+        settings.enableLighting = chosen.enableLighting;
+    }
+}
+
+PageChoices ChoicesIn(const PluginSettings& settings) {
+    return {.sharpness = settings.Sharpness(),
+            .mode = settings.mode,
+            .bypassHd = !settings.allowHd,
+            .enableLighting = settings.enableLighting};
+}
+
 const char* TitleFor(bool scalingActive) {
     return scalingActive ? "Clarivex (Currently On)" : "Clarivex (Currently Off)";
 }

@@ -40,6 +40,26 @@ bool CountsAsChanged(const PageChoices& known, const SliderPositions& positions)
 /// What the page's controls mean.
 PageChoices ChoicesAt(const SliderPositions& positions, bool bypassHd, bool enableLighting);
 
+/// Which choices a user has touched on a page.
+struct TouchedChoices {
+    bool sharpness = false;
+    bool mode = false;
+    bool bypassHd = false;
+    bool enableLighting = false;
+
+    /// Adds those in which the controls now say something else than when the page opened. What was touched stays so,
+    /// also when it says the old thing again.
+    void Note(const PageChoices& atFirst, const PageChoices& now);
+};
+
+constexpr TouchedChoices allTouched = {true, true, true, true};
+
+/// Takes over what was touched, and only that, into the settings that are to be saved.
+void Merge(const PageChoices& chosen, const TouchedChoices& touched, PluginSettings& settings);
+
+/// The choices that settings stand for.
+PageChoices ChoicesIn(const PluginSettings& settings);
+
 /// The heading that tells whether the running stream is enlarged.
 const char* TitleFor(bool scalingActive);
 

@@ -13,8 +13,9 @@
 
 namespace clarivex {
 
-/// Shows the settings of a running media object, or of none, and writes them to the registry and into the object. All
-/// calls come from the user interface's thread. Comes in the two shapes of com_object.h. No exception leaves a method.
+/// Shows the settings of a running media object and writes them to the registry and into the object. Without an object
+/// it shows the saved settings and writes those that were touched; what nobody touched keeps its saved value. All calls
+/// come from the user interface's thread. Comes in the two shapes of com_object.h. No exception leaves a method.
 class CVXPropertyPage : public IPropertyPage {
 public:
     static std::span<const InterfaceEntry<CVXPropertyPage>> Interfaces();
@@ -45,7 +46,7 @@ public:
     /// S_OK or S_FALSE.
     HRESULT STDMETHODCALLTYPE IsPageDirty() override;
 
-    /// Stores what the dialog shows and hands it to the object, with a message when that does not work at once.
+    /// Stores the choices and hands them to the object if there is one, with a message when that does not work at once.
     /// E_UNEXPECTED without a dialog.
     HRESULT STDMETHODCALLTYPE Apply() override;
     HRESULT STDMETHODCALLTYPE Help(LPCOLESTR helpFolder) override;
@@ -66,11 +67,12 @@ private:
 
     void InitDialog();
     void ShowScaleFactor();
-    void ReadObject();
+    PageChoices ObjectsChoices() const;
     void RefreshTitle(bool force);
     void MarkDirty();
 
     SliderPositions Positions();
+    PageChoices ChosenNow();
     bool IsChecked(int control) const;
     double ShownScaleFactor() const;
     void HandToObject(PageChoices chosen, double scaleFactor) const;
@@ -81,7 +83,9 @@ private:
     HWND window = nullptr;
     SliderControl edgeSlider;
     SliderControl modeSlider;
-    PageChoices choices;  // as shown or applied last
+    PageChoices choices;  // as read when the page opened, or as applied last
+    PageChoices shown;    // the same as far as the controls can say it
+    TouchedChoices touched;
     int lastShownActive = 0;
     bool dirty = false;
 };

@@ -17,12 +17,17 @@ double StoredScaleFactor() {
     return stored.scaleFactor;
 }
 
-void Store(const PageChoices& chosen) {
+PageChoices StoredChoices() {
+    PluginSettings stored;
+    LoadSettings(stored);
+    return ChoicesIn(stored);
+}
+
+// What was not touched keeps the value that is saved by now.
+void Store(const PageChoices& chosen, const TouchedChoices& touched) {
     PluginSettings settings;
-    settings.SetSharpness(chosen.sharpness);
-    settings.mode = chosen.mode;
-    settings.allowHd = !chosen.bypassHd;
-    settings.enableLighting = chosen.enableLighting;
+    LoadSettings(settings);
+    Merge(chosen, touched, settings);
     SaveSettings(settings);  // a registry that cannot be written is no reason not to use the choices now
 }
 
@@ -53,6 +58,7 @@ bool CVXPropertyPage::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 bool CVXPropertyPage::OnCommand(WORD control, WORD notification) {
     if (notification == BN_CLICKED && (control == CVX_PAGE_BYPASS_HD || control == CVX_PAGE_LIGHTING)) {
         RefreshTitle(false);
+        touched.Note(shown, ChosenNow());
         MarkDirty();
         return true;
     }
@@ -70,6 +76,7 @@ bool CVXPropertyPage::OnStyleChanging(WPARAM which, STYLESTRUCT& styles) const {
 
 void CVXPropertyPage::OnSlider() {
     RefreshTitle(false);
+    touched.Note(shown, ChosenNow());
     if (CountsAsChanged(choices, Positions())) {
         MarkDirty();
     }
@@ -85,12 +92,14 @@ void CVXPropertyPage::InitDialog() {
     dirty = false;
     lastShownActive = 0;  // what the dialog's own text says
     ShowScaleFactor();
-    ReadObject();
+    choices = settings != nullptr ? ObjectsChoices() : StoredChoices();
     const SliderPositions positions = PositionsFor(choices);
     edgeSlider.Attach(window, CVX_PAGE_EDGE_SLIDER, edgeTicks, positions.edge);
     modeSlider.Attach(window, CVX_PAGE_MODE_SLIDER, modeTicks, positions.mode);
     CheckDlgButton(window, CVX_PAGE_LIGHTING, choices.enableLighting ? BST_CHECKED : BST_UNCHECKED);
     CheckDlgButton(window, CVX_PAGE_BYPASS_HD, choices.bypassHd ? BST_CHECKED : BST_UNCHECKED);
+    shown = ChosenNow();
+    touched = {};
     RefreshTitle(false);
 }
 
@@ -102,21 +111,20 @@ void CVXPropertyPage::ShowScaleFactor() {
     SetDlgItemTextA(window, CVX_PAGE_SCALE_FACTOR, ScaleFactorText(scaleFactor).Text());
 }
 
-void CVXPropertyPage::ReadObject() {
-    choices = {};
-    if (settings == nullptr) {
-        return;
-    }
-    unsigned mode = choices.mode;
-    int allowHd = choices.bypassHd ? 0 : 1;
-    int enableLighting = choices.enableLighting ? 1 : 0;
-    settings->get_Sharpness(&choices.sharpness);
+// What the object does not tell stays as an object starts.
+PageChoices CVXPropertyPage::ObjectsChoices() const {
+    PageChoices found;
+    unsigned mode = found.mode;
+    int allowHd = found.bypassHd ? 0 : 1;
+    int enableLighting = found.enableLighting ? 1 : 0;
+    settings->get_Sharpness(&found.sharpness);
     settings->get_CVXMode(&mode);
     settings->get_AllowHD(&allowHd);
     settings->get_EnableLighting(&enableLighting);
-    choices.mode = mode;
-    choices.bypassHd = allowHd == 0;
-    choices.enableLighting = enableLighting != 0;
+    found.mode = mode;
+    found.bypassHd = allowHd == 0;
+    found.enableLighting = enableLighting != 0;
+    return found;
 }
 
 void CVXPropertyPage::RefreshTitle(bool force) {
@@ -146,8 +154,11 @@ HRESULT CVXPropertyPage::Apply() {
         return E_UNEXPECTED;
     }
     const auto self = ReferenceTo<IPropertyPage>(this);  // while a message stands the host may let the page go
-    choices = ChoicesAt(Positions(), IsChecked(CVX_PAGE_BYPASS_HD), IsChecked(CVX_PAGE_LIGHTING));
-    Store(choices);
+    choices = ChosenNow();
+    touched.Note(shown, choices);
+    Store(choices, settings != nullptr ? allTouched : touched);
+    shown = choices;
+    touched = {};
     HandToObject(choices, ShownScaleFactor());
     RefreshTitle(true);
     dirty = false;
@@ -155,6 +166,10 @@ HRESULT CVXPropertyPage::Apply() {
 }
 
 SliderPositions CVXPropertyPage::Positions() { return {edgeSlider.Position(), modeSlider.Position()}; }
+
+PageChoices CVXPropertyPage::ChosenNow() {
+    return ChoicesAt(Positions(), IsChecked(CVX_PAGE_BYPASS_HD), IsChecked(CVX_PAGE_LIGHTING));
+}
 
 bool CVXPropertyPage::IsChecked(int control) const { return IsDlgButtonChecked(window, control) == BST_CHECKED; }
 

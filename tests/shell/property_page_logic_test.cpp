@@ -5,6 +5,7 @@
 
 #include <limits>
 #include <string>
+#include <tuple>
 
 namespace clarivex {
 namespace {
@@ -49,6 +50,25 @@ TEST(PageDirtiness, EdgeSliderIsComparedFromTheOtherEnd) {
     EXPECT_TRUE(CountsAsChanged({.mode = modeAuto}, {2, 0}));
     EXPECT_TRUE(CountsAsChanged({.mode = modeAuto}, {2, 2}));
     EXPECT_TRUE(CountsAsChanged({.mode = 7}, {2, 2}));  // the mode's slider stops at its end
+}
+
+TEST(TouchedChoices, AreMergedAloneAndStayTouched) {
+    const PageChoices atFirst;
+    const PageChoices other{.sharpness = 0.5F, .mode = modeNever, .bypassHd = false, .enableLighting = false};
+    PluginSettings settings;
+    const auto merge = [&](PageChoices passing) {  // the controls went there and then to the other choices
+        TouchedChoices touched;
+        touched.Note(atFirst, passing);
+        touched.Note(atFirst, atFirst);
+        Merge(other, touched, settings);
+        const PageChoices now = ChoicesIn(settings);
+        return std::tuple(now.sharpness, now.mode, now.bypassHd, now.enableLighting);
+    };
+    EXPECT_EQ(std::tuple(1.0F, modeAuto, true, true), merge(atFirst));
+    EXPECT_EQ(std::tuple(1.0F, modeAuto, true, false), merge({.enableLighting = false}));
+    EXPECT_EQ(std::tuple(1.0F, modeAuto, false, false), merge({.bypassHd = false}));
+    EXPECT_EQ(std::tuple(1.0F, modeNever, false, false), merge({.mode = modeAlways}));
+    EXPECT_EQ(std::tuple(0.5F, modeNever, false, false), merge({.sharpness = 2.0F}));
 }
 
 TEST(PageMessage, TellsWhatWaitsForTheNextVideoAndWarnsOfANewAlways) {

@@ -99,6 +99,13 @@ protected:
         EXPECT_FALSE(Dirty());
     }
 
+    void ExpectSaved(uint32_t sharpness, uint32_t mode, uint32_t allowHd, uint32_t enableLighting) const {
+        EXPECT_EQ(sharpness, registry.Number(settingsKey, "Sharpness"));
+        EXPECT_EQ(mode, registry.Number(settingsKey, "CVXMode"));
+        EXPECT_EQ(allowHd, registry.Number(settingsKey, "AllowHD"));
+        EXPECT_EQ(enableLighting, registry.Number(settingsKey, "EnableLighting"));
+    }
+
     // What a user does.
     void MoveTo(int slider, int position) const {
         const int steps = position - Position(slider);
@@ -136,17 +143,36 @@ TEST_F(PropertyPage, ShowsTheRunningObjectsSettings) {
     object.scalingActive = 1;
     Reopen();  // the sliders stop at their ends
     ExpectShown(0, 2, false, false, "Clarivex (Currently On)", "0.25");
+    EXPECT_EQ(1U, MessagesOfApply().size());
+    ExpectSaved(0x20000, 2, 1, 0);
 }
 
-TEST_F(PropertyPage, WithoutAnObjectShowsTheStoredScaleFactorAndWritesTheRegistry) {
+TEST_F(PropertyPage, WithoutAnObjectShowsWhatIsSavedAndSavesWhatIsTouched) {
     Open(false);
     ExpectShown(2, 1, true, true, "Clarivex (Currently Off)", "1.00");
+    EXPECT_TRUE(MessagesOfApply().empty());
+    ExpectSaved(0x10000, 1, 0, 1);
+    registry.SetNumber(settingsKey, "Sharpness", 0x11000);  // between two positions
+    registry.SetNumber(settingsKey, "CVXMode", 7);          // beyond the last one
+    registry.SetNumber(settingsKey, "AllowHD", 1);
+    registry.SetNumber(settingsKey, "EnableLighting", 0);
     registry.SetNumber(settingsKey, "ScaleFactor", 0x8000);
     Reopen();
-    ExpectShown(2, 1, true, true, "Clarivex (Currently Off)", "0.50");
-    MoveTo(CVX_PAGE_MODE_SLIDER, 2);
+    ExpectShown(2, 2, false, false, "Clarivex (Currently Off)", "0.50");
     EXPECT_TRUE(MessagesOfApply().empty());
-    EXPECT_EQ(2U, registry.Number(settingsKey, "CVXMode"));
+    ExpectSaved(0x11000, 7, 1, 0);
+    MoveTo(CVX_PAGE_MODE_SLIDER, 1);
+    MoveTo(CVX_PAGE_MODE_SLIDER, 2);
+    Click(CVX_PAGE_LIGHTING);
+    registry.SetNumber(settingsKey, "Sharpness", 0x14000);  // by another page
+    ExpectSaved(0x14000, 7, 1, 0);
+    EXPECT_TRUE(MessagesOfApply().empty());
+    ExpectSaved(0x14000, 2, 1, 1);
+    Click(CVX_PAGE_BYPASS_HD);
+    SendMessageA(Control(CVX_PAGE_EDGE_SLIDER), TBM_SETPOS, TRUE, 0);  // as a program moves it, without a word
+    registry.SetNumber(settingsKey, "CVXMode", 0);
+    EXPECT_TRUE(MessagesOfApply().empty());
+    ExpectSaved(0x20000, 0, 0, 1);
     EXPECT_EQ(0x8000U, registry.Number(settingsKey, "ScaleFactor"));
     EXPECT_TRUE(object.puts.empty());
 }
@@ -188,10 +214,7 @@ TEST_F(PropertyPage, ApplyStoresTheChoicesAndHandsThemOver) {
     Click(CVX_PAGE_LIGHTING);
     SetDlgItemTextA(Dialog(), CVX_PAGE_SCALE_FACTOR, "0.75");
     EXPECT_EQ(std::vector<std::string>{reloadText}, MessagesOfApply());
-    EXPECT_EQ(0x18000U, registry.Number(settingsKey, "Sharpness"));
-    EXPECT_EQ(1U, registry.Number(settingsKey, "CVXMode"));
-    EXPECT_EQ(1U, registry.Number(settingsKey, "AllowHD"));
-    EXPECT_EQ(0U, registry.Number(settingsKey, "EnableLighting"));
+    ExpectSaved(0x18000, 1, 1, 0);
     EXPECT_EQ(std::nullopt, registry.Number(settingsKey, "ScaleFactor"));
     EXPECT_EQ((std::vector<std::string>{"ScaleFactor", "Sharpness", "CVXMode", "EnableLighting", "AllowHD"}),
               object.puts);
