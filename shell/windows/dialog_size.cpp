@@ -1,4 +1,5 @@
-// Reads size and font out of a dialog template, and measures the font as the system's dialogs do.
+// Reads size and font out of a dialog template, and measures the font as the system's dialogs do. Nothing here takes
+// memory of C++'s, so nothing throws.
 #include "shell/windows/dialog_size.h"
 
 #include <algorithm>
@@ -7,7 +8,6 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <string>
 #include <type_traits>
 
 namespace clarivex {
@@ -16,7 +16,7 @@ namespace {
 struct TemplateFacts {
     SIZE units = {};  // dialog units
     int points = 0;
-    std::wstring face;
+    wchar_t face[LF_FACESIZE] = {};  // cut short where a font's name may not be as long
 };
 
 // Words of a template one after the other; behind the end there are zeros.
@@ -33,12 +33,14 @@ public:
         return value;
     }
 
-    std::wstring TakeText() {
-        std::wstring text;
+    // What of a text has room in `kept`; the rest is passed over.
+    void TakeText(std::span<wchar_t> kept = {}) {
         for (wchar_t letter = Take<wchar_t>(); letter != L'\0'; letter = Take<wchar_t>()) {
-            text.push_back(letter);
+            if (!kept.empty()) {
+                kept.front() = letter;
+                kept = kept.subspan(1);
+            }
         }
-        return text;
     }
 
     // Menu and window class stand as a text or as a number behind a mark.
@@ -79,7 +81,7 @@ std::optional<TemplateFacts> ReadTemplate(std::span<const std::byte> bytes) {
     TemplateFacts facts;
     facts.units = {head.cx, head.cy};
     facts.points = reader.Take<WORD>();
-    facts.face = reader.TakeText();
+    reader.TakeText(std::span(facts.face).first<LF_FACESIZE - 1>());
     return facts;
 }
 
@@ -99,7 +101,7 @@ OwnedFont MakeFont(HDC context, const TemplateFacts& facts) {
     font.lfHeight = -MulDiv(facts.points, GetDeviceCaps(context, LOGPIXELSY), pointsPerInch);
     font.lfWeight = FW_NORMAL;
     font.lfCharSet = DEFAULT_CHARSET;
-    facts.face.copy(font.lfFaceName, LF_FACESIZE - 1);
+    std::ranges::copy(facts.face, font.lfFaceName);
     return OwnedFont(CreateFontIndirectW(&font));
 }
 

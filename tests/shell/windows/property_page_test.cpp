@@ -9,6 +9,7 @@
 #include <functional>
 #include <optional>
 #include <tuple>
+#include <utility>
 
 #include "host/bitmap.h"
 #include "shell/module.h"
@@ -17,6 +18,7 @@
 #include "tests/shell/windows/handle_count.h"
 #include "tests/shell/windows/host_windows.h"
 #include "tests/shell/windows/plugin_module.h"
+#include "tests/shell/windows/replaced_import.h"
 #include "tests/shell/windows/user_registry.h"
 #include "tests/support/fake_buffers.h"
 #include "tests/support/fake_settings.h"
@@ -264,11 +266,36 @@ struct PageInfo : PROPPAGEINFO {
     }
 };
 
+// Takes malloc's place and fails the first time.
+bool memoryIsShort = false;
+void* MallocOrNot(size_t size) { return std::exchange(memoryIsShort, false) ? nullptr : std::calloc(1, size); }
+
+// The memory in which texts are handed over: how many blocks there are yet to have, and how many nobody has freed.
+int blocksLeft = 0;
+int blocksInUse = 0;
+
+LPVOID WINAPI TakeBlock(SIZE_T size) {
+    if (blocksLeft-- == 0) return nullptr;
+    ++blocksInUse;
+    return HeapAlloc(GetProcessHeap(), 0, size);
+}
+
+void WINAPI FreeBlock(LPVOID block) {
+    blocksInUse -= block != nullptr ? 1 : 0;
+    HeapFree(GetProcessHeap(), 0, block);
+}
+
 INT_PTR CALLBACK TakesNothing(HWND, UINT, WPARAM, LPARAM) { return FALSE; }
 
 TEST_F(PropertyPage, TellsItsTextsAndTheSizeThatTheDialogWillHave) {
     EXPECT_EQ(E_POINTER, page->GetPageInfo(nullptr));
-    const PageInfo info(*page);
+    std::optional<PageInfo> told;
+    memoryIsShort = true;
+    {
+        const ReplacedImport shortage(GetModuleHandleA(nullptr), "msvcrt.dll", "malloc", &MallocOrNot);
+        told.emplace(*page);
+    }
+    const PageInfo& info = *told;
     EXPECT_EQ(sizeof(PROPPAGEINFO), info.cb);
     EXPECT_STREQ(L"Clarivex Settings", info.pszTitle);
     EXPECT_STREQ(L"Clarivex Plugin", info.pszDocString);
@@ -281,6 +308,18 @@ TEST_F(PropertyPage, TellsItsTextsAndTheSizeThatTheDialogWillHave) {
     EXPECT_EQ(client.right, info.size.cx);
     EXPECT_EQ(client.bottom, info.size.cy);
     DestroyWindow(asMade);
+}
+
+TEST_F(PropertyPage, KeepsNoTextWhenOneCannotBeHandedOver) {
+    const ReplacedImport taking(GetModuleHandleA(nullptr), "ole32.dll", "CoTaskMemAlloc", &TakeBlock);
+    const ReplacedImport freeing(GetModuleHandleA(nullptr), "ole32.dll", "CoTaskMemFree", &FreeBlock);
+    for (int blocks = 0; blocks < 3; ++blocks) {
+        PROPPAGEINFO info = {};
+        blocksLeft = blocks;
+        EXPECT_EQ(E_OUTOFMEMORY, page->GetPageInfo(&info));
+        EXPECT_EQ(nullptr, info.pszTitle);
+        EXPECT_EQ(0, blocksInUse);
+    }
 }
 
 TEST_F(PropertyPage, ShowsNothingWithoutItsResources) {
