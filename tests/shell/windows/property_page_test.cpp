@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "host/bitmap.h"
+#include "runtime/version.h"
 #include "shell/module.h"
 #include "shell/windows/page_ids.h"
 #include "shell/windows/resource_ids.h"
@@ -373,12 +374,66 @@ TEST_F(PropertyPage, NeedsAWindowForWhatWorksOnIt) {
     EXPECT_EQ(E_INVALIDARG, page->Help(std::wstring(1000, L'x').c_str()));
 }
 
+struct ControlRow {
+    int id;
+    const char* windowClass;
+    const char* text;
+    RECT units;  // left, top, width, height
+    LONG style;  // but for what all children have
+};
+
+// From the top of the z-order to its bottom.
+TEST_F(PropertyPage, HasTheseControls) {
+    constexpr char maker[] =
+        "Tessel Works\nClarivex Technology v" CLARIVEX_VERSION_SHORT_TEXT "\n[www.tesselworks.example]";
+    constexpr LONG shown = WS_VISIBLE;
+    constexpr LONG tabbed = WS_VISIBLE | WS_TABSTOP;
+    constexpr LONG box = tabbed | BS_AUTOCHECKBOX | BS_MULTILINE;
+    // clang-format off
+    const ControlRow expected[] = {
+        {0xFFFF, "static",            "Scale Factor (0.0 to 1.0):",        {0, 49, 8, 8},      0},
+        {201,    "edit",              "0.25",                              {0, 67, 6, 12},     ES_AUTOHSCROLL},
+        {1001,   "msctls_trackbar32", "Slider2",                           {26, 19, 20, 51},   tabbed | TBS_VERT | TBS_AUTOTICKS},
+        {0xFFFF, "static",            "Soft",                              {50, 57, 30, 11},   shown | SS_CENTERIMAGE},
+        {0xFFFF, "static",            "Medium",                            {50, 39, 29, 11},   shown},
+        {0xFFFF, "static",            "Hard",                              {50, 21, 28, 11},   shown},
+        {0xFFFF, "static",            maker,                               {7, 79, 100, 27},   shown | SS_CENTER | SS_SUNKEN},
+        {0xFFFF, "button",            "Edge Crispness",                    {18, 8, 68, 64},    shown | BS_GROUPBOX},
+        {203,    "button",            "Bypass on High Definition Video ",  {123, 83, 69, 20},  box},
+        {204,    "button",            "Enable Automatic Lighting Control", {123, 61, 69, 23},  box},
+        {0xFFFF, "button",            "Options",                           {112, 53, 90, 53},  shown | BS_GROUPBOX},
+        {206,    "button",            "Clarivex (Currently Off)",          {107, 8, 96, 41},   shown | BS_GROUPBOX},
+        {205,    "msctls_trackbar32", "Slider1",                           {116, 18, 82, 17},  tabbed | TBS_AUTOTICKS},
+        {0xFFFF, "static",            "Never",                             {113, 36, 20, 8},   shown | SS_CENTER},
+        {0xFFFF, "static",            "Auto",                              {144, 36, 25, 8},   shown | SS_CENTER},
+        {0xFFFF, "static",            "Always",                            {177, 36, 23, 8},   shown | SS_CENTER}};
+    // clang-format on
+    Open();
+    HWND control = GetWindow(Dialog(), GW_CHILD);
+    for (const auto& [id, windowClass, text, units, style] : expected) {
+        char foundClass[32] = {};
+        GetClassNameA(control, foundClass, sizeof foundClass);
+        EXPECT_EQ(id, GetDlgCtrlID(control) & 0xFFFF);
+        EXPECT_STRCASEEQ(windowClass, foundClass);
+        EXPECT_EQ(text, TextOf(control));
+        RECT wanted = units;
+        MapDialogRect(Dialog(), &wanted);
+        wanted.right += wanted.left;
+        wanted.bottom += wanted.top;
+        RECT found = {};
+        GetWindowRect(control, &found);
+        MapWindowPoints(nullptr, Dialog(), reinterpret_cast<POINT*>(&found), 2);
+        EXPECT_TRUE(EqualRect(&wanted, &found)) << text;
+        EXPECT_EQ(style, GetWindowLongA(control, GWL_STYLE) & (tabbed | 0xFFFF)) << text;
+        control = GetWindow(control, GW_HWNDNEXT);
+    }
+    EXPECT_EQ(nullptr, control);
+}
+
 TEST_F(PropertyPage, StandsWhereItIsPutAsAControlParent) {
     Open();
     SetWindowLongA(Dialog(), GWL_EXSTYLE, 0);  // as some hosts do
     EXPECT_NE(0, GetWindowLongA(Dialog(), GWL_EXSTYLE) & WS_EX_CONTROLPARENT);
-    EXPECT_FALSE(IsWindowVisible(Control(CVX_PAGE_SCALE_FACTOR)));
-    EXPECT_TRUE(IsWindowVisible(Control(CVX_PAGE_EDGE_SLIDER)));
     const RECT wanted = {11, 7, 211, 107};
     EXPECT_EQ(S_OK, page->Move(&wanted));
     RECT found = {};
