@@ -52,10 +52,17 @@ std::vector<DWORD> RunningUpdaters() {
 
 class UpdateCheckOfTheDll : public testing::Test {
 protected:
-    // The number of updaters that making one object starts; they have ended when this returns.
+    // The number of updaters that making one object starts; they have ended when this returns. They hold nothing of this
+    // process: a pipe that they could have inherited breaks with its last end here.
     size_t Started() {
+        SECURITY_ATTRIBUTES inheritable = {sizeof inheritable, nullptr, TRUE};
+        HANDLE reading = nullptr, writing = nullptr;
+        EXPECT_TRUE(CreatePipe(&reading, &writing, &inheritable, 0));
+        const OwnedHandle pipe(reading);
         module.Make<IUnknown>(iidUnknown);
         const std::vector<DWORD> updaters = RunningUpdaters();
+        CloseHandle(writing);
+        EXPECT_FALSE(PeekNamedPipe(reading, nullptr, 0, nullptr, nullptr, nullptr)) << "inherited";
         SetEvent(seen.get());
         for (const DWORD updater : updaters) {
             const OwnedHandle process(OpenProcess(SYNCHRONIZE, FALSE, updater));
