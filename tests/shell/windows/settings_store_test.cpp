@@ -3,8 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <random>
 #include <vector>
 
+#include "shell/windows/registry_key.h"
 #include "tests/shell/windows/user_registry.h"
 #include "tests/support/fake_buffers.h"
 #include "tests/support/test_object.h"
@@ -41,14 +44,35 @@ TEST_F(SettingsStore, EachValueIsReadByItself) {
     ExpectLoaded(1.5F, 7, true, false, 49152.0);  // unsigned
 }
 
-TEST_F(SettingsStore, FourBytesOfAnyTypeCountAndOtherSizesDoNot) {
-    const std::vector<uint8_t> bytes = {2, 0, 0, 0, 9, 9, 9, 9};
-    registry.Set(key, "CVXMode", REG_BINARY, std::span(bytes).first(4));
-    registry.Set(key, "AllowHD", REG_BINARY, std::span(bytes).first(1));
-    registry.Set(key, "EnableLighting", REG_QWORD, bytes);
-    registry.Set(key, "Sharpness", REG_BINARY, std::span(bytes).first(0));
-    registry.SetText(key, "ScaleFactor", "0.5 or thereabouts");
-    ExpectLoaded(1.0F, modeAlways, false, true, 0.0);
+// What the system hands out of a value, whatever its length, counts when it makes four bytes.
+std::optional<uint32_t> FourBytesOf(const char* name) {
+    std::vector<BYTE> bytes(1024);
+    auto size = static_cast<DWORD>(bytes.size());
+    const LSTATUS status = RegQueryValueExA(OpenUserKey(key).get(), name, nullptr, nullptr, bytes.data(), &size);
+    if (status != ERROR_SUCCESS || size != 4) return std::nullopt;
+    return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | uint32_t{bytes[3]} << 24;
+}
+
+// The same settings again after they were saved, too.
+TEST_F(SettingsStore, ValuesOfAnyTypeSizeAndContentAreReadByThatRule) {
+    std::minstd_rand random(1);
+    for (int round = 0; round < 1000; ++round) {
+        for (const char* name : {"Sharpness", "CVXMode", "AllowHD", "EnableLighting", "ScaleFactor"}) {
+            std::vector<uint8_t> bytes(random() % 3 != 0 ? 4 : random() % 9 * (random() % 40));
+            for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random() % 3 != 0 ? random() : 0);
+            registry.Set(key, name, random() % 2 != 0 ? REG_DWORD : random() % 14, bytes);
+        }
+        const auto sharpness = static_cast<float>(FourBytesOf("Sharpness").value_or(0x10000) / 65536.0);
+        const uint32_t mode = FourBytesOf("CVXMode").value_or(1);
+        const bool allowHd = FourBytesOf("AllowHD").value_or(0) != 0;
+        const bool enableLighting = FourBytesOf("EnableLighting").value_or(1) != 0;
+        const double scaleFactor = FourBytesOf("ScaleFactor").value_or(0) / 65536.0;
+        ExpectLoaded(sharpness, mode, allowHd, enableLighting, scaleFactor);
+        PluginSettings settings;
+        LoadSettings(settings);
+        EXPECT_EQ(S_OK, SaveSettings(settings));
+        ExpectLoaded(sharpness, mode, allowHd, enableLighting, scaleFactor);
+    }
 }
 
 TEST_F(SettingsStore, SavesFourValuesAndNotTheScaleFactor) {
