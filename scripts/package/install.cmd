@@ -1,5 +1,6 @@
 @echo off
 rem Registers the plug-in with the player, for the 32-bit and, on a 64-bit system, the 64-bit one.
+rem Needs a processor with SSE2.
 rem Exit code: 0 when it is registered for at least one player and nothing failed, else 1.
 setlocal
 set "here=%~dp0"
@@ -44,6 +45,7 @@ if errorlevel 1 (
 %3 /s "%here%%1\WMP_CVX.dll"
 if errorlevel 1 (
     echo %1\WMP_CVX.dll could not be registered for the %2-bit player: regsvr32 ended with code %errorlevel%.
+    if errorlevel 3 if not errorlevel 4 echo It could not be loaded. It needs a processor with SSE2.
     set failed=1
     exit /b 1
 )

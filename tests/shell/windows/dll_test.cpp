@@ -8,6 +8,7 @@
 #include "runtime/version.h"
 #include "tests/host/memory_stream.h"
 #include "tests/shell/windows/plugin_module.h"
+#include "tests/shell/windows/replaced_import.h"
 
 namespace clarivex {
 namespace {
@@ -51,14 +52,19 @@ TEST_F(PluginDll, LocksAndObjectsOfBothClassesKeepItLoaded) {
     EXPECT_EQ(S_OK, module.CanUnload());
 }
 
-TEST_F(PluginDll, CarriesItsTextsAndVersion) {
-    for (const auto& [id, expected] :
-         {std::pair(100U, "Clarivex"), std::pair(102U, "Clarivex Plugin"),
-          std::pair(109U, "You must enter a scale factor between 0.0 and 1.0")}) {  // others are seen where they show
-        char text[512] = {};
-        LoadStringA(module.Handle(), id, text, sizeof text);
-        EXPECT_STREQ(expected, text);
-    }
+BOOL WINAPI HasNoFeature(DWORD) { return FALSE; }
+
+// The answer to any other reason than being loaded shows the decision and does no harm.
+TEST_F(PluginDll, IsEnteredOnlyByAProcessorWithSse2) {
+    if (sizeof(void*) == 8) GTEST_SKIP() << "every 64-bit processor has it";
+    const auto enter = reinterpret_cast<BOOL(WINAPI*)(HMODULE, DWORD, void*)>(
+        reinterpret_cast<uintptr_t>(module.Handle()) + HeaderOf(module.Handle()).AddressOfEntryPoint);
+    EXPECT_TRUE(enter(module.Handle(), DLL_THREAD_ATTACH, nullptr));
+    const ReplacedImport older(module.Handle(), "kernel32.dll", "IsProcessorFeaturePresent", &HasNoFeature);
+    EXPECT_FALSE(enter(module.Handle(), DLL_THREAD_ATTACH, nullptr));
+}
+
+TEST_F(PluginDll, CarriesItsVersion) {
     std::vector<char> block(GetFileVersionInfoSizeA("WMP_CVX.dll", nullptr));
     ASSERT_TRUE(GetFileVersionInfoA("WMP_CVX.dll", 0, static_cast<DWORD>(block.size()), block.data()));
     for (const auto& [name, expected] :
