@@ -1,5 +1,6 @@
 // clarivex, the command line: runs one command and turns errors into a line and an exit code.
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -16,6 +17,7 @@
 #include "host/tune.h"
 #include "platform/console.h"
 #include "runtime/version.h"
+#include "shell/memory_wait.h"
 
 namespace {
 
@@ -39,6 +41,17 @@ void Run(const CommandLine& commandLine) {
     }
 }
 
+constexpr uint32_t memoryPatienceSeconds = 10;
+
+/// Memory that did not come is the cause of whatever failed after it, and says more.
+std::string CauseOf(const char* failure) {
+    const auto bytes = MemoryGivenUp();
+    if (!bytes) return failure;
+    const std::string size = *bytes != 0 ? std::to_string(*bytes) + " bytes in one block were" : "memory was";
+    return "not enough memory: " + size + " not to be had for " + std::to_string(memoryPatienceSeconds) +
+           " seconds; smaller pictures need less";
+}
+
 int Fail(ExitCode code, const char* what, const char* remedy = "") {
     std::fprintf(stderr, "clarivex: %s%s\n", what, remedy);
     return code;
@@ -49,6 +62,7 @@ int Fail(ExitCode code, const char* what, const char* remedy = "") {
 int main(int argumentCount, char** arguments) {
     FillStandardStreams();
     ReportFailedWrites();
+    GiveUpOnMemoryAfter(1000 * memoryPatienceSeconds);
     try {
         Run(ParseCommandLine(
             std::span<const char* const>(arguments, arguments + argumentCount).subspan(argumentCount > 0)));
@@ -59,6 +73,8 @@ int main(int argumentCount, char** arguments) {
     } catch (const std::bad_alloc&) {
         return Fail(runFailed, "not enough memory for pictures of this size");
     } catch (const std::exception& error) {
-        return Fail(runFailed, error.what());
+        return Fail(runFailed, CauseOf(error.what()).c_str());
+    } catch (const char* text) {  // what giving up on memory throws
+        return Fail(runFailed, CauseOf(text).c_str());
     }
 }

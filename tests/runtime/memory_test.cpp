@@ -5,7 +5,10 @@
 #include <cerrno>
 #include <cstring>
 #include <limits>
+#include <new>
+#include <string>
 
+#include "runtime/diagnostics.h"
 #include "tests/support/memory_count.h"
 
 namespace clarivex {
@@ -75,6 +78,35 @@ TEST(RetryingAllocators, WaitUntilThereIsMemoryAndKeepTheBytes) {
     EXPECT_EQ(MemoryCount::Attempts(), 3);
     EXPECT_STREQ(reinterpret_cast<char*>(block), "abc");
     EXPECT_EQ(ReallocRetry(block, 0), nullptr);
+}
+
+size_t bytesWaitedFor = 0;
+uint32_t longestWait = 0;
+std::string traced;
+
+bool WaitThreeTimes(size_t bytes, uint32_t waitedMilliseconds) {
+    bytesWaitedFor = bytes;
+    longestWait = waitedMilliseconds;
+    return waitedMilliseconds < 3 * retryMilliseconds;
+}
+
+TEST(MemoryShortage, IsToldOnceAndGivenUpWhereTheProcessSaysSo) {
+    traced.clear();
+    const TraceSink previousSink = SetTraceSink([](const char* line) { traced += line; });
+    const MemoryWait previousWait = SetMemoryWait(WaitThreeTimes);
+    {
+        const MemoryCount memory(4);
+        EXPECT_THROW(AllocRetry(777), const char*);
+        EXPECT_EQ(MemoryCount::Attempts(), 4);
+        EXPECT_EQ(bytesWaitedFor, 777U);
+        EXPECT_EQ(longestWait, 300U);
+        int attempts = 0;
+        EXPECT_EQ(WaitForMemory([&] { return ++attempts < 3 ? throw std::bad_alloc() : attempts; }), 3);
+        EXPECT_EQ(bytesWaitedFor, 0U);
+    }
+    SetMemoryWait(previousWait);
+    SetTraceSink(previousSink);
+    EXPECT_EQ(traced, "MemAlloc : waiting for 777 bytes\nMemAlloc : waiting for 0 bytes\n");
 }
 
 TEST(RetryingAllocators, ThrowATextWhenNoWaitingCouldHelp) {
