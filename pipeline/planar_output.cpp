@@ -97,7 +97,7 @@ private:
         if (work)
             kernels.toneChroma(in, out, chromaWidth, chromaGain.Data(), chromaPattern.Data());
         else
-            std::memcpy(out, in, static_cast<size_t>(chromaWidth));
+            std::memmove(out, in, static_cast<size_t>(chromaWidth));  // a host may give one buffer for both
     }
 
     void ToneLumaUnderOverlay(int32_t y, const uint8_t* in, uint8_t* out, int32_t columns, const uint8_t* groups) {

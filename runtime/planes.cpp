@@ -34,7 +34,7 @@ size_t BytesBefore(const uint8_t* end, const uint8_t* position) {
 
 void CopyRun(uint8_t* target, const uint8_t* source, size_t bytes, const CopyBounds& bounds) {
     bytes = std::min({bytes, BytesBefore(bounds.targetEnd, target), BytesBefore(bounds.sourceEnd, source)});
-    std::memcpy(target, source, bytes);
+    std::memmove(target, source, bytes);  // a host may give one buffer for both
 }
 
 bool RowsTouch(const Plane& target, const Plane& source, const SharedPart& part) {
