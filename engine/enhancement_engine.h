@@ -19,7 +19,9 @@ struct EngineSettings {
     // Written by the frame driver for every frame.
     int32_t horizontalMode = 1;  ///< 0 no scaling, 1 three halves, 2 twofold
     int32_t verticalMode = 1;
-    float sharpness = 0.0F;  ///< strength; negative: its absolute value, whatever the picture's size
+    /// Strength; negative: its absolute value, whatever the picture's size. No number counts as 0, but unlike 0 it has the
+    /// picture written where nothing is scaled.
+    float sharpness = 0.0F;
     int32_t lightingEnabled = 1;
     int32_t colourBiasA = 50;  ///< picture adjustments centred on 50, for the tone curve
     int32_t colourBiasB = 50;

@@ -1,8 +1,10 @@
 // Media types, rectangles and capacities as the input has them: a layout that is given lies inside both buffers. Each
-// buffer is a block of exactly its capacity, and every byte of the layout is touched.
+// buffer is a block of exactly its capacity, told ones and those that just do, and every byte of the layout is touched.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <vector>
+#include <memory>
+#include <optional>
 
 #include "fuzz/support/demand.h"
 #include "fuzz/support/input_numbers.h"
@@ -39,41 +41,51 @@ FrameRequest AnyRequest(InputNumbers& numbers) {
     return request;
 }
 
-int32_t Sum(const Plane& plane, int32_t rowBytes) {
-    int32_t sum = 0;
+/// Reads or writes every byte of the plane's rows; gives the end of the last one.
+const uint8_t* Touch(const Plane& plane, int32_t rowBytes, bool writes) {
+    volatile uint8_t read = 0;
     for (int32_t y = 0; y < plane.height; ++y)
-        for (int32_t x = 0; x < rowBytes; ++x) sum += plane.Row(y)[x];
-    return sum;
+        for (int32_t x = 0; x < rowBytes; ++x) {
+            if (writes) plane.Row(y)[x] = 1;
+            read = plane.Row(y)[x];
+        }
+    static_cast<void>(read);
+    return plane.Row(plane.height - 1) + rowBytes;
 }
 
-void Fill(const Plane& plane, int32_t rowBytes) {
-    for (int32_t y = 0; y < plane.height; ++y)
-        for (int32_t x = 0; x < rowBytes; ++x) plane.Row(y)[x] = 1;
-}
-
-void CheckSize(const Plane& plane, int32_t width, int32_t height) {
-    Demand(plane.width == width && plane.height == height, "a plane has another size than its picture");
-}
-
-void CheckPlanes(const ImagePlanes& planes, int32_t width, int32_t height, bool packed) {
-    CheckSize(planes.luma, width, height);
-    for (const Plane& chroma : {planes.second, planes.third})
-        if (!packed) CheckSize(chroma, (width + 1) / 2, (height + 1) / 2);
-}
-
-void TouchPlanes(const FrameLayout& layout, bool packed) {
-    CheckPlanes(layout.input, layout.width, layout.height, packed);
-    CheckPlanes(layout.output, layout.outputWidth, layout.outputHeight, packed);
-    if (packed) {
-        volatile int32_t read = Sum(layout.input.luma, (layout.width + 1) / 2 * 4);
-        static_cast<void>(read);
-        return Fill(layout.output.luma, (layout.outputWidth + 1) / 2 * 4);
+/// Bytes of the buffer up to the last one that the picture has.
+size_t TouchPicture(const ImagePlanes& planes, bool packed, FrameSize size, const uint8_t* buffer, bool writes) {
+    const auto isOf = [](const Plane& plane, int32_t width, int32_t height) {
+        return plane.width == width && plane.height == height;
+    };
+    const int32_t pairs = (size.width + 1) / 2;
+    Demand(isOf(planes.luma, size.width, size.height), "luma has another size than the picture");
+    const uint8_t* end = Touch(planes.luma, packed ? 4 * pairs : size.width, writes);
+    for (const Plane& chroma : {planes.second, planes.third}) {
+        if (packed) continue;
+        Demand(isOf(chroma, pairs, (size.height + 1) / 2), "chroma has another size than the picture");
+        end = std::max(end, Touch(chroma, pairs, writes));
     }
-    for (const Plane& plane : {layout.input.luma, layout.input.second, layout.input.third}) {
-        volatile int32_t read = Sum(plane, plane.width);
-        static_cast<void>(read);
-    }
-    for (const Plane& plane : {layout.output.luma, layout.output.second, layout.output.third}) Fill(plane, plane.width);
+    return static_cast<size_t>(end - buffer);
+}
+
+struct Capacities {
+    size_t input = 0, output = 0;
+};
+
+/// Lays the frame out in blocks of these sizes. Gives what is needed of them, nothing when there is no picture.
+std::optional<Capacities> Try(const FrameRequest& request, Capacities bytes) {
+    const auto input = std::make_unique<uint8_t[]>(bytes.input), output = std::make_unique<uint8_t[]>(bytes.output);
+    FrameLayout layout;
+    const HRESULT result = LayOutFrame(request, {output.get(), bytes.output}, {input.get(), bytes.input}, layout);
+    Demand(result == S_OK || result == E_INVALIDARG || result == E_UNEXPECTED, "an unknown result");
+    if (result != S_OK || layout.tooSmall) return {};
+    Demand(layout.inputEnd == input.get() + bytes.input && layout.outputEnd == output.get() + bytes.output,
+           "the ends are not the buffers'");
+    const bool packed = request.format == PixelFormat::yuy2;
+    return Capacities{
+        TouchPicture(layout.input, packed, {layout.width, layout.height}, input.get(), false),
+        TouchPicture(layout.output, packed, {layout.outputWidth, layout.outputHeight}, output.get(), true)};
 }
 
 }  // namespace
@@ -83,16 +95,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace clarivex;
     InputNumbers numbers(data, size);
     const FrameRequest request = AnyRequest(numbers);
-    std::vector<uint8_t> input(numbers.Below(mostBytes)), output(numbers.Below(mostBytes));
-    uint8_t nothing = 0;
-    const InputBuffer from{input.empty() ? &nothing : input.data(), input.size()};
-    const OutputBuffer to{output.empty() ? &nothing : output.data(), output.size()};
-    FrameLayout layout;
-    const HRESULT result = LayOutFrame(request, to, from, layout);
-    Demand(result == S_OK || result == E_INVALIDARG || result == E_UNEXPECTED, "an unknown result");
-    if (result != S_OK || layout.tooSmall) return 0;
-    Demand(layout.inputEnd == from.data + from.capacity && layout.outputEnd == to.data + to.capacity,
-           "the ends are not the buffers'");
-    TouchPlanes(layout, request.format == PixelFormat::yuy2);
+    const Capacities told{numbers.Below(mostBytes), numbers.Below(mostBytes)};
+    const std::optional<Capacities> needed = Try(request, told);
+    if (!needed) return 0;
+    Demand(Try(request, *needed).has_value(), "buffers that end with the picture are refused");
+    Try(request, {needed->input - 1, needed->output});  // may find other planes, but none that reach farther
+    Demand(!Try(request, {needed->input, needed->output - 1}), "an output is taken that lacks its last byte");
     return 0;
 }

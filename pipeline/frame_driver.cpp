@@ -1,6 +1,7 @@
 #include "pipeline/frame_driver.h"
 
 #include <cmath>
+#include <limits>
 
 #include "pipeline/complete_planes.h"
 #include "pipeline/load_frame.h"
@@ -24,6 +25,7 @@ ToneSettings ToneSettingsOf(const EngineSettings& settings) {
 }  // namespace
 
 float StrengthOfSlider(float sharpness) {
+    if (!(sharpness >= 0.0F)) return std::numeric_limits<float>::quiet_NaN();
     const double slider = sharpness;
     const double strength = slider > 2.0 ? slider : 2.0 * std::pow(slider / 2.0, 1.33);
     return static_cast<float>(strength / 9.0 * 9.0);  // both roundings are part of the result

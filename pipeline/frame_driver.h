@@ -9,7 +9,8 @@
 
 namespace clarivex {
 
-/// Strength that a slider value stands for: the lower end of the slider, up to 2, is compressed.
+/// Strength that a slider value stands for: the lower end of the slider, up to 2, is compressed. What is no strength, below
+/// 0 or no number, comes back as no number, which the pass takes as 0.
 float StrengthOfSlider(float sharpness);
 
 class FrameDriver {

@@ -82,13 +82,13 @@ private:
     Expected Near(int32_t plane, int32_t x, int32_t y) const {
         const int32_t reach = plane > 0 && source.packed ? 2 : 1;
         const int32_t fromX = enlarged ? x * 2 / 3 : x, fromY = enlarged ? y * 2 / 3 : y;
-        Expected near{255, 0};
+        Expected around{255, 0};
         for (int32_t dy = -reach; dy <= reach; ++dy)
             for (int32_t dx = -1; dx <= 1; ++dx) {
                 const int32_t sample = SourceAt(plane, fromX + dx, fromY + dy);
-                near = {std::min(near.low, sample), std::max(near.high, sample)};
+                around = {std::min(around.low, sample), std::max(around.high, sample)};
             }
-        return {near.low - noise, near.high + noise};
+        return {around.low - noise, around.high + noise};
     }
 
     /// Black words of 4 bytes from `first` on, at least one, none across the row's end.

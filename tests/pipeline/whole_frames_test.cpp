@@ -1,8 +1,10 @@
-// Whole frames through the media object at the ends of what it takes.
+// Whole frames through the media object at the ends of what it takes: the largest pictures, and sharpness that is no
+// strength.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
 #include <vector>
 
 #include "shell/caption.h"
@@ -103,6 +105,31 @@ TEST_F(WholeFrames, JustBelowTheLimitAreEnhancedEverywhere) {
                         << "plane " << plane << ", " << x << ", " << y;
         }
     }
+}
+
+TEST_F(WholeFrames, SharpnessThatIsNoStrengthCountsAsNoneAndMuchAsTheMost) {
+    constexpr float infinite = std::numeric_limits<float>::infinity();
+    constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
+    for (const unsigned mode : {neverEnlarged, alwaysEnlarged})
+        for (const GUID& subtype : {mediaSubtypeYv12, mediaSubtypeIyuv, mediaSubtypeYuy2}) {
+            const auto play = [&](float sharpness) {
+                Renew();
+                object.settings->put_Sharpness(sharpness);
+                return Play(subtype, 320, 250, mode);
+            };
+            const std::vector<uint8_t> none = play(-1), most = play(1e30F), usual = play(2);
+            EXPECT_GT(LargestDifference(none, usual), 3 * mostNoise);
+            EXPECT_GT(LargestDifference(most, usual), 3 * mostNoise);
+            EXPECT_LT(std::ranges::count(none, oldContent), std::ssize(none) / 10) << "still written";
+            for (const float sharpness : {-1e-30F, -infinite, notANumber})
+                EXPECT_LE(LargestDifference(none, play(sharpness)), mostNoise) << sharpness << ", mode " << mode;
+            for (const float sharpness : {9.0F, infinite})
+                EXPECT_LE(LargestDifference(most, play(sharpness)), mostNoise) << sharpness << ", mode " << mode;
+            if (mode == neverEnlarged && source.packed)
+                EXPECT_EQ(std::ranges::count(play(0), oldContent), std::ssize(none)) << "nothing to do";
+            else
+                EXPECT_LE(LargestDifference(none, play(0)), mostNoise);
+        }
 }
 
 }  // namespace

@@ -28,9 +28,6 @@ std::span<uint8_t> MapGuardedPages(size_t leastBytes) {
 
 void UnmapGuardedPages(std::span<uint8_t> pages) { VirtualFree(pages.data() - PageBytes(), 0, MEM_RELEASE); }
 
-bool IsReadable(const uint8_t* byte) {
-    uint8_t copy = 0;
-    return ReadProcessMemory(GetCurrentProcess(), byte, &copy, 1, nullptr) != FALSE;
-}
+bool IsReadable(const uint8_t* byte) { return !IsBadReadPtr(byte, 1); }  // tries it
 
 }  // namespace clarivex
