@@ -11,7 +11,7 @@ case ${1:-all} in
 native) ;;
 all)
     packages+=(g++-mingw-w64-i686-posix binutils-mingw-w64-i686 g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64)
-    packages+=(wine wine64 wine32:i386 xvfb xauth)
+    packages+=(wine wine64 wine32:i386 xvfb xauth qemu-user)
     ;;
 lint) packages+=(clang-format clang-tidy) ;;
 *)
