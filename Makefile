@@ -17,7 +17,7 @@ demo:
 	scripts/demo.sh
 
 test: setup
-	scripts/test.sh native asan windows-x86 windows-x64
+	scripts/test.sh native asan tsan windows-x86 windows-x64
 
 # ARGS=... goes to Google Benchmark, such as ARGS=--benchmark_filter=Frame
 bench:
