@@ -7,11 +7,13 @@
 #include <freetype/tttables.h>
 
 #include <algorithm>
+#include <exception>
 #include <initializer_list>
 #include <new>
 #include <utility>
 
 #include "overlay/growing_array.h"
+#include "runtime/fast_lock.h"
 
 namespace clarivex {
 namespace {
@@ -53,7 +55,11 @@ public:
     explicit ContourRecords(FT_Outline& outline) {
         constexpr FT_Outline_Funcs pieces = {
             .move_to = OnStart, .line_to = OnLine, .conic_to = OnSpline, .cubic_to = OnCubic, .shift = 0, .delta = 0};
-        if (FT_Outline_Decompose(&outline, &pieces, this) != 0) {
+        const bool whole = FT_Outline_Decompose(&outline, &pieces, this) == 0;
+        if (failure) {
+            std::rethrow_exception(failure);
+        }
+        if (!whole) {
             bytes.Clear();
         }
     }
@@ -65,6 +71,7 @@ private:
     static constexpr uint32_t lineType = 1;
     static constexpr uint32_t splineType = 2;
     static constexpr int goOn = 0;  // what FreeType wants to hear
+    static constexpr int stop = 1;
 
     static ContourRecords& Of(void* records) { return *static_cast<ContourRecords*>(records); }
 
@@ -82,22 +89,36 @@ private:
     }
 
     int BeginContour(FT_Vector start) {
-        contour = bytes.Count();
-        Append(0, 4);
-        Append(polygonType, 4);
-        AppendPoint(start);
-        StoreContourSize();
-        return goOn;
+        return Guarded([&] {
+            contour = bytes.Count();
+            Append(0, 4);
+            Append(polygonType, 4);
+            AppendPoint(start);
+            StoreContourSize();
+        });
     }
 
     int AddCurve(uint32_t type, std::initializer_list<FT_Vector> points) {
-        Append(type, 2);
-        Append(static_cast<uint32_t>(points.size()), 2);
-        for (const FT_Vector& point : points) {
-            AppendPoint(point);
+        return Guarded([&] {
+            Append(type, 2);
+            Append(static_cast<uint32_t>(points.size()), 2);
+            for (const FT_Vector& point : points) {
+                AppendPoint(point);
+            }
+            StoreContourSize();
+        });
+    }
+
+    /// FreeType's C stands between its callbacks and whoever could catch: what an action throws is kept for later.
+    template <class Action>
+    int Guarded(Action action) noexcept {
+        try {
+            action();
+            return goOn;
+        } catch (...) {
+            failure = std::current_exception();
+            return stop;
         }
-        StoreContourSize();
-        return goOn;
     }
 
     void AppendPoint(FT_Vector point) {
@@ -119,9 +140,10 @@ private:
         }
     }
 
-    GrowingArray<uint8_t> bytes;  // waits for memory: FreeType's C stands between its callbacks and whoever could catch
-    int32_t contour = 0;          // where the contour's header begins
-    FT_Vector current{};          // the point added last
+    GrowingArray<uint8_t> bytes;
+    std::exception_ptr failure;
+    int32_t contour = 0;  // where the contour's header begins
+    FT_Vector current{};  // the point added last
 };
 
 /// Makes every contour run the other way round from the same start: FreeType's own reversal starts at the point that was
@@ -197,25 +219,31 @@ private:
 
 // ---- Finding a font ----
 
+/// What fontconfig makes of memory alone is null only while memory is short.
+template <class Object>
+Object* Allocated(Object* object) {
+    if (object == nullptr) {
+        throw std::bad_alloc();
+    }
+    return object;
+}
+
 /// The system's configuration and list of fonts; null when they cannot be read. Stays silent when there is none.
 Config LoadConfig() {
-    Config config(FcConfigCreate());
-    const bool loaded =
-        config && FcConfigParseAndLoad(config.get(), nullptr, FcFalse) && FcConfigBuildFonts(config.get());
+    Config config(Allocated(FcConfigCreate()));
+    const bool loaded = FcConfigParseAndLoad(config.get(), nullptr, FcFalse) && FcConfigBuildFonts(config.get());
     return loaded ? std::move(config) : nullptr;
 }
 
 Pattern WantedFont(FontStyle style) {
-    Pattern pattern(FcPatternCreate());
-    if (pattern) {
-        for (const char* family : {"Tahoma", "sans-serif"}) {
-            FcPatternAddString(pattern.get(), FC_FAMILY, reinterpret_cast<const FcChar8*>(family));
-        }
-        FcPatternAddInteger(pattern.get(), FC_WEIGHT, style.bold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
-        FcPatternAddInteger(pattern.get(), FC_SLANT, style.italic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
-        FcPatternAddBool(pattern.get(), FC_SCALABLE, FcTrue);
-        FcPatternAddBool(pattern.get(), FC_VARIABLE, FcFalse);  // its named instances are fonts of their own
+    Pattern pattern(Allocated(FcPatternCreate()));
+    for (const char* family : {"Tahoma", "sans-serif"}) {
+        FcPatternAddString(pattern.get(), FC_FAMILY, reinterpret_cast<const FcChar8*>(family));
     }
+    FcPatternAddInteger(pattern.get(), FC_WEIGHT, style.bold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
+    FcPatternAddInteger(pattern.get(), FC_SLANT, style.italic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
+    FcPatternAddBool(pattern.get(), FC_SCALABLE, FcTrue);
+    FcPatternAddBool(pattern.get(), FC_VARIABLE, FcFalse);  // its named instances are fonts of their own
     return pattern;
 }
 
@@ -223,7 +251,7 @@ Pattern WantedFont(FontStyle style) {
 FontSet FontsByLikeness(FontStyle style) {
     const Config config = LoadConfig();
     const Pattern pattern = WantedFont(style);
-    if (!config || !pattern || !FcConfigSubstitute(config.get(), pattern.get(), FcMatchPattern)) {
+    if (!config || !FcConfigSubstitute(config.get(), pattern.get(), FcMatchPattern)) {
         return nullptr;
     }
     FcDefaultSubstitute(pattern.get());
@@ -251,9 +279,16 @@ Library OpenLibrary() {
     return Library(Succeeds(FT_Init_FreeType(&opened)) ? opened : nullptr);
 }
 
+/// Fontconfig keeps caches of its own for the whole process: one thread at a time looks for fonts.
+FastLock& FontSearchLock() {
+    static FastLock lock;
+    return lock;
+}
+
 class FreeTypeFontEngine final : public FontEngine {
 public:
     std::unique_ptr<Font> MakeFont(FontStyle style) override {
+        const FastLockGuard guard(FontSearchLock());
         Library library = OpenLibrary();
         const FontSet fonts = FontsByLikeness(style);
         if (!library || !fonts) {
