@@ -7,6 +7,7 @@
 #include <new>
 #include <span>
 
+#include "platform/com_pointer.h"
 #include "platform/guids.h"
 #include "platform/win32.h"
 #include "shell/module.h"
@@ -143,14 +144,9 @@ HRESULT CompleteObject(Object& object) {
 /// Completes a new object and gives its interface to its maker; on failure the object ends.
 template <class Shape>
 HRESULT HandOver(Shape* object, REFIID iid, void** out) {
-    IUnknown* identity = object->Identity();
-    identity->AddRef();
-    HRESULT result = CompleteObject(*object);
-    if (result == S_OK) {
-        result = identity->QueryInterface(iid, out);
-    }
-    identity->Release();
-    return result;
+    const ComPointer<IUnknown> identity = ReferenceTo(object->Identity());
+    const HRESULT result = CompleteObject(*object);
+    return result == S_OK ? identity->QueryInterface(iid, out) : result;
 }
 
 /// Makes an object in the shape that `outer` asks for.
