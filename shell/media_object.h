@@ -121,7 +121,7 @@ protected:
     CVXMediaObject();
 
     /// What the next frame is asked for; takes the notes of a new stream and of a changed sharpness.
-    FrameRequest NextRequest();
+    FrameRequest NextRequest() { return RequestFor(CurrentTerms()); }
 
     /// What the object's stream holds; for tests, between frames.
     StreamState& Stream() { return pipeline.Stream(); }
@@ -154,18 +154,24 @@ private:
         ImageFormat source;
     };
 
+    // All that is settled of a stream.
+    struct StreamTerms {
+        StreamType input;
+        StreamType output;
+        Negotiated negotiated;
+    };
+
     // The buffer that waits for ProcessOutput.
     struct HeldInput {
         ComPointer<IMediaBuffer> buffer;
         BufferTimes times;
     };
 
-    // What a frame begins with. It holds the input itself, so that nobody frees that while the frame runs.
-    struct FrameStart {
+    // What a frame begins with and goes on with. It holds the input itself, so that nobody frees that while the frame runs.
+    struct TakenFrame {
         bool inputHeld = false;
         HeldInput input;
-        uint32_t inputBytes = 0;
-        uint32_t outputBytes = 0;
+        StreamTerms terms;
     };
 
     HRESULT ChangeType(DWORD index, const DMO_MEDIA_TYPE* type, StreamSide side, DWORD flags);
@@ -174,16 +180,19 @@ private:
     void ReplaceType(StreamType type, StreamSide side);
     StreamType CurrentType(StreamSide side) const;
     HRESULT GiveCurrentType(DWORD index, StreamSide side, DMO_MEDIA_TYPE* target) const;
-    HRESULT OfferOutputType(Negotiated& next, DMO_MEDIA_TYPE* type) const;
+    StreamTerms CurrentTerms() const;
+    HRESULT OfferOutputType(const StreamType& current, Negotiated& next, DMO_MEDIA_TYPE* type) const;
     bool DecideStream(VideoHeader& header, StreamPlan& plan) const;
 
     bool HoldsInput() const { return held.buffer != nullptr || frameHoldsInput; }
     HRESULT AcceptsInput() const;
-    HRESULT BeginFrame(bool outputGiven, FrameStart& start);
+    HRESULT BeginFrame(bool outputGiven, TakenFrame& frame);
     void EndFrame(HeldInput& used, HRESULT result);
     static HRESULT GiveNothing(DMO_OUTPUT_DATA_BUFFER& target, bool inputHeld);
-    HRESULT EnhanceInto(DMO_OUTPUT_DATA_BUFFER& target, const FrameStart& start);
-    HRESULT RunFrame(OutputBuffer to, InputBuffer from);
+    HRESULT EnhanceInto(DMO_OUTPUT_DATA_BUFFER& target, const TakenFrame& frame);
+    HRESULT RunFrame(const StreamTerms& terms, OutputBuffer to, InputBuffer from);
+    FrameRequest RequestFor(const StreamTerms& terms);
+    bool TakeNewStream();
 
     CriticalSection hostLock;  // of IMediaObject::Lock
     PluginSettings settings;

@@ -112,8 +112,8 @@ HRESULT CVXMediaObject::ProcessOutput(DWORD, DWORD count, DMO_OUTPUT_DATA_BUFFER
     if (count != 1) {
         return E_INVALIDARG;
     }
-    FrameStart start;
-    const HRESULT begun = BeginFrame(buffers->pBuffer != nullptr, start);
+    TakenFrame frame;
+    const HRESULT begun = BeginFrame(buffers->pBuffer != nullptr, frame);
     if (FAILED(begun)) {
         return begun;
     }
@@ -121,15 +121,15 @@ HRESULT CVXMediaObject::ProcessOutput(DWORD, DWORD count, DMO_OUTPUT_DATA_BUFFER
         *status = 0;
     }
     if (begun == S_FALSE) {
-        return GiveNothing(*buffers, start.inputHeld);
+        return GiveNothing(*buffers, frame.inputHeld);
     }
-    const HRESULT result = EnhanceInto(*buffers, start);
-    EndFrame(start.input, result);
+    const HRESULT result = EnhanceInto(*buffers, frame);
+    EndFrame(frame.input, result);
     return FAILED(result) ? result : S_OK;
 }
 
 /// Takes the held input for a frame: S_FALSE when there is none, or nothing to make it into.
-HRESULT CVXMediaObject::BeginFrame(bool outputGiven, FrameStart& start) {
+HRESULT CVXMediaObject::BeginFrame(bool outputGiven, TakenFrame& frame) {
     const CriticalSectionGuard guard(stateLock);
     if (output.type == nullptr) {
         return DMO_E_TYPE_NOT_SET;
@@ -137,13 +137,12 @@ HRESULT CVXMediaObject::BeginFrame(bool outputGiven, FrameStart& start) {
     if (frameRuns) {
         return E_UNEXPECTED;
     }
-    start.inputHeld = held.buffer != nullptr;
-    if (!start.inputHeld || !outputGiven) {
+    frame.inputHeld = held.buffer != nullptr;
+    if (!frame.inputHeld || !outputGiven) {
         return S_FALSE;
     }
-    start.input = std::exchange(held, {});
-    start.inputBytes = input.imageBytes;
-    start.outputBytes = output.imageBytes;
+    frame.input = std::exchange(held, {});
+    frame.terms = {input, output, negotiated};
     frameRuns = frameHoldsInput = true;
     return S_OK;
 }
@@ -166,51 +165,55 @@ HRESULT CVXMediaObject::GiveNothing(DMO_OUTPUT_DATA_BUFFER& target, bool inputHe
     return S_FALSE;
 }
 
-HRESULT CVXMediaObject::EnhanceInto(DMO_OUTPUT_DATA_BUFFER& target, const FrameStart& start) {
+HRESULT CVXMediaObject::EnhanceInto(DMO_OUTPUT_DATA_BUFFER& target, const TakenFrame& frame) {
     // The size of the input type, for larger pictures too: the renderer goes by the negotiated type.
-    target.pBuffer->SetLength(start.inputBytes);
-    start.input.times.PassOn(target);
+    target.pBuffer->SetLength(frame.terms.input.imageBytes);
+    frame.input.times.PassOn(target);
     BufferContent to;
     BufferContent from;
     if (const HRESULT got = GetContent(*target.pBuffer, to); FAILED(got)) {
         return got;
     }
-    if (const HRESULT got = GetContent(*start.input.buffer, from); FAILED(got)) {
+    if (const HRESULT got = GetContent(*frame.input.buffer, from); FAILED(got)) {
         return got;
     }
     // An output that does not tell its capacity has at least the bytes that GetOutputSizeInfo asked for; its length was
     // set just now and says nothing. An input has at least what it says it holds.
-    return RunFrame({to.data, CapacityOf(*target.pBuffer, start.outputBytes)},
-                    {from.data, CapacityOf(*start.input.buffer, from.length)});
+    return RunFrame(frame.terms, {to.data, CapacityOf(*target.pBuffer, frame.terms.output.imageBytes)},
+                    {from.data, CapacityOf(*frame.input.buffer, from.length)});
 }
 
-HRESULT CVXMediaObject::RunFrame(OutputBuffer to, InputBuffer from) {
+HRESULT CVXMediaObject::RunFrame(const StreamTerms& terms, OutputBuffer to, InputBuffer from) {
     try {
-        return pipeline.RunFrame(NextRequest(), to, from);
+        return pipeline.RunFrame(RequestFor(terms), to, from);
     } catch (...) {
         return E_OUTOFMEMORY;  // the frame path throws only what it says of memory
     }
 }
 
-FrameRequest CVXMediaObject::NextRequest() {
-    const CriticalSectionGuard guard(stateLock);
-    const StreamPlan& plan = negotiated.plan;
+FrameRequest CVXMediaObject::RequestFor(const StreamTerms& terms) {
+    const StreamPlan& plan = terms.negotiated.plan;
     FrameRequest request;
-    request.format = PixelFormatOf(input.Get());
-    request.input = FormatOf(input.Get());
-    request.output = FormatOf(output.Get());
-    request.source = negotiated.source;
+    request.format = PixelFormatOf(terms.input.Get());
+    request.input = FormatOf(terms.input.Get());
+    request.output = FormatOf(terms.output.Get());
+    request.source = terms.negotiated.source;
     request.sourceWidth = plan.sourceWidth;
     request.sourceHeight = plan.sourceHeight;
     request.scalingOn = plan.scalingOn;
     request.sourceIsVih2WithoutBitrate = plan.sourceIsVih2WithoutBitrate;
     request.pixelAspect = plan.pixelAspect;
-    request.newStream = std::exchange(newStream, false);
+    request.newStream = TakeNewStream();
     request.settingsDirty = settings.TakeSharpnessChange();
     request.enabled = settings.enabled != 0;
     request.enableLighting = settings.enableLighting;
     request.sharpness = settings.Sharpness();
     return request;
+}
+
+bool CVXMediaObject::TakeNewStream() {
+    const CriticalSectionGuard guard(stateLock);
+    return std::exchange(newStream, false);
 }
 
 }  // namespace clarivex

@@ -95,22 +95,20 @@ HRESULT CVXMediaObject::GetOutputType(DWORD index, DWORD typeIndex, DMO_MEDIA_TY
     if (const HRESULT checked = CheckTypeIndex(index, typeIndex); FAILED(checked) || type == nullptr) {
         return checked;
     }
-    Negotiated next;
-    {
-        const CriticalSectionGuard guard(stateLock);
-        next = negotiated;
-    }
-    const HRESULT result = OfferOutputType(next, type);
+    StreamTerms terms = CurrentTerms();
+    const HRESULT result = OfferOutputType(terms.input, terms.negotiated, type);
     const CriticalSectionGuard guard(stateLock);
-    negotiated = next;
+    if (input.type == terms.input.type) {  // a type set meanwhile wants an offer of its own
+        negotiated = terms.negotiated;
+    }
     return result;
 }
 
-/// Decides about the stream in `next`, and offers the output type that follows. Measuring the processor may take a while.
-HRESULT CVXMediaObject::OfferOutputType(Negotiated& next, DMO_MEDIA_TYPE* type) const {
+/// Decides about a stream of the type in `next`, and offers the output type that follows. Measuring the processor may take
+/// a while, so no lock is held.
+HRESULT CVXMediaObject::OfferOutputType(const StreamType& current, Negotiated& next, DMO_MEDIA_TYPE* type) const {
     next.plan.scalingOn = false;
     next.plan.sourceIsVih2WithoutBitrate = true;
-    const StreamType current = CurrentType(StreamSide::input);
     std::optional<VideoHeader> header = ReadVideoHeader(current.Get());
     if (!header) {
         return DMO_E_TYPE_NOT_ACCEPTED;
@@ -135,6 +133,11 @@ bool CVXMediaObject::DecideStream(VideoHeader& header, StreamPlan& plan) const {
 CVXMediaObject::StreamType CVXMediaObject::CurrentType(StreamSide side) const {
     const CriticalSectionGuard guard(stateLock);
     return side == StreamSide::input ? input : output;
+}
+
+CVXMediaObject::StreamTerms CVXMediaObject::CurrentTerms() const {
+    const CriticalSectionGuard guard(stateLock);
+    return {input, output, negotiated};
 }
 
 HRESULT CVXMediaObject::CheckType(const DMO_MEDIA_TYPE& type, StreamSide side, DWORD flags) const {

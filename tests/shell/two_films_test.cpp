@@ -6,6 +6,7 @@
 #include <functional>
 #include <set>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "shell/caption.h"
@@ -244,10 +245,45 @@ TEST_F(FilmsInOneProcess, ABufferMayCallTheObjectFromInsideAFrame) {
     EXPECT_EQ(DMO_E_NOTACCEPTING, media.ProcessInput(0, &in, 0, 0, 0));
     media.Flush();
     EXPECT_EQ(1, another.references.load());
-    EXPECT_EQ(S_OK, playWith([&] { media.SetInputType(0, nullptr, DMO_SET_TYPEF_CLEAR); }));  // nothing is made
+    std::ranges::fill(out.Bytes(), uint8_t{7});
+    EXPECT_EQ(S_OK, playWith([&] { media.SetInputType(0, nullptr, DMO_SET_TYPEF_CLEAR); }));
+    EXPECT_NE(7, out.Bytes()[0]);  // the frame goes on with the type it has begun with
     out.meddle = {};
     film.Become(films[0]);
     EXPECT_EQ(S_OK, playWith({}));
+}
+
+/// The object of a media type, which calls its host's object back when the type is copied.
+class MeddlingUnknown final : public CountedFake<IUnknown> {
+public:
+    MeddlingUnknown() : CountedFake(iidUnknown) {}
+    std::function<void()> meddle;
+
+    ULONG STDMETHODCALLTYPE AddRef() override {
+        if (auto once = std::exchange(meddle, {})) once();
+        return CountedFake::AddRef();
+    }
+};
+
+TEST_F(FilmsInOneProcess, AnOfferThatATypeOvertakesDecidesNothing) {
+    Film film(films[0]);
+    IMediaObject& media = *film.object.media;
+    MeddlingUnknown meddler;
+    VideoInfoType slow(320, 240), quick(64, 48);
+    DMO_MEDIA_TYPE type = *slow.Type();
+    type.pUnk = &meddler;
+    ReceivedType offered, quickOffered;
+    ASSERT_EQ(S_OK, media.SetInputType(0, &type, 0));
+    meddler.meddle = [&] {
+        EXPECT_EQ(S_OK, media.SetInputType(0, quick.Type(), 0));
+        EXPECT_EQ(S_OK, media.GetOutputType(0, 0, quickOffered.Out()));
+    };
+    EXPECT_EQ(S_OK, media.GetOutputType(0, 0, offered.Out()));
+    EXPECT_FALSE(meddler.meddle);
+    EXPECT_EQ(64, film.open->NextRequest().sourceWidth);
+    EXPECT_EQ(64, film.open->NextRequest().source.width);
+    offered.Out();
+    EXPECT_EQ(1, meddler.references.load());
 }
 
 }  // namespace
