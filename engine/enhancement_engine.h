@@ -23,7 +23,8 @@ struct EngineSettings {
     /// picture written where nothing is scaled.
     float sharpness = 0.0F;
     int32_t lightingEnabled = 1;
-    int32_t colourBiasA = 50;  ///< picture adjustments centred on 50, for the tone curve
+    uint8_t lightingAdoptNow = 1;  ///< the next frame with lighting on adopts its estimate at once
+    int32_t colourBiasA = 50;      ///< picture adjustments centred on 50, for the tone curve
     int32_t colourBiasB = 50;
     int32_t colourBiasC = 50;
     float ditherGain = 0.0F;   ///< gain of the strength-dependent part of the output noise
@@ -34,13 +35,12 @@ struct EngineSettings {
     int32_t tuningSet = 0;      ///< tuning set of the twofold modes; 0 also arms the size bypass
 
     // Noise reduction and detail.
-    float noiseReduction = 0.0F;   ///< 0 … 6 with fractions
-    int32_t baseDetailGain = 0;    ///< added to both narrow post gains, times 0.3
-    int32_t coringLevel = 0;       ///< 0 … 4: dead zone of the narrow post gains
-    int32_t columnRankMode = 2;    ///< −1 and 1 end a twofold scale of the rows with a rank stage: smaller, larger
-    uint8_t lightingAdoptNow = 1;  ///< the next analysed frame adopts its estimate at once
-    int32_t sharpenScheme = 2;     ///< 2 and more: level tables and post filter
-    int32_t curveSharpening = 0;   ///< non-zero: the strength drives the detail gains too
+    float noiseReduction = 0.0F;  ///< 0 … 6 with fractions
+    int32_t baseDetailGain = 0;   ///< added to both narrow post gains, times 0.3
+    int32_t coringLevel = 0;      ///< 0 … 4: dead zone of the narrow post gains
+    int32_t columnRankMode = 2;   ///< −1 and 1 end a twofold scale of the rows with a rank stage: smaller, larger
+    int32_t sharpenScheme = 2;    ///< 2 and more: level tables and post filter
+    int32_t curveSharpening = 0;  ///< non-zero: the strength drives the detail gains too
     int32_t evenFilterPasses = 2;
     /// Post filter without scaling, in the three-halves mode and in the twofold mode of either tuning set: 0 odd, around
     /// one sample; 1 and 2 even, between two samples, from a windowed sinc or from two equal taps.

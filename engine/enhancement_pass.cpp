@@ -215,7 +215,7 @@ private:
     }
 
     PictureScaler Scaler() {
-        return {engine.workspace.scaler, kernels, engine.splitView != 0 ? &work.planes.luma : nullptr};
+        return {engine.workspace.scaler, kernels, engine.splitView != 0 ? &source.planes.luma : nullptr};
     }
 
     void KeepSize(const ImagePlanes& out, const PostFilter& filter) {

@@ -39,7 +39,7 @@ PassPlanes DownColumns(const Plane& target, const Plane& source, bool splitView)
 
 }  // namespace
 
-/// Fills the columns of `whole` that stand left of `part`, a plane that ends with the same column.
+/// Fills the columns of `whole` that stand left of `part`, which lies in it.
 void PictureScaler::ShowFrameLeftOf(const Plane& part, const Plane& whole) const {
     constexpr uint8_t black = 16;
     const auto columns = static_cast<int32_t>(part.data - whole.data);

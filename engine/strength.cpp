@@ -86,7 +86,7 @@ Strength StrengthOf(float sharpness, int32_t width, int32_t height) {
     } else {
         value = -value;
     }
-    value = value > 0.0 ? std::min(value, largest) : 0.0;  // no number counts as no strength
+    value = std::clamp(value, 0.0, largest);
     const double level = std::floor(value);
     return {value, static_cast<int32_t>(level), value - level};
 }
