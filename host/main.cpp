@@ -43,12 +43,12 @@ void Run(const CommandLine& commandLine) {
 
 constexpr uint32_t memoryPatienceSeconds = 10;
 
-/// Memory that did not come is the cause of whatever failed after it, and says more.
-std::string CauseOf(const char* failure) {
+/// Memory that did not come is the cause of whatever failed after it.
+std::string WithItsCause(const std::string& failure) {
     const auto bytes = MemoryGivenUp();
     if (!bytes) return failure;
     const std::string size = *bytes != 0 ? std::to_string(*bytes) + " bytes in one block were" : "memory was";
-    return "not enough memory: " + size + " not to be had for " + std::to_string(memoryPatienceSeconds) +
+    return failure + ": not enough memory: " + size + " not to be had for " + std::to_string(memoryPatienceSeconds) +
            " seconds; smaller pictures need less";
 }
 
@@ -73,8 +73,8 @@ int main(int argumentCount, char** arguments) {
     } catch (const std::bad_alloc&) {
         return Fail(runFailed, "not enough memory for pictures of this size");
     } catch (const std::exception& error) {
-        return Fail(runFailed, CauseOf(error.what()).c_str());
-    } catch (const char* text) {  // what giving up on memory throws
-        return Fail(runFailed, CauseOf(text).c_str());
+        return Fail(runFailed, WithItsCause(error.what()).c_str());
+    } catch (const char*) {  // what giving up on memory throws
+        return Fail(runFailed, WithItsCause("the picture could not be made").c_str());
     }
 }

@@ -27,7 +27,7 @@ public:
     ///
     /// result  S_OK, also when nothing was written; E_POINTER for a null buffer; E_UNEXPECTED for a format that cannot be
     ///         read; E_INVALIDARG for a buffer that cannot hold its picture (nothing was written then)
-    /// throws  what MemoryShortage throws; the frame can then be run again
+    /// throws  what MemoryShortage throws; the frame can then be run again, with lighting, noise and caption a frame further
     HRESULT RunFrame(const FrameRequest& request, OutputBuffer output, InputBuffer input);
 
     /// What the stream holds after its last frame.

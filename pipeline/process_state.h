@@ -10,8 +10,8 @@
 
 namespace clarivex {
 
-/// The noise with its offsets, the caption's run, and that the first frame analysed adopts its lighting at once. Used from
-/// any thread: one lock guards what changes, and nothing waits under it.
+/// The noise with its offsets, the caption's run, and that the first frame with lighting on adopts it at once. Used from any
+/// thread: one lock guards what changes, and nothing waits under it.
 class ProcessState {
 public:
     /// Not changed after its making, so it is read without the lock.
@@ -35,12 +35,13 @@ public:
         caption.Restart();
     }
 
+    /// Whether the frames of every stream show the caption from the next one on; while they don't, it stands still.
     void ShowCaption(bool on) {
         const FastLockGuard guard(lock);
         caption.SetShown(on);
     }
 
-    /// True once in the life of a process: for the first frame that asks.
+    /// True once in the life of a process: for the first frame with lighting on.
     bool TakeAdoptAtOnce() {
         const FastLockGuard guard(lock);
         return std::exchange(adoptAtOnce, false);

@@ -45,8 +45,10 @@ BlockHeader* HeaderOf(void* pointer) {
 MemoryWait SetMemoryWait(MemoryWait wait) { return std::exchange(memoryWait, wait); }
 
 void MemoryShortage::Wait() {
-    if (waited == 0) {
+    if (waited == 0 && bytes != 0) {
         Trace("MemAlloc : waiting for %zu bytes", bytes);
+    } else if (waited == 0) {
+        Trace("MemAlloc : waiting for memory");
     }
     if (!memoryWait(bytes, waited)) {
         throw text;

@@ -1,4 +1,4 @@
-// Aligned memory with a policy: whoever asks for memory waits until there is some, and never hears of a shortage.
+// Aligned memory with a policy: whoever asks for memory waits until there is some, or until the process gives up.
 #pragma once
 
 #include <cstddef>

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <atomic>
 
+#include "overlay/font_engine.h"
 #include "runtime/cpu_features.h"
 #include "shell/instruction_set.h"
 #include "simd/kernel_table.h"

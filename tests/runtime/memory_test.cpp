@@ -106,7 +106,7 @@ TEST(MemoryShortage, IsToldOnceAndGivenUpWhereTheProcessSaysSo) {
     }
     SetMemoryWait(previousWait);
     SetTraceSink(previousSink);
-    EXPECT_EQ(traced, "MemAlloc : waiting for 777 bytes\nMemAlloc : waiting for 0 bytes\n");
+    EXPECT_EQ(traced, "MemAlloc : waiting for 777 bytes\nMemAlloc : waiting for memory\n");
 }
 
 TEST(RetryingAllocators, ThrowATextWhenNoWaitingCouldHelp) {

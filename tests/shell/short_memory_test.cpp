@@ -7,7 +7,9 @@
 #include <vector>
 
 #include "shell/caption.h"
+#include "shell/memory_wait.h"
 #include "tests/support/host_stream.h"
+#include "tests/support/memory_count.h"
 #include "tests/support/open_object.h"
 
 namespace clarivex {
@@ -104,6 +106,22 @@ TEST(ShortMemoryOfAnObject, AFrameThatGivesUpIsAnErrorAndRunsWhenThereIsMemoryAg
     EXPECT_GT(failures, 10);
     EXPECT_EQ(1, buffers.in.references.load());
     EXPECT_TRUE(HaveTheSamePicture(scarce, ample));
+}
+
+TEST(ShortMemoryOfAProcess, IsGivenUpAfterTheTimeItAllowsAndTheSizeIsKnown) {
+    if (!HasCaptionFont()) GTEST_SKIP() << "no font for the caption";
+    const MemoryWait previous = SetMemoryWait(nullptr);
+    GiveUpOnMemoryAfter(2 * retryMilliseconds);
+    EXPECT_FALSE(MemoryGivenUp());
+    EXPECT_EQ(size_t{96 * 72 * 3 / 2}, DrawCaption(100, 96, 72, 1.0F).size());
+    {
+        const MemoryCount memory(1 << 30);
+        EXPECT_THROW(DrawCaption(100, 96, 72, 1.0F), const char*);
+        EXPECT_EQ(3, MemoryCount::Attempts());
+        EXPECT_GT(MemoryGivenUp().value_or(0), 0U);
+        EXPECT_LE(MemoryGivenUp().value_or(0), MemoryCount::Bytes() / 3);
+    }
+    SetMemoryWait(previous);
 }
 
 }  // namespace
