@@ -1,5 +1,6 @@
 // Media types, rectangles and capacities as the input has them: a layout that is given lies inside both buffers. Each
-// buffer is a block of exactly its capacity, told ones and those that just do, and every byte of the layout is touched.
+// buffer is a block of exactly its capacity, one that the input asks for or the smallest that is accepted, and every byte
+// of the layout is touched.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>

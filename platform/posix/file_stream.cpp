@@ -40,10 +40,11 @@ size_t WriteBytes(std::FILE* stream, std::span<const uint8_t> bytes) {
     size_t written = 0;
     while (written < bytes.size()) {
         const ssize_t count = write(fileno(stream), bytes.data() + written, bytes.size() - written);
-        if (count >= 0)
+        if (count > 0)
             written += static_cast<size_t>(count);
-        else if (!WaitUntilReady(stream, POLLOUT))
-            break;
+        else if (count == 0)
+            errno = EIO;  // nothing taken and nothing said: it would go on for ever
+        if (count == 0 || (count < 0 && !WaitUntilReady(stream, POLLOUT))) break;
     }
     return written;
 }

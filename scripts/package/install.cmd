@@ -45,7 +45,7 @@ if errorlevel 1 (
 %3 /s "%here%%1\WMP_CVX.dll"
 if errorlevel 1 (
     echo %1\WMP_CVX.dll could not be registered for the %2-bit player: regsvr32 ended with code %errorlevel%.
-    if errorlevel 3 if not errorlevel 4 echo It could not be loaded. It needs a processor with SSE2.
+    if errorlevel 3 if not errorlevel 4 if "%1" == "x86" echo It could not be loaded. It may miss a processor with SSE2.
     set failed=1
     exit /b 1
 )
