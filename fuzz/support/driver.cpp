@@ -1,10 +1,15 @@
-// Drives a fuzz target without a fuzzing engine: gives it its seeds, then a bounded number of inputs mutated from them.
-// The same arguments give the same inputs in every run.
+// Drives a fuzz target without a fuzzing engine: gives it its seeds, then inputs mutated from them, RUNS at most and for
+// about SECONDS. The inputs and their order are the same in every run.
 //
-//     fuzz_NAME RUNS [SEED_FILE…]
+//     fuzz_NAME RUNS SECONDS [SEED_FILE…]
 //
-// The input at work stands in fuzz_NAME.input. After a crash `fuzz_NAME 0 fuzz_NAME.input` gives it to the target again.
+// An input that crashes, or takes longer than a minute, is kept in fuzz_NAME.input in the current folder;
+// `fuzz_NAME 0 0 fuzz_NAME.input` gives it to the target again.
+#include <unistd.h>
+
 #include <algorithm>
+#include <chrono>
+#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -12,11 +17,16 @@
 #include <iostream>
 #include <iterator>
 #include <random>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
+
+// What the sanitizers find ends in SIGABRT like all else.
+extern "C" [[gnu::visibility("default")]] const char* __asan_default_options() { return "abort_on_error=1"; }
+extern "C" [[gnu::visibility("default")]] const char* __ubsan_default_options() { return "abort_on_error=1"; }
 
 namespace {
 
@@ -85,11 +95,32 @@ private:
     std::mt19937 random{1};
 };
 
+std::string keptPath;
+std::span<const uint8_t> inputAtWork;
+
+void KeepInput() {
+    std::ofstream(keptPath, std::ios::binary)
+        .write(reinterpret_cast<const char*>(inputAtWork.data()), std::ssize(inputAtWork));
+    std::cerr << "the input is kept in " << keptPath << '\n';
+}
+
+/// The process may be broken when the input is kept; it ends right behind that, whatever comes of it.
+void KeepInputWhenDying() {
+    for (const int signal : {SIGABRT, SIGILL, SIGTRAP, SIGALRM})
+        std::signal(signal, [](int caught) {
+            KeepInput();
+            std::_Exit(128 + caught);
+        });
+}
+
 /// The target sees a heap block of exactly the input's size, so that the address sanitizer notices any read past it.
-void Try(const Bytes& input, const std::string& keptPath) {
-    std::ofstream(keptPath, std::ios::binary).write(reinterpret_cast<const char*>(input.data()), std::ssize(input));
+void Try(const Bytes& input) {
+    constexpr unsigned mostSeconds = 60;
     const Bytes exact(input.begin(), input.end());
+    inputAtWork = exact;
+    alarm(mostSeconds);
     LLVMFuzzerTestOneInput(exact.data(), exact.size());
+    inputAtWork = {};
 }
 
 Bytes ReadFile(const char* path) {
@@ -104,18 +135,20 @@ Bytes ReadFile(const char* path) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 2) {
-        std::cerr << "usage: " << argv[0] << " RUNS [SEED_FILE…]\n";
+    if (argc < 3) {
+        std::cerr << "usage: " << argv[0] << " RUNS SECONDS [SEED_FILE…]\n";
         return 2;
     }
     std::vector<Bytes> seeds{{}};
-    std::transform(argv + 2, argv + argc, std::back_inserter(seeds), ReadFile);
-    const std::string keptPath = std::filesystem::path(argv[0]).filename().string() + ".input";
+    std::transform(argv + 3, argv + argc, std::back_inserter(seeds), ReadFile);
+    keptPath = std::filesystem::path(argv[0]).filename().string() + ".input";
+    const long mostRuns = std::strtol(argv[1], nullptr, 10);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(std::strtol(argv[2], nullptr, 10));
 
-    for (const Bytes& seed : seeds) Try(seed, keptPath);
-    const long runs = std::strtol(argv[1], nullptr, 10);
+    KeepInputWhenDying();
+    for (const Bytes& seed : seeds) Try(seed);
     Mutator mutator(std::move(seeds));
-    for (long run = 0; run < runs; ++run) Try(mutator.Next(), keptPath);
-    std::filesystem::remove(keptPath);
-    std::cout << argc - 2 << " seeds and " << runs << " mutated inputs, none of them made trouble\n";
+    long runs = 0;
+    for (; runs < mostRuns && std::chrono::steady_clock::now() < end; ++runs) Try(mutator.Next());
+    std::cout << argc - 3 << " seeds and " << runs << " mutated inputs, none of them made trouble\n";
 }
