@@ -1,6 +1,6 @@
 # A thin door to the presets in CMakePresets.json and to scripts/. Every goal installs first what it needs.
 .NOTPARALLEL:
-.PHONY: build setup demo test bench package lint clean
+.PHONY: build setup demo test fuzz bench package lint clean
 
 build: setup
 	scripts/build.sh native
@@ -18,6 +18,11 @@ demo:
 
 test: setup
 	scripts/test.sh native asan tsan windows-x86 windows-x64
+
+# SECONDS=... is how long each fuzzer runs; without clang, which setup.sh then cannot install, by the project's own driver
+fuzz:
+	scripts/setup.sh fuzz || scripts/setup.sh native
+	scripts/fuzz.sh $(SECONDS)
 
 # ARGS=... goes to Google Benchmark, such as ARGS=--benchmark_filter=Frame
 bench:

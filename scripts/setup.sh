@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that are missing, and does nothing when none is: setup.sh [native | all | lint]
+# Installs the Debian packages that are missing, and does nothing when none is: setup.sh [native | all | fuzz | lint]
 #   native  builds, tests, benches and the demo on Linux
-#   all     native, and both Windows builds and their tests under Wine
+#   all     native, and both Windows builds and their tests under Wine, and emulated older processors
+#   fuzz    native, and clang with its fuzzing engine
 #   lint    native, and the formatter and the linter
 set -eu
 cd "$(dirname "$0")/.."
@@ -13,9 +14,10 @@ all)
     packages+=(g++-mingw-w64-i686-posix binutils-mingw-w64-i686 g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64)
     packages+=(wine wine64 wine32:i386 xvfb xauth qemu-user)
     ;;
+fuzz) packages+=(clang libclang-rt-dev) ;;
 lint) packages+=(clang-format clang-tidy) ;;
 *)
-    echo "setup.sh: unknown argument '$1'; use native, all or lint" >&2
+    echo "setup.sh: unknown argument '$1'; use native, all, fuzz or lint" >&2
     exit 2
     ;;
 esac
