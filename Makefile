@@ -1,6 +1,6 @@
 # A thin door to the presets in CMakePresets.json and to scripts/. Every goal installs first what it needs.
 .NOTPARALLEL:
-.PHONY: build setup demo test fuzz bench package lint clean
+.PHONY: build setup demo test fuzz soak bench package lint clean
 
 build: setup
 	scripts/build.sh native
@@ -23,6 +23,14 @@ test: setup
 fuzz:
 	scripts/setup.sh fuzz || scripts/setup.sh native
 	scripts/fuzz.sh $(SECONDS)
+
+# Films for hours of frames with memory, files and threads watched, and FRAMES=... how many; what starts threads under the
+# thread sanitizer, again and again
+soak: setup
+	scripts/build.sh native clarivex_soak
+	build/native/clarivex_soak $(or $(FRAMES),200000)
+	scripts/build.sh tsan clarivex_tests
+	TSAN_OPTIONS=halt_on_error=1 build/tsan/clarivex_tests --gtest_filter='*Threads*' --gtest_repeat=20 --gtest_brief=1
 
 # ARGS=... goes to Google Benchmark, such as ARGS=--benchmark_filter=Frame
 bench:
