@@ -19,12 +19,14 @@ for source in fuzz/*.cpp; do
     name=$(basename "$source" .cpp)
     fuzzer=$PWD/build/$preset/fuzz_$name
     kept=$crashes/fuzz_$name.input
-    echo "== $name, $seconds seconds"
+    echo "== $name, $seconds seconds; inputs tried:"
     if [ $preset = fuzz ]; then
         found=build/fuzz/corpus/$name  # inputs that reached new code, for the next time
         mkdir -p "$found"
         "$fuzzer" -max_total_time="$seconds" -timeout=60 -rss_limit_mb=4096 -verbosity=0 -print_final_stats=1 \
-            -exact_artifact_path="$kept" "$found" "fuzz/corpus/$name" && continue
+            -exact_artifact_path="$kept" "$found" "fuzz/corpus/$name" 2>"$crashes/log" &&
+            sed -n 's/^stat::number_of_executed_units: *//p' "$crashes/log" && continue
+        sed '/Recommended dictionary/,$d' "$crashes/log" >&2
         again="$fuzzer $kept"
     else
         (cd "$crashes" && "$fuzzer" 1000000000 "$seconds" "$OLDPWD/fuzz/corpus/$name"/*) && continue
