@@ -20,12 +20,6 @@ const TapSet& PhaseOf(const ThreeHalvesTaps& taps, int32_t phase) {
     return phase == 0 ? taps.a : phase == 1 ? taps.b : taps.c;
 }
 
-/// The signed byte s + 1 from the middle on, repeated into both halves of a word.
-int32_t Expanded(int32_t sample) {
-    const int32_t s = sample < 128 ? sample - 128 : std::min(sample - 127, 127);
-    return 256 * s + (s & 255);
-}
-
 void EnlargeRows(const Plane& target, const Plane& source, const uint8_t* end, const ThreeHalvesTaps& taps) {
     const int32_t read = (source.width + 7) / 8 * 8;
     for (int32_t y = 0; y < source.height; ++y)
@@ -35,7 +29,7 @@ void EnlargeRows(const Plane& target, const Plane& source, const uint8_t* end, c
                 const int32_t position = 2 * (out / 3) + out % 3 + k - 4;
                 if (position > read) continue;  // mid-grey
                 const int32_t sample = SampleAt(source, end, std::clamp(position, 0, read - 1), y);
-                sum += (PhaseOf(taps, out % 3)[static_cast<size_t>(k)] * Expanded(sample)) >> 16;
+                sum += (PhaseOf(taps, out % 3)[static_cast<size_t>(k)] * PlainCentred(sample)) >> 16;
             }
             target.Row(y)[out] = Limited(static_cast<int16_t>(sum) >> 6);
         }
@@ -140,12 +134,17 @@ void FilterRows(const Plane& plane, Filter filter) {
 }
 
 void RunPostFilter(const Plane& plane, const RowStages& stages) {
-    const DetailFirForm form = ChooseDetailFirForm(stages.postTaps);
-    const bool even = form != DetailFirForm::general;
-    const int32_t passes = even && stages.evenFilterPasses >= 3 ? stages.evenFilterPasses : 1;
-    for (int32_t pass = 0; pass < passes; ++pass)
+    const DetailTaps& taps = stages.postTaps;
+    const bool even = std::equal(taps.begin(), taps.begin() + 8, taps.rbegin());
+    const int32_t group = even ? 8 : 4;
+    const int32_t end = group + std::max(plane.width - 2 * group, 0) / group * group;
+    const int32_t rounding = std::count(taps.begin(), taps.begin() + 4, 0) == 4 ? 6 : 7;
+    for (int32_t pass = 0; pass < (even && stages.evenFilterPasses >= 3 ? stages.evenFilterPasses : 1); ++pass)
         FilterRows(plane, [&](const uint8_t* in, uint8_t* out) {
-            DetailFirRow(in, out, plane.width, plane.width, stages.postTaps, form, plainKernels, nullptr);
+            if (even)
+                plainKernels.firEven(in, out, plane.width, group, end, taps.data(), rounding);
+            else
+                plainKernels.fir7(in, out, plane.width, group, end, &taps[5], nullptr);
         });
 }
 

@@ -25,16 +25,10 @@ int32_t Core(int32_t x, int32_t threshold) {
     return x < -threshold ? x + threshold : 0;
 }
 
-/// The centred word of the row filters: the signed sample, raised by one from the middle on, in both bytes.
-int32_t Centred(int32_t sample) {
-    const int32_t s = sample < 128 ? sample - 128 : std::min(sample - 127, 127);
-    return 256 * s + (s & 255);
-}
-
 void SplitRow(const uint8_t* row, int16_t* even, int16_t* odd, int32_t count) {
     for (int32_t i = 0; i < count / 2; ++i) {
-        even[i] = static_cast<int16_t>(Centred(row[2 * i]));
-        odd[i] = static_cast<int16_t>(Centred(row[2 * i + 1]));
+        even[i] = static_cast<int16_t>(PlainCentred(row[2 * i]));
+        odd[i] = static_cast<int16_t>(PlainCentred(row[2 * i + 1]));
     }
 }
 
@@ -81,7 +75,7 @@ void FirRow(const uint8_t* in, uint8_t* out, int32_t columns, int32_t first, int
         out[x] = in[x];
         if (x < first || x >= end) continue;
         int32_t sum = x % 2 == 0 ? 4088 : 4072;
-        for (int32_t k = 0; k < length; ++k) sum += MulHigh(taps[k], Centred(in[x + k - before]));
+        for (int32_t k = 0; k < length; ++k) sum += MulHigh(taps[k], PlainCentred(in[x + k - before]));
         out[x] = Saturate8(Wrap16(sum) >> 5);
     }
 }
@@ -324,6 +318,11 @@ void PackTileRow(const uint8_t* pixels, uint8_t* tileGroups, int32_t groups, boo
 }
 
 }  // namespace
+
+int32_t PlainCentred(int32_t sample) {
+    const int32_t s = sample < 128 ? sample - 128 : std::min(sample - 127, 127);
+    return 256 * s + (s & 255);
+}
 
 const KernelTable plainKernels = {
     .name = "plain",

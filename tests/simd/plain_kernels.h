@@ -8,4 +8,7 @@ namespace clarivex {
 /// Reads and writes exactly what the kernels' contracts name, without lanes, blocks or tables.
 extern const KernelTable plainKernels;
 
+/// The centred word of the row filters: the signed sample, raised by one from the middle on, in both bytes.
+int32_t PlainCentred(int32_t sample);
+
 }  // namespace clarivex
