@@ -11,11 +11,6 @@ namespace {
 
 constexpr ScaleModes bothAxes{1, 1};
 
-Strength Of(double value) {
-    const auto level = static_cast<int32_t>(value);
-    return {value, level, value - level};
-}
-
 double KneeOf(float level, ScaleModes modes = bothAxes, bool bypass = false) {
     EngineSettings settings;
     settings.noiseReduction = level;
@@ -56,7 +51,7 @@ TEST(SetUpNoiseReduction, SmoothsChromaFromTheLevelOfTwoAndAHalf) {
 struct GainCase {
     const char* name;
     ScaleModes modes;
-    double strength;
+    float strength;  // at any size
     double noiseKnee;
     void (*set)(EngineSettings&);
     float noise;
@@ -96,7 +91,7 @@ TEST(SetUpDetailGains, FollowsStrengthModesAndSettings) {
         StageSettings stages;  // as the pass leaves them: the base gain is in
         stages.postNarrowH.baseGainLog2 = stages.postNarrowV.baseGainLog2 =
             static_cast<float>(settings.baseDetailGain * 0.3);
-        const DetailInputs inputs{test.modes, Of(test.strength), test.noiseKnee, 100, 80, 1.0F, false};
+        const DetailInputs inputs{test.modes, StrengthOf(-test.strength, 1, 1), test.noiseKnee, 100, 80, 1.0F, false};
         EXPECT_FLOAT_EQ(SetUpDetailGains(settings, inputs, stages), test.noise) << test.name;
         ExpectRecord(stages.postNarrowH, test.rows, std::string(test.name) + ", rows");
         ExpectRecord(stages.postNarrowV, test.columns, std::string(test.name) + ", columns");

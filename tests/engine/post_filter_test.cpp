@@ -7,10 +7,8 @@
 namespace clarivex {
 namespace {
 
-Strength Of(double value) {
-    const auto level = static_cast<int32_t>(value);
-    return {value, level, value - level};
-}
+/// A strength at any size.
+Strength Of(double value) { return StrengthOf(static_cast<float>(-value), 1, 1); }
 
 struct Design {
     int32_t mode;
@@ -30,6 +28,7 @@ constexpr Design designs[] = {
     {1, 0, 0.0,         0, {0, 0, 0, 0, 0, 102, 204, -1326, 10200, -1326, 204, 102}},
     {0, 0, 0.0,         0, {0, 0, 0, 0, 0, 0, 0, 0, 8160}},
     {1, 0, 8.9999,      0, {0, 0, 0, 0, 0, 0, 0, 0, 8160}},
+    {1, 1, 0.795536458, 0, {0, 0, 0, 0, 0, 138, 385, -3321, 13756, -3321, 385, 138}},
     // Even filters between taps 7 and 8: of 8, 12 and 16 taps.
     {0, 0, 3.25, 1, {0, 0, 0, 0, -475, 1924, -9744, 12391, 12391, -9744, 1924, -475}},
     {1, 0, 2.5,  2, {0, 0, 0, 0, 332, 443, -7749, 11070, 11070, -7749, 443, 332}},
@@ -42,7 +41,9 @@ TEST(DesignPostFilter, GivesTheTapsOfModeShapeAndStrength) {
     for (const Design& design : designs) {
         EngineSettings settings;
         settings.tuningSet = design.tuningSet;
-        settings.filterShapes[static_cast<size_t>(design.mode + design.tuningSet)] = design.shape;
+        settings.filterShapes = {9, 9, 9, 9};
+        settings.filterShapes[static_cast<size_t>(design.mode == 2 ? 2 + design.tuningSet : design.mode)] =
+            design.shape;
         const PostFilter filter = DesignPostFilter(settings, Of(design.strength), design.mode);
         EXPECT_EQ(filter.taps, design.taps) << "mode " << design.mode << ", strength " << design.strength;
         EXPECT_TRUE(filter.on);

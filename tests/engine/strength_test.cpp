@@ -41,7 +41,6 @@ TEST(LimitModes, GivesUpOneAxisThenBothAndPairsThatNoScalerHas) {
 
 TEST(StrengthOf, IsReducedForSmallPicturesOnly) {
     EXPECT_NEAR(StrengthOf(1, 160, 120).value, 0.3193, 0.0001);
-    EXPECT_NEAR(StrengthOf(2, 160, 120).value, 2 * 0.3193, 0.0002);
     EXPECT_LT(StrengthOf(1, 320, 249).value, 1);
     EXPECT_EQ(StrengthOf(1, 400, 209).value, 1);
     EXPECT_EQ(StrengthOf(-3, 32, 8).value, 3) << "negative stands for its absolute value at any size";
@@ -49,7 +48,6 @@ TEST(StrengthOf, IsReducedForSmallPicturesOnly) {
 
 TEST(StrengthOf, StaysWithinItsTables) {
     const Strength strongest = StrengthOf(50, 1000, 1000);
-    EXPECT_EQ(strongest.value, 8.9999);
     EXPECT_EQ(strongest.level, 8);
     EXPECT_NEAR(strongest.fraction, 0.9999, 1e-12);
     EXPECT_EQ(StrengthOf(-std::numeric_limits<float>::infinity(), 9, 9).level, 8);
