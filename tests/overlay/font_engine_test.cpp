@@ -57,9 +57,7 @@ double ClockwiseArea(const PointList& outline) {
 class SystemFonts : public testing::Test {
 protected:
     void SetUp() override {
-        if (!engine->MakeFont({})) {
-            GTEST_SKIP() << "no font is installed";
-        }
+        if (!engine->MakeFont({})) GTEST_SKIP() << "no font is installed";
     }
 
     std::unique_ptr<FontEngine> engine = MakeSystemFontEngine();
@@ -80,7 +78,6 @@ TEST_F(SystemFonts, LettersAreClockwiseContoursInsideTheCell) {
             }
             EXPECT_TRUE(highest > 96 && highest <= 224) << highest;
             EXPECT_GT(ClockwiseArea(outline), 1000);
-            EXPECT_EQ(RecordsOf(*font, letter), RecordsOf(*font, letter));
         }
     }
 }
@@ -102,14 +99,12 @@ TEST_F(SystemFonts, WritesTheRecordsWholeOrNotAtAll) {
     const auto font = engine->MakeFont({});
     const Bytes records = RecordsOf(*font, 'C');
     ASSERT_FALSE(records.empty());
-    Bytes buffer(records.size() - 1, 0xA5);
-    EXPECT_EQ(font->GlyphOutline('C', buffer).bytes, int64_t(records.size()));
-    EXPECT_EQ(buffer, Bytes(records.size() - 1, 0xA5));
-
-    buffer.assign(records.size() + 7, 0xA5);
-    EXPECT_EQ(font->GlyphOutline('C', buffer).bytes, int64_t(records.size()));
-    EXPECT_TRUE(std::equal(records.begin(), records.end(), buffer.begin()));
-    EXPECT_EQ(std::count(buffer.end() - 7, buffer.end(), 0xA5), 7);
+    for (const size_t size : {records.size() - 1, records.size() + 7}) {
+        Bytes buffer(size, 0xA5), expected = buffer;
+        if (size > records.size()) std::ranges::copy(records, expected.begin());
+        EXPECT_EQ(font->GlyphOutline('C', buffer).bytes, std::ssize(records));
+        EXPECT_EQ(buffer, expected);
+    }
 }
 
 TEST_F(SystemFonts, EveryByteGivesNothingOrWholeContours) {

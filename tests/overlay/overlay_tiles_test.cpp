@@ -19,21 +19,12 @@ TEST(OverlayTiles, TakesMemoryOnlyForAStoreAndForgetsItWithAnotherSize) {
         tiles.Resize(4096, 5);
         EXPECT_LE(MemoryCount::Bytes(), 1024U);
     }
-    tiles.MarkRows(0, 5);
-    EXPECT_EQ(tiles.Row(2), nullptr);  // there is no store
-    tiles.Reallocate(16, 5);
-    EXPECT_EQ(tiles.Stride(), 48);
-    EXPECT_EQ(tiles.Row(4), tiles.Row(0) + 4 * 48);
-    EXPECT_EQ(tiles.Row(5), nullptr);
-    EXPECT_EQ(tiles.Row(-1), nullptr);
-    tiles.Resize(4096, 5);
-    EXPECT_NE(tiles.Row(2), nullptr);
-    for (const auto& [width, height] : {std::pair{4096, 6}, {4095, 6}, {0, 4}}) {
+    for (const auto& [width, height] : {std::pair{4096, 5}, {4096, 6}, {4095, 6}, {0, 4}}) {
         tiles.Resize(width, height);
-        EXPECT_EQ(tiles.RowTable().size(), static_cast<size_t>(height));
         tiles.MarkRows(0, height);
-        EXPECT_EQ(tiles.Row(2), nullptr);
+        EXPECT_EQ(tiles.Row(2), nullptr) << "there is no store";
         tiles.Reallocate(16, height);
+        EXPECT_EQ(tiles.Row(3), tiles.Row(0) + 3 * 48);
     }
 }
 
@@ -45,10 +36,8 @@ TEST(OverlayTiles, MarksRowsInsideTheTableOnly) {
     tiles.MarkRows(5, 100);
     tiles.MarkRows(4, 2);
     EXPECT_TRUE(std::ranges::equal(tiles.RowTable(), std::array{0, -1, -1, -1, -1, 5}));
-    EXPECT_NE(tiles.Row(5), nullptr);
-    EXPECT_EQ(tiles.Row(1), nullptr);
     tiles.MarkAllRowsEmpty();
-    EXPECT_EQ(tiles.Row(5), nullptr);
+    for (const int32_t row : {-1, 5, 6}) EXPECT_EQ(tiles.Row(row), nullptr);
 }
 
 }  // namespace

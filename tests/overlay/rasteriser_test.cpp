@@ -6,6 +6,7 @@
 #include <cstring>
 #include <memory>
 #include <random>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -27,52 +28,34 @@ std::unique_ptr<MaskBitmap> EmptyMask(int32_t width, int32_t height) {
     return mask;
 }
 
-// Clockwise on the screen, in 1/256 pixel, with its break.
-std::vector<OutlinePoint> Box(int32_t left, int32_t top, int32_t right, int32_t bottom) {
-    return {{left, bottom}, {left, top}, {right, top}, {right, bottom}, ContourBreak};
-}
-
-// Rows of coverage of a mask of 8 by 3 pixels.
-using Coverage = std::vector<std::vector<int>>;
-Coverage Paint(const std::vector<OutlinePoint>& points, const OutlineTransform& transform = asItIs) {
+/// Coverage of a mask of 8 by 3 pixels by a clockwise box, in 1/256 pixel: runs of eight hexadecimal digits a row, f for
+/// whole pixels.
+std::string Paint(const OutlineTransform& transform, const Rectangle& box) {
+    const std::vector<OutlinePoint> points{
+        {box.left, box.bottom}, {box.left, box.top}, {box.right, box.top}, {box.right, box.bottom}, ContourBreak};
     const auto mask = EmptyMask(8, 3);
     PaintOutline(transform, points, *mask, Region::OfRectangle(0, 0, 8, 3));
-    Coverage rows;
-    for (int32_t y = 0; y < 3; ++y) rows.emplace_back(mask->Row(y), mask->Row(y) + 8);
+    std::string rows;
+    for (int32_t i = 0; i < 24; ++i) rows += "0123456789abcdef"[mask->Row(i / 8)[i % 8] >> 4];
     return rows;
 }
 
-const std::vector<int> nothing(8, 0);
-const std::vector<int> everything(8, 255);
-
-TEST(Rasteriser, OnlyWhatIsLeftOfTheMaskReachesIntoIt) {
-    EXPECT_EQ(Paint(Box(-700, -700, 1024, 512)),
-              (Coverage{{255, 255, 255, 255, 0, 0, 0, 0}, {255, 255, 255, 255, 0, 0, 0, 0}, nothing}));
-    EXPECT_EQ(Paint(Box(-700, 0, -100, 768)), (Coverage{nothing, nothing, nothing}));
-    EXPECT_EQ(Paint(Box(2048, 0, 4000, 768)), (Coverage{nothing, nothing, nothing}));
-    EXPECT_EQ(Paint(Box(0, 768, 2048, 4000)), (Coverage{nothing, nothing, nothing}));
-    EXPECT_EQ(Paint({ContourBreak}), (Coverage{nothing, nothing, nothing}));
-    EXPECT_EQ(Paint({{0, 256}, {2048, 256}, ContourBreak}), (Coverage{nothing, nothing, nothing}));
-}
-
-TEST(Rasteriser, ScaleTranslationAndOffsetPlaceTheOutline) {
-    const OutlineTransform transform{32768, 131072, 512, -256, -1, 1};  // x / 2 + 2 − 1 pixels, y · 2 − 1 + 1
-    const std::vector<int> row{0, 0, 0, 255, 255, 0, 0, 0};
-    EXPECT_EQ(Paint(Box(1024, 128, 2048, 256), transform), (Coverage{nothing, row, nothing}));
-}
-
-TEST(Rasteriser, HugeOutlinesAreLimitedAndQuick) {
-    const std::vector<OutlinePoint> huge{
-        {INT32_MIN + 1, INT32_MAX}, {0, INT32_MIN + 1}, {INT32_MAX, INT32_MAX}, ContourBreak};
-    for (const int32_t scale : {65536, INT32_MAX}) {
-        const OutlineTransform transform{scale, scale, 0, 0, 0, 0};
-        EXPECT_EQ(Paint(huge, transform), (Coverage{everything, everything, everything}));
-    }
-    const OutlineTransform away{INT32_MIN, INT32_MIN, INT32_MIN, INT32_MIN, INT32_MIN, INT32_MIN};
-    EXPECT_EQ(Paint(Box(0, 0, INT32_MAX, INT32_MAX), away), (Coverage{nothing, nothing, nothing}));
+TEST(Rasteriser, PlacesOutlinesAndCutsThemOffAtTheMask) {
+    constexpr OutlineTransform away{INT32_MIN, INT32_MIN, INT32_MIN, INT32_MIN, INT32_MIN, INT32_MIN};
+    constexpr OutlineTransform placed{32768, 131072, 512, -256, -1, 1};  // x / 2 + 2 − 1 pixels, y · 2 − 1 + 1
+    constexpr OutlineTransform huge{.scaleX = INT32_MAX, .scaleY = INT32_MAX};
+    EXPECT_EQ(Paint(asItIs, {-700, -700, 1024, 512}), "ffff0000ffff000000000000");
+    EXPECT_EQ(Paint(asItIs, {-700, 0, -100, 768}), std::string(24, '0')) << "left of the mask";
+    EXPECT_EQ(Paint(asItIs, {2048, 0, 4000, 768}), std::string(24, '0')) << "right of it";
+    EXPECT_EQ(Paint(asItIs, {0, 768, 2048, 4000}), std::string(24, '0')) << "below it";
+    EXPECT_EQ(Paint(asItIs, {0, 256, 2048, 256}), std::string(24, '0')) << "flat";
+    EXPECT_EQ(Paint(placed, {1024, 128, 2048, 256}), "00000000000ff00000000000");
+    for (const OutlineTransform& transform : {asItIs, huge})
+        EXPECT_EQ(Paint(transform, {INT32_MIN + 1, INT32_MIN + 1, INT32_MAX, INT32_MAX}), std::string(24, 'f'));
+    EXPECT_EQ(Paint(away, {0, 0, INT32_MAX, INT32_MAX}), std::string(24, '0'));
     MaskBitmap none;
     none.Reallocate(0, 4);
-    PaintOutline(asItIs, huge, none, Region::OfRectangle(0, 0, 8, 8));
+    PaintOutline(asItIs, {{ContourBreak}}, none, Region::OfRectangle(0, 0, 8, 8));
 }
 
 // The arithmetic told cell by cell, with no cell left out.

