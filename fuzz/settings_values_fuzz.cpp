@@ -1,7 +1,7 @@
 // Settings of any bits: they are kept and told as they were put, and frames come out whatever they are.
-#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "fuzz/support/demand.h"
 #include "fuzz/support/input_numbers.h"
@@ -10,34 +10,22 @@
 namespace clarivex {
 namespace {
 
-void PutSharpness(ICVXSettings& settings, uint32_t bits) {
-    float told = 0;
-    settings.put_Sharpness(std::bit_cast<float>(bits));
-    settings.get_Sharpness(&told);
-    Demand(std::bit_cast<uint32_t>(told) == bits, "the sharpness is not what was put");
+/// Puts a setting and reads it back.
+template <class Value>
+void Put(ICVXSettings& settings, HRESULT (STDMETHODCALLTYPE ICVXSettings::*put)(Value),
+         HRESULT (STDMETHODCALLTYPE ICVXSettings::*get)(Value*), Value value, bool isFlag = false) {
+    const Value expected = isFlag ? static_cast<Value>(value != Value{}) : value;
+    Value told{};
+    (settings.*put)(value);
+    (settings.*get)(&told);
+    Demand(std::memcmp(&told, &expected, sizeof told) == 0, "a setting is not what was put");
 }
 
-void PutScaleFactor(ICVXSettings& settings, uint64_t bits) {
-    double told = 0;
-    settings.put_ScaleFactor(std::bit_cast<double>(bits));
-    settings.get_ScaleFactor(&told);
-    Demand(std::bit_cast<uint64_t>(told) == bits, "the scale factor is not what was put");
-}
-
-void PutFlags(ICVXSettings& settings, int allowHd, int enableLighting) {
-    int told[2] = {-1, -1};
-    settings.put_AllowHD(allowHd);
-    settings.put_EnableLighting(enableLighting);
-    settings.get_AllowHD(&told[0]);
-    settings.get_EnableLighting(&told[1]);
-    Demand(told[0] == (allowHd != 0) && told[1] == (enableLighting != 0), "a flag is not what was put");
-}
-
-void PutMode(ICVXSettings& settings, unsigned mode) {
-    unsigned told = 0;
-    settings.put_CVXMode(mode);
-    settings.get_CVXMode(&told);
-    Demand(told == mode, "the mode is not what was put");
+/// The settings that may change in a stream.
+void PutAny(ICVXSettings& settings, InputNumbers& numbers) {
+    Put(settings, &ICVXSettings::put_Sharpness, &ICVXSettings::get_Sharpness, numbers.Any<float>());
+    Put(settings, &ICVXSettings::put_AllowHD, &ICVXSettings::get_AllowHD, numbers.Any<int>(), true);
+    Put(settings, &ICVXSettings::put_EnableLighting, &ICVXSettings::get_EnableLighting, numbers.Any<int>(), true);
 }
 
 /// A stream of two frames, with settings that change in between.
@@ -50,8 +38,7 @@ void Play(TestObject& object, InputNumbers& numbers) {
     FakeBuffer out(HostPicture(subtype, offered.biWidth, offered.biHeight).BytesOf(offered.biWidth, offered.biHeight));
     for (int32_t frame = 0; frame < 2; ++frame) {
         Demand(PlayFrame(object, in, out) == S_OK, "a frame was refused");
-        PutSharpness(*object.settings, numbers.Any<uint32_t>());
-        PutFlags(*object.settings, numbers.Any<int>(), numbers.Any<int>());
+        PutAny(*object.settings, numbers);
         object.player->SetEnable(numbers.Below(8) == 7 ? FALSE : TRUE);
     }
     Demand(in.references == 1 && out.references == 1, "a buffer was kept");
@@ -64,10 +51,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace clarivex;
     InputNumbers numbers(data, size);
     TestObject object;
-    PutSharpness(*object.settings, numbers.Any<uint32_t>());
-    PutScaleFactor(*object.settings, numbers.Any<uint64_t>());
-    PutMode(*object.settings, numbers.Any<uint32_t>());
-    PutFlags(*object.settings, numbers.Any<int>(), numbers.Any<int>());
+    Put(*object.settings, &ICVXSettings::put_ScaleFactor, &ICVXSettings::get_ScaleFactor, numbers.Any<double>());
+    Put(*object.settings, &ICVXSettings::put_CVXMode, &ICVXSettings::get_CVXMode, numbers.Any<unsigned>());
+    PutAny(*object.settings, numbers);
     Play(object, numbers);
     return 0;
 }

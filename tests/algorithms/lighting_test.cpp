@@ -3,41 +3,27 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <memory>
 
 #include "runtime/random.h"
-#include "simd/kernel_table.h"
+#include "tests/support/test_images.h"
 
 namespace clarivex {
 namespace {
 
 constexpr int64_t longGap = 50'000'000;
 
-/// A frame whose planes lie in heap blocks of exactly their size, so that AddressSanitizer sees every stray read. Luma is
-/// of `span` levels from `base` on, chroma of `chromaSpan` levels around grey.
-class Frame {
-public:
-    Frame(int32_t width, int32_t height, int32_t base, int32_t span, int32_t chromaSpan, Random15& random) {
-        const auto chroma = [&] { return 128 - chromaSpan / 2 + (random.Next() * chromaSpan >> 15); };
-        planes.luma = Filled(width, height, blocks[0], [&] { return base + random.Next() % span; });
-        planes.second = Filled((width + 1) / 2, (height + 1) / 2, blocks[1], chroma);
-        planes.third = Filled((width + 1) / 2, (height + 1) / 2, blocks[2], chroma);
-    }
-
-    const ImagePlanes& Planes() const { return planes; }
-
-private:
-    template <class Sample>
-    static Plane Filled(int32_t width, int32_t height, std::unique_ptr<uint8_t[]>& block, Sample sample) {
-        const auto count = static_cast<size_t>(width * height);
-        block = std::make_unique<uint8_t[]>(count);
-        std::generate_n(block.get(), count, [&] { return static_cast<uint8_t>(sample()); });
-        return {block.get(), width, height, width};
-    }
-
-    std::unique_ptr<uint8_t[]> blocks[3];
-    ImagePlanes planes;
-};
+/// A decoder's frame: luma of `span` levels from `base` on, chroma of `chromaSpan` levels around grey.
+DecodedPicture Frame(int32_t width, int32_t height, int32_t base, int32_t span, int32_t chromaSpan, Random15& random) {
+    DecodedPicture picture(width, height, (width + 1) & ~1, Texture::soft, 1);
+    const auto fill = [](const Plane& plane, auto sample) {
+        for (int32_t y = 0; y < plane.height; ++y)
+            std::generate_n(plane.Row(y), plane.width, [&] { return static_cast<uint8_t>(sample()); });
+    };
+    fill(picture.Source().planes.luma, [&] { return base + random.Next() % span; });
+    for (const Plane& chroma : {picture.Source().planes.second, picture.Source().planes.third})
+        fill(chroma, [&] { return 128 - chromaSpan / 2 + (random.Next() * chromaSpan >> 15); });
+    return picture;
+}
 
 /// Frames of one sample, too small for a sampled pair and just large enough, around the heights where the grid widens, and large enough
 /// to lose a noise floor.
@@ -62,7 +48,7 @@ TEST(AnalyseLighting, GivesThePinnedLevelsOfEverySize) {
     for (const auto& test : cases) {
         Random15 random;
         LightingState state;
-        AnalyseLighting(Frame(test.width, test.height, test.base, test.span, 8, random).Planes(), longGap, state,
+        AnalyseLighting(Frame(test.width, test.height, test.base, test.span, 8, random).Source().planes, longGap, state,
                         scalarKernels);
         EXPECT_EQ(state.trackedBlack, test.black) << test.width << " x " << test.height;
         EXPECT_EQ(state.trackedWhite, test.white) << test.width << " x " << test.height;
@@ -71,11 +57,11 @@ TEST(AnalyseLighting, GivesThePinnedLevelsOfEverySize) {
 
 TEST(AnalyseLighting, LevelsAreTakenOutrightAfterALongGap) {
     Random15 random;
-    const Frame frame(64, 64, 60, 1, 1, random);
+    const DecodedPicture frame = Frame(64, 64, 60, 1, 1, random);
     LightingState state;
-    AnalyseLighting(frame.Planes(), 49'899'999, state, scalarKernels);
+    AnalyseLighting(frame.Source().planes, 49'899'999, state, scalarKernels);
     EXPECT_LT(state.trackedBlack, 30.0F);
-    AnalyseLighting(frame.Planes(), 49'900'000, state, scalarKernels);
+    AnalyseLighting(frame.Source().planes, 49'900'000, state, scalarKernels);
     EXPECT_NEAR(state.trackedBlack, 60.001, 1e-4);
 }
 
@@ -85,8 +71,8 @@ TEST(AnalyseLighting, FollowsTwoHundredFramesToTheLastBit) {
     LightingState state;
     LightingCorrection correction;
     for (int32_t i = 0; i < 200; ++i) {
-        const Frame frame(46, 20, i * 7 % 200, 1 + i * 13 % 56, 256, random);
-        correction = AnalyseLighting(frame.Planes(), 333'333, state, scalarKernels);
+        const DecodedPicture frame = Frame(46, 20, i * 7 % 200, 1 + i * 13 % 56, 256, random);
+        correction = AnalyseLighting(frame.Source().planes, 333'333, state, scalarKernels);
     }
     EXPECT_EQ(state.trackedBlack, 0x1.004a98p+4F);
     EXPECT_EQ(state.trackedWhite, 0x1.d480a8p+7F);

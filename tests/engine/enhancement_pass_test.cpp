@@ -227,5 +227,24 @@ TEST(PassInEveryMode, RunsTheStagesThatTheStartValuesLeaveOff) {
         }
 }
 
+constexpr TimingClass kind = TimingClass::bothAxes;
+
+void Note(TimingBlock& block, std::initializer_list<int64_t> durations, int32_t width = 64, int32_t height = 48) {
+    for (const int64_t cycles : durations) block.Note(kind, width, height, cycles);
+}
+
+TEST(TimingBlock, KeepsTheSmallestMeanOfThreeSamplesAndLeavesOutWhatTellsNothing) {
+    TimingBlock block;
+    Note(block, {10, 0, -5, 20});
+    Note(block, {5}, 15, 48);  // too small to be timed, but its size is kept
+    EXPECT_EQ(block.Figures(kind).meanCount, 0);
+    Note(block, {5});  // the size has changed since: the first of three
+    EXPECT_EQ(block.Figures(kind).sampleCount, 1);
+    Note(block, {31, 24, 100, 100, 100, 6, 6, 6});
+    EXPECT_EQ(block.Figures(kind).bestMean, 6);
+    EXPECT_EQ(block.Figures(kind).meanCount, 3);
+    EXPECT_EQ(block.Figures(kind).sampleCount, 0);
+}
+
 }  // namespace
 }  // namespace clarivex

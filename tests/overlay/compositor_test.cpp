@@ -140,32 +140,6 @@ TEST(Compositor, MovedHiddenAndRemovedElementsDamageWhatDiffers) {
     EXPECT_TRUE(other.TakePainted().IsEmpty());
 }
 
-TEST(Compositor, OpaqueElementHidesJustWhatIsBelow) {
-    Stage stage;
-    Box apart(1, {0, 20, 10, 30}), half(2, {0, 0, 10, 10}), under(3, {22, 2, 28, 8}), top(4, {5, 0, 30, 10});
-    top.cover = top.place;
-    for (Box* box : {&apart, &half, &under, &top}) stage.group.AddChild(*box);
-    stage.Step();
-    EXPECT_EQ(apart.TakePainted(), RegionOf(apart.place));  // has no clip record; the next element's is left alone
-    EXPECT_EQ(half.TakePainted(), RegionOf({0, 0, 5, 10}));
-    EXPECT_TRUE(under.TakePainted().IsEmpty());
-    half.dirty = under.dirty = true;
-    EXPECT_EQ(stage.Step().damage, RegionOf({0, 0, 5, 10}));
-}
-
-TEST(Compositor, ExtraDamageIsPaintedEvenOutsideTheClip) {
-    Stage stage;
-    Box box(1, {0, 0, 30, 30});
-    stage.group.AddChild(box);
-    stage.Step();
-    box.TakePainted();
-    box.dirty = true;
-    const Region clip = RegionOf({0, 0, 5, 5}), extra = RegionOf({25, 25, 100, 28});
-    EXPECT_EQ(stage.Step({.extraDamage = &extra, .clip = &clip}).damage,
-              RegionUnion(clip, RegionOf({25, 25, width, 28})));
-    EXPECT_EQ(box.TakePainted(), RegionUnion(clip, RegionOf({25, 25, 30, 28})));
-}
-
 /// A tree of boxes that anything may happen to.
 class Walk {
 public:

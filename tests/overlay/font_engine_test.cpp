@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 #include <vector>
 
 #include "overlay/glyph_outline.h"
@@ -17,18 +16,6 @@ Bytes RecordsOf(Font& font, int32_t character) {
     Bytes bytes(static_cast<size_t>(std::max<int64_t>(font.GlyphOutline(character, {}).bytes, 0)));
     font.GlyphOutline(character, bytes);
     return bytes;
-}
-
-/// Whether records are contours that end with their bytes.
-bool AreWhole(const Bytes& records) {
-    size_t at = 0;
-    while (records.size() - at >= 16) {
-        uint32_t header[2];  // size and type
-        std::memcpy(header, records.data() + at, sizeof(header));
-        if (header[0] < 16 || header[0] > records.size() - at || header[1] != 24) return false;
-        at += header[0];
-    }
-    return at == records.size();
 }
 
 PointList OutlineOf(Font& font, int8_t character) {
@@ -105,12 +92,6 @@ TEST_F(SystemFonts, WritesTheRecordsWholeOrNotAtAll) {
         EXPECT_EQ(font->GlyphOutline('C', buffer).bytes, std::ssize(records));
         EXPECT_EQ(buffer, expected);
     }
-}
-
-TEST_F(SystemFonts, EveryByteGivesNothingOrWholeContours) {
-    const auto font = engine->MakeFont({});
-    for (int32_t character = -128; character <= 127; ++character)
-        EXPECT_TRUE(AreWhole(RecordsOf(*font, character))) << character;
 }
 
 }  // namespace

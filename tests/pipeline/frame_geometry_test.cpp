@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <utility>
 
 #include "tests/support/stream_setup.h"
 
@@ -30,26 +31,19 @@ struct Trial {
     }
 };
 
-// The smallest capacities that do.
-size_t LeastInput(const FrameRequest& request) {
-    size_t bytes = 0;
-    while (FAILED(Trial(request, bytes).code)) ++bytes;
-    return bytes;
-}
-
-size_t LeastOutput(const FrameRequest& request) {
-    size_t bytes = 0;
-    while (FAILED(Trial(request, plenty, bytes).code)) ++bytes;
-    return bytes;
+// The smallest capacities that do, of input and output.
+std::pair<size_t, size_t> LeastOf(const FrameRequest& request) {
+    size_t input = 0, output = 0;
+    while (FAILED(Trial(request, input).code)) ++input;
+    while (FAILED(Trial(request, input, output).code)) ++output;
+    return {input, output};
 }
 
 TEST(LayOutFrame, NeedsExactlyTheBytesUpToTheLastSample) {
-    EXPECT_EQ(LeastInput(Stream(PixelFormat::yv12, 32, 8, true)), 32U * 8 * 3 / 2);
-    EXPECT_EQ(LeastOutput(Stream(PixelFormat::yv12, 32, 8, true)), 48U * 12 * 3 / 2);
-    EXPECT_EQ(LeastInput(Stream(PixelFormat::yuy2, 33, 8, false)), 68U * 8);
+    EXPECT_EQ(LeastOf(Stream(PixelFormat::yv12, 32, 8, true)), std::pair(size_t{384}, size_t{864}));
     FrameRequest wide = Stream(PixelFormat::yuy2, 40, 8, false);
-    wide.sourceWidth = 34;
-    EXPECT_EQ(LeastInput(wide), 80U * 7 + 68);
+    wide.sourceWidth = 33;
+    EXPECT_EQ(LeastOf(wide), std::pair(size_t{80 * 7 + 68}, size_t{80 * 7 + 68}));
 }
 
 TEST(LayOutFrame, FollowsTheRectangleIntoThePicture) {
@@ -159,33 +153,20 @@ TEST(LayOutFrame, RefusesWhatIsNotThere) {
 }
 
 TEST(LayOutFrame, RefusesNonsenseSizesAndStrides) {
-    constexpr int32_t most = std::numeric_limits<int32_t>::max();
-    void (*const changes[])(FrameRequest&) = {[](FrameRequest& r) { r.input.width = -64; },
-                                              [](FrameRequest& r) { r.output.width = 0; },
-                                              [](FrameRequest& r) { r.sourceWidth = r.input.width = most; },
-                                              [](FrameRequest& r) { r.sourceHeight = most; },
-                                              [](FrameRequest& r) { r.sourceWidth = r.sourceHeight = 60000; },
-                                              [](FrameRequest& r) {
-                                                  r.output.target = {0, most - 1, 1, most};
-                                              },
-                                              [](FrameRequest& r) {
-                                                  r.input.target = {most - 1, 0, most, 1};
-                                              },
-                                              [](FrameRequest& r) {  // offsets whose sums would leave 64 bits
-                                                  r.format = PixelFormat::yv12;
-                                                  r.output = FormatOf(PixelFormat::yv12, most,
-                                                                      std::numeric_limits<int32_t>::min());
-                                                  r.output.target = {0, most - 1, 1, most};
-                                              },
-                                              [](FrameRequest& r) {  // chroma rows of no bytes
-                                                  r.format = PixelFormat::yv12;
-                                                  r.input = FormatOf(PixelFormat::yv12, 1, 32);
-                                              }};
-    for (const auto& change : changes) {
-        FrameRequest request = Stream(PixelFormat::yuy2, 64, 32, true);
-        change(request);
-        EXPECT_EQ(Trial(request).code, E_INVALIDARG) << &change - changes;
-    }
+    constexpr int32_t most = std::numeric_limits<int32_t>::max(), least = std::numeric_limits<int32_t>::min();
+    FrameRequest requests[8];
+    for (FrameRequest& request : requests) request = Stream(PixelFormat::yuy2, 64, 32, true);
+    requests[0].input.width = -64;
+    requests[1].output.width = 0;
+    requests[2].sourceWidth = requests[2].input.width = most;
+    requests[3].sourceHeight = most;
+    requests[4].sourceWidth = requests[4].sourceHeight = 60000;
+    requests[5].input.target = {most - 1, 0, most, 1};
+    requests[6].format = requests[7].format = PixelFormat::yv12;
+    requests[6].output = FormatOf(PixelFormat::yv12, most, least);  // offsets whose sums would leave 64 bits
+    requests[6].output.target = {0, most - 1, 1, most};
+    requests[7].input = FormatOf(PixelFormat::yv12, 1, 32);  // chroma rows of no bytes
+    for (const FrameRequest& request : requests) EXPECT_EQ(Trial(request).code, E_INVALIDARG) << &request - requests;
 }
 
 }  // namespace

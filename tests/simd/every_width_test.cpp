@@ -43,14 +43,14 @@ struct Fault {
 };
 
 constexpr Fault faults[] = {
-    {"one byte too many", "interleave",
+    {"one byte too many", "interleaveAndBlend",
      [](KernelTable& table) {
          table.interleave = [](const uint8_t* a, const uint8_t* b, uint8_t* out, int32_t width) {
              plainKernels.interleave(a, b, out, width);
              out[2 * width] ^= 1;
          };
      }},
-    {"a write behind the slack", "expandRow",
+    {"a write behind the slack", "splitAndExpandRow",
      [](KernelTable& table) {
          table.expandRow = [](const uint8_t* row, int16_t* words, int32_t width) {
              plainKernels.expandRow(row, words, width);

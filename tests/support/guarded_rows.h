@@ -19,11 +19,6 @@ enum class Fill { zeros, full, alternating, nearEnds, random };
 
 constexpr std::array<Fill, 5> allFills{Fill::zeros, Fill::full, Fill::alternating, Fill::nearEnds, Fill::random};
 
-inline const char* NameOf(Fill fill) {
-    constexpr std::array<const char*, 5> names{"zeros", "full", "alternating", "near ends", "random"};
-    return names[static_cast<size_t>(fill)];
-}
-
 /// A number from 0 … limit.
 inline int32_t UpTo(std::mt19937& random, int32_t limit) {
     return static_cast<int32_t>(random() % (static_cast<uint32_t>(limit) + 1));
@@ -54,25 +49,6 @@ struct Room {
     int32_t behind = 0;
 };
 
-/// A row to read from: `count` samples with room beside it, whose memory ends with the room. AddressSanitizer sees
-/// every access behind it and, at offset 0, before it. The offset takes the row away from aligned addresses.
-template <class T>
-class InputRow {
-public:
-    InputRow(int32_t count, Room room, int32_t offset, uint8_t filler)
-        : start(offset + room.before),
-          length(start + count + room.behind),
-          memory(std::make_unique<T[]>(static_cast<size_t>(length))) {
-        std::fill_n(memory.get(), length, static_cast<T>(filler * 257));
-    }
-    T* Samples() const { return memory.get() + start; }
-
-private:
-    int32_t start;
-    int32_t length;
-    std::unique_ptr<T[]> memory;
-};
-
 /// A row to write to, with room beside it that may be written as well and guards around both.
 template <class T>
 class GuardedRow {
@@ -82,32 +58,29 @@ public:
           room(beside),
           start(guardLength + offset + room.before),
           memory(static_cast<size_t>(start + count + room.behind + guardLength), static_cast<T>(filler * 257)) {
-        for (size_t i = 0; i < memory.size(); ++i)
-            if (IsGuard(static_cast<int32_t>(i))) memory[i] = GuardAt(i);
+        for (int32_t i = -start; i < End(); ++i)
+            if (IsGuard(i)) Samples()[i] = GuardAt(i);
     }
     T* Samples() { return memory.data() + start; }
     const T* Samples() const { return memory.data() + start; }
     int32_t Count() const { return count; }
 
-    /// Index of the first changed guard as seen from the row's first sample, or `none`.
+    /// Index, as seen from the row's first sample, of the first guard that has changed or sample that the reference has
+    /// another of, or `none`.
     static constexpr int32_t none = INT32_MIN;
-    [[nodiscard]] int32_t ChangedGuard() const {
-        for (size_t i = 0; i < memory.size(); ++i)
-            if (IsGuard(static_cast<int32_t>(i)) && memory[i] != GuardAt(i)) return static_cast<int32_t>(i) - start;
+    [[nodiscard]] int32_t FirstFault(const GuardedRow& reference) const {
+        for (int32_t i = -start; i < End(); ++i)
+            if (IsGuard(i) ? Samples()[i] != GuardAt(i) : i >= 0 && i < count && Samples()[i] != reference.Samples()[i])
+                return i;
         return none;
-    }
-    /// Index of the first sample that differs, or `none`.
-    [[nodiscard]] int32_t FirstDifference(const GuardedRow& other) const {
-        const T* end = Samples() + std::min(count, other.count);
-        const T* at = std::mismatch(Samples(), end, other.Samples()).first;
-        return at == end && count == other.count ? none : static_cast<int32_t>(at - Samples());
     }
 
 private:
     static constexpr int32_t guardLength = 64;
     // Differs from sample to sample, so that a shifted copy of it shows as well.
-    static T GuardAt(size_t i) { return static_cast<T>(0x5BD1 + 0x2F35 * i); }
-    bool IsGuard(int32_t i) const { return i < start - room.before || i >= start + count + room.behind; }
+    static T GuardAt(int32_t i) { return static_cast<T>(0x5BD1 + 0x2F35 * i); }
+    bool IsGuard(int32_t i) const { return i < -room.before || i >= count + room.behind; }
+    int32_t End() const { return static_cast<int32_t>(memory.size()) - start; }
 
     int32_t count;
     Room room;
@@ -157,22 +130,28 @@ public:
         std::ostringstream fault;
         Compare(fault, "byte row", outputBytes, reference.outputBytes);
         Compare(fault, "word row", outputWords, reference.outputWords);
-        for (const auto& row : scratchWords) NameChangedGuard(fault, "scratch row", row);
+        Compare(fault, "scratch row", scratchWords, scratchWords);
+        Compare(fault, "reference byte row", reference.outputBytes, reference.outputBytes);
+        Compare(fault, "reference word row", reference.outputWords, reference.outputWords);
         return fault.str();
     }
 
 private:
     template <class T>
-    using InputRows = std::vector<InputRow<T>>;
+    using InputRows = std::vector<std::unique_ptr<T[]>>;
     template <class T>
     using OutputRows = std::vector<GuardedRow<T>>;
 
     int32_t Offset() { return std::max(0, UpTo(random, 47) - 16); }  // a third of the rows without one
 
+    /// AddressSanitizer sees every access behind the room and, at offset 0, before it. The offset takes the row away from
+    /// aligned addresses.
     template <class T>
     T* Input(InputRows<T>& rows, int32_t count, Room room, Room reach, int32_t low, int32_t high) {
-        rows.emplace_back(count, room, Offset(), filler);
-        T* samples = rows.back().Samples();
+        const int32_t start = Offset() + room.before, length = start + count + room.behind;
+        rows.push_back(std::make_unique<T[]>(static_cast<size_t>(length)));
+        std::fill_n(rows.back().get(), length, static_cast<T>(filler * 257));
+        T* samples = rows.back().get() + start;
         FillSamples(samples - reach.before, count + reach.before + reach.behind, fill, low, high, random);
         return samples;
     }
@@ -182,22 +161,12 @@ private:
         return rows.back().Samples();
     }
     template <class T>
-    static void NameChangedGuard(std::ostringstream& fault, const char* kind, const GuardedRow<T>& row) {
-        const int32_t guard = row.ChangedGuard();
-        if (guard != GuardedRow<T>::none)
-            fault << ", guard " << guard << " of a " << kind << " of " << row.Count() << " written";
-    }
-    template <class T>
     static void Compare(std::ostringstream& fault, const char* kind, const OutputRows<T>& rows,
                         const OutputRows<T>& expected) {
-        for (size_t i = 0; i < rows.size(); ++i) {
-            NameChangedGuard(fault, kind, rows[i]);
-            NameChangedGuard(fault, "reference row", expected[i]);
-            const int32_t at = rows[i].FirstDifference(expected[i]);
-            if (at != GuardedRow<T>::none)
-                fault << ", " << kind << ' ' << i << " [" << at << "] is " << +rows[i].Samples()[at] << ", not "
-                      << +expected[i].Samples()[at];
-        }
+        for (size_t i = 0; i < rows.size(); ++i)
+            if (const int32_t at = rows[i].FirstFault(expected[i]); at != GuardedRow<T>::none)
+                fault << ", " << kind << ' ' << i << " of " << rows[i].Count() << " [" << at << "] is "
+                      << +rows[i].Samples()[at] << ", the reference's " << +expected[i].Samples()[at];
     }
 
     Fill fill;
