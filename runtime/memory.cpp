@@ -46,7 +46,7 @@ MemoryWait SetMemoryWait(MemoryWait wait) { return std::exchange(memoryWait, wai
 
 void MemoryShortage::Wait() {
     if (waited == 0 && bytes != 0) {
-        Trace("MemAlloc : waiting for %zu bytes", bytes);
+        Trace("MemAlloc : waiting for %lu bytes", static_cast<unsigned long>(bytes));
     } else if (waited == 0) {
         Trace("MemAlloc : waiting for memory");
     }
