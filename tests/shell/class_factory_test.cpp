@@ -32,17 +32,5 @@ TEST(ClassFactory, IsOneAndGivesAWholeOnlyThePrivateHandle) {
     EXPECT_EQ(E_POINTER, factory->CreateInstance(nullptr, iidMediaObject, nullptr));
 }
 
-TEST(CanUnloadNow, WaitsForObjectsAndLocksButNotForFactories) {
-    const auto factory = MediaObjectFactory();
-    ASSERT_EQ(S_OK, CanUnloadNow());
-    EXPECT_EQ(S_OK, factory->LockServer(TRUE));
-    EXPECT_EQ(S_FALSE, CanUnloadNow());
-    auto object = MakeObject<IMediaObject>(iidMediaObject);
-    EXPECT_EQ(S_OK, factory->LockServer(FALSE));
-    EXPECT_EQ(S_FALSE, CanUnloadNow());
-    object.reset();
-    EXPECT_EQ(S_OK, CanUnloadNow());
-}
-
 }  // namespace
 }  // namespace clarivex

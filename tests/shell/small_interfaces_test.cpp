@@ -8,9 +8,7 @@
 #include <tuple>
 #include <utility>
 
-#include "shell/media_object.h"
 #include "shell/plugin_settings.h"
-#include "tests/support/fake_buffers.h"
 #include "tests/support/test_object.h"
 
 namespace clarivex {
@@ -98,31 +96,6 @@ TEST(PropertyPages, NameOnePageInTheCallersMemory) {
     ASSERT_EQ(S_OK, object.pages->GetPages(&pages));
     EXPECT_TRUE(pages.cElems == 1 && IsEqualGUID(clsidPropertyPage, pages.pElems[0]));
     CoTaskMemFree(pages.pElems);
-}
-
-// A media object whose icon is a stream of the test's.
-class ObjectWithIcon : public CVXMediaObject {
-public:
-    HRESULT LoadIconStream(IStream** stream) override {
-        *stream = &icon;
-        icon.AddRef();
-        return S_OK;
-    }
-    static inline FakeStream icon;
-};
-
-TEST(PropertyBag, GivesTheIconWithOneReferenceInAnyCase) {
-    auto* object = new PlainObject<ObjectWithIcon>;
-    object->AddRef();
-    for (const wchar_t* name : {L"IconStreams", L"ICONSTREAMS", L"iconstreams"}) {
-        VARIANT value = {};
-        ASSERT_EQ(S_OK, object->Read(name, &value, nullptr));
-        EXPECT_EQ(VT_UNKNOWN, value.vt);
-        EXPECT_EQ(static_cast<IUnknown*>(&ObjectWithIcon::icon), value.punkVal);
-        EXPECT_EQ(2, ObjectWithIcon::icon.references);
-        value.punkVal->Release();
-    }
-    object->Release();
 }
 
 TEST(PropertyBag, LeavesTheValueForOtherNamesAndFailures) {
