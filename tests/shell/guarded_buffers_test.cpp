@@ -2,9 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -25,26 +23,6 @@ TEST(GuardedPagesHarness, TheNeighboursOfBothEndsCannotBeTouched) {
     EXPECT_FALSE(IsReadable(pages.First(1).data() - 1));
     EXPECT_FALSE(IsReadable(pages.Last(1).data() + 1));
 }
-
-/// Says which case it was when memory is touched that must not be.
-class NamedFaults {
-public:
-    NamedFaults() : previous(std::signal(SIGSEGV, NameCase)) {}
-    ~NamedFaults() { std::signal(SIGSEGV, previous); }
-    NamedFaults(const NamedFaults&) = delete;
-    NamedFaults& operator=(const NamedFaults&) = delete;
-
-    void Enter(const std::string& name) { std::snprintf(current, sizeof current, "%s", name.c_str()); }
-
-private:
-    static void NameCase(int) {
-        std::fprintf(stderr, "memory outside a buffer was touched: %s\n", current);
-        std::_Exit(EXIT_FAILURE);  // the access would only be tried again
-    }
-
-    static inline char current[200] = "";
-    void (*previous)(int);
-};
 
 std::vector<HostSize> AwkwardSizes() {
     std::vector<HostSize> sizes = {{352, 288}, {501, 37}, {640, 21}, {33, 300}, {719, 64}};
@@ -69,7 +47,6 @@ protected:
 
     /// Frames of one stream; both buffers begin behind a guard or end before one and hold just the picture.
     void Play(const GUID& subtype, const HostSize& size, unsigned mode, bool atEnd, int32_t frames) {
-        faults.Enter(NameOf(subtype, size, mode, atEnd));
         SCOPED_TRACE(NameOf(subtype, size, mode, atEnd));
         object.media->Flush();
         const bool enlarged = mode == alwaysEnlarged;
@@ -102,7 +79,6 @@ protected:
 
     const GuardedPages inPages{mostBytes};
     const GuardedPages outPages{mostBytes};
-    NamedFaults faults;
     TestObject object;
 };
 

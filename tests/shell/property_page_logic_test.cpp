@@ -5,7 +5,6 @@
 
 #include <limits>
 #include <string>
-#include <tuple>
 
 namespace clarivex {
 namespace {
@@ -18,16 +17,6 @@ PageChoices WithSharpness(float sharpness) { return {.sharpness = sharpness}; }
 
 std::string MessageFor(const SettingsInUse& before, const PageChoices& chosen) {
     return ApplyMessage(before, chosen).Text();
-}
-
-TEST(PageSliders, EdgePositionsRunFromHardToSoft) {
-    for (int32_t position = 0; position <= edgeTicks; ++position) {
-        const PageChoices there = ChoicesAt({position, 2}, true, false);
-        EXPECT_EQ(static_cast<float>(4 - position) * 0.5F, there.sharpness);
-        EXPECT_EQ(position, PositionsFor(there).edge);
-        EXPECT_EQ(2, PositionsFor(there).mode);
-        EXPECT_TRUE(there.mode == modeAlways && there.bypassHd && !there.enableLighting);
-    }
 }
 
 TEST(PageSliders, EverySharpnessHasAPositionAndHalfStepsGoToTheEvenOne) {
@@ -50,25 +39,6 @@ TEST(PageDirtiness, EdgeSliderIsComparedFromTheOtherEnd) {
     EXPECT_TRUE(CountsAsChanged({.mode = modeAuto}, {2, 0}));
     EXPECT_TRUE(CountsAsChanged({.mode = modeAuto}, {2, 2}));
     EXPECT_TRUE(CountsAsChanged({.mode = 7}, {2, 2}));  // the mode's slider stops at its end
-}
-
-TEST(TouchedChoices, AreMergedAloneAndStayTouched) {
-    const PageChoices atFirst;
-    const PageChoices other{.sharpness = 0.5F, .mode = modeNever, .bypassHd = false, .enableLighting = false};
-    PluginSettings settings;
-    const auto merge = [&](PageChoices passing) {  // the controls went there and then to the other choices
-        TouchedChoices touched;
-        touched.Note(atFirst, passing);
-        touched.Note(atFirst, atFirst);
-        Merge(other, touched, settings);
-        const PageChoices now = ChoicesIn(settings);
-        return std::tuple(now.sharpness, now.mode, now.bypassHd, now.enableLighting);
-    };
-    EXPECT_EQ(std::tuple(1.0F, modeAuto, true, true), merge(atFirst));
-    EXPECT_EQ(std::tuple(1.0F, modeAuto, true, false), merge({.enableLighting = false}));
-    EXPECT_EQ(std::tuple(1.0F, modeAuto, false, false), merge({.bypassHd = false}));
-    EXPECT_EQ(std::tuple(1.0F, modeNever, false, false), merge({.mode = modeAlways}));
-    EXPECT_EQ(std::tuple(0.5F, modeNever, false, false), merge({.sharpness = 2.0F}));
 }
 
 TEST(PageMessage, TellsWhatWaitsForTheNextVideoAndWarnsOfANewAlways) {
