@@ -13,23 +13,6 @@ std::string HeaderError(std::string_view line) {
     return ErrorOf([=] { ParseY4mHeader(line); });
 }
 
-/// The error of reading a whole stream, and how many frames came before it.
-struct Reading {
-    std::string error;
-    int frames = 0;
-};
-
-Reading ReadAll(std::string_view stream) {
-    Reading reading;
-    reading.error = ErrorOf([&] {
-        MemorySource source(stream);
-        Y4mReader reader(source);
-        Y4mFrame frame;
-        while (reader.ReadFrame(frame)) ++reading.frames;
-    });
-    return reading;
-}
-
 TEST(Y4mHeader, ReadsSizeRateAndAspectWhichMayBeMissing) {
     const Y4mHeader header = ParseY4mHeader("YUV4MPEG2 W352 H288 F30000:1001 It A128:117 C420mpeg2 XCOLORRANGE=FULL");
     EXPECT_EQ(header.size, (PictureSize{352, 288}));
@@ -90,29 +73,28 @@ TEST(Y4mReader, CountsFramesToTheEnd) {
 
 TEST(Y4mReader, CutsAndDamageAreToldWithTheirFrame) {
     const std::string begin = "YUV4MPEG2 W2 H2\nFRAME\nabcdef";
-    const std::string damaged = "frame 1 does not begin";
+    const std::string damaged = "frame 1 does not begin", cut = "frame 1 is cut short: 6 bytes expected, 0 found";
+    const std::string endless(longestY4mLine, 'X');
     const std::pair<std::string, std::string> cases[] = {
-        {"FRAME\nabc", "frame 1 is cut short: 6 bytes expected, 3 found"},
-        {"FRAME\n", "frame 1 is cut short: 6 bytes expected, 0 found"},
-        {"FRA", "frame 1 is cut short: 6 bytes expected, 0 found"},
-        {"FRAME Ip", "frame 1 is cut short: 6 bytes expected, 0 found"},
-        {"x", damaged},
-        {"FRAMES\nabcdef", damaged},
-        {"\n", damaged},
-        {"FRAME " + std::string(longestY4mLine, 'I') + "\nabcdef", damaged}};
-    for (const auto& [rest, error] : cases) {
-        const Reading reading = ReadAll(begin + rest);
-        EXPECT_TRUE(reading.error.starts_with(error)) << reading.error;
-        EXPECT_EQ(reading.frames, 1);
+        {begin + "FRAME\nabc", "frame 1 is cut short: 6 bytes expected, 3 found"},
+        {begin + "FRAME\n", cut},
+        {begin + "FRA", cut},
+        {begin + "FRAME Ip", cut},
+        {begin + "x", damaged},
+        {begin + "FRAMES\nabcdef", damaged},
+        {begin + "\n", damaged},
+        {begin + "FRAME " + endless + "\nabcdef", damaged},
+        {"YUV4MPEG2 W2 H2", "no line end"},
+        {"YUV4MPEG2 " + endless + " W2 H2\n", "no line end"}};
+    for (const auto& [stream, words] : cases) {
+        const std::string error = ErrorOf([&] {
+            MemorySource source(stream);
+            Y4mReader reader(source);
+            Y4mFrame frame;
+            while (reader.ReadFrame(frame)) continue;
+        });
+        EXPECT_NE(error.find(words), std::string::npos) << error;
     }
-}
-
-TEST(Y4mReader, HeadersWithoutEndOrContentAreTold) {
-    const std::string endless = "YUV4MPEG2 " + std::string(longestY4mLine, 'X') + " W2 H2\n";
-    EXPECT_NE(ReadAll("").error.find("is empty"), std::string::npos);
-    EXPECT_NE(ReadAll("YUV4MPEG2 W2 H2").error.find("no line end"), std::string::npos);
-    EXPECT_NE(ReadAll(endless).error.find("no line end"), std::string::npos);
-    EXPECT_NE(ReadAll(std::string(100000, '\0')).error.find("not a Y4M"), std::string::npos);
 }
 
 TEST(Y4mWriter, WritesWhatTheReaderReads) {

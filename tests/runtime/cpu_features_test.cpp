@@ -2,23 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <utility>
-
 namespace clarivex {
 namespace {
 
 constexpr uint32_t Bit(int position) { return 1U << position; }
-
-TEST(FeatureFlagsOf, MapsEachProcessorBit) {
-    const std::pair<CpuRegisters, uint32_t> cases[] = {{{}, 0},
-                                                       {{.leaf1Edx = Bit(15)}, 4},
-                                                       {{.leaf1Edx = Bit(23)}, 8},
-                                                       {{.leaf1Edx = Bit(25)}, 16 + 128},
-                                                       {{.leaf1Edx = Bit(26)}, 256},
-                                                       {{.extendedEdx = Bit(31)}, 32},
-                                                       {{.extendedEdx = Bit(30)}, 16 + 64}};
-    for (const auto& [registers, flags] : cases) EXPECT_EQ(FeatureFlagsOf(registers), flags);
-}
 
 CpuRegisters WidestProcessor() {
     return {.leaf1Ecx = Bit(27) | Bit(28),

@@ -104,15 +104,6 @@ TEST(CopyPlane, StaysInsideTheBoundsOfBothBuffers) {
     EXPECT_EQ(TouchedWithin(TestPlane(50, 3, 60), touching, 2 * 60 + 50, 3 * 60), 2U * 60 + 50);
 }
 
-TEST(LayoutPlanes, KeepsSpareRowsAndBalancesThePlanes) {
-    const PlaneLayout tiny = LayoutPlanes(1, 1);
-    EXPECT_EQ(tiny.lumaStride, 64);
-    EXPECT_EQ(tiny.chromaWidth, 1);
-    EXPECT_EQ(tiny.lumaBytes, 4096U);  // 32 rows of 64, raised to four times 32 rows of 32
-    EXPECT_EQ(tiny.chromaBytes, 1024U);
-    EXPECT_EQ(LayoutPlanes(640, 480).blockBytes, 491552U);
-}
-
 TEST(AllocatePlanes, PlacesThePlanesInOneBlock) {
     ImagePlanes planes, copy;
     AllocatePlanes(101, 51, planes);
