@@ -92,30 +92,5 @@ TEST(IsAcceptedType, InputsMustLeaveRoomForTheEnlargedPicture) {
     EXPECT_FALSE(IsAcceptedType(*type.Type(), StreamSide::output)) << "more than 31 bits of image bytes";
 }
 
-TEST(ImageBytes, CountRowsInWholeWordsAndIgnoreTheStatedSize) {
-    VideoInfoType type(33, 10);
-    type.Bitmap().biSizeImage = 1;
-    EXPECT_EQ(52U * 10, ImageBytes(*type.Type()));  // 396 bits, rounded up to 416
-    type.Bitmap().biHeight = -10;
-    EXPECT_EQ(52U * 10, ImageBytes(*type.Type()));
-    type.formatType = noGuid;
-    EXPECT_EQ(0U, ImageBytes(*type.Type()));
-    EXPECT_FALSE(FormatOf({}).readable);
-}
-
-TEST(MediaTypeOwner, KeepsItsOwnCopyAndNothingAfterClear) {
-    MediaType owner;
-    EXPECT_FALSE(owner.IsSet());
-    VideoInfoType type(320, 240);
-    ASSERT_EQ(S_OK, owner.Assign(*type.Type()));
-    const BYTE* first = owner.Get().pbFormat;
-    EXPECT_NE(type.Type()->pbFormat, first);
-    ASSERT_EQ(S_OK, owner.Assign(owner.Get()));  // itself
-    EXPECT_EQ(320, FormatOf(owner.Get()).width);
-    owner.Clear();
-    EXPECT_FALSE(owner.IsSet());
-    EXPECT_EQ(nullptr, owner.Get().pbFormat);
-}
-
 }  // namespace
 }  // namespace clarivex

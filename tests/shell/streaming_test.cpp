@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <tuple>
 #include <utility>
 
 #include "tests/support/fake_buffers.h"
@@ -234,7 +235,7 @@ TEST_F(Streaming, FiltersFollowTheSharpnessAndTheSizeAndNothingElse) {
 
 TEST_F(Streaming, AFrameIsAskedForAsItWasNegotiatedAndSet) {
     VideoInfo2Type type(96, 80, mediaSubtypeYuy2);
-    type.Target() = {0, 0, 64, 50};
+    type.Target() = {10, 20, 64, 50};
     type.Bitmap().biXPelsPerMeter = 3;
     type.header.dwPictAspectRatioX = 3;
     type.header.dwPictAspectRatioY = 2;
@@ -244,8 +245,8 @@ TEST_F(Streaming, AFrameIsAskedForAsItWasNegotiatedAndSet) {
     ASSERT_EQ(S_OK, Media().SetOutputType(0, &offered.Get(), 0));
     FrameRequest expected;
     expected.format = PixelFormat::yuy2;
-    expected.input = expected.source = {true, 96, 80, 16, 3, {0, 0, 64, 50}};
-    expected.output = {true, 144, 120, 16, 3, {0, 0, 64, 50}};
+    expected.input = expected.source = {true, 96, 80, 16, 3, {10, 20, 64, 50}};
+    expected.output = {true, 144, 120, 16, 3, {0, 0, 64, 50}};  // the rectangle moves to the corner
     expected.sourceWidth = 64;
     expected.sourceHeight = 50;
     expected.scalingOn = expected.sourceIsVih2WithoutBitrate = true;
@@ -266,6 +267,16 @@ TEST_F(Streaming, AFrameIsAskedForAsItWasNegotiatedAndSet) {
     expected.enableLighting = expected.enabled = false;
     expected.newStream = expected.settingsDirty = true;
     EXPECT_EQ(expected, open->NextRequest());
+
+    type.header.dwPictAspectRatioY = 0;  // not stated
+    type.Target() = {0, 0, 0, 81};       // no width, and a height that is not the picture's
+    ASSERT_EQ(DMO_E_TYPE_NOT_ACCEPTED, Media().SetInputType(0, type.Type(), 0));
+    type.Target() = {0, 10, 0, 81};
+    ASSERT_EQ(S_OK, Media().SetInputType(0, type.Type(), 0));
+    ASSERT_EQ(S_OK, Media().GetOutputType(0, 0, offered.Out()));
+    const FrameRequest last = open->NextRequest();
+    EXPECT_EQ(std::tuple(98, 80, 1.0F, false),
+              std::tuple(last.sourceWidth, last.sourceHeight, last.pixelAspect, last.sourceIsVih2WithoutBitrate));
 }
 
 }  // namespace
