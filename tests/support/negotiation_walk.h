@@ -45,15 +45,13 @@ class NegotiationWalk {
 public:
     explicit NegotiationWalk(NumberSource source) : numbers(std::move(source)) {}
     ~NegotiationWalk() { object.media->Flush(); }
-    NegotiationWalk(const NegotiationWalk&) = delete;
-    NegotiationWalk& operator=(const NegotiationWalk&) = delete;
 
     /// Makes one call. The text says what was wrong with what came back, and is empty when all is well.
     std::string Step() {
         // clang-format off
         static constexpr std::array steps = {
             &NegotiationWalk::SetType, &NegotiationWalk::StartStream, &NegotiationWalk::AskForOutput,
-            &NegotiationWalk::AskForTypes, &NegotiationWalk::ChangeSettings, &NegotiationWalk::CallTheRest,
+            &NegotiationWalk::ChangeSettings, &NegotiationWalk::FlushOrClear,
             &NegotiationWalk::GiveInput, &NegotiationWalk::GiveInput, &NegotiationWalk::GiveInput,
             &NegotiationWalk::TakeOutput, &NegotiationWalk::TakeOutput, &NegotiationWalk::TakeOutput};
         // clang-format on
@@ -83,11 +81,8 @@ private:
     }
 
     int32_t AnyCoordinate(int32_t side) {
-        switch (numbers(4)) {
-            case 0: return walking::Pick(numbers, oddSides);
-            case 1: return static_cast<int32_t>(numbers(150));
-            default: return side;
-        }
+        if (OneIn(4)) return walking::Pick(numbers, oddSides);
+        return OneIn(3) ? static_cast<int32_t>(numbers(150)) : side;
     }
 
     template <class Header>
@@ -156,20 +151,6 @@ private:
         return walking::Check(taken == S_OK || taken == DMO_E_TYPE_NOT_ACCEPTED, "the offered type made trouble");
     }
 
-    std::string AskForTypes() {
-        ReceivedType type;
-        DWORD size = 0;
-        DWORD other = 0;
-        const HRESULT results[] = {object.media->GetInputType(numbers(2), numbers(4), OneIn(9) ? nullptr : type.Out()),
-                                   object.media->GetInputCurrentType(0, type.Out()),
-                                   object.media->GetOutputCurrentType(0, type.Out()),
-                                   object.media->GetInputSizeInfo(0, &size, &other, OneIn(9) ? nullptr : &other),
-                                   object.media->GetOutputSizeInfo(0, &size, &other)};
-        for (HRESULT result : results)
-            if (!walking::IsKnown(result)) return "a question about types gave an unknown result";
-        return "";
-    }
-
     std::string ChangeSettings() {
         static constexpr std::array strengths = {0.0F,  0.5F,  2.0F,
                                                  -3.0F, 1e30F, std::numeric_limits<float>::quiet_NaN()};
@@ -225,25 +206,13 @@ private:
         return walking::Check(out->references == 1, "the output buffer was kept");
     }
 
-    std::string CallTheRest() {
-        switch (numbers(6)) {
-            case 0:
-                object.media->Flush();
-                return walking::Check(in == nullptr || in->references == 1, "flushed input is still kept");
-            case 1:
-                object.media->Lock(1);
-                object.media->Lock(0);
-                return "";
-            case 2: return walking::Check(walking::IsKnown(object.media->Discontinuity(numbers(3))), "discontinuity");
-            case 3: return walking::Check(object.media->SetInputType(0, nullptr, DMO_SET_TYPEF_CLEAR) == S_OK, "clear");
-            case 4:
-                return walking::Check(object.media->SetOutputType(0, nullptr, DMO_SET_TYPEF_CLEAR) == S_OK, "clear");
-            default: {
-                VARIANT value = {};
-                return walking::Check(FAILED(object.bag->Read(L"iconstreams", &value, nullptr)) && value.vt == VT_EMPTY,
-                                      "icon");
-            }
-        }
+    std::string FlushOrClear() {
+        if (OneIn(3))
+            return walking::Check(object.media->SetInputType(0, nullptr, DMO_SET_TYPEF_CLEAR) == S_OK, "clear");
+        if (OneIn(2))
+            return walking::Check(object.media->SetOutputType(0, nullptr, DMO_SET_TYPEF_CLEAR) == S_OK, "clear");
+        object.media->Flush();
+        return walking::Check(in == nullptr || in->references == 1, "flushed input is still kept");
     }
 
     NumberSource numbers;
