@@ -49,8 +49,6 @@ class MessageBoxCloser {
 public:
     explicit MessageBoxCloser(const char* boxCaption) : caption(boxCaption), watcher([this] { Watch(); }) {}
     ~MessageBoxCloser() { Finish(); }
-    MessageBoxCloser(const MessageBoxCloser&) = delete;
-    MessageBoxCloser& operator=(const MessageBoxCloser&) = delete;
 
     /// Ends the watch and gives the texts of the boxes seen, in order.
     std::vector<std::string> Finish() {

@@ -20,16 +20,14 @@ public:
 
     HMODULE Handle() const { return library.get(); }
 
-    HRESULT ClassObject(REFCLSID classId, void** out, REFIID iid = iidClassFactory) const {
-        return Export<HRESULT(WINAPI*)(REFCLSID, REFIID, void**)>("DllGetClassObject")(classId, iid, out);
-    }
     HRESULT CanUnload() const { return Call("DllCanUnloadNow"); }
     HRESULT Register() const { return Call("DllRegisterServer"); }
     HRESULT Unregister() const { return Call("DllUnregisterServer"); }
 
     Owned<IClassFactory> Factory(REFCLSID classId = clsidMediaObject) const {
         void* out = nullptr;
-        Require(ClassObject(classId, &out), "no class factory");
+        const auto get = Export<HRESULT(WINAPI*)(REFCLSID, REFIID, void**)>("DllGetClassObject");
+        Require(get(classId, iidClassFactory, &out), "no class factory");
         return Owned<IClassFactory>(static_cast<IClassFactory*>(out));
     }
 

@@ -46,28 +46,17 @@ public:
     HRESULT STDMETHODCALLTYPE TranslateAccelerator(MSG*) override { return E_NOTIMPL; }
 };
 
-Owned<IUnknown> MakePage(IUnknown* outer, const GUID& iid) {
-    void* page = nullptr;
-    Require(CreatePropertyPage(outer, iid, &page), "no page");
-    return Owned<IUnknown>(static_cast<IUnknown*>(page));
-}
-
-// Has the code linked in read its resources out of a module.
-class ResourcesOf {
-public:
-    explicit ResourcesOf(HMODULE module) : before(ThisModule().instance) { ThisModule().instance = module; }
-    ~ResourcesOf() { ThisModule().instance = before; }
-    ResourcesOf(const ResourcesOf&) = delete;
-    ResourcesOf& operator=(const ResourcesOf&) = delete;
-
-private:
-    HMODULE before;
-};
-
 class PropertyPage : public testing::Test {
 protected:
+    PropertyPage() {
+        void* made = nullptr;
+        Require(CreatePropertyPage(nullptr, iidPropertyPage, &made), "no page");
+        page.reset(static_cast<IPropertyPage*>(made));
+        ThisModule().instance = plugin.Handle();
+    }
     ~PropertyPage() override {
         page.reset();
+        ThisModule().instance = instanceBefore;
         EXPECT_EQ(1, object.references);
         EXPECT_EQ(1, site.references);
         EXPECT_EQ(locksBefore, ThisModule().lockCount);
@@ -124,13 +113,13 @@ protected:
     }
 
     const PluginModule plugin;  // whose resources the page shows
-    const ResourcesOf resources{plugin.Handle()};
+    const HINSTANCE instanceBefore = ThisModule().instance;
     const UserRegistry registry;
     const int32_t locksBefore = ThisModule().lockCount;
     FakeSettings object;
     FakeSite site;
     HostWindow host{"Settings", 400, 240};
-    Owned<IPropertyPage> page = Ask<IPropertyPage>(MakePage(nullptr, iidPropertyPage).get(), iidPropertyPage);
+    Owned<IPropertyPage> page;
 };
 
 TEST_F(PropertyPage, ShowsTheRunningObjectsSettings) {

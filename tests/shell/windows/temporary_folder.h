@@ -37,8 +37,6 @@ public:
         return target.string();
     }
 
-    std::string Path() const { return path.string(); }
-
 private:
     const std::filesystem::path path;
 };

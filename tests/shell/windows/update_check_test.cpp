@@ -107,7 +107,9 @@ TEST_F(UpdateCheckOfTheDll, WaitsForTheStoredTime) {
     EXPECT_EQ(0U, Started());
     registry.SetNumber(key, nextCheck, HoursFromNow(-2));
     EXPECT_EQ(1U, Started());
-    registry.SetText(key, nextCheck, "zzz");  // as many bytes as a number has, and far in the future as one
+    registry.Set(
+        key, nextCheck, REG_SZ,
+        std::vector<uint8_t>{'z', 'z', 'z', 0});  // as many bytes as a number has, and far in the future as one
     EXPECT_EQ(1U, Started());
 }
 

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <string>
 
 #include "platform/win32.h"
 #include "tests/support/test_object.h"
@@ -32,9 +31,6 @@ public:
     }
     void SetNumber(const char* key, const char* name, uint32_t number) const {
         Set(key, name, REG_DWORD, {reinterpret_cast<const uint8_t*>(&number), sizeof number});
-    }
-    void SetText(const char* key, const char* name, const std::string& text) const {
-        Set(key, name, REG_SZ, {reinterpret_cast<const uint8_t*>(text.c_str()), text.size() + 1});
     }
 
     /// A value of type REG_DWORD.
