@@ -88,39 +88,5 @@ TEST(CopyPlane, CropsToTheSmallerPlaneAndFollowsRowsUpwards) {
     EXPECT_EQ(upwards.plane.Row(0)[39], source.plane.Row(0)[39]);
 }
 
-// Bytes that a copy of three rows touches when both buffers end so many bytes behind the start of these rows.
-size_t TouchedWithin(const TestPlane& target, const TestPlane& source, size_t targetBytes, size_t sourceBytes) {
-    CopyPlane(target.plane, source.plane,
-              {.targetEnd = target.plane.data + targetBytes, .sourceEnd = source.plane.data + sourceBytes});
-    return target.TouchedBytes();
-}
-
-TEST(CopyPlane, StaysInsideTheBoundsOfBothBuffers) {
-    TestPlane source(100, 3, 136), touching(50, 3, 60);
-    source.Number();
-    touching.Number();
-    EXPECT_EQ(TouchedWithin(TestPlane(100, 3, 128), source, 3 * 128, 2 * 136 + 101), 2U * 128 + 101);
-    EXPECT_EQ(TouchedWithin(TestPlane(100, 3, 128), source, 128 + 7, 3 * 136), 128U + 7);
-    EXPECT_EQ(TouchedWithin(TestPlane(50, 3, 60), touching, 2 * 60 + 50, 3 * 60), 2U * 60 + 50);
-}
-
-TEST(AllocatePlanes, PlacesThePlanesInOneBlock) {
-    ImagePlanes planes, copy;
-    AllocatePlanes(101, 51, planes);
-    AllocatePlanes(101, 51, copy);
-    const SampleBlock owner(static_cast<uint8_t*>(planes.owner)), copyOwner(static_cast<uint8_t*>(copy.owner));
-    const PlaneLayout layout = LayoutPlanes(101, 51);
-    EXPECT_EQ(planes.luma.data, owner.get());
-    EXPECT_EQ(planes.second.data, owner.get() + layout.lumaBytes);
-    EXPECT_EQ(planes.third.data, planes.second.data + layout.chromaBytes);
-    EXPECT_EQ(planes.third.width, 51);
-    EXPECT_EQ(planes.third.height, 26);
-    for (size_t i = 0; i < layout.blockBytes; ++i) owner[i] = static_cast<uint8_t>(i % 251);  // all of it is there
-    CopyPlanes(copy, planes);
-    EXPECT_EQ(copy.luma.Row(50)[100], planes.luma.Row(50)[100]);
-    EXPECT_EQ(copy.second.Row(25)[50], planes.second.Row(25)[50]);
-    EXPECT_EQ(copy.third.Row(25)[50], planes.third.Row(25)[50]);
-}
-
 }  // namespace
 }  // namespace clarivex

@@ -7,20 +7,6 @@
 namespace clarivex {
 namespace {
 
-TEST(ShortString, StandsInlineBelow26Bytes) {
-    ShortString text;
-    EXPECT_STREQ(text.Text(), "");
-    EXPECT_EQ(text.Length(), 1);
-
-    text.Assign("abcdefghijklmnopqrstuvwx");  // 24 and the terminator
-    EXPECT_TRUE(text.IsInline());
-    EXPECT_EQ(text.Length(), 25);
-    text.Append("y");
-    EXPECT_FALSE(text.IsInline());
-    EXPECT_EQ(text.Length(), 26);
-    EXPECT_STREQ(text.Text(), "abcdefghijklmnopqrstuvwxy");
-}
-
 TEST(ShortString, AppendsAssignsAndFormatsPartsOfItself) {
     ShortString text("0123456789");
     std::string expected = "0123456789";
