@@ -97,18 +97,5 @@ TEST(Y4mReader, CutsAndDamageAreToldWithTheirFrame) {
     }
 }
 
-TEST(Y4mWriter, WritesWhatTheReaderReads) {
-    MemorySink sink;
-    const std::vector<uint8_t> luma = {1, 2, 3, 4}, u = {5}, v = {6};
-    Y4mWriter writer(sink, Y4mHeaderLine(ParseY4mHeader("YUV4MPEG2 W9 H9 F25:1"), {2, 2}, false));
-    writer.WriteFrame(" Ip", {luma, u, v});
-    EXPECT_EQ(sink.text, "YUV4MPEG2 W2 H2 F25:1\nFRAME Ip\n\1\2\3\4\5\6");
-    EXPECT_EQ(sink.flushedBytes, sink.text.size());
-    MemorySink full(24);
-    const std::vector<uint8_t> plane(100);
-    Y4mWriter failing(full, "YUV4MPEG2 W2 H2\n");
-    EXPECT_THROW(failing.WriteFrame("", {plane, plane, plane}), RunError);
-}
-
 }  // namespace
 }  // namespace clarivex
