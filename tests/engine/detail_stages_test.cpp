@@ -28,7 +28,7 @@ constexpr SharpenCoefficients strong{.narrowBase = 1 << 20,
                                      .narrowKnee = 40,
                                      .wideBase = 40000,
                                      .wideExtra = -20000,
-                                     .wideKnee = 1000 << 13};
+                                     .wideKnee = 20 << 13};
 
 void RunScalarForm(const Plane& plane) {
     SharpenRowsKnee(plane, Curve(1, 0.5F, 8), Curve(0.5F, 0.5F, 20), true, RowDither::byRow, nullptr);
@@ -55,14 +55,14 @@ constexpr Stage stages[] = {
     {"smoothing rows", [](const Plane& strip) { NarrowDetailRows(strip, smoothing); }, Form::stripOfRows, 0x6e95e1a5},
     {"knee rows", [](const Plane& strip) { KneeDetailRows(strip, crisp, RowDither::byRow); }, Form::stripOfRows, 0xc0b626dc},
     {"smoothing knee rows", [](const Plane& strip) { KneeDetailRows(strip, smoothing, RowDither::checkerboard); }, Form::stripOfRows, 0xf2698464},
-    {"strong knee rows", [](const Plane& strip) { KneeDetailRows(strip, strong, RowDither::byRow); }, Form::stripOfRows, 0x9b813375},
+    {"strong knee rows", [](const Plane& strip) { KneeDetailRows(strip, strong, RowDither::byRow); }, Form::stripOfRows, 0x6a8ba72f},
     {"gated rows", [](const Plane& strip) { GatedDetailRows(strip, crisp, RowDither::checkerboard); }, Form::stripOfRows, 0xd24bc049},
     {"smoothing gated rows", [](const Plane& strip) { GatedDetailRows(strip, smoothing, RowDither::byRow); }, Form::stripOfRows, 0x9d695f24},
-    {"strong gated rows", [](const Plane& strip) { GatedDetailRows(strip, strong, RowDither::byRow); }, Form::stripOfRows, 0x0b303010},
+    {"strong gated rows", [](const Plane& strip) { GatedDetailRows(strip, strong, RowDither::byRow); }, Form::stripOfRows, 0x3dcd4764},
     {"knee rows, scalar form", RunScalarForm, Form::plane, 0x0bdcbdb8},
     {"narrow columns", [](const Plane& strip) { NarrowDetailColumns(strip, crisp); }, Form::stripOfColumns, 0x22266159},
     {"gated columns", [](const Plane& strip) { GatedDetailColumns(strip, crispColumns); }, Form::stripOfColumns, 0x0e3e294c},
-    {"strong gated columns", [](const Plane& strip) { GatedDetailColumns(strip, strong); }, Form::stripOfColumns, 0x02f06d36},
+    {"strong gated columns", [](const Plane& strip) { GatedDetailColumns(strip, strong); }, Form::stripOfColumns, 0x4e89e540},
     {"knee columns", [](const Plane& strip) { KneeDetailColumns(strip, crispColumns); }, Form::stripOfColumns, 0x78fc6a06},
     {"usual limits", [](const Plane& strip) { LimitEdgesSimple(strip, {}); }, Form::stripOfRows, 0x2dae16cf},
     {"far limits", [](const Plane& strip) { LimitEdgesSimple(strip, {15, 90, 100}); }, Form::stripOfRows, 0x77646d7b},

@@ -2,6 +2,10 @@
 // the split view.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <vector>
+
+#include "engine/chroma_scalers.h"
 #include "engine/picture_scaler.h"
 #include "tests/engine/plain_scalers.h"
 #include "tests/support/sharpen_curve.h"
@@ -186,6 +190,24 @@ TEST(Scalers, BothAxesTwiceEqualTheWholePlanes) {
                 [&](const Plane& to, const SourceImage& from) { PlainScaleBothTwice(to, from.planes.luma, stages); });
         }
     });
+}
+
+TEST(Scalers, ChromaStaysInsideATargetThatIsTooNarrowAndTooLow) {
+    for (int32_t width = 1; width <= 40; ++width)
+        for (const bool chromaOdd : {false, true}) {
+            const DecodedPicture picture(2 * width, 2 * width + 4, 2 * width, Texture::hard, 5);
+            const Plane& source = picture.Source().planes.third;
+            constexpr uint8_t guard = 0xA5;
+            std::vector<uint8_t> memory(static_cast<size_t>(2 * width * (width + 10)), guard);
+            const Plane narrow{memory.data(), width, source.height, width}, low{memory.data(), width, width + 1, width};
+            SlackRow<uint8_t> scratch;
+            ScaleChromaRows(narrow, source, chromaOdd, scratch, scalarKernels);
+            DoubleChromaRows(narrow, source, chromaOdd, scratch, scalarKernels);
+            EXPECT_EQ(std::count(memory.begin() + width * narrow.height, memory.end(), guard), width * (width + 18));
+            ScaleChromaColumns(low, source, picture.Source().end, scratch, scalarKernels);
+            DoubleChromaColumns(low, source, chromaOdd, scalarKernels);
+            EXPECT_EQ(std::count(memory.begin() + width * narrow.height, memory.end(), guard), width * (width + 18));
+        }
 }
 
 struct SplitView {

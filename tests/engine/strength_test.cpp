@@ -56,18 +56,5 @@ TEST(StrengthOf, StaysWithinItsTables) {
     EXPECT_DOUBLE_EQ(MixRows(tapRows15, StrengthOf(-1.25F, 9, 9), 1), -29);
 }
 
-TEST(DesignFilters, TrimsTheResponseAlongTheRowsOnly) {
-    EnhancementEngine untrimmed;
-    DesignFilters(untrimmed, StrengthOf(-1, 1, 1), 1);
-    for (const int32_t trim : {1, 2}) {
-        EnhancementEngine engine;
-        engine.spectrumTrim = trim;
-        DesignFilters(engine, StrengthOf(-1, 1, 1), 1);
-        EXPECT_NE(engine.tapsHorizontal.a, untrimmed.tapsHorizontal.a);
-        EXPECT_EQ(engine.responses[0][4] != 0, trim == 1);
-        EXPECT_EQ(engine.tapsVertical.a, untrimmed.tapsVertical.a);
-    }
-}
-
 }  // namespace
 }  // namespace clarivex

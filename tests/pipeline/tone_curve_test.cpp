@@ -86,11 +86,6 @@ TEST(MakeOutputConstants, RoundsTiesToEvenFoldsOverAndSurvivesNonsense) {
 }
 
 TEST(NeedsWork, OnlyThePackedStageOverlooksWhatRoundsAway) {
-    const LightingCorrection neutral;
-    EXPECT_FALSE(PackedNeedsWork(neutral, MakeOutputConstants(neutral), 0.00005F));
-    EXPECT_TRUE(PackedNeedsWork(neutral, MakeOutputConstants(neutral), 0.75F));
-    EXPECT_FALSE(PlanarNeedsWork(neutral, 0.0F));
-    EXPECT_TRUE(PlanarNeedsWork(neutral, 0.00005F));
     LightingCorrection nearly;
     nearly.lumaGain = 0.99999994F;
     nearly.lumaOffset = 6.6e-07F;

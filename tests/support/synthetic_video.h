@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tests/support/crc32.h"
+#include "tests/support/host_stream.h"
 #include "tests/support/stream_setup.h"
 
 namespace clarivex {
@@ -25,17 +26,16 @@ inline uint8_t SyntheticSample(int32_t plane, int32_t x, int32_t y, int32_t fram
 class SyntheticVideo {
 public:
     SyntheticVideo(PixelFormat format, int32_t pictureWidth, int32_t pictureHeight, bool scaled)
-        : width(pictureWidth), height(pictureHeight), outSize{width, height} {
-        if (scaled) outSize = OutputSize(width, height, true);
-        request = StreamOf(format, width, height, outSize.width, outSize.height);
+        : size{pictureWidth, pictureHeight}, outSize(scaled ? OutputSize(size.width, size.height, true) : size) {
+        request = StreamOf(format, size.width, size.height, outSize.width, outSize.height);
         request.newStream = request.settingsDirty = true;
-        input.resize(BytesOf({width, height}));
-        output.resize(BytesOf(outSize));
+        input.resize(PictureOf(size).BytesOf(size.width, size.height));
+        output.resize(PictureOf(outSize).BytesOf(outSize.width, outSize.height));
     }
 
     /// Puts the next frame into both buffers.
     void NextFrame() {
-        WriteSource(input, {width, height});
+        WriteSource(input, size);
         WriteSource(output, outSize);
         ++frame;
     }
@@ -46,15 +46,13 @@ public:
     /// Continues a digest over the output's visible samples: luma, U, V. Where the last row of the earlier chroma plane
     /// is the first one of the later plane, the row above it counts.
     [[nodiscard]] uint32_t Digest(uint32_t crc) const {
-        for (int32_t plane = 0; plane < 3; ++plane) {
-            const int32_t rows = RowsOf(plane, outSize);
-            const bool overlaps = !IsPacked() && plane == 3 - LaterChroma() && outSize.height % 2 != 0;
-            for (int32_t y = 0; y < rows; ++y) {
-                const int32_t row = overlaps && y == rows - 1 ? y - 1 : y;
+        for (const int32_t plane : {0, PlaceOfChroma(1), PlaceOfChroma(2)})
+            for (int32_t y = 0; y < RowsOf(plane, outSize); ++y) {
+                const bool overlaps = !IsPacked() && plane == 1 && outSize.height % 2 != 0;
+                const int32_t row = overlaps && y == RowsOf(plane, outSize) - 1 ? y - 1 : y;
                 for (int32_t x = 0; x < ColumnsOf(plane, outSize); ++x)
-                    crc = Crc32(&output[PlaceOf(outSize, plane, x, row)], 1, crc);
+                    crc = Crc32(&output[PictureOf(outSize).PlaceOf(plane, x, row)], 1, crc);
             }
-        }
         return crc;
     }
 
@@ -64,51 +62,36 @@ public:
 
 private:
     [[nodiscard]] bool IsPacked() const { return request.format == PixelFormat::yuy2; }
-    [[nodiscard]] int32_t LaterChroma() const { return request.format == PixelFormat::iyuv ? 2 : 1; }
-
-    static int32_t ColumnsOf(int32_t plane, const FrameSize& size) {
-        return plane == 0 ? size.width : (size.width + 1) / 2;
+    /// U or V, 1 or 2, as the plane of a host's picture; and back.
+    [[nodiscard]] int32_t PlaceOfChroma(int32_t plane) const {
+        return request.format == PixelFormat::iyuv ? plane : 3 - plane;
     }
-    [[nodiscard]] int32_t RowsOf(int32_t plane, const FrameSize& size) const {
-        return plane == 0 || IsPacked() ? size.height : (size.height + 1) / 2;
+    [[nodiscard]] HostPicture PictureOf(const FrameSize& of) const {
+        return {IsPacked() ? mediaSubtypeYuy2 : mediaSubtypeYv12, of.width, of.height};
     }
-    [[nodiscard]] int32_t StrideOf(const FrameSize& size) const {
-        return IsPacked() ? (2 * size.width + 3) / 4 * 4 : size.width;
-    }
-
-    [[nodiscard]] size_t BytesOf(const FrameSize& size) const {
-        if (IsPacked()) return static_cast<size_t>(StrideOf(size) * size.height);
-        return PlaceOf(size, LaterChroma(), ColumnsOf(1, size) - 1, RowsOf(1, size) - 1) + 1;
-    }
-
-    /// Byte of a sample in a buffer.
-    [[nodiscard]] size_t PlaceOf(const FrameSize& size, int32_t plane, int32_t x, int32_t y) const {
-        const int32_t stride = StrideOf(size);
-        if (IsPacked()) return static_cast<size_t>(y * stride + (plane == 0 ? 2 * x : 4 * x + 2 * plane - 1));
-        if (plane == 0) return static_cast<size_t>(y * stride + x);
-        const int32_t row = y + (plane == LaterChroma() ? size.height / 2 : 0);
-        return static_cast<size_t>(stride * size.height + row * (stride / 2) + x);
+    static int32_t ColumnsOf(int32_t plane, const FrameSize& of) { return plane == 0 ? of.width : (of.width + 1) / 2; }
+    [[nodiscard]] int32_t RowsOf(int32_t plane, const FrameSize& of) const {
+        return plane == 0 || IsPacked() ? of.height : (of.height + 1) / 2;
     }
 
     /// The source's sample of a picture's place; an odd width repeats its last column, packed rows share chroma.
     [[nodiscard]] uint8_t SourceSample(int32_t plane, int32_t x, int32_t y) const {
-        if (x >= 2 * ColumnsOf(1, {width, height}) / (plane == 0 ? 1 : 2) || y >= RowsOf(plane, {width, height}))
+        if (x >= 2 * ColumnsOf(1, size) / (plane == 0 ? 1 : 2) || y >= RowsOf(plane, size))
             return plane == 0 ? 16 : 128;
-        if (plane == 0) return SyntheticSample(0, std::min(x, width - 1), y, frame);
-        return SyntheticSample(plane, x, IsPacked() ? y / 2 : y, frame);
+        if (plane == 0) return SyntheticSample(0, std::min(x, size.width - 1), y, frame);
+        return SyntheticSample(PlaceOfChroma(plane), x, IsPacked() ? y / 2 : y, frame);
     }
 
-    void WriteSource(std::vector<uint8_t>& buffer, const FrameSize& size) const {
-        // With odd sizes the planes share bytes: the later one wins.
-        for (const int32_t plane : {0, 3 - LaterChroma(), LaterChroma()}) {
-            const int32_t columns = plane == 0 && IsPacked() ? (size.width + 1) & ~1 : ColumnsOf(plane, size);
-            for (int32_t y = 0; y < RowsOf(plane, size); ++y)
-                for (int32_t x = 0; x < columns; ++x) buffer[PlaceOf(size, plane, x, y)] = SourceSample(plane, x, y);
+    void WriteSource(std::vector<uint8_t>& buffer, const FrameSize& of) const {
+        for (int32_t plane = 0; plane < 3; ++plane) {  // with odd sizes the planes share bytes: the later one wins
+            const int32_t columns = plane == 0 && IsPacked() ? (of.width + 1) & ~1 : ColumnsOf(plane, of);
+            for (int32_t y = 0; y < RowsOf(plane, of); ++y)
+                for (int32_t x = 0; x < columns; ++x)
+                    buffer[PictureOf(of).PlaceOf(plane, x, y)] = SourceSample(plane, x, y);
         }
     }
 
-    int32_t width;
-    int32_t height;
+    FrameSize size;
     FrameSize outSize;
     int32_t frame = 0;
 };

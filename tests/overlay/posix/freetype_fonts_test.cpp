@@ -1,6 +1,8 @@
+#include <fontconfig/fontconfig.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include <array>
 #include <fstream>
 #include <string>
 
@@ -24,6 +26,26 @@ TEST(FreeTypeFonts, ASystemWithoutFontsOrConfigurationGivesNoneSilently) {
     std::ofstream(empty) << "<?xml version=\"1.0\"?><fontconfig></fontconfig>";
     EXPECT_FALSE(FindsAFontWith(empty));
     EXPECT_FALSE(FindsAFontWith(testing::TempDir() + "not_there.conf"));
+}
+
+// Told by the letter's bytes, where the system has a slanted form of the font that it would take.
+TEST(FreeTypeFonts, ItalicLettersAreSlantedOnes) {
+    FcPattern* wanted = FcNameParse(reinterpret_cast<const FcChar8*>("Tahoma,sans-serif:italic"));
+    FcConfigSubstitute(nullptr, wanted, FcMatchPattern);
+    FcDefaultSubstitute(wanted);
+    FcResult result = FcResultNoMatch;
+    FcPattern* match = FcFontMatch(nullptr, wanted, &result);
+    int slant = 0;
+    if (match != nullptr) FcPatternGetInteger(match, FC_SLANT, 0, &slant);
+    FcPatternDestroy(match);
+    FcPatternDestroy(wanted);
+    if (slant == 0) GTEST_SKIP() << "no slanted font is installed";
+    const auto records = [](FontStyle style) {
+        std::array<uint8_t, 4096> bytes{};
+        MakeSystemFontEngine()->MakeFont(style)->GlyphOutline('l', bytes);
+        return bytes;
+    };
+    EXPECT_NE(records({.italic = true}), records({}));
 }
 
 }  // namespace
