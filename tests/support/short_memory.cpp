@@ -42,10 +42,18 @@ int32_t ShortMemory::Attempts() { return shortage.attempts; }
 
 }  // namespace clarivex
 
+// All forms: a sanitizer's own ones do not go together with these.
 void* operator new(std::size_t size) {
     if (void* memory = clarivex::Allocate(size)) return memory;
     throw std::bad_alloc();
 }
+void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return clarivex::Allocate(size); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return clarivex::Allocate(size); }
 
 void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete[](void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete(void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
+void operator delete[](void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
