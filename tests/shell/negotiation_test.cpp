@@ -154,6 +154,10 @@ TEST_F(Negotiation, HighDefinitionUnlessAllowedAndSidesBelowSixteenAreRefusedAnd
     EXPECT_EQ(S_OK, SetInput(VideoInfoType(64, 64)));
     EXPECT_EQ(S_OK, Media().GetOutputType(0, 0, nullptr));
     EXPECT_FALSE(object.ScalingActive()) << "a question without a type decides nothing";
+    EXPECT_EQ(S_OK, Offer());
+    EXPECT_EQ(S_OK, Media().SetInputType(0, nullptr, clear));
+    EXPECT_EQ(DMO_E_TYPE_NOT_ACCEPTED, Offer());
+    EXPECT_FALSE(object.ScalingActive());
 }
 
 TEST_F(Negotiation, FlagsTestWithoutStoring) {
