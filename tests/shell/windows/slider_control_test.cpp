@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "tests/shell/windows/host_windows.h"
+#include "tests/shell/windows/replaced_import.h"
 
 namespace clarivex {
 namespace {
@@ -70,6 +71,19 @@ TEST_F(SliderControlTest, LeavesUserDataAloneAndGivesTheProcedureBack) {
     EXPECT_EQ(2, slider.Position());
     slider.Attach(host.Handle(), 99, 4, 3);
     EXPECT_EQ(0, slider.Position()) << "there is no such control";
+}
+
+BOOL WINAPI NoProperty(HWND, LPCSTR, HANDLE) { return FALSE; }
+
+TEST_F(SliderControlTest, StandsAndAnswersWithoutAWindowProperty) {
+    const ReplacedImport failing(GetModuleHandleA(nullptr), "user32.dll", "SetPropA", &NoProperty);
+    slider.Attach(host.Handle(), sliderId, 4, 1);
+    EXPECT_EQ(4, SendMessageA(trackBar, TBM_GETRANGEMAX, 0, 0));
+    EXPECT_EQ(1, slider.Position());
+    SendMessageA(trackBar, WM_KEYDOWN, VK_END, 0);
+    EXPECT_EQ(4, slider.Position());
+    DestroyWindow(trackBar);
+    EXPECT_EQ(4, slider.Position());
 }
 
 }  // namespace
