@@ -104,8 +104,8 @@ HRESULT CVXMediaObject::GetOutputType(DWORD index, DWORD typeIndex, DMO_MEDIA_TY
     return result;
 }
 
-/// Decides about a stream of the type in `next`, and offers the output type that follows. Measuring the processor may take
-/// a while, so no lock is held.
+/// Decides in `next` about a stream of the type `current`, and offers the output type that follows. Measuring the
+/// processor may take a while, so no lock is held.
 HRESULT CVXMediaObject::OfferOutputType(const StreamType& current, Negotiated& next, DMO_MEDIA_TYPE* type) const {
     next.plan.scalingOn = false;
     next.plan.sourceIsVih2WithoutBitrate = true;
