@@ -5,9 +5,7 @@
 namespace clarivex {
 
 void WorkingImage::Resize(int32_t width, int32_t height) {
-    if (block != nullptr && planes.luma.width == width && planes.luma.height == height) {
-        return;
-    }
+    if (block != nullptr && planes.luma.width == width && planes.luma.height == height) return;
     block.reset();  // first, so that old and new block never stand side by side
     const PlaneLayout layout = LayoutPlanes(width, height);
     block = MakeAlignedArray<uint8_t>(layout.blockBytes);

@@ -149,7 +149,7 @@ Y4mHeader ParseY4mHeader(std::string_view line) {
 
 std::string Y4mHeaderLine(const Y4mHeader& input, PictureSize size, bool fullHeightChroma) {
     std::string line(streamMagic);
-    for (const std::string& tag : input.tags) {
+    for (const std::string& tag : input.tags)
         if (tag[0] == 'W')
             line += " W" + std::to_string(size.width);
         else if (tag[0] == 'H')
@@ -160,7 +160,6 @@ std::string Y4mHeaderLine(const Y4mHeader& input, PictureSize size, bool fullHei
             line += " " + std::string(subsamplingTag) + "422";
         else
             line += " " + tag;
-    }
     if (fullHeightChroma && !HasTag(input, 'C')) line += " C422";
     return line + "\n";
 }

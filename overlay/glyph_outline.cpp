@@ -95,11 +95,10 @@ void DrawSplines(ContourPen& pen, Bytes points, size_t count) {
 }
 
 void DrawCurve(ContourPen& pen, uint16_t type, Bytes points, size_t count) {
-    if (type == lineCurve) {
+    if (type == lineCurve)
         for (size_t i = 0; i < count; ++i) pen.LineTo(ReadPoint(points, i));
-    } else if (type == splineCurve) {
+    else if (type == splineCurve)
         DrawSplines(pen, points, count);
-    }
 }
 
 // False when a curve reaches beyond the end.

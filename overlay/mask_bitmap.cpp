@@ -20,9 +20,8 @@ void MaskBitmap::ClearRectangle(const Rectangle& rectangle) {
     const int32_t right = std::min(rectangle.right, width);
     const int32_t bottom = std::min(rectangle.bottom, height);
     if (left >= right) return;
-    for (int32_t y = std::max(rectangle.top, 0); y < bottom; ++y) {
+    for (int32_t y = std::max(rectangle.top, 0); y < bottom; ++y)
         std::memset(Row(y) + left, 0, static_cast<size_t>(right - left));
-    }
 }
 
 }  // namespace clarivex

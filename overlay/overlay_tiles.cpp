@@ -24,9 +24,7 @@ void MakeNeutral(uint8_t* group) {
 }  // namespace
 
 void OverlayTiles::Resize(int32_t newWidth, int32_t newHeight) {
-    if (newWidth == width && newHeight == height) {
-        return;
-    }
+    if (newWidth == width && newHeight == height) return;
     Reallocate(0, 0);
     width = height = rowCount = 0;
     rowTable.reset();
@@ -38,9 +36,7 @@ void OverlayTiles::Resize(int32_t newWidth, int32_t newHeight) {
 }
 
 void OverlayTiles::Reallocate(int32_t newWidth, int32_t newHeight) {
-    if (newWidth == allocatedWidth && newHeight == allocatedHeight) {
-        return;
-    }
+    if (newWidth == allocatedWidth && newHeight == allocatedHeight) return;
     allocatedWidth = allocatedHeight = stride = groupsPerRow = 0;
     data.reset();
     const int32_t groups = GroupsFor(newWidth);
@@ -55,30 +51,21 @@ void OverlayTiles::Reallocate(int32_t newWidth, int32_t newHeight) {
 void OverlayTiles::ClearRectangle(const Rectangle& rectangle) {
     const int32_t firstGroup = std::max(rectangle.left, 0) / groupPixels;
     const int32_t endGroup = std::min(GroupsFor(rectangle.right), groupsPerRow);
-    for (int32_t y = std::max(rectangle.top, 0); y < std::min(rectangle.bottom, allocatedHeight); ++y) {
-        for (int32_t g = firstGroup; g < endGroup; ++g) {
-            MakeNeutral(Group(g * groupPixels, y));
-        }
-    }
+    for (int32_t y = std::max(rectangle.top, 0); y < std::min(rectangle.bottom, allocatedHeight); ++y)
+        for (int32_t g = firstGroup; g < endGroup; ++g) MakeNeutral(Group(g * groupPixels, y));
 }
 
 void OverlayTiles::MarkAllRowsEmpty() { std::fill_n(rowTable.get(), rowCount, emptyRow); }
 
 void OverlayTiles::MarkRows(int32_t top, int32_t bottom) {
-    for (int32_t y = std::max(top, 0); y < std::min(bottom, rowCount); ++y) {
-        rowTable[static_cast<size_t>(y)] = y;
-    }
+    for (int32_t y = std::max(top, 0); y < std::min(bottom, rowCount); ++y) rowTable[static_cast<size_t>(y)] = y;
 }
 
 const uint8_t* OverlayTiles::Row(int32_t y) const {
-    if (y < 0 || y >= rowCount || y >= height) {
-        return nullptr;
-    }
+    if (y < 0 || y >= rowCount || y >= height) return nullptr;
     const int32_t row = rowTable[static_cast<size_t>(y)];
     // The store may have shrunk under a table that still names its rows.
-    if (row < 0 || row >= height || row >= allocatedHeight) {
-        return nullptr;
-    }
+    if (row < 0 || row >= height || row >= allocatedHeight) return nullptr;
     return data.get() + static_cast<ptrdiff_t>(row) * stride;
 }
 

@@ -89,9 +89,8 @@ void RasteriseRow(const Line& line, int64_t rowTop, MaskPoint top, MaskPoint bot
     const int64_t firstCell = left.x >> 8;
     if (firstCell < 0) row.Add(0, heightUpTo(levelAtEndOf(std::min<int64_t>(lastCell, -1))));
     const int64_t endCell = std::min<int64_t>(lastCell + 1, row.width);
-    for (int64_t cell = std::max<int64_t>(firstCell, 0); cell < endCell; ++cell) {
+    for (int64_t cell = std::max<int64_t>(firstCell, 0); cell < endCell; ++cell)
         row.Deposit(cell, heightUpTo(levelAtEndOf(cell)), Share(cell, left.x, right.x));
-    }
 }
 
 void RasteriseContours(const OutlineTransform& transform, std::span<const OutlinePoint> points, MaskBitmap& mask) {
@@ -100,11 +99,10 @@ void RasteriseContours(const OutlineTransform& transform, std::span<const Outlin
     for (size_t i = 1; i < points.size(); ++i) {
         const OutlinePoint from = points[i - 1];
         const OutlinePoint to = points[i];
-        if (from.x == contourBreakValue) {
+        if (from.x == contourBreakValue)
             start = to;
-        } else {
+        else
             RasteriseLine(transform, mask, from, to.x == contourBreakValue ? start : to);
-        }
     }
 }
 

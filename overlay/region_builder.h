@@ -29,11 +29,10 @@ public:
     /// Columns of the band, not left of the span before; may be none.
     void AddSpan(RegionEntry columns) {
         if (columns.from >= columns.to) return;
-        if (count > band + 1 && columns.from <= room[count - 1].to) {
+        if (count > band + 1 && columns.from <= room[count - 1].to)
             room[count - 1].to = std::max(room[count - 1].to, columns.to);
-        } else {
+        else
             Push(columns);
-        }
     }
 
     /// Rows of the band, not above the end of the band before; may be none.

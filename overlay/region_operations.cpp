@@ -103,9 +103,8 @@ Region RegionUnion(const Region& a, const Region& b) {
 
 Region RegionIntersect(const Region& a, const Region& b) {
     if (a.IsEmpty() || b.IsEmpty()) return {};
-    if (a.IsRectangle() && b.IsRectangle()) {
+    if (a.IsRectangle() && b.IsRectangle())
         return RegionBuilder::OneSpan(Overlap(a.Entries()[0], b.Entries()[0]), Overlap(a.Entries()[1], b.Entries()[1]));
-    }
     return Combine(a, b, TruthTable::both, EntriesOfIntersection(a, b));
 }
 

@@ -39,9 +39,7 @@ int64_t PackedDecoderStride(const FrameRequest& request) {
 bool StrideFits(int64_t stride) { return stride > 0 && stride <= largestStride; }
 
 int64_t OffsetOf(const ImageFormat& format, int64_t stride) {
-    if (IsEmpty(format.target) || !StrideFits(stride)) {
-        return 0;
-    }
+    if (IsEmpty(format.target) || !StrideFits(stride)) return 0;
     return int64_t{format.bitCount} * format.target.left / 8 + format.target.top * stride;
 }
 
@@ -87,9 +85,7 @@ Plane ViewOf(const ImageBuffer& buffer, const PlaneSpan& span, int64_t width) {
 bool LayOutPacked(const ImageBuffer& buffer, ImagePlanes& planes) {
     const int64_t pairs = (int64_t{buffer.size.width} + 1) / 2;
     const PlaneSpan rows{buffer.image.offset, buffer.image.stride, 4 * pairs, buffer.size.height};
-    if (!LiesIn(buffer, rows)) {
-        return false;
-    }
+    if (!LiesIn(buffer, rows)) return false;
     planes.luma = ViewOf(buffer, rows, buffer.size.width);
     return true;
 }
@@ -104,9 +100,7 @@ bool LayOutPlanar(const ImageBuffer& buffer, int64_t lumaRows, int64_t chromaRow
                            (size.height + 1) / 2};
     PlaneSpan third = second;
     third.offset += chromaRows * chromaStride;
-    if (!LiesIn(buffer, luma) || !LiesIn(buffer, second) || !LiesIn(buffer, third)) {
-        return false;
-    }
+    if (!LiesIn(buffer, luma) || !LiesIn(buffer, second) || !LiesIn(buffer, third)) return false;
     planes.luma = ViewOf(buffer, luma, luma.rowBytes);
     planes.second = ViewOf(buffer, second, second.rowBytes);
     planes.third = ViewOf(buffer, third, third.rowBytes);
@@ -126,12 +120,8 @@ bool LayOutPlanarInput(const ImageBuffer& buffer, int64_t outputHeight, ImagePla
 }
 
 bool LayOutPlanes(PixelFormat format, const ImageBuffer& source, const ImageBuffer& target, FrameLayout& layout) {
-    if (!IsUsable(source.image) || !IsUsable(target.image)) {
-        return false;
-    }
-    if (format == PixelFormat::yuy2) {
-        return LayOutPacked(source, layout.input) && LayOutPacked(target, layout.output);
-    }
+    if (!IsUsable(source.image) || !IsUsable(target.image)) return false;
+    if (format == PixelFormat::yuy2) return LayOutPacked(source, layout.input) && LayOutPacked(target, layout.output);
     return LayOutPlanarInput(source, target.size.height, layout.input) && LayOutPlanar(target, layout.output);
 }
 
@@ -143,24 +133,16 @@ size_t ReachableBytes(const void* data, size_t capacity) {
 }
 
 HRESULT CheckBuffers(const FrameRequest& request, const OutputBuffer& output, const InputBuffer& input) {
-    if (output.data == nullptr) {
-        return E_POINTER;
-    }
-    if (!request.output.readable) {
-        return E_UNEXPECTED;
-    }
-    if (input.data == nullptr) {
-        return E_POINTER;
-    }
+    if (output.data == nullptr) return E_POINTER;
+    if (!request.output.readable) return E_UNEXPECTED;
+    if (input.data == nullptr) return E_POINTER;
     return request.input.readable && (request.source.readable || !request.scalingOn) ? S_OK : E_UNEXPECTED;
 }
 
 }  // namespace
 
 FrameSize OutputSize(int32_t width, int32_t height, bool scalingOn) {
-    if (!scalingOn) {
-        return {width, height & ~1};
-    }
+    if (!scalingOn) return {width, height & ~1};
     return {((width * 3) / 2 + 7) & ~7, ((height & ~1) * 3) / 2};
 }
 
@@ -171,13 +153,12 @@ LocatedImage LocateInput(const FrameRequest& request) {
     LocatedImage image;
     image.height = HeightOf(request.scalingOn ? request.source : format);
     image.stride = PlainStride(format);
-    if (stretched && HasWholeBytes(format)) {
+    if (stretched && HasWholeBytes(format))
         image.stride = PackedDecoderStride(request);
-    } else if (stretched && wholeWidth && request.sourceIsVih2WithoutBitrate) {
+    else if (stretched && wholeWidth && request.sourceIsVih2WithoutBitrate)
         image.stride = request.sourceWidth;
-    } else if (stretched && wholeWidth) {
+    else if (stretched && wholeWidth)
         image.chromaAtOutputHeight = true;
-    }
     image.offset = OffsetOf(format, image.stride);
     return image;
 }
@@ -189,18 +170,13 @@ LocatedImage LocateOutput(const FrameRequest& request) {
 
 HRESULT LayOutFrame(const FrameRequest& request, const OutputBuffer& output, const InputBuffer& input,
                     FrameLayout& layout) {
-    if (const HRESULT code = CheckBuffers(request, output, input); FAILED(code)) {
-        return code;
-    }
+    if (const HRESULT code = CheckBuffers(request, output, input); FAILED(code)) return code;
     layout = {};
     const FrameSize inSize{request.sourceWidth, request.sourceHeight};
     layout.tooSmall = inSize.width < smallestWidth || inSize.height < smallestHeight;
-    if (layout.tooSmall) {
-        return S_OK;
-    }
-    if (!IsReasonable(inSize) || !IsReasonable(OutputSize(inSize.width, inSize.height, request.scalingOn))) {
+    if (layout.tooSmall) return S_OK;
+    if (!IsReasonable(inSize) || !IsReasonable(OutputSize(inSize.width, inSize.height, request.scalingOn)))
         return E_INVALIDARG;
-    }
     const FrameSize outSize = OutputSize(inSize.width, inSize.height, request.scalingOn);
     layout.width = inSize.width;
     layout.height = inSize.height;

@@ -10,9 +10,7 @@ constexpr int32_t groupPairs = 4;
 
 void PadRow(uint8_t* row, int32_t pairs, int32_t samplesPerPair) {
     const int32_t padded = (pairs + groupPairs - 1) / groupPairs * groupPairs;
-    for (int32_t x = samplesPerPair * pairs; x < samplesPerPair * padded; ++x) {
-        row[x] = row[x - samplesPerPair];
-    }
+    for (int32_t x = samplesPerPair * pairs; x < samplesPerPair * padded; ++x) row[x] = row[x - samplesPerPair];
 }
 
 }  // namespace

@@ -18,18 +18,14 @@ uint8_t NoiseByte(float sample, float scale) {
 }  // namespace
 
 void NoiseTable::Build(float newLevel) {
-    if (byteBlock != nullptr && newLevel == level) {
-        return;
-    }
+    if (byteBlock != nullptr && newLevel == level) return;
     TakeMemory();
     level = newLevel;
     FillTables();
 }
 
 void NoiseTable::TakeMemory() {
-    if (byteBlock != nullptr) {
-        return;
-    }
+    if (byteBlock != nullptr) return;
     lumaWords = MakeAlignedArray<int16_t>(wordStride * size);
     chromaWords = MakeAlignedArray<int16_t>(wordStride * size);
     byteBlock = MakeAlignedArray<uint8_t>(bytesStride * size);
@@ -51,9 +47,7 @@ void NoiseTable::FillByteRow(int32_t y, float lumaScale, float chromaScale) {
     const float* chromaRowB = generator.ChromaRowB(y >> 1);
     uint8_t* out = bytes.Row(y);
     for (int32_t x = 0; x < size; x += groupColumns) {
-        for (int32_t i = 0; i < groupColumns; ++i) {
-            *out++ = NoiseByte(lumaRow[x + i], lumaScale);
-        }
+        for (int32_t i = 0; i < groupColumns; ++i) *out++ = NoiseByte(lumaRow[x + i], lumaScale);
         for (int32_t i = x / 2; i < (x + groupColumns) / 2; ++i) {
             *out++ = NoiseByte(chromaRowA[i], chromaScale);
             *out++ = NoiseByte(chromaRowB[i], chromaScale);

@@ -7,9 +7,7 @@ namespace {
 
 int16_t LowWord(double product) {
     constexpr double limit = 2147483648.0;
-    if (!(product > -limit && product < limit)) {
-        return 0;
-    }
+    if (!(product > -limit && product < limit)) return 0;
     return static_cast<int16_t>(std::llrint(product));
 }
 

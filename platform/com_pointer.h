@@ -17,9 +17,7 @@ using ComPointer = std::unique_ptr<Interface, ComReleaser>;
 /// A reference of one's own to an object that somebody else holds; null for null.
 template <class Interface>
 ComPointer<Interface> ReferenceTo(Interface* object) {
-    if (object != nullptr) {
-        object->AddRef();
-    }
+    if (object != nullptr) object->AddRef();
     return ComPointer<Interface>(object);
 }
 

@@ -35,18 +35,14 @@ int64_t HiResClock::Now() {
         return base.ticks + static_cast<int64_t>(elapsed * ticksPerStamp);
     }
     const int64_t ticks = ReadSlowSource();
-    if (ticks - lastSampleTicks.load() >= ticksPerSecond) {
-        Calibrate(ticks);
-    }
+    if (ticks - lastSampleTicks.load() >= ticksPerSecond) Calibrate(ticks);
     return ticks;
 }
 
 int64_t HiResClock::ReadSlowSource() {
     if (HasPerformanceCounter()) {
         const int64_t count = sources.performanceCounter();
-        if (count != 0) {
-            return static_cast<int64_t>(static_cast<double>(count) * ticksPerCount.load());
-        }
+        if (count != 0) return static_cast<int64_t>(static_cast<double>(count) * ticksPerCount.load());
         frequency.store(unusable);
     }
     return ReadMilliseconds();
@@ -55,9 +51,7 @@ int64_t HiResClock::ReadSlowSource() {
 bool HiResClock::HasPerformanceCounter() {
     if (frequency.load() == notYetRead) {
         const int64_t perSecond = sources.performanceFrequency();
-        if (perSecond > 0) {
-            ticksPerCount.store(static_cast<double>(ticksPerSecond) / static_cast<double>(perSecond));
-        }
+        if (perSecond > 0) ticksPerCount.store(static_cast<double>(ticksPerSecond) / static_cast<double>(perSecond));
         frequency.store(perSecond > 0 ? perSecond : unusable);
     }
     return frequency.load() != unusable;
@@ -72,9 +66,7 @@ int64_t HiResClock::ReadMilliseconds() {
         const FastLockGuard guard(wrapLock);
         time = sources.milliseconds();
         changes = halfWraps.load();
-        if (topBit(time) != (changes & 1)) {
-            halfWraps.store(++changes);
-        }
+        if (topBit(time) != (changes & 1)) halfWraps.store(++changes);
     }
     const uint64_t milliseconds = (static_cast<uint64_t>(changes >> 1) << 32) | time;
     return static_cast<int64_t>(milliseconds) * ticksPerMillisecond;
@@ -85,12 +77,9 @@ void HiResClock::Calibrate(int64_t ticks) {
     const int32_t taken = sampleCount.load();
     const Sample sample{ticks, sources.timeStamp()};
     const bool first = taken == 0;
-    if (taken >= samplesNeeded || (!first && ticks - lastSampleTicks.load() < ticksPerSecond)) {
-        return;  // another thread was here first
-    }
-    if (!first && sample.stamp <= base.stamp) {
-        return;  // a counter that stands still or runs backwards measures nothing
-    }
+    if (taken >= samplesNeeded || (!first && ticks - lastSampleTicks.load() < ticksPerSecond))
+        return;                                        // another thread was here first
+    if (!first && sample.stamp <= base.stamp) return;  // a counter that stands still or runs backwards measures nothing
     if (first) {
         firstSample = sample;
     } else {

@@ -27,16 +27,10 @@ CpuRegisters ReadCpuRegisters() {
         registers.leaf1Ecx = leaf.ecx;
         registers.leaf1Edx = leaf.edx;
     }
-    if (highestLeaf >= 7) {
-        registers.leaf7Ebx = Cpuid(7, 0).ebx;
-    }
-    if (Cpuid(0x80000000, 0).eax >= 0x80000001) {
-        registers.extendedEdx = Cpuid(0x80000001, 0).edx;
-    }
+    if (highestLeaf >= 7) registers.leaf7Ebx = Cpuid(7, 0).ebx;
+    if (Cpuid(0x80000000, 0).eax >= 0x80000001) registers.extendedEdx = Cpuid(0x80000001, 0).edx;
     constexpr int stateReadable = 27;
-    if (Bit(registers.leaf1Ecx, stateReadable)) {
-        registers.enabledState = ReadXcr0();
-    }
+    if (Bit(registers.leaf1Ecx, stateReadable)) registers.enabledState = ReadXcr0();
     return registers;
 }
 

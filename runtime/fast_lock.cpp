@@ -9,9 +9,7 @@ OwnedHandle MakeWakeEvent() {
     constexpr BOOL manualReset = FALSE;
     constexpr BOOL signalled = FALSE;
     for (;;) {
-        if (HANDLE event = CreateEventA(nullptr, manualReset, signalled, nullptr)) {
-            return OwnedHandle(event);
-        }
+        if (HANDLE event = CreateEventA(nullptr, manualReset, signalled, nullptr)) return OwnedHandle(event);
         Sleep(retryMilliseconds);  // a shortage of handles is waited out like one of memory
     }
 }

@@ -23,12 +23,8 @@ public:
     [[nodiscard]] bool Acquire() {
         // A thread finds its own id here only if it put it there, so the test needs no order with other threads.
         const DWORD self = GetCurrentThreadId();
-        if (owner.load(std::memory_order_relaxed) == self) {
-            return false;
-        }
-        if (waiters.fetch_add(1) != 0) {
-            WaitForTurn();
-        }
+        if (owner.load(std::memory_order_relaxed) == self) return false;
+        if (waiters.fetch_add(1) != 0) WaitForTurn();
         owner.store(self, std::memory_order_relaxed);
         return true;
     }
@@ -36,9 +32,7 @@ public:
     /// Only after an Acquire that returned true, on the same thread.
     void Release() {
         owner.store(0, std::memory_order_relaxed);
-        if (waiters.fetch_sub(1) > 1) {
-            WakeNext();
-        }
+        if (waiters.fetch_sub(1) > 1) WakeNext();
     }
 
 private:
@@ -55,9 +49,7 @@ class FastLockGuard {
 public:
     explicit FastLockGuard(FastLock& guarded) : lock(guarded), taken(guarded.Acquire()) {}
     ~FastLockGuard() {
-        if (taken) {
-            lock.Release();
-        }
+        if (taken) lock.Release();
     }
 
     FastLockGuard(const FastLockGuard&) = delete;

@@ -18,16 +18,12 @@ void ImageBody::Release() {
 }
 
 void CorrectionBody::Release() {
-    if (DropShare(refCount)) {
-        delete this;
-    }
+    if (DropShare(refCount)) delete this;
 }
 
 template <class Body>
 void BodyRef<Body>::Detach() {
-    if (body != nullptr && body->refCount.load() < 2) {
-        return;
-    }
+    if (body != nullptr && body->refCount.load() < 2) return;
     Body* fresh = WaitForMemory([] { return new Body(); });
     Clear();
     body = fresh;

@@ -61,9 +61,7 @@ public:
 
 private:
     void Share() {
-        if (body != nullptr) {
-            body->AddRef();
-        }
+        if (body != nullptr) body->AddRef();
     }
     void Clear() {
         if (body != nullptr) {

@@ -45,14 +45,11 @@ BlockHeader* HeaderOf(void* pointer) {
 MemoryWait SetMemoryWait(MemoryWait wait) { return std::exchange(memoryWait, wait); }
 
 void MemoryShortage::Wait() {
-    if (waited == 0 && bytes != 0) {
+    if (waited == 0 && bytes != 0)
         Trace("MemAlloc : waiting for %lu bytes", static_cast<unsigned long>(bytes));
-    } else if (waited == 0) {
+    else if (waited == 0)
         Trace("MemAlloc : waiting for memory");
-    }
-    if (!memoryWait(bytes, waited)) {
-        throw text;
-    }
+    if (!memoryWait(bytes, waited)) throw text;
     waited += retryMilliseconds;
 }
 
@@ -65,13 +62,9 @@ void* AlignedAlloc(size_t size, size_t alignment) {
     }
     alignment = std::max(alignment, smallestAlignment);
     const size_t overhead = sizeof(BlockHeader) + alignment;
-    if (size > std::numeric_limits<size_t>::max() - overhead) {
-        return nullptr;
-    }
+    if (size > std::numeric_limits<size_t>::max() - overhead) return nullptr;
     void* raw = rawAllocator(size + overhead);
-    if (raw == nullptr) {
-        return nullptr;
-    }
+    if (raw == nullptr) return nullptr;
     const uintptr_t address = (reinterpret_cast<uintptr_t>(raw) + overhead) & ~(alignment - 1);
     auto* pointer = reinterpret_cast<void*>(address);
     *HeaderOf(pointer) = {size, raw};
@@ -92,41 +85,27 @@ void* AlignedRealloc(void* pointer, size_t size, size_t alignment) {
 }
 
 void AlignedFree(void* pointer) {
-    if (pointer != nullptr) {
-        std::free(HeaderOf(pointer)->raw);
-    }
+    if (pointer != nullptr) std::free(HeaderOf(pointer)->raw);
 }
 
 void* AllocRetry(size_t size) {
-    if (size == 0) {
-        return nullptr;
-    }
-    if (size > largestRequest) {
-        throw MemoryShortage::mallocFailed;
-    }
+    if (size == 0) return nullptr;
+    if (size > largestRequest) throw MemoryShortage::mallocFailed;
     for (MemoryShortage shortage(size);;) {
-        if (void* block = AlignedAlloc(size, blockAlignment)) {
-            return block;
-        }
+        if (void* block = AlignedAlloc(size, blockAlignment)) return block;
         shortage.Wait();
     }
 }
 
 void* ReallocRetry(void* pointer, size_t size) {
-    if (pointer == nullptr) {
-        return AllocRetry(size);
-    }
+    if (pointer == nullptr) return AllocRetry(size);
     if (size == 0) {
         AlignedFree(pointer);
         return nullptr;
     }
-    if (size > largestRequest) {
-        throw reallocFailed;
-    }
+    if (size > largestRequest) throw reallocFailed;
     for (MemoryShortage shortage(size, reallocFailed);;) {
-        if (void* block = AlignedRealloc(pointer, size, blockAlignment)) {
-            return block;
-        }
+        if (void* block = AlignedRealloc(pointer, size, blockAlignment)) return block;
         shortage.Wait();
     }
 }

@@ -26,9 +26,7 @@ SharedPart SharedPartOf(const Plane& a, const Plane& b) {
 }
 
 size_t BytesBefore(const uint8_t* end, const uint8_t* position) {
-    if (end == nullptr) {
-        return SIZE_MAX;
-    }
+    if (end == nullptr) return SIZE_MAX;
     return position < end ? static_cast<size_t>(end - position) : 0;
 }
 
@@ -59,11 +57,10 @@ PlaneLayout LayoutPlanes(int32_t width, int32_t height) {
     layout.lumaBytes = static_cast<size_t>(RoundUp(height, 16) + spareRows) * static_cast<size_t>(layout.lumaStride);
     layout.chromaBytes =
         static_cast<size_t>(RoundUp(layout.chromaHeight, 16) + spareRows) * static_cast<size_t>(layout.chromaStride);
-    if (4 * layout.chromaBytes <= layout.lumaBytes) {
+    if (4 * layout.chromaBytes <= layout.lumaBytes)
         layout.chromaBytes = layout.lumaBytes >> 2;
-    } else {
+    else
         layout.lumaBytes = 4 * layout.chromaBytes;
-    }
     layout.blockBytes = layout.lumaBytes + 2 * layout.chromaBytes + 32;
     return layout;
 }
@@ -97,18 +94,14 @@ void CopyPlane(const Plane& target, const Plane& source) { CopyPlane(target, sou
 
 void CopyPlane(const Plane& target, const Plane& source, const CopyBounds& bounds) {
     const SharedPart part = SharedPartOf(target, source);
-    if (part.width < 1 || part.height < 1) {
-        return;
-    }
+    if (part.width < 1 || part.height < 1) return;
     if (RowsTouch(target, source, part)) {
         const size_t bytes = static_cast<size_t>(part.height) * static_cast<size_t>(part.stride);
         CopyRun(target.data, source.data, bytes, bounds);
         return;
     }
     const auto rowBytes = static_cast<size_t>(RowBytes(source, part));
-    for (int32_t y = 0; y < part.height; ++y) {
-        CopyRun(target.Row(y), source.Row(y), rowBytes, bounds);
-    }
+    for (int32_t y = 0; y < part.height; ++y) CopyRun(target.Row(y), source.Row(y), rowBytes, bounds);
 }
 
 void CopyPlanes(const ImagePlanes& target, const ImagePlanes& source) { CopyPlanes(target, source, CopyBounds{}); }

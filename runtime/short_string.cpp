@@ -36,9 +36,8 @@ void ShortString::Format(const char* format, ...) {
 
 // Puts `bytes` characters of `text` behind the first `keep` of the present ones.
 void ShortString::Store(const char* text, size_t bytes, size_t keep) {
-    if (bytes > static_cast<size_t>(std::numeric_limits<int32_t>::max()) - keep - 1) {
+    if (bytes > static_cast<size_t>(std::numeric_limits<int32_t>::max()) - keep - 1)
         throw "QMemAlloc : realloc() failed";
-    }
     const auto needed = static_cast<int32_t>(keep + bytes + 1);
     AlignedArray<char> outgrown;  // lives to the end: `text` may point into it
     if (needed > capacity) {

@@ -27,14 +27,10 @@ public:
     }
 
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** out) override {
-        if (out == nullptr) {
-            return E_POINTER;
-        }
+        if (out == nullptr) return E_POINTER;
         *out = nullptr;
         // Any other interface would be the outer object's, which the caller has already.
-        if (outer != nullptr && !IsEqualGUID(iid, iidUnknown)) {
-            return CLASS_E_NOAGGREGATION;
-        }
+        if (outer != nullptr && !IsEqualGUID(iid, iidUnknown)) return CLASS_E_NOAGGREGATION;
         return create(outer, iid, out);
     }
 
@@ -55,11 +51,8 @@ struct FactoryReleaser {
 };
 
 const ObjectMapEntry* FindEntry(REFCLSID classId) {
-    for (const ObjectMapEntry& entry : ObjectMap()) {
-        if (IsEqualGUID(entry.classId, classId)) {
-            return &entry;
-        }
-    }
+    for (const ObjectMapEntry& entry : ObjectMap())
+        if (IsEqualGUID(entry.classId, classId)) return &entry;
     return nullptr;
 }
 
@@ -71,9 +64,7 @@ public:
         OwnedFactory& factory = factories[static_cast<size_t>(&entry - ObjectMap().data())];
         if (factory == nullptr) {
             factory.reset(new (std::nothrow) CachedFactory(entry.create));
-            if (factory != nullptr) {
-                factory->AddRef();
-            }
+            if (factory != nullptr) factory->AddRef();
         }
         return factory.get();
     }
@@ -90,9 +81,7 @@ FactoryCache factoryCache;
 }  // namespace
 
 HRESULT GetClassObject(REFCLSID classId, REFIID riid, void** object) {
-    if (object == nullptr) {
-        return E_POINTER;
-    }
+    if (object == nullptr) return E_POINTER;
     *object = nullptr;
     const ObjectMapEntry* entry = FindEntry(classId);
     CachedFactory* factory = entry != nullptr ? factoryCache.FactoryOf(*entry) : nullptr;

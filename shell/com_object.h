@@ -32,9 +32,7 @@ constexpr InterfaceEntry<Object> EntryFor(const GUID& iid) {
 /// result  E_POINTER for a null `out`, E_NOINTERFACE with a null `*out` for what is not listed.
 template <class Object>
 HRESULT FindInterface(Object* object, REFIID iid, void** out) {
-    if (out == nullptr) {
-        return E_POINTER;
-    }
+    if (out == nullptr) return E_POINTER;
     *out = nullptr;
     const bool identity = IsEqualGUID(iid, iidUnknown);
     for (const auto& entry : Object::Interfaces()) {
@@ -57,9 +55,7 @@ public:
     template <class Object>
     ULONG Release(Object* object) {
         const int32_t left = count.fetch_sub(1) - 1;
-        if (left == 0) {
-            delete object;
-        }
+        if (left == 0) delete object;
         return static_cast<ULONG>(left);
     }
 
@@ -111,9 +107,7 @@ private:
         explicit InnerUnknown(AggregatedObject* whole) : object(whole) {}
 
         HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
-            if (out == nullptr || !IsEqualGUID(iid, iidUnknown)) {
-                return FindInterface<Object>(object, iid, out);
-            }
+            if (out == nullptr || !IsEqualGUID(iid, iidUnknown)) return FindInterface<Object>(object, iid, out);
             AddRef();
             *out = static_cast<IUnknown*>(this);
             return S_OK;
@@ -134,11 +128,10 @@ private:
 /// meanwhile; any result but S_OK is a failure.
 template <class Object>
 HRESULT CompleteObject(Object& object) {
-    if constexpr (requires { object.Complete(); }) {
+    if constexpr (requires { object.Complete(); })
         return object.Complete();
-    } else {
+    else
         return S_OK;
-    }
 }
 
 /// Completes a new object and gives its interface to its maker; on failure the object ends.
@@ -155,9 +148,7 @@ HRESULT HandOver(Shape* object, REFIID iid, void** out) {
 template <class Object>
 HRESULT CreateObject(IUnknown* outer, REFIID iid, void** out) {
     try {
-        if (outer != nullptr) {
-            return HandOver(new AggregatedObject<Object>(outer), iid, out);
-        }
+        if (outer != nullptr) return HandOver(new AggregatedObject<Object>(outer), iid, out);
         return HandOver(new PlainObject<Object>, iid, out);
     } catch (...) {
         return E_OUTOFMEMORY;  // a constructor throws only what it says of memory

@@ -73,9 +73,7 @@ SpeedSources SetSpeedSources(const SpeedSources& wanted) {
 }
 
 float MeasureCpuSpeed() {
-    if (const float known = knownGHz; known > 0.0F) {
-        return known;
-    }
+    if (const float known = knownGHz; known > 0.0F) return known;
     int64_t highest = MeasureRound(100);
     highest = std::max(highest, MeasureRound(50));
     highest = std::max(highest, MeasureRound(50));
@@ -91,9 +89,7 @@ double SpeedScore(float speedGHz, int64_t area) {
 
 int64_t LargestAutomaticArea(float speedGHz) {
     auto area = static_cast<int64_t>(SpeedScore(speedGHz, 1)) + 1;  // rounding may move the end by one
-    while (area > 0 && SpeedScore(speedGHz, area) < 1.0) {
-        --area;
-    }
+    while (area > 0 && SpeedScore(speedGHz, area) < 1.0) --area;
     return area;
 }
 

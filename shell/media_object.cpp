@@ -13,18 +13,14 @@ namespace {
 
 template <class Value>
 HRESULT WriteIfAsked(Value* target, Value value) {
-    if (target != nullptr) {
-        *target = value;
-    }
+    if (target != nullptr) *target = value;
     return S_OK;
 }
 
 // The clock measures itself a little further with every reading.
 void AdvanceClockCalibration() {
     constexpr int readings = 16;
-    for (int i = 0; i < readings; ++i) {
-        ProcessClock().Now();
-    }
+    for (int i = 0; i < readings; ++i) ProcessClock().Now();
 }
 
 }  // namespace
@@ -61,22 +57,16 @@ HRESULT CVXMediaObject::SetEnable(BOOL enable) {
 }
 
 HRESULT CVXMediaObject::GetEnable(BOOL* enable) {
-    if (enable == nullptr) {
-        return E_POINTER;
-    }
+    if (enable == nullptr) return E_POINTER;
     *enable = settings.enabled;
     return S_OK;
 }
 
 HRESULT CVXMediaObject::GetPages(CAUUID* pages) {
-    if (pages == nullptr) {
-        return E_POINTER;
-    }
+    if (pages == nullptr) return E_POINTER;
     pages->cElems = 0;
     pages->pElems = static_cast<GUID*>(CoTaskMemAlloc(sizeof(GUID)));
-    if (pages->pElems == nullptr) {
-        return E_OUTOFMEMORY;
-    }
+    if (pages->pElems == nullptr) return E_OUTOFMEMORY;
     pages->cElems = 1;
     *pages->pElems = clsidPropertyPage;
     return S_OK;
@@ -87,17 +77,11 @@ HRESULT CVXMediaObject::LoadIconStream(IStream** stream) {
 }
 
 HRESULT CVXMediaObject::Read(LPCOLESTR name, VARIANT* value, IErrorLog*) {
-    if (value == nullptr) {
-        return E_POINTER;
-    }
-    if (name == nullptr || _wcsicmp(name, L"IconStreams") != 0) {
-        return S_OK;
-    }
+    if (value == nullptr) return E_POINTER;
+    if (name == nullptr || _wcsicmp(name, L"IconStreams") != 0) return S_OK;
     IStream* stream = nullptr;
     const HRESULT result = LoadIconStream(&stream);
-    if (FAILED(result)) {
-        return result;
-    }
+    if (FAILED(result)) return result;
     value->vt = VT_UNKNOWN;
     value->punkVal = stream;
     return S_OK;

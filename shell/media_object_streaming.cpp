@@ -41,12 +41,8 @@ HRESULT CVXMediaObject::AllocateStreamingResources() { return S_OK; }
 HRESULT CVXMediaObject::Discontinuity(DWORD) { return S_OK; }
 
 HRESULT CVXMediaObject::GetInputStatus(DWORD index, DWORD* flags) {
-    if (index != 0) {
-        return DMO_E_INVALIDSTREAMINDEX;
-    }
-    if (flags == nullptr) {
-        return E_POINTER;
-    }
+    if (index != 0) return DMO_E_INVALIDSTREAMINDEX;
+    if (flags == nullptr) return E_POINTER;
     constexpr DWORD busy = 0;
     constexpr DWORD acceptsData = DMO_INPUT_STATUSF_ACCEPT_DATA;
     const CriticalSectionGuard guard(stateLock);
@@ -56,25 +52,15 @@ HRESULT CVXMediaObject::GetInputStatus(DWORD index, DWORD* flags) {
 
 HRESULT CVXMediaObject::ProcessInput(DWORD index, IMediaBuffer* buffer, DWORD flags, REFERENCE_TIME time,
                                      REFERENCE_TIME length) {
-    if (index != 0) {
-        return DMO_E_INVALIDSTREAMINDEX;
-    }
-    if (buffer == nullptr) {
-        return E_POINTER;
-    }
-    if (const HRESULT accepts = AcceptsInput(); FAILED(accepts)) {
-        return accepts;
-    }
+    if (index != 0) return DMO_E_INVALIDSTREAMINDEX;
+    if (buffer == nullptr) return E_POINTER;
+    if (const HRESULT accepts = AcceptsInput(); FAILED(accepts)) return accepts;
     BufferContent content;
     const HRESULT works = GetContent(*buffer, content);
-    if (FAILED(works)) {
-        return works;
-    }
+    if (FAILED(works)) return works;
     ComPointer<IMediaBuffer> reference = ReferenceTo(buffer);
     const CriticalSectionGuard guard(stateLock);
-    if (HoldsInput()) {
-        return DMO_E_NOTACCEPTING;  // another call was here first
-    }
+    if (HoldsInput()) return DMO_E_NOTACCEPTING;  // another call was here first
     held.buffer = std::move(reference);
     held.times.Note(flags, time, length);
     return works;
@@ -82,9 +68,7 @@ HRESULT CVXMediaObject::ProcessInput(DWORD index, IMediaBuffer* buffer, DWORD fl
 
 HRESULT CVXMediaObject::AcceptsInput() const {
     const CriticalSectionGuard guard(stateLock);
-    if (input.type == nullptr) {
-        return DMO_E_TYPE_NOT_SET;
-    }
+    if (input.type == nullptr) return DMO_E_TYPE_NOT_SET;
     return HoldsInput() ? DMO_E_NOTACCEPTING : S_OK;
 }
 
@@ -97,32 +81,18 @@ void CVXMediaObject::BufferTimes::Note(DWORD flags, REFERENCE_TIME time, REFEREN
 
 void CVXMediaObject::BufferTimes::PassOn(DMO_OUTPUT_DATA_BUFFER& target) const {
     target.dwStatus = allTimesValid;
-    if (hasTime) {
-        target.rtTimestamp = timestamp;
-    }
-    if (hasLength) {
-        target.rtTimelength = timelength;
-    }
+    if (hasTime) target.rtTimestamp = timestamp;
+    if (hasLength) target.rtTimelength = timelength;
 }
 
 HRESULT CVXMediaObject::ProcessOutput(DWORD, DWORD count, DMO_OUTPUT_DATA_BUFFER* buffers, DWORD* status) {
-    if (buffers == nullptr) {
-        return E_POINTER;
-    }
-    if (count != 1) {
-        return E_INVALIDARG;
-    }
+    if (buffers == nullptr) return E_POINTER;
+    if (count != 1) return E_INVALIDARG;
     TakenFrame frame;
     const HRESULT begun = BeginFrame(buffers->pBuffer != nullptr, frame);
-    if (FAILED(begun)) {
-        return begun;
-    }
-    if (status != nullptr) {
-        *status = 0;
-    }
-    if (begun == S_FALSE) {
-        return GiveNothing(*buffers, frame.inputHeld);
-    }
+    if (FAILED(begun)) return begun;
+    if (status != nullptr) *status = 0;
+    if (begun == S_FALSE) return GiveNothing(*buffers, frame.inputHeld);
     const HRESULT result = EnhanceInto(*buffers, frame);
     EndFrame(frame.input, result);
     return FAILED(result) ? result : S_OK;
@@ -131,16 +101,10 @@ HRESULT CVXMediaObject::ProcessOutput(DWORD, DWORD count, DMO_OUTPUT_DATA_BUFFER
 /// Takes the held input for a frame: S_FALSE when there is none, or nothing to make it into.
 HRESULT CVXMediaObject::BeginFrame(bool outputGiven, TakenFrame& frame) {
     const CriticalSectionGuard guard(stateLock);
-    if (output.type == nullptr) {
-        return DMO_E_TYPE_NOT_SET;
-    }
-    if (frameRuns) {
-        return E_UNEXPECTED;
-    }
+    if (output.type == nullptr) return DMO_E_TYPE_NOT_SET;
+    if (frameRuns) return E_UNEXPECTED;
     frame.inputHeld = held.buffer != nullptr;
-    if (!frame.inputHeld || !outputGiven) {
-        return S_FALSE;
-    }
+    if (!frame.inputHeld || !outputGiven) return S_FALSE;
     frame.input = std::exchange(held, {});
     frame.terms = {input, output, negotiated};
     frameRuns = frameHoldsInput = true;
@@ -151,16 +115,12 @@ HRESULT CVXMediaObject::BeginFrame(bool outputGiven, TakenFrame& frame) {
 /// the lock.
 void CVXMediaObject::EndFrame(HeldInput& used, HRESULT result) {
     const CriticalSectionGuard guard(stateLock);
-    if (FAILED(result) && frameHoldsInput) {
-        held = std::move(used);
-    }
+    if (FAILED(result) && frameHoldsInput) held = std::move(used);
     frameRuns = frameHoldsInput = false;
 }
 
 HRESULT CVXMediaObject::GiveNothing(DMO_OUTPUT_DATA_BUFFER& target, bool inputHeld) {
-    if (!inputHeld && target.pBuffer != nullptr) {
-        target.pBuffer->SetLength(0);
-    }
+    if (!inputHeld && target.pBuffer != nullptr) target.pBuffer->SetLength(0);
     target.dwStatus = 0;
     return S_FALSE;
 }
@@ -171,12 +131,8 @@ HRESULT CVXMediaObject::EnhanceInto(DMO_OUTPUT_DATA_BUFFER& target, const TakenF
     frame.input.times.PassOn(target);
     BufferContent to;
     BufferContent from;
-    if (const HRESULT got = GetContent(*target.pBuffer, to); FAILED(got)) {
-        return got;
-    }
-    if (const HRESULT got = GetContent(*frame.input.buffer, from); FAILED(got)) {
-        return got;
-    }
+    if (const HRESULT got = GetContent(*target.pBuffer, to); FAILED(got)) return got;
+    if (const HRESULT got = GetContent(*frame.input.buffer, from); FAILED(got)) return got;
     // An output that does not tell its capacity has at least the bytes that GetOutputSizeInfo asked for; its length was
     // set just now and says nothing. An input has at least what it says it holds.
     return RunFrame(frame.terms, {to.data, CapacityOf(*target.pBuffer, frame.terms.output.imageBytes)},

@@ -13,27 +13,19 @@ namespace {
 
 // Answers what most methods ask of their arguments first.
 HRESULT CheckStream(DWORD index, bool pointersGiven) {
-    if (index != 0) {
-        return DMO_E_INVALIDSTREAMINDEX;
-    }
+    if (index != 0) return DMO_E_INVALIDSTREAMINDEX;
     return pointersGiven ? S_OK : E_POINTER;
 }
 
 HRESULT CheckTypeIndex(DWORD index, DWORD typeIndex) {
-    if (index != 0) {
-        return DMO_E_INVALIDSTREAMINDEX;
-    }
+    if (index != 0) return DMO_E_INVALIDSTREAMINDEX;
     return typeIndex < offeredSubtypes.size() ? S_OK : DMO_E_NO_MORE_ITEMS;
 }
 
 // The stream infos test their pointer before the index.
 HRESULT GiveFlags(DWORD index, DWORD* target, DWORD flags) {
-    if (target == nullptr) {
-        return E_POINTER;
-    }
-    if (index != 0) {
-        return DMO_E_INVALIDSTREAMINDEX;
-    }
+    if (target == nullptr) return E_POINTER;
+    if (index != 0) return DMO_E_INVALIDSTREAMINDEX;
     *target = flags;
     return S_OK;
 }
@@ -42,9 +34,7 @@ HRESULT CopyType(const DMO_MEDIA_TYPE& source, std::shared_ptr<const MediaType>&
     try {
         const auto copy = std::make_shared<MediaType>();
         const HRESULT result = copy->Assign(source);
-        if (SUCCEEDED(result)) {
-            target = copy;
-        }
+        if (SUCCEEDED(result)) target = copy;
         return result;
     } catch (const std::bad_alloc&) {
         return E_OUTOFMEMORY;
@@ -58,9 +48,7 @@ void TraceSize(const BITMAPINFOHEADER& bitmap) {
 }  // namespace
 
 HRESULT CVXMediaObject::GetStreamCount(DWORD* inputs, DWORD* outputs) {
-    if (inputs == nullptr || outputs == nullptr) {
-        return E_POINTER;
-    }
+    if (inputs == nullptr || outputs == nullptr) return E_POINTER;
     *inputs = 1;
     *outputs = 1;
     return S_OK;
@@ -75,13 +63,9 @@ HRESULT CVXMediaObject::GetOutputStreamInfo(DWORD index, DWORD* flags) {
 }
 
 HRESULT CVXMediaObject::GetInputType(DWORD index, DWORD typeIndex, DMO_MEDIA_TYPE* type) {
-    if (const HRESULT checked = CheckTypeIndex(index, typeIndex); FAILED(checked) || type == nullptr) {
-        return checked;
-    }
+    if (const HRESULT checked = CheckTypeIndex(index, typeIndex); FAILED(checked) || type == nullptr) return checked;
     if (const StreamType current = CurrentType(StreamSide::input); current.type != nullptr) {
-        if (const auto header = ReadVideoHeader(current.type->Get())) {
-            TraceSize(header->bitmap);
-        }
+        if (const auto header = ReadVideoHeader(current.type->Get())) TraceSize(header->bitmap);
         return MoCopyMediaType(type, &current.type->Get());
     }
     *type = {};
@@ -92,15 +76,12 @@ HRESULT CVXMediaObject::GetInputType(DWORD index, DWORD typeIndex, DMO_MEDIA_TYP
 
 HRESULT CVXMediaObject::GetOutputType(DWORD index, DWORD typeIndex, DMO_MEDIA_TYPE* type) {
     Trace("ZPLX : GetOutputType");
-    if (const HRESULT checked = CheckTypeIndex(index, typeIndex); FAILED(checked) || type == nullptr) {
-        return checked;
-    }
+    if (const HRESULT checked = CheckTypeIndex(index, typeIndex); FAILED(checked) || type == nullptr) return checked;
     StreamTerms terms = CurrentTerms();
     const HRESULT result = OfferOutputType(terms.input, terms.negotiated, type);
     const CriticalSectionGuard guard(stateLock);
-    if (input.type == terms.input.type) {  // a type set meanwhile wants an offer of its own
+    if (input.type == terms.input.type)  // a type set meanwhile wants an offer of its own
         negotiated = terms.negotiated;
-    }
     return result;
 }
 
@@ -110,18 +91,12 @@ HRESULT CVXMediaObject::OfferOutputType(const StreamType& current, Negotiated& n
     next.plan.scalingOn = false;
     next.plan.sourceIsVih2WithoutBitrate = true;
     std::optional<VideoHeader> header = ReadVideoHeader(current.Get());
-    if (!header) {
-        return DMO_E_TYPE_NOT_ACCEPTED;
-    }
+    if (!header) return DMO_E_TYPE_NOT_ACCEPTED;
     next.source = FormatOf(current.Get());
     TraceSize(header->bitmap);
-    if (!DecideStream(*header, next.plan)) {
-        return DMO_E_TYPE_NOT_ACCEPTED;
-    }
+    if (!DecideStream(*header, next.plan)) return DMO_E_TYPE_NOT_ACCEPTED;
     const HRESULT copied = MoCopyMediaType(type, &current.type->Get());
-    if (SUCCEEDED(copied)) {
-        WriteVideoHeader(*type, *header);
-    }
+    if (SUCCEEDED(copied)) WriteVideoHeader(*type, *header);
     return copied;
 }
 
@@ -142,9 +117,7 @@ CVXMediaObject::StreamTerms CVXMediaObject::CurrentTerms() const {
 
 HRESULT CVXMediaObject::CheckType(const DMO_MEDIA_TYPE& type, StreamSide side, DWORD flags) const {
     const bool inputKnown = side == StreamSide::input || CurrentType(StreamSide::input).type != nullptr;
-    if (inputKnown && IsAcceptedType(type, side)) {
-        return S_OK;
-    }
+    if (inputKnown && IsAcceptedType(type, side)) return S_OK;
     return (flags & DMO_SET_TYPEF_TEST_ONLY) != 0 ? S_FALSE : DMO_E_TYPE_NOT_ACCEPTED;
 }
 
@@ -164,16 +137,12 @@ void CVXMediaObject::ReplaceType(StreamType type, StreamSide side) {
 }
 
 HRESULT CVXMediaObject::ChangeType(DWORD index, const DMO_MEDIA_TYPE* type, StreamSide side, DWORD flags) {
-    if (index != 0) {
-        return DMO_E_INVALIDSTREAMINDEX;
-    }
+    if (index != 0) return DMO_E_INVALIDSTREAMINDEX;
     if ((flags & DMO_SET_TYPEF_CLEAR) != 0) {
         ReplaceType({nullptr, CurrentType(side).imageBytes}, side);
         return S_OK;
     }
-    if (type == nullptr) {
-        return E_POINTER;
-    }
+    if (type == nullptr) return E_POINTER;
     const HRESULT checked = CheckType(*type, side, flags);
     return flags != 0 || checked != S_OK ? checked : StoreType(*type, side);
 }
@@ -199,26 +168,18 @@ HRESULT CVXMediaObject::GetOutputCurrentType(DWORD index, DMO_MEDIA_TYPE* type) 
 }
 
 HRESULT CVXMediaObject::GiveCurrentType(DWORD index, StreamSide side, DMO_MEDIA_TYPE* target) const {
-    if (const HRESULT checked = CheckStream(index, target != nullptr); FAILED(checked)) {
-        return checked;
-    }
+    if (const HRESULT checked = CheckStream(index, target != nullptr); FAILED(checked)) return checked;
     const StreamType current = CurrentType(side);
-    if (current.type == nullptr) {
-        return DMO_E_TYPE_NOT_SET;
-    }
+    if (current.type == nullptr) return DMO_E_TYPE_NOT_SET;
     MoFreeMediaType(target);
     return MoCopyMediaType(target, &current.type->Get());
 }
 
 HRESULT CVXMediaObject::GetInputSizeInfo(DWORD index, DWORD* size, DWORD* lookahead, DWORD* alignment) {
     const bool given = size != nullptr && lookahead != nullptr && alignment != nullptr;
-    if (const HRESULT checked = CheckStream(index, given); FAILED(checked)) {
-        return checked;
-    }
+    if (const HRESULT checked = CheckStream(index, given); FAILED(checked)) return checked;
     const StreamType current = CurrentType(StreamSide::input);
-    if (current.type == nullptr) {
-        return DMO_E_TYPE_NOT_SET;
-    }
+    if (current.type == nullptr) return DMO_E_TYPE_NOT_SET;
     *size = current.imageBytes;
     *lookahead = 0;
     *alignment = 1;
@@ -226,13 +187,10 @@ HRESULT CVXMediaObject::GetInputSizeInfo(DWORD index, DWORD* size, DWORD* lookah
 }
 
 HRESULT CVXMediaObject::GetOutputSizeInfo(DWORD index, DWORD* size, DWORD* alignment) {
-    if (const HRESULT checked = CheckStream(index, size != nullptr && alignment != nullptr); FAILED(checked)) {
+    if (const HRESULT checked = CheckStream(index, size != nullptr && alignment != nullptr); FAILED(checked))
         return checked;
-    }
     const StreamType current = CurrentType(StreamSide::output);
-    if (current.type == nullptr) {
-        return DMO_E_TYPE_NOT_SET;
-    }
+    if (current.type == nullptr) return DMO_E_TYPE_NOT_SET;
     *size = current.imageBytes;
     *alignment = 1;
     return S_OK;

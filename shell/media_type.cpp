@@ -14,9 +14,7 @@ namespace {
 // A format block need not be aligned for its header, so headers are copied in and out.
 template <class Header>
 std::optional<Header> CopyHeader(const DMO_MEDIA_TYPE& type) {
-    if (type.pbFormat == nullptr || type.cbFormat < sizeof(Header)) {
-        return std::nullopt;
-    }
+    if (type.pbFormat == nullptr || type.cbFormat < sizeof(Header)) return std::nullopt;
     Header header;
     std::memcpy(&header, type.pbFormat, sizeof header);
     return header;
@@ -81,9 +79,7 @@ HRESULT MediaType::Assign(const DMO_MEDIA_TYPE& source) {
     const HRESULT result = MoCopyMediaType(&copy, &source);
     Clear();
     type = copy;
-    if (FAILED(result)) {
-        Clear();
-    }
+    if (FAILED(result)) Clear();
     return result;
 }
 
@@ -94,9 +90,8 @@ void MediaType::Clear() {
 
 std::optional<VideoHeader> ReadVideoHeader(const DMO_MEDIA_TYPE& type) {
     if (IsEqualGUID(type.formattype, formatVideoInfo)) {
-        if (const auto header = CopyHeader<VIDEOINFOHEADER>(type)) {
+        if (const auto header = CopyHeader<VIDEOINFOHEADER>(type))
             return VideoHeader{HeaderKind::videoInfo, header->rcTarget, header->dwBitRate, 0, 0, header->bmiHeader};
-        }
     } else if (IsEqualGUID(type.formattype, formatVideoInfo2)) {
         if (const auto header = CopyHeader<VIDEOINFOHEADER2>(type)) {
             return VideoHeader{HeaderKind::videoInfo2,     header->rcTarget,           header->dwBitRate,
@@ -120,9 +115,7 @@ void WriteVideoHeader(DMO_MEDIA_TYPE& type, const VideoHeader& values) {
 }
 
 bool IsAcceptedType(const DMO_MEDIA_TYPE& type, StreamSide side) {
-    if (!IsEqualGUID(type.majortype, mediaTypeVideo) || !IsOfferedSubtype(type.subtype)) {
-        return false;
-    }
+    if (!IsEqualGUID(type.majortype, mediaTypeVideo) || !IsOfferedSubtype(type.subtype)) return false;
     const std::optional<VideoHeader> header = ReadVideoHeader(type);
     return header && HasExpectedBits(type, *header) && HasPicture(header->bitmap) &&
            TargetFits(header->target, header->bitmap) && HasPossibleSize(header->bitmap, side);
@@ -140,9 +133,7 @@ uint32_t ImageBytes(const DMO_MEDIA_TYPE& type) {
 
 ImageFormat FormatOf(const DMO_MEDIA_TYPE& type) {
     const std::optional<VideoHeader> header = ReadVideoHeader(type);
-    if (!header) {
-        return {};
-    }
+    if (!header) return {};
     const RECT& target = header->target;
     const BITMAPINFOHEADER& bitmap = header->bitmap;
     return {.readable = true,
@@ -154,12 +145,8 @@ ImageFormat FormatOf(const DMO_MEDIA_TYPE& type) {
 }
 
 PixelFormat PixelFormatOf(const DMO_MEDIA_TYPE& type) {
-    if (IsEqualGUID(type.subtype, mediaSubtypeYv12)) {
-        return PixelFormat::yv12;
-    }
-    if (IsEqualGUID(type.subtype, mediaSubtypeYuy2)) {
-        return PixelFormat::yuy2;
-    }
+    if (IsEqualGUID(type.subtype, mediaSubtypeYv12)) return PixelFormat::yv12;
+    if (IsEqualGUID(type.subtype, mediaSubtypeYuy2)) return PixelFormat::yuy2;
     return IsEqualGUID(type.subtype, mediaSubtypeIyuv) ? PixelFormat::iyuv : PixelFormat::other;
 }
 

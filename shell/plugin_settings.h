@@ -19,9 +19,8 @@ public:
     /// Tells the next frame of a value with other bits than the present one.
     void SetSharpness(float value) {
         const float old = sharpness.exchange(value, std::memory_order_relaxed);
-        if (std::bit_cast<uint32_t>(old) != std::bit_cast<uint32_t>(value)) {
+        if (std::bit_cast<uint32_t>(old) != std::bit_cast<uint32_t>(value))
             sharpnessChanged.store(true, std::memory_order_release);
-        }
     }
     float Sharpness() const { return sharpness.load(std::memory_order_relaxed); }
 

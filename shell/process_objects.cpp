@@ -33,11 +33,8 @@ FramePipeline MakeProcessPipeline() { return FramePipeline(processState, MakeSys
 std::vector<std::string_view> RunnableInstructionSets() {
     std::vector<std::string_view> names;
     const InstructionSets sets = RunnableSets();
-    for (const KernelTable* table : AllKernels()) {
-        if (CanRun(*table, sets)) {
-            names.push_back(table->name);
-        }
-    }
+    for (const KernelTable* table : AllKernels())
+        if (CanRun(*table, sets)) names.push_back(table->name);
     return names;
 }
 
@@ -51,9 +48,7 @@ bool UseInstructionSet(std::string_view name) {
     const auto found = std::find_if(tables.begin(), tables.end(), [&](const KernelTable* table) {
         return table->name == name && CanRun(*table, sets);
     });
-    if (found == tables.end()) {
-        return false;
-    }
+    if (found == tables.end()) return false;
     kernels.store(*found);
     return true;
 }

@@ -42,18 +42,10 @@ void TouchedChoices::Note(const PageChoices& atFirst, const PageChoices& now) {
 }
 
 void Merge(const PageChoices& chosen, const TouchedChoices& touched, PluginSettings& settings) {
-    if (touched.sharpness) {
-        settings.SetSharpness(chosen.sharpness);
-    }
-    if (touched.mode) {
-        settings.mode = chosen.mode;
-    }
-    if (touched.bypassHd) {
-        settings.allowHd = !chosen.bypassHd;
-    }
-    if (touched.enableLighting) {
-        settings.enableLighting = chosen.enableLighting;
-    }
+    if (touched.sharpness) settings.SetSharpness(chosen.sharpness);
+    if (touched.mode) settings.mode = chosen.mode;
+    if (touched.bypassHd) settings.allowHd = !chosen.bypassHd;
+    if (touched.enableLighting) settings.enableLighting = chosen.enableLighting;
 }
 
 PageChoices ChoicesIn(const PluginSettings& settings) {

@@ -22,9 +22,7 @@ float PictureAspect(const VideoHeader& header) {
 }
 
 float PixelAspect(float pictureAspect, const FrameSize& picture) {
-    if (pictureAspect == 0.0F) {
-        return 1.0F;
-    }
+    if (pictureAspect == 0.0F) return 1.0F;
     return static_cast<float>(1.0 / (static_cast<double>(pictureAspect) / picture.width * picture.height));
 }
 
@@ -59,13 +57,9 @@ bool PlanStream(const PlanSettings& settings, VideoHeader& header, StreamPlan& p
     const int64_t area = int64_t{plan.sourceWidth} * plan.sourceHeight;
 
     plan.hdAccepted = settings.allowHd || area < highDefinitionArea;
-    if (!plan.hdAccepted) {
-        return false;
-    }
+    if (!plan.hdAccepted) return false;
     const bool scaling = WantsScaling(settings, area);
-    if (picture.width < smallestSide || picture.height < smallestSide) {
-        return false;
-    }
+    if (picture.width < smallestSide || picture.height < smallestSide) return false;
     plan.scalingOn = scaling;
     plan.pixelAspect = PixelAspect(PictureAspect(header), picture);
     OfferPicture(scaling ? OutputSize(picture.width, picture.height, true) : picture, header);

@@ -39,9 +39,7 @@ int64_t RoundedQuotient(int64_t dividend, int64_t divisor) {
 
 /// Whether FreeType did what it was asked for. Throws std::bad_alloc where it was short of memory.
 bool Succeeds(FT_Error error) {
-    if (FT_ERROR_BASE(error) == FT_Err_Out_Of_Memory) {
-        throw std::bad_alloc();
-    }
+    if (FT_ERROR_BASE(error) == FT_Err_Out_Of_Memory) throw std::bad_alloc();
     return error == FT_Err_Ok;
 }
 
@@ -56,12 +54,8 @@ public:
         constexpr FT_Outline_Funcs pieces = {
             .move_to = OnStart, .line_to = OnLine, .conic_to = OnSpline, .cubic_to = OnCubic, .shift = 0, .delta = 0};
         const bool whole = FT_Outline_Decompose(&outline, &pieces, this) == 0;
-        if (failure) {
-            std::rethrow_exception(failure);
-        }
-        if (!whole) {
-            bytes.Clear();
-        }
+        if (failure) std::rethrow_exception(failure);
+        if (!whole) bytes.Clear();
     }
 
     std::span<const uint8_t> Bytes() const { return bytes.Elements(); }
@@ -102,9 +96,7 @@ private:
         return Guarded([&] {
             Append(type, 2);
             Append(static_cast<uint32_t>(points.size()), 2);
-            for (const FT_Vector& point : points) {
-                AppendPoint(point);
-            }
+            for (const FT_Vector& point : points) AppendPoint(point);
             StoreContourSize();
         });
     }
@@ -128,16 +120,12 @@ private:
     }
 
     void Append(uint32_t number, int count) {
-        for (int i = 0; i < count; ++i) {
-            bytes.Append(static_cast<uint8_t>(number >> 8 * i));
-        }
+        for (int i = 0; i < count; ++i) bytes.Append(static_cast<uint8_t>(number >> 8 * i));
     }
 
     void StoreContourSize() {
         const int32_t size = bytes.Count() - contour;
-        for (int32_t i = 0; i < 4; ++i) {
-            bytes[contour + i] = static_cast<uint8_t>(size >> 8 * i);
-        }
+        for (int32_t i = 0; i < 4; ++i) bytes[contour + i] = static_cast<uint8_t>(size >> 8 * i);
     }
 
     GrowingArray<uint8_t> bytes;
@@ -173,31 +161,25 @@ public:
         : library(std::move(ownLibrary)), face(std::move(ownFace)), cellUnits(CellUnits(face.get())) {}
 
     Glyph GlyphOutline(int32_t character, std::span<uint8_t> buffer) override {
-        if (character < 0 || character > 127) {
+        if (character < 0 || character > 127)
             return {};  // which letters they are depends on a code page, and there is none
-        }
         const FT_UInt glyph = FT_Get_Char_Index(face.get(), static_cast<FT_ULong>(character));
         FT_GlyphSlot slot = face->glyph;
-        if (!Succeeds(FT_Load_Glyph(face.get(), glyph, FT_LOAD_NO_SCALE)) || slot->format != FT_GLYPH_FORMAT_OUTLINE) {
+        if (!Succeeds(FT_Load_Glyph(face.get(), glyph, FT_LOAD_NO_SCALE)) || slot->format != FT_GLYPH_FORMAT_OUTLINE)
             return {};
-        }
         ToFixedPoint(slot->outline);
         const ContourRecords records(slot->outline);
-        if (records.Bytes().size() <= buffer.size()) {
+        if (records.Bytes().size() <= buffer.size())
             std::copy(records.Bytes().begin(), records.Bytes().end(), buffer.begin());
-        }
         return {.bytes = static_cast<int64_t>(records.Bytes().size()), .advance = Advance(slot->metrics.horiAdvance)};
     }
 
 private:
     /// Turns outer contours clockwise and makes 16.16 pixels of the face's units.
     void ToFixedPoint(FT_Outline& outline) const {
-        if (FT_Outline_Get_Orientation(&outline) == FT_ORIENTATION_POSTSCRIPT) {
-            ReverseContours(outline);
-        }
-        for (FT_Vector& point : std::span(outline.points, static_cast<size_t>(outline.n_points))) {
+        if (FT_Outline_Get_Orientation(&outline) == FT_ORIENTATION_POSTSCRIPT) ReverseContours(outline);
+        for (FT_Vector& point : std::span(outline.points, static_cast<size_t>(outline.n_points)))
             point = {FixedPoint(point.x), FixedPoint(point.y)};
-        }
     }
 
     FT_Pos FixedPoint(FT_Pos units) const {
@@ -222,9 +204,7 @@ private:
 /// What fontconfig makes of memory alone is null only while memory is short.
 template <class Object>
 Object* Allocated(Object* object) {
-    if (object == nullptr) {
-        throw std::bad_alloc();
-    }
+    if (object == nullptr) throw std::bad_alloc();
     return object;
 }
 
@@ -237,9 +217,8 @@ Config LoadConfig() {
 
 Pattern WantedFont(FontStyle style) {
     Pattern pattern(Allocated(FcPatternCreate()));
-    for (const char* family : {"Tahoma", "sans-serif"}) {
+    for (const char* family : {"Tahoma", "sans-serif"})
         FcPatternAddString(pattern.get(), FC_FAMILY, reinterpret_cast<const FcChar8*>(family));
-    }
     FcPatternAddInteger(pattern.get(), FC_WEIGHT, style.bold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
     FcPatternAddInteger(pattern.get(), FC_SLANT, style.italic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
     FcPatternAddBool(pattern.get(), FC_SCALABLE, FcTrue);
@@ -251,9 +230,7 @@ Pattern WantedFont(FontStyle style) {
 FontSet FontsByLikeness(FontStyle style) {
     const Config config = LoadConfig();
     const Pattern pattern = WantedFont(style);
-    if (!config || !FcConfigSubstitute(config.get(), pattern.get(), FcMatchPattern)) {
-        return nullptr;
-    }
+    if (!config || !FcConfigSubstitute(config.get(), pattern.get(), FcMatchPattern)) return nullptr;
     FcDefaultSubstitute(pattern.get());
     FcResult result = FcResultMatch;
     return FontSet(FcFontSort(config.get(), pattern.get(), FcFalse, nullptr, &result));
@@ -266,9 +243,8 @@ Face OpenFace(FT_Library library, FcPattern* font) {
     FT_Face opened = nullptr;
     if (FcPatternGetString(font, FC_FILE, 0, &file) != FcResultMatch ||
         FcPatternGetInteger(font, FC_INDEX, 0, &index) != FcResultMatch ||
-        !Succeeds(FT_New_Face(library, reinterpret_cast<const char*>(file), index, &opened))) {
+        !Succeeds(FT_New_Face(library, reinterpret_cast<const char*>(file), index, &opened)))
         return nullptr;
-    }
     Face face(opened);
     const bool usable = FT_IS_SCALABLE(opened) && FT_Get_Char_Index(opened, 'a') != 0 && CellUnits(opened) > 0;
     return usable ? std::move(face) : nullptr;
@@ -291,14 +267,10 @@ public:
         const FastLockGuard guard(FontSearchLock());
         Library library = OpenLibrary();
         const FontSet fonts = FontsByLikeness(style);
-        if (!library || !fonts) {
-            return nullptr;
-        }
-        for (FcPattern* font : std::span(fonts->fonts, static_cast<size_t>(fonts->nfont))) {
-            if (Face face = OpenFace(library.get(), font)) {
+        if (!library || !fonts) return nullptr;
+        for (FcPattern* font : std::span(fonts->fonts, static_cast<size_t>(fonts->nfont)))
+            if (Face face = OpenFace(library.get(), font))
                 return std::make_unique<FreeTypeFont>(std::move(library), std::move(face));
-            }
-        }
         return nullptr;
     }
 };

@@ -4,9 +4,7 @@
 namespace clarivex {
 
 HRESULT LoadIconStream(HMODULE, IStream** stream) {
-    if (stream == nullptr) {
-        return E_POINTER;
-    }
+    if (stream == nullptr) return E_POINTER;
     *stream = nullptr;
     return E_HANDLE;
 }

@@ -75,11 +75,10 @@ DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
     Event* event = EventOf(handle);
     const auto isSignalled = [event] { return event->signalled; };
     std::unique_lock guard(event->mutex);
-    if (milliseconds == INFINITE) {
+    if (milliseconds == INFINITE)
         event->changed.wait(guard, isSignalled);
-    } else if (!event->changed.wait_for(guard, std::chrono::milliseconds(milliseconds), isSignalled)) {
+    else if (!event->changed.wait_for(guard, std::chrono::milliseconds(milliseconds), isSignalled))
         return WAIT_TIMEOUT;
-    }
     event->signalled = event->manualReset;
     return WAIT_OBJECT_0;
 }
@@ -99,9 +98,7 @@ DWORD GetCurrentThreadId() {
 HANDLE GetCurrentThread() { return reinterpret_cast<HANDLE>(intptr_t{-2}); }
 
 BOOL SetThreadPriority(HANDLE, int priority) {
-    if (!IsPriority(priority)) {
-        return FALSE;
-    }
+    if (!IsPriority(priority)) return FALSE;
     threadPriority = priority;
     return TRUE;
 }
@@ -124,7 +121,5 @@ DWORD timeGetTime() {
 }
 
 void OutputDebugStringA(const char* text) {
-    if (std::getenv("CLARIVEX_TRACE") != nullptr) {
-        std::fputs(text, stderr);
-    }
+    if (std::getenv("CLARIVEX_TRACE") != nullptr) std::fputs(text, stderr);
 }

@@ -23,27 +23,19 @@ struct ResourceBytes {
 
 HRESULT FindIcon(HMODULE module, ResourceBytes& icon) {
     const HRSRC place = FindResourceA(module, MAKEINTRESOURCEA(iconId), iconType);
-    if (place == nullptr) {
-        return E_HANDLE;
-    }
+    if (place == nullptr) return E_HANDLE;
     icon.size = SizeofResource(module, place);
     const HGLOBAL loaded = LoadResource(module, place);
-    if (icon.size == 0 || loaded == nullptr) {
-        return E_HANDLE;
-    }
+    if (icon.size == 0 || loaded == nullptr) return E_HANDLE;
     icon.data = LockResource(loaded);
     return icon.data != nullptr ? S_OK : E_POINTER;
 }
 
 HRESULT CopyToMemory(const ResourceBytes& bytes, OwnedMemory& memory) {
     memory.reset(GlobalAlloc(memoryKind, bytes.size));
-    if (memory == nullptr) {
-        return E_HANDLE;
-    }
+    if (memory == nullptr) return E_HANDLE;
     void* target = GlobalLock(memory.get());
-    if (target == nullptr) {
-        return E_POINTER;
-    }
+    if (target == nullptr) return E_POINTER;
     std::memcpy(target, bytes.data, bytes.size);
     GlobalUnlock(memory.get());
     return S_OK;
@@ -65,18 +57,12 @@ HRESULT MakeStream(OwnedMemory memory, DWORD size, IStream** stream) {
 }  // namespace
 
 HRESULT LoadIconStream(HMODULE module, IStream** stream) {
-    if (stream == nullptr) {
-        return E_POINTER;
-    }
+    if (stream == nullptr) return E_POINTER;
     *stream = nullptr;
     ResourceBytes icon;
-    if (const HRESULT found = FindIcon(module, icon); FAILED(found)) {
-        return found;
-    }
+    if (const HRESULT found = FindIcon(module, icon); FAILED(found)) return found;
     OwnedMemory memory;
-    if (const HRESULT copied = CopyToMemory(icon, memory); FAILED(copied)) {
-        return copied;
-    }
+    if (const HRESULT copied = CopyToMemory(icon, memory); FAILED(copied)) return copied;
     return MakeStream(std::move(memory), icon.size, stream);
 }
 

@@ -48,11 +48,10 @@ public:
         constexpr WORD numberMark = 0xFFFF;
         WORD first = 0;
         std::memcpy(&first, rest.data(), std::min(sizeof first, rest.size()));
-        if (first == numberMark) {
+        if (first == numberMark)
             Take<DWORD>();
-        } else {
+        else
             TakeText();
-        }
     }
 
 private:
@@ -63,18 +62,14 @@ std::span<const std::byte> FindTemplate(HMODULE module, int templateId) {
     const HRSRC place = FindResourceA(module, MAKEINTRESOURCEA(templateId), reinterpret_cast<LPCSTR>(RT_DIALOG));
     const HGLOBAL loaded = place != nullptr ? LoadResource(module, place) : nullptr;
     const void* bytes = loaded != nullptr ? LockResource(loaded) : nullptr;
-    if (bytes == nullptr) {
-        return {};
-    }
+    if (bytes == nullptr) return {};
     return {static_cast<const std::byte*>(bytes), SizeofResource(module, place)};
 }
 
 std::optional<TemplateFacts> ReadTemplate(std::span<const std::byte> bytes) {
     TemplateReader reader(bytes);
     const auto head = reader.Take<DLGTEMPLATE>();
-    if ((head.style & DS_SETFONT) == 0) {
-        return std::nullopt;
-    }
+    if ((head.style & DS_SETFONT) == 0) return std::nullopt;
     reader.SkipTextOrNumber();  // menu
     reader.SkipTextOrNumber();  // window class
     reader.TakeText();          // title
@@ -125,9 +120,7 @@ SIZE DialogSizeInPixels(HMODULE module, int templateId) {
     constexpr int unitsPerLine = 8;
     const auto facts = ReadTemplate(FindTemplate(module, templateId));
     const ScreenContext screen(GetDC(nullptr));
-    if (!facts || screen == nullptr) {
-        return {};
-    }
+    if (!facts || screen == nullptr) return {};
     const OwnedFont font = MakeFont(screen.get(), *facts);
     const SIZE base = MeasureFont(screen.get(), font.get());
     return {MulDiv(facts->units.cx, base.cx, unitsPerLetter), MulDiv(facts->units.cy, base.cy, unitsPerLine)};

@@ -6,9 +6,8 @@ namespace clarivex {
 std::string ModulePath(HMODULE module, DWORD limit) {
     std::string path(limit, '\0');
     const DWORD length = GetModuleFileNameA(module, path.data(), limit);
-    if (length >= limit) {  // cut short; not every system says so itself
+    if (length >= limit)  // cut short; not every system says so itself
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
-    }
     path.resize(length < limit ? length : 0);
     return path;
 }

@@ -52,26 +52,18 @@ std::span<const InterfaceEntry<CVXPropertyPage>> CVXPropertyPage::Interfaces() {
 }
 
 CVXPropertyPage::~CVXPropertyPage() {
-    if (window != nullptr) {
-        DestroyWindow(window);
-    }
+    if (window != nullptr) DestroyWindow(window);
 }
 
 HRESULT CVXPropertyPage::SetPageSite(IPropertyPageSite* pageSite) {
-    if (pageSite != nullptr && site != nullptr) {
-        return E_UNEXPECTED;
-    }
+    if (pageSite != nullptr && site != nullptr) return E_UNEXPECTED;
     site = ReferenceTo(pageSite);
     return S_OK;
 }
 
 HRESULT CVXPropertyPage::Activate(HWND parent, LPCRECT rect, BOOL) {
-    if (rect == nullptr) {
-        return E_POINTER;
-    }
-    if (window != nullptr) {
-        return E_UNEXPECTED;
-    }
+    if (rect == nullptr) return E_POINTER;
+    if (window != nullptr) return E_UNEXPECTED;
     RegisterTrackBars();
     CreateDialogParamA(Resources(), MAKEINTRESOURCEA(CVX_DIALOG_PAGE), parent, &DialogProcedure,
                        reinterpret_cast<LPARAM>(this));
@@ -79,25 +71,19 @@ HRESULT CVXPropertyPage::Activate(HWND parent, LPCRECT rect, BOOL) {
 }
 
 HRESULT CVXPropertyPage::Deactivate() {
-    if (window != nullptr) {
-        DestroyWindow(window);
-    }
+    if (window != nullptr) DestroyWindow(window);
     return S_OK;
 }
 
 HRESULT CVXPropertyPage::GetPageInfo(PROPPAGEINFO* info) {
-    if (info == nullptr) {
-        return E_POINTER;
-    }
+    if (info == nullptr) return E_POINTER;
     *info = {};
     info->cb = sizeof *info;
     info->size = DialogSizeInPixels(Resources(), CVX_DIALOG_PAGE);
     info->pszTitle = CopyForCaller(TextOf(CVX_STRING_PAGE_TITLE));
     info->pszDocString = CopyForCaller(TextOf(CVX_STRING_PAGE_DOCUMENT));
     info->pszHelpFile = CopyForCaller(TextOf(CVX_STRING_PAGE_HELP_FILE));
-    if (info->pszTitle != nullptr && info->pszDocString != nullptr && info->pszHelpFile != nullptr) {
-        return S_OK;
-    }
+    if (info->pszTitle != nullptr && info->pszDocString != nullptr && info->pszHelpFile != nullptr) return S_OK;
     CoTaskMemFree(info->pszTitle);
     CoTaskMemFree(info->pszDocString);
     CoTaskMemFree(info->pszHelpFile);
@@ -106,35 +92,26 @@ HRESULT CVXPropertyPage::GetPageInfo(PROPPAGEINFO* info) {
 }
 
 HRESULT CVXPropertyPage::SetObjects(ULONG count, IUnknown** newObjects) {
-    if (count != 0 && newObjects == nullptr) {
-        return E_POINTER;
-    }
+    if (count != 0 && newObjects == nullptr) return E_POINTER;
     ComPointer<ICVXSettings> found;
     for (ULONG i = 0; i < count && found == nullptr; ++i) {
         void* answer = nullptr;
-        if (newObjects[i] != nullptr && SUCCEEDED(newObjects[i]->QueryInterface(iidCvxSettings, &answer))) {
+        if (newObjects[i] != nullptr && SUCCEEDED(newObjects[i]->QueryInterface(iidCvxSettings, &answer)))
             found.reset(static_cast<ICVXSettings*>(answer));
-        }
     }
     settings = std::move(found);
     return S_OK;
 }
 
 HRESULT CVXPropertyPage::Show(UINT how) {
-    if (window == nullptr) {
-        return E_UNEXPECTED;
-    }
+    if (window == nullptr) return E_UNEXPECTED;
     ShowWindow(window, static_cast<int>(how));
     return S_OK;
 }
 
 HRESULT CVXPropertyPage::Move(LPCRECT rect) {
-    if (rect == nullptr) {
-        return E_POINTER;
-    }
-    if (window == nullptr) {
-        return E_UNEXPECTED;
-    }
+    if (rect == nullptr) return E_POINTER;
+    if (window == nullptr) return E_UNEXPECTED;
     MoveWindow(window, rect->left, rect->top, rect->right - rect->left, rect->bottom - rect->top, TRUE);
     return S_OK;
 }
@@ -146,21 +123,15 @@ HRESULT CVXPropertyPage::Help(LPCOLESTR helpFolder) {
     wchar_t path[2 * MAX_PATH] = {};
     const std::wstring_view folder = helpFolder != nullptr ? helpFolder : L"";
     const std::wstring_view separator = folder.empty() ? L"" : L"\\";
-    if (folder.size() + separator.size() + file.size() >= std::size(path)) {
-        return E_INVALIDARG;
-    }
+    if (folder.size() + separator.size() + file.size() >= std::size(path)) return E_INVALIDARG;
     wchar_t* end = path;
-    for (const std::wstring_view part : {folder, separator, file}) {
-        end += part.copy(end, part.size());
-    }
+    for (const std::wstring_view part : {folder, separator, file}) end += part.copy(end, part.size());
     WinHelpW(window, path, HELP_CONTENTS, 0);
     return S_OK;
 }
 
 HRESULT CVXPropertyPage::TranslateAccelerator(MSG* message) {
-    if (message == nullptr) {
-        return E_POINTER;
-    }
+    if (message == nullptr) return E_POINTER;
     constexpr UINT lastKey = 265;
     constexpr UINT lastMouse = 525;
     const bool isInput =

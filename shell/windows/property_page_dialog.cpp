@@ -67,9 +67,7 @@ bool CVXPropertyPage::OnCommand(WORD control, WORD notification) {
 
 // However a host changes the dialog's style, the tab key finds the way to its controls.
 bool CVXPropertyPage::OnStyleChanging(WPARAM which, STYLESTRUCT& styles) const {
-    if (static_cast<int>(which) != GWL_EXSTYLE) {
-        return false;
-    }
+    if (static_cast<int>(which) != GWL_EXSTYLE) return false;
     styles.styleNew |= WS_EX_CONTROLPARENT;
     return true;
 }
@@ -77,9 +75,7 @@ bool CVXPropertyPage::OnStyleChanging(WPARAM which, STYLESTRUCT& styles) const {
 void CVXPropertyPage::OnSlider() {
     RefreshTitle(false);
     touched.Note(shown, ChosenNow());
-    if (CountsAsChanged(choices, Positions())) {
-        MarkDirty();
-    }
+    if (CountsAsChanged(choices, Positions())) MarkDirty();
 }
 
 // Also when the host's window takes the dialog with it.
@@ -105,9 +101,7 @@ void CVXPropertyPage::InitDialog() {
 
 void CVXPropertyPage::ShowScaleFactor() {
     double scaleFactor = 1.0;
-    if (settings == nullptr || FAILED(settings->get_ScaleFactor(&scaleFactor))) {
-        scaleFactor = StoredScaleFactor();
-    }
+    if (settings == nullptr || FAILED(settings->get_ScaleFactor(&scaleFactor))) scaleFactor = StoredScaleFactor();
     SetDlgItemTextA(window, CVX_PAGE_SCALE_FACTOR, ScaleFactorText(scaleFactor).Text());
 }
 
@@ -129,30 +123,21 @@ PageChoices CVXPropertyPage::ObjectsChoices() const {
 
 void CVXPropertyPage::RefreshTitle(bool force) {
     int active = 0;
-    if (settings != nullptr) {
-        settings->get_ScalingActive(&active);
-    }
-    if (!force && active == lastShownActive) {
-        return;
-    }
+    if (settings != nullptr) settings->get_ScalingActive(&active);
+    if (!force && active == lastShownActive) return;
     lastShownActive = active;
     SetDlgItemTextA(window, CVX_PAGE_STATE_GROUP, TitleFor(active != 0));
 }
 
 void CVXPropertyPage::MarkDirty() {
-    if (dirty) {
-        return;
-    }
+    if (dirty) return;
     dirty = true;
-    if (const auto told = ReferenceTo(site.get())) {  // it may let itself go meanwhile
+    if (const auto told = ReferenceTo(site.get()))  // it may let itself go meanwhile
         told->OnStatusChange(statusChanged);
-    }
 }
 
 HRESULT CVXPropertyPage::Apply() {
-    if (window == nullptr) {
-        return E_UNEXPECTED;
-    }
+    if (window == nullptr) return E_UNEXPECTED;
     const auto self = ReferenceTo<IPropertyPage>(this);  // while a message stands the host may let the page go
     choices = ChosenNow();
     touched.Note(shown, choices);
@@ -182,9 +167,7 @@ double CVXPropertyPage::ShownScaleFactor() const {
 // While the message stands the page may be closed and given another object.
 void CVXPropertyPage::HandToObject(PageChoices chosen, double scaleFactor) const {
     const auto object = ReferenceTo(settings.get());
-    if (object == nullptr) {
-        return;
-    }
+    if (object == nullptr) return;
     TellWhenItWorks(*object, chosen);
     object->put_ScaleFactor(scaleFactor);
     object->put_Sharpness(chosen.sharpness);
@@ -199,9 +182,7 @@ void CVXPropertyPage::TellWhenItWorks(ICVXSettings& object, const PageChoices& c
     object.get_CVXMode(&mode);
     object.get_AllowHD(&allowHd);
     const ShortString message = ApplyMessage({mode, allowHd != 0}, chosen);
-    if (message.Text()[0] != '\0') {
-        MessageBoxA(window, message.Text(), applyMessageCaption, MB_OK);
-    }
+    if (message.Text()[0] != '\0') MessageBoxA(window, message.Text(), applyMessageCaption, MB_OK);
 }
 
 }  // namespace clarivex

@@ -50,9 +50,7 @@ std::wstring Widen(const std::string& text) {
 OwnedText LoadText(UINT id) {
     char text[512];
     const int length = LoadStringA(ThisModule().instance, id, text, static_cast<int>(std::size(text)));
-    if (length <= 0) {
-        return nullptr;
-    }
+    if (length <= 0) return nullptr;
     return OwnedText(SysAllocString(Widen(std::string(text, static_cast<size_t>(length))).c_str()));
 }
 
@@ -60,26 +58,18 @@ OwnedText LoadText(UINT id) {
 HRESULT ShortenProgramPath(std::string& path) {
     char shortPath[longestModulePath];
     const DWORD length = GetShortPathNameA(path.c_str(), shortPath, longestModulePath);
-    if (length >= longestModulePath) {
-        return E_OUTOFMEMORY;
-    }
+    if (length >= longestModulePath) return E_OUTOFMEMORY;
     // A length of 87 is taken for the error of that number, as registrars commonly do: the long path serves as well.
-    if (length != 0 && length != ERROR_INVALID_PARAMETER) {
-        path.assign(shortPath, length);
-    }
+    if (length != 0 && length != ERROR_INVALID_PARAMETER) path.assign(shortPath, length);
     return S_OK;
 }
 
 HRESULT FindModulePath(std::wstring& path) {
     const HMODULE module = ThisModule().instance;
     std::string narrow = ModulePath(module, longestModulePath);
-    if (narrow.empty()) {
-        return LastError();
-    }
+    if (narrow.empty()) return LastError();
     if (module == nullptr || module == GetModuleHandleA(nullptr)) {
-        if (const HRESULT shortened = ShortenProgramPath(narrow); FAILED(shortened)) {
-            return shortened;
-        }
+        if (const HRESULT shortened = ShortenProgramPath(narrow); FAILED(shortened)) return shortened;
     }
     path = Widen(narrow);
     return S_OK;
@@ -88,24 +78,18 @@ HRESULT FindModulePath(std::wstring& path) {
 // Registry scripts stand texts between single quotes.
 std::wstring DoubleQuotes(const std::wstring& text) {
     std::wstring doubled;
-    for (const wchar_t letter : text) {
-        doubled.append(letter == L'\'' ? 2 : 1, letter);
-    }
+    for (const wchar_t letter : text) doubled.append(letter == L'\'' ? 2 : 1, letter);
     return doubled;
 }
 
 HRESULT UpdateRegistry(const ObjectMapEntry& entry, bool enter) {
     ComPointer<IRegistrar> registrar;
-    if (const HRESULT created = CreateInProcess(clsidRegistrar, iidRegistrar, registrar); FAILED(created)) {
+    if (const HRESULT created = CreateInProcess(clsidRegistrar, iidRegistrar, registrar); FAILED(created))
         return created;
-    }
     std::wstring path;
-    if (const HRESULT found = FindModulePath(path); FAILED(found)) {
-        return found;
-    }
-    if (const HRESULT added = registrar->AddReplacement(L"Module", DoubleQuotes(path).c_str()); FAILED(added)) {
+    if (const HRESULT found = FindModulePath(path); FAILED(found)) return found;
+    if (const HRESULT added = registrar->AddReplacement(L"Module", DoubleQuotes(path).c_str()); FAILED(added))
         return added;
-    }
     return enter ? registrar->ResourceRegister(path.c_str(), entry.registryScript, L"REGISTRY")
                  : registrar->ResourceUnregister(path.c_str(), entry.registryScript, L"REGISTRY");
 }
@@ -123,29 +107,18 @@ HRESULT EnterPlugin(IWMPMediaPluginRegistrar& registrar) {
 
 HRESULT RegisterServer() {
     ComPointer<IWMPMediaPluginRegistrar> registrar;
-    if (const HRESULT created = CreatePluginRegistrar(registrar); FAILED(created)) {
-        return created;
-    }
-    if (const HRESULT entered = EnterPlugin(*registrar); FAILED(entered)) {
-        return entered;
-    }
-    for (const ObjectMapEntry& entry : ObjectMap()) {
-        if (const HRESULT updated = UpdateRegistry(entry, true); FAILED(updated)) {
-            return updated;
-        }
-    }
+    if (const HRESULT created = CreatePluginRegistrar(registrar); FAILED(created)) return created;
+    if (const HRESULT entered = EnterPlugin(*registrar); FAILED(entered)) return entered;
+    for (const ObjectMapEntry& entry : ObjectMap())
+        if (const HRESULT updated = UpdateRegistry(entry, true); FAILED(updated)) return updated;
     return S_OK;
 }
 
 HRESULT UnregisterServer() {
     ComPointer<IWMPMediaPluginRegistrar> registrar;
-    if (const HRESULT created = CreatePluginRegistrar(registrar); FAILED(created)) {
-        return created;
-    }
+    if (const HRESULT created = CreatePluginRegistrar(registrar); FAILED(created)) return created;
     registrar->WMPUnRegisterPlayerPlugin(pluginTypeDsp, clsidMediaObject);
-    for (const ObjectMapEntry& entry : ObjectMap()) {
-        UpdateRegistry(entry, false);
-    }
+    for (const ObjectMapEntry& entry : ObjectMap()) UpdateRegistry(entry, false);
     return S_OK;
 }
 

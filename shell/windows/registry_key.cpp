@@ -9,16 +9,12 @@ RegistryKey OpenUserKey(const char* path) {
 }
 
 std::optional<RegistryNumber> ReadNumber(const RegistryKey& key, const char* name) {
-    if (key == nullptr) {
-        return std::nullopt;
-    }
+    if (key == nullptr) return std::nullopt;
     RegistryNumber value;
     DWORD size = sizeof value.number;
     const LSTATUS status =
         RegQueryValueExA(key.get(), name, nullptr, &value.type, reinterpret_cast<BYTE*>(&value.number), &size);
-    if (status != ERROR_SUCCESS || size != sizeof value.number) {
-        return std::nullopt;
-    }
+    if (status != ERROR_SUCCESS || size != sizeof value.number) return std::nullopt;
     return value;
 }
 

@@ -24,39 +24,26 @@ RegistryKey CreateSettingsKey(LSTATUS& status) {
 void WriteNumber(const RegistryKey& key, const char* name, DWORD number, LSTATUS& firstFailure) {
     const LSTATUS status =
         RegSetValueExA(key.get(), name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), sizeof number);
-    if (firstFailure == ERROR_SUCCESS) {
-        firstFailure = status;
-    }
+    if (firstFailure == ERROR_SUCCESS) firstFailure = status;
 }
 
 }  // namespace
 
 HRESULT LoadSettings(PluginSettings& settings) {
     const RegistryKey key = OpenUserKey(keyPath);
-    if (const auto value = ReadNumber(key, sharpnessName)) {
+    if (const auto value = ReadNumber(key, sharpnessName))
         settings.SetSharpness(static_cast<float>(FromFixedPoint(value->number)));
-    }
-    if (const auto value = ReadNumber(key, modeName)) {
-        settings.mode = value->number;
-    }
-    if (const auto value = ReadNumber(key, allowHdName)) {
-        settings.allowHd = value->number != 0;
-    }
-    if (const auto value = ReadNumber(key, enableLightingName)) {
-        settings.enableLighting = value->number != 0;
-    }
-    if (const auto value = ReadNumber(key, scaleFactorName)) {
-        settings.scaleFactor = FromFixedPoint(value->number);
-    }
+    if (const auto value = ReadNumber(key, modeName)) settings.mode = value->number;
+    if (const auto value = ReadNumber(key, allowHdName)) settings.allowHd = value->number != 0;
+    if (const auto value = ReadNumber(key, enableLightingName)) settings.enableLighting = value->number != 0;
+    if (const auto value = ReadNumber(key, scaleFactorName)) settings.scaleFactor = FromFixedPoint(value->number);
     return S_OK;
 }
 
 HRESULT SaveSettings(const PluginSettings& settings) {
     LSTATUS status = ERROR_SUCCESS;
     const RegistryKey key = CreateSettingsKey(status);
-    if (key == nullptr) {
-        return HRESULT_FROM_WIN32(static_cast<unsigned long>(status));
-    }
+    if (key == nullptr) return HRESULT_FROM_WIN32(static_cast<unsigned long>(status));
     WriteNumber(key, sharpnessName, ToFixedPoint(static_cast<double>(settings.Sharpness())), status);
     WriteNumber(key, modeName, settings.mode, status);
     WriteNumber(key, enableLightingName, settings.enableLighting ? 1 : 0, status);

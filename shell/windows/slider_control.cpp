@@ -25,9 +25,7 @@ void SliderControl::Attach(HWND dialog, int controlId, int32_t lastPosition, int
     ticks = lastPosition;
     dragging = false;
     seenPosition = 0;
-    if (trackBar == nullptr) {
-        return;
-    }
+    if (trackBar == nullptr) return;
     SendMessageA(trackBar, TBM_SETRANGE, TRUE, MAKELPARAM(0, ticks));
     SendMessageA(trackBar, TBM_SETPOS, TRUE, position);
     Position();
@@ -38,35 +36,27 @@ void SliderControl::Attach(HWND dialog, int controlId, int32_t lastPosition, int
 }
 
 int32_t SliderControl::Position() {
-    if (GetCurrentThreadId() == thread && IsWindow(trackBar) != FALSE) {
+    if (GetCurrentThreadId() == thread && IsWindow(trackBar) != FALSE)
         seenPosition = static_cast<int32_t>(SendMessageA(trackBar, TBM_GETPOS, 0, 0));
-    }
     return seenPosition;
 }
 
 LRESULT CALLBACK SliderControl::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     SliderControl* slider = OwnerOf(window);
-    if (slider == nullptr) {
-        return DefWindowProcA(window, message, wParam, lParam);
-    }
-    if (message == WM_NCDESTROY) {
-        return CallWindowProcA(slider->LetGo(), window, message, wParam, lParam);
-    }
+    if (slider == nullptr) return DefWindowProcA(window, message, wParam, lParam);
+    if (message == WM_NCDESTROY) return CallWindowProcA(slider->LetGo(), window, message, wParam, lParam);
     slider->NoteButton(message);
     const LRESULT result = CallWindowProcA(slider->oldProcedure, window, message, wParam, lParam);
     // Whoever heard of the move may have closed the dialog.
-    if (OwnerOf(window) == slider && slider->Moves(message)) {
-        slider->UpdateCompanion();
-    }
+    if (OwnerOf(window) == slider && slider->Moves(message)) slider->UpdateCompanion();
     return result;
 }
 
 void SliderControl::NoteButton(UINT message) {
-    if (message == WM_LBUTTONDOWN) {
+    if (message == WM_LBUTTONDOWN)
         dragging = true;
-    } else if (message == WM_LBUTTONUP) {
+    else if (message == WM_LBUTTONUP)
         dragging = false;
-    }
 }
 
 bool SliderControl::Moves(UINT message) const {
@@ -75,9 +65,7 @@ bool SliderControl::Moves(UINT message) const {
 
 void SliderControl::UpdateCompanion() {
     const int32_t position = Position();
-    if (companionId == 0) {
-        return;
-    }
+    if (companionId == 0) return;
     ShortString text;
     text.Format("%.2f", minValue + (maxValue - minValue) * position / ticks);
     SetDlgItemTextA(parent, companionId, text.Text());

@@ -41,16 +41,10 @@ void StartUpdater(const std::string& path, std::string commandLine) {
 }  // namespace
 
 void UpdateCheck(HMODULE module, std::string_view productCode) {
-    if (UpdaterRuns() || productCode.empty()) {
-        return;
-    }
-    if (!UpdateIsDue(std::time(nullptr), NextCheckHours(productCode))) {
-        return;
-    }
+    if (UpdaterRuns() || productCode.empty()) return;
+    if (!UpdateIsDue(std::time(nullptr), NextCheckHours(productCode))) return;
     const std::string path = UpdaterPath(ModulePath(module, longestModulePath));
-    if (!path.empty()) {
-        StartUpdater(path, std::string(productCode));
-    }
+    if (!path.empty()) StartUpdater(path, std::string(productCode));
 }
 
 bool UpdateIsDue(int64_t secondsSince1970, uint32_t nextCheckHours) {
@@ -60,9 +54,7 @@ bool UpdateIsDue(int64_t secondsSince1970, uint32_t nextCheckHours) {
 
 std::string UpdaterPath(std::string_view modulePath) {
     const size_t separator = modulePath.find_last_of(R"(\/)");
-    if (separator == std::string_view::npos) {
-        return {};
-    }
+    if (separator == std::string_view::npos) return {};
     return std::string(modulePath.substr(0, separator)) + R"(\twupdate.exe)";
 }
 

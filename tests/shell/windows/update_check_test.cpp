@@ -42,11 +42,9 @@ std::vector<DWORD> RunningUpdaters() {
     const OwnedHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
     PROCESSENTRY32 entry{};
     entry.dwSize = sizeof entry;
-    for (BOOL more = Process32First(snapshot.get(), &entry); more; more = Process32Next(snapshot.get(), &entry)) {
-        if (entry.th32ParentProcessID == GetCurrentProcessId() && std::string("twupdate.exe") == entry.szExeFile) {
+    for (BOOL more = Process32First(snapshot.get(), &entry); more; more = Process32Next(snapshot.get(), &entry))
+        if (entry.th32ParentProcessID == GetCurrentProcessId() && std::string("twupdate.exe") == entry.szExeFile)
             found.push_back(entry.th32ProcessID);
-        }
-    }
     return found;
 }
 
