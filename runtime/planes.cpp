@@ -21,7 +21,7 @@ struct SharedPart {
     int32_t stride;
 };
 
-SharedPart SharedPartOf(const Plane& a, const Plane& b) {
+SharedPart SharedPartOf(const Plane& a, const PlaneView& b) {
     return {std::min(a.width, b.width), std::min(a.height, b.height), std::min(a.stride, b.stride)};
 }
 
@@ -35,11 +35,11 @@ void CopyRun(uint8_t* target, const uint8_t* source, size_t bytes, const CopyBou
     std::memmove(target, source, bytes);  // a host may give one buffer for both
 }
 
-bool RowsTouch(const Plane& target, const Plane& source, const SharedPart& part) {
+bool RowsTouch(const Plane& target, const PlaneView& source, const SharedPart& part) {
     return target.stride == source.stride && part.stride > 0 && part.stride <= part.width + mostSlack;
 }
 
-int32_t RowBytes(const Plane& source, const SharedPart& part) {
+int32_t RowBytes(const PlaneView& source, const SharedPart& part) {
     const bool evenRows = reinterpret_cast<uintptr_t>(source.data) % 8 == 0 && source.stride % 8 == 0;
     const int32_t rounded = RoundUp(part.width, unitBytes);
     return evenRows && rounded <= part.stride && rounded <= part.width + mostExtra ? rounded : part.width;
@@ -90,9 +90,9 @@ void AllocatePlanes(int32_t width, int32_t height, ImagePlanes& planes) {
     planes.owner = block;
 }
 
-void CopyPlane(const Plane& target, const Plane& source) { CopyPlane(target, source, CopyBounds{}); }
+void CopyPlane(const Plane& target, const PlaneView& source) { CopyPlane(target, source, CopyBounds{}); }
 
-void CopyPlane(const Plane& target, const Plane& source, const CopyBounds& bounds) {
+void CopyPlane(const Plane& target, const PlaneView& source, const CopyBounds& bounds) {
     const SharedPart part = SharedPartOf(target, source);
     if (part.width < 1 || part.height < 1) return;
     if (RowsTouch(target, source, part)) {
@@ -104,9 +104,9 @@ void CopyPlane(const Plane& target, const Plane& source, const CopyBounds& bound
     for (int32_t y = 0; y < part.height; ++y) CopyRun(target.Row(y), source.Row(y), rowBytes, bounds);
 }
 
-void CopyPlanes(const ImagePlanes& target, const ImagePlanes& source) { CopyPlanes(target, source, CopyBounds{}); }
+void CopyPlanes(const ImagePlanes& target, const PictureView& source) { CopyPlanes(target, source, CopyBounds{}); }
 
-void CopyPlanes(const ImagePlanes& target, const ImagePlanes& source, const CopyBounds& bounds) {
+void CopyPlanes(const ImagePlanes& target, const PictureView& source, const CopyBounds& bounds) {
     CopyPlane(target.luma, source.luma, bounds);
     if (source.third.data >= source.second.data) {
         CopyPlane(target.second, source.second, bounds);

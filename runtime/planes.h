@@ -6,10 +6,20 @@
 
 namespace clarivex {
 
-/// A view of 8-bit samples in rows. Owns nothing.
+/// A view of 8-bit samples in rows that are only read. Owns nothing.
 ///
 /// stride  samples from one row to the next; may be negative (a bottom-up picture), may be smaller than width in
 ///         pictures of odd strides, where a row's last sample shares its byte with the next row's first.
+struct PlaneView {
+    const uint8_t* data = nullptr;
+    int32_t width = 0;
+    int32_t height = 0;
+    int32_t stride = 0;
+
+    const uint8_t* Row(int32_t y) const { return data + static_cast<ptrdiff_t>(y) * stride; }
+};
+
+/// The same of samples that may be written.
 struct Plane {
     uint8_t* data = nullptr;
     int32_t width = 0;
@@ -17,15 +27,31 @@ struct Plane {
     int32_t stride = 0;
 
     uint8_t* Row(int32_t y) const { return data + static_cast<ptrdiff_t>(y) * stride; }
+    operator PlaneView() const { return {data, width, height, stride}; }
 };
 
-/// Three planes of a 4:2:0 picture: luma, then two chroma planes of half the size in both directions, rounded up.
-/// The second plane is V and the third U, except for IYUV pictures, which keep their own order.
+/// What is right of the first `columns` columns.
+template <class PlaneKind>
+PlaneKind RightOf(const PlaneKind& plane, int32_t columns) {
+    return {plane.data + columns, plane.width - columns, plane.height, plane.stride};
+}
+
+/// Three planes of a 4:2:0 picture that is only read: luma, then two chroma planes of half the size in both directions,
+/// rounded up. The second plane is V and the third U, except for IYUV pictures, which keep their own order.
+struct PictureView {
+    PlaneView luma;
+    PlaneView second;
+    PlaneView third;
+};
+
+/// The same of a picture that may be written.
 struct ImagePlanes {
     Plane luma;
     Plane second;
     Plane third;
     void* owner = nullptr;  ///< the block that holds the samples, from AllocRetry, or null for a view
+
+    operator PictureView() const { return {luma, second, third}; }
 };
 
 /// The bytes that a picture of working memory takes: strides, plane offsets and the block's size.
@@ -59,10 +85,10 @@ void AllocatePlanes(int32_t width, int32_t height, ImagePlanes& planes);
 
 /// Copies the part that both planes share. Bytes to the right of it may be copied too, up to 32 and never past the
 /// smaller stride; rows below it never are. The planes may not overlap.
-void CopyPlane(const Plane& target, const Plane& source);
+void CopyPlane(const Plane& target, const PlaneView& source);
 
 /// CopyPlane for luma, then for both chroma planes in the order of their addresses in the source.
-void CopyPlanes(const ImagePlanes& target, const ImagePlanes& source);
+void CopyPlanes(const ImagePlanes& target, const PictureView& source);
 
 /// Ends of the memory that two planes lie in, for planes in buffers that are not ours; null: no limit.
 struct CopyBounds {
@@ -71,7 +97,7 @@ struct CopyBounds {
 };
 
 /// The same bytes as CopyPlane, except that nothing is read at or behind sourceEnd nor written at or behind targetEnd.
-void CopyPlane(const Plane& target, const Plane& source, const CopyBounds& bounds);
-void CopyPlanes(const ImagePlanes& target, const ImagePlanes& source, const CopyBounds& bounds);
+void CopyPlane(const Plane& target, const PlaneView& source, const CopyBounds& bounds);
+void CopyPlanes(const ImagePlanes& target, const PictureView& source, const CopyBounds& bounds);
 
 }  // namespace clarivex
