@@ -84,8 +84,8 @@ private:
     std::array<Tables, 2> halves;
 };
 
-LevelCounts CountLevels(const ImagePlanes& planes, const KernelTable& kernels) {
-    const Plane& luma = planes.luma;
+LevelCounts CountLevels(const PictureView& planes, const KernelTable& kernels) {
+    const PlaneView& luma = planes.luma;
     const auto [margin, rowStep] = GridFor(luma.height);
     const int32_t pairs = std::max(luma.width - 2 * margin + 1, 0) / 2;
     VoteCounter counter;
@@ -152,7 +152,7 @@ LevelPair<float> LimitLevels(float black, float white) {
     return {black, white};
 }
 
-LevelPair<float> EstimateLevels(const ImagePlanes& planes, const KernelTable& kernels) {
+LevelPair<float> EstimateLevels(const PictureView& planes, const KernelTable& kernels) {
     LevelCounts counts = CountLevels(planes, kernels);
     RemoveNoiseFloor(counts);
     const LevelPair<float> edges = FindEdges(counts);
@@ -218,7 +218,7 @@ LightingCorrection CorrectionFor(const LightingState& state) {
 
 }  // namespace
 
-LightingCorrection AnalyseLighting(const ImagePlanes& planes, int64_t elapsed, LightingState& state,
+LightingCorrection AnalyseLighting(const PictureView& planes, int64_t elapsed, LightingState& state,
                                    const KernelTable& kernels) {
     Track(state, EstimateLevels(planes, kernels), elapsed);
     return CorrectionFor(state);

@@ -34,7 +34,7 @@ struct LightingCorrection {
 /// planes   the decoded frame, 4:2:0; only samples inside it are read. Any size from 1 × 1; a frame smaller than its
 ///          margins counts as empty.
 /// elapsed  time since the frame analysed before, in ticks of 100 ns; from 4.99 s on the new levels are taken outright.
-LightingCorrection AnalyseLighting(const ImagePlanes& planes, int64_t elapsed, LightingState& state,
+LightingCorrection AnalyseLighting(const PictureView& planes, int64_t elapsed, LightingState& state,
                                    const KernelTable& kernels);
 
 }  // namespace clarivex

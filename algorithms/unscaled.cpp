@@ -52,7 +52,7 @@ void EnhanceUnscaled(const ImagePlanes& target, const SourceImage& source, const
         CopyPlanes(target, source.planes, {.targetEnd = nullptr, .sourceEnd = source.end});
         return;
     }
-    const Plane& luma = source.planes.luma;
+    const PlaneView& luma = source.planes.luma;
     const Columns columns = ColumnsOf(luma.width);
     if (columns.end <= firstFiltered) return;
     const RowFilter filter = ChooseFilter(taps, kernels);
@@ -61,7 +61,7 @@ void EnhanceUnscaled(const ImagePlanes& target, const SourceImage& source, const
     uint8_t* sharpened = scratch.sharpened.Prepare(columns.read);
     int16_t* words = scratch.words.Prepare(columns.read);
     const auto row = [&](int32_t y) {
-        return ReadableRow(luma, y, columns.read, source.end, scratch.rowCopies[y % 3].Prepare(columns.read));
+        return ReadableRow(source.Luma(), y, columns.read, scratch.rowCopies[y % 3].Prepare(columns.read));
     };
     for (const int32_t y : {0, luma.height - 1})
         std::memcpy(target.luma.Row(y), row(y), static_cast<size_t>(columns.stored));

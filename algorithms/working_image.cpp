@@ -14,7 +14,7 @@ void WorkingImage::Resize(int32_t width, int32_t height) {
     planes = PlanesIn(block.get(), layout, width, height);
 }
 
-void PrepareWorkingImage(WorkingImage& image, const ImagePlanes& source, const uint8_t* sourceEnd) {
+void PrepareWorkingImage(WorkingImage& image, const PictureView& source, const uint8_t* sourceEnd) {
     image.Resize(source.luma.width, source.luma.height);
     CopyPlanes(image.Planes(), source, {.targetEnd = nullptr, .sourceEnd = sourceEnd});
 }

@@ -1,6 +1,7 @@
 // A picture of our own with room around it, for filters that work in place and run past the last row.
 #pragma once
 
+#include "algorithms/readable_row.h"
 #include "runtime/memory.h"
 #include "runtime/planes.h"
 
@@ -24,10 +25,13 @@ private:
     ImagePlanes planes;
 };
 
+/// The image as something to be read, whose luma stages may work on in place.
+inline SourceImage SourceOf(const WorkingImage& image) { return {image.Planes(), image.End(), image.Planes().luma}; }
+
 /// Gives `image` the size of the source's luma and copies all three planes by CopyPlanes. Spare rows below the picture
 /// keep what they held while the size stays.
 ///
 /// sourceEnd  end of the buffer that the source lies in, so that nothing behind it is read; null for no limit.
-void PrepareWorkingImage(WorkingImage& image, const ImagePlanes& source, const uint8_t* sourceEnd = nullptr);
+void PrepareWorkingImage(WorkingImage& image, const PictureView& source, const uint8_t* sourceEnd = nullptr);
 
 }  // namespace clarivex

@@ -21,7 +21,7 @@ constexpr DoublingWeights shiftedDoubling{12288, 4096};
 const DoublingWeights& DoublingWeightsOf(bool chromaOdd) { return chromaOdd ? shiftedDoubling : centredDoubling; }
 
 /// A copy of the row with its ends repeated as far as the interpolation looks.
-const uint8_t* PadRow(const Plane& source, int32_t y, uint8_t* row) {
+const uint8_t* PadRow(const PlaneView& source, int32_t y, uint8_t* row) {
     std::memcpy(row, source.Row(y), static_cast<size_t>(source.width));
     std::memset(row - 2, row[0], 2);
     std::memset(row + source.width, row[source.width - 1], 4);
@@ -37,7 +37,7 @@ void CentreLastTriple(const uint8_t* row, uint8_t* out, int32_t width, int32_t c
 
 }  // namespace
 
-void ScaleChromaRows(const Plane& target, const Plane& source, bool chromaOdd, SlackRow<uint8_t>& scratch,
+void ScaleChromaRows(const Plane& target, const PlaneView& source, bool chromaOdd, SlackRow<uint8_t>& scratch,
                      const KernelTable& kernels) {
     const int32_t count = std::min(3 * ((source.width + 1) >> 1), target.stride);
     uint8_t* padded = scratch.Prepare(source.width);
@@ -49,8 +49,8 @@ void ScaleChromaRows(const Plane& target, const Plane& source, bool chromaOdd, S
     }
 }
 
-void ScaleChromaColumns(const Plane& target, const Plane& source, const uint8_t* sourceEnd, SlackRow<uint8_t>& scratch,
-                        const KernelTable& kernels) {
+void ScaleChromaColumns(const Plane& target, const PlaneView& source, const uint8_t* sourceEnd,
+                        SlackRow<uint8_t>& scratch, const KernelTable& kernels) {
     const int32_t height = source.height;
     if (height < 2) return;
     const ptrdiff_t readable = sourceEnd - source.Row(height - 1);
@@ -72,7 +72,7 @@ void ScaleChromaColumns(const Plane& target, const Plane& source, const uint8_t*
     for (int32_t y = 3 * pairs; y < rowsMade; ++y) copyRow(y, height - 1);
 }
 
-void DoubleChromaRows(const Plane& target, const Plane& source, bool chromaOdd, SlackRow<uint8_t>& scratch,
+void DoubleChromaRows(const Plane& target, const PlaneView& source, bool chromaOdd, SlackRow<uint8_t>& scratch,
                       const KernelTable& kernels) {
     const DoublingWeights& weights = DoublingWeightsOf(chromaOdd);
     const int32_t count = std::min(source.width, target.stride / 2);
@@ -88,7 +88,7 @@ void DoubleChromaRows(const Plane& target, const Plane& source, bool chromaOdd, 
     }
 }
 
-void DoubleChromaColumns(const Plane& target, const Plane& source, bool chromaOdd, const KernelTable& kernels) {
+void DoubleChromaColumns(const Plane& target, const PlaneView& source, bool chromaOdd, const KernelTable& kernels) {
     const DoublingWeights& weights = DoublingWeightsOf(chromaOdd);
     const int32_t width = std::min(source.width, target.stride);
     for (int32_t y = 0; y < std::min(2 * source.height, target.height); ++y) {

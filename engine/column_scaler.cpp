@@ -36,9 +36,11 @@ private:
     int16_t* rows[2 * windowRows];  // twice, so that a run of them can begin anywhere
 };
 
-/// The columns of a plane from x on, as many as a part takes of `columns`.
-Plane PartOf(const Plane& plane, int32_t x, int32_t columns) {
-    return {plane.data + x, std::min(partColumns, columns - x), plane.height, plane.stride};
+/// Narrows a plane that begins at column x of `columns` to what a part takes.
+template <class PlaneKind>
+PlaneKind PartOf(PlaneKind fromX, int32_t x, int32_t columns) {
+    fromX.width = std::min(partColumns, columns - x);
+    return fromX;
 }
 
 /// Strips are whole: spare columns to the right are read again by a pass along the rows.
@@ -58,15 +60,15 @@ void RunPreStage(const Plane& source, const PreStage& preStage) {
 
 }  // namespace
 
-ColumnScaler::ColumnScaler(const Plane& target, const Plane& source, const uint8_t* sourceEnd,
-                           const ThreeHalvesTaps& taps, ColumnScratch& scratch, const KernelTable& kernels)
+ColumnScaler::ColumnScaler(const Plane& target, const SourcePlane& source, const ThreeHalvesTaps& taps,
+                           ColumnScratch& scratch, const KernelTable& kernels)
     : target(target),
       source(source),
-      sourceEnd(sourceEnd),
+      height(source.plane.height),
       phases{taps.a.data(), taps.b.data(), taps.c.data()},
       kernels(kernels),
-      columns((source.width + 7) & ~7),
-      rowCount(source.height < smallestHeight ? 0 : std::min((3 * source.height) >> 1, target.height)),
+      columns((source.plane.width + 7) & ~7),
+      rowCount(height < smallestHeight ? 0 : std::min((3 * height) >> 1, target.height)),
       nextExpanded(-tapsAbove) {
     const int32_t parts = (columns + partColumns - 1) / partColumns;
     window = scratch.window.Prepare(parts * partWindow);
@@ -75,7 +77,7 @@ ColumnScaler::ColumnScaler(const Plane& target, const Plane& source, const uint8
 
 void ColumnScaler::Advance(int32_t finalRows) {
     // Rows below the picture are as final as its last one.
-    const int32_t endSource = finalRows < source.height ? finalRows : source.height + tapCount;
+    const int32_t endSource = finalRows < height ? finalRows : height + tapCount;
     int32_t endRow = nextRow;
     while (endRow < rowCount && EndOfTaps(endRow) <= endSource) ++endRow;
     if (endRow == nextRow) return;
@@ -85,27 +87,28 @@ void ColumnScaler::Advance(int32_t finalRows) {
 }
 
 void ColumnScaler::ScalePart(int32_t x, int32_t endRow) {
-    const Plane to = PartOf(target, x, columns);
-    const Plane from = PartOf(source, x, source.width);
+    const Plane to = PartOf(RightOf(target, x), x, columns);
+    SourcePlane from = source.RightOf(x);
+    from.plane = PartOf(from.plane, x, source.plane.width);
     const Window rows(window + x / partColumns * partWindow);
     int32_t expanded = nextExpanded;
     for (int32_t y = nextRow; y < endRow; ++y) {
         for (; expanded < EndOfTaps(y); ++expanded) {
-            const int32_t row = std::clamp(expanded, 0, source.height - 1);
-            kernels.expandRow(ReadableRow(from, row, to.width, sourceEnd, copy), *rows.From(expanded), to.width);
+            const int32_t row = std::clamp(expanded, 0, height - 1);
+            kernels.expandRow(ReadableRow(from, row, to.width, copy), *rows.From(expanded), to.width);
         }
         kernels.enlargeColumns(rows.From(EndOfTaps(y) - tapCount), phases[static_cast<size_t>(y % 3)], to.Row(y),
                                to.width);
     }
 }
 
-void ScaleLumaStrips(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const ColumnStages& stages,
-                     ColumnScratch& scratch, const KernelTable& kernels) {
-    if (source.height < smallestHeight) return;
-    RunPreStage(source, stages.preStage);
-    ColumnScaler(target, source, sourceEnd, stages.taps, scratch, kernels).Advance(source.height);
+void ScaleLumaStrips(const Plane& target, const SourcePlane& source, const ColumnStages& stages, ColumnScratch& scratch,
+                     const KernelTable& kernels) {
+    if (source.plane.height < smallestHeight) return;
+    RunPreStage(source.writable, stages.preStage);
+    ColumnScaler(target, source, stages.taps, scratch, kernels).Advance(source.plane.height);
     if (stages.crossOn)
-        for (int32_t x = 0; x < source.width; x += stripSize) CrossColumns(StripOf(target, x), stages.cross);
+        for (int32_t x = 0; x < source.plane.width; x += stripSize) CrossColumns(StripOf(target, x), stages.cross);
 }
 
 }  // namespace clarivex

@@ -14,7 +14,7 @@ namespace clarivex {
 /// What runs in a pass down the columns.
 struct ColumnStages {
     ThreeHalvesTaps taps;
-    PreStage preStage;  ///< works in place on the source
+    PreStage preStage;  ///< works in place on the source, which then has to be writable
     bool crossOn = false;
     CrossGains cross;
 };
@@ -29,13 +29,12 @@ struct ColumnScratch {
 ///
 /// target     the source's width, up to (3 · height) >> 1 rows; stride a multiple of 64. Spare columns up to the next
 ///            multiple of 8 are written.
-/// source     a height below 4 gives no output.
-/// sourceEnd  end of the memory that may be read behind the source: its rows are read up to a multiple of 8.
+/// source     a height below 4 gives no output. Its rows are read up to a multiple of 8 as far as memory goes.
 /// edges      above and below the source its first and last row are repeated.
 class ColumnScaler {
 public:
-    ColumnScaler(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const ThreeHalvesTaps& taps,
-                 ColumnScratch& scratch, const KernelTable& kernels);
+    ColumnScaler(const Plane& target, const SourcePlane& source, const ThreeHalvesTaps& taps, ColumnScratch& scratch,
+                 const KernelTable& kernels);
 
     /// Makes all target rows that need no source row from `finalRows` on. Calls come with growing numbers, the last one
     /// with the source's height.
@@ -45,8 +44,8 @@ private:
     void ScalePart(int32_t x, int32_t endRow);
 
     Plane target;
-    Plane source;
-    const uint8_t* sourceEnd;
+    SourcePlane source;
+    int32_t height;  // of the source
     std::array<const int16_t*, 3> phases;
     const KernelTable& kernels;
     int16_t* window;
@@ -59,8 +58,8 @@ private:
 
 /// Enlarges the whole `source` into `target`, as ColumnScaler does, with the stages around the resampler.
 ///
-/// source  written to only by an active pre-stage, which needs a working image.
-void ScaleLumaStrips(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const ColumnStages& stages,
-                     ColumnScratch& scratch, const KernelTable& kernels);
+/// source  an active pre-stage works in place on it.
+void ScaleLumaStrips(const Plane& target, const SourcePlane& source, const ColumnStages& stages, ColumnScratch& scratch,
+                     const KernelTable& kernels);
 
 }  // namespace clarivex

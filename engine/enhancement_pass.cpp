@@ -96,8 +96,8 @@ private:
         noiseKnee = reduction.knee;
         if (!reduction.smoothsChroma) return;
         TakePrivateCopy();
-        const Plane& first = work.planes.second;
-        const Plane& second = work.planes.third;
+        const Plane& first = engine.workspace.privateCopy.Planes().second;
+        const Plane& second = engine.workspace.privateCopy.Planes().third;
         SharpenRowsNarrow(second, reduction.smoothing);
         SharpenColumnsNarrow(first, reduction.smoothing);
         SharpenRowsNarrow(first, reduction.smoothing);
@@ -118,7 +118,7 @@ private:
 
     void SharpenColumns() {
         TakePrivateCopy();
-        const Plane& luma = work.planes.luma;
+        const Plane& luma = work.writableLuma;
         if (stages.preModeV == 1)
             SharpenColumnsNarrow(luma, stages.preNarrowV);
         else if (stages.preModeV == 2)
@@ -128,7 +128,7 @@ private:
 
     void SharpenRows() {
         TakePrivateCopy();
-        const Plane& luma = work.planes.luma;
+        const Plane& luma = work.writableLuma;
         if (stages.preModeH == 1)
             SharpenRowsNarrow(luma, stages.preNarrowH);
         else if (stages.preModeH == 2)
@@ -149,8 +149,6 @@ private:
         work = SourceOf(engine.workspace.privateCopy);
         haveCopy = true;
     }
-
-    static SourceImage SourceOf(const WorkingImage& image) { return {image.Planes(), image.End()}; }
 
     /// A frame that passes twice is analysed once.
     void AnalyseLightingOnce() {
@@ -255,7 +253,7 @@ private:
         DoubleChroma(out.third, work.planes.third, filter.chromaOdd);
     }
 
-    void DoubleChroma(const Plane& to, const Plane& from, bool chromaOdd) {
+    void DoubleChroma(const Plane& to, const PlaneView& from, bool chromaOdd) {
         const int32_t stride = (2 * from.width + 15) & ~15;
         const Plane between{engine.workspace.chroma.Prepare(stride * from.height), 2 * from.width, from.height, stride};
         DoubleChromaRows(between, from, chromaOdd, engine.workspace.scaler.chroma, kernels);

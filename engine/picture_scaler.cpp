@@ -11,30 +11,26 @@ namespace {
 /// The two planes of a pass, without the columns that a split view leaves out.
 struct PassPlanes {
     Plane target;
-    Plane source;
+    SourcePlane source;
 };
 
-Plane RightOf(const Plane& plane, int32_t columns) {
-    return {plane.data + columns, plane.width - columns, plane.height, plane.stride};
-}
-
 /// Half the picture's width less 4 samples, rounded down to a multiple of `unit`.
-int32_t SplitColumns(const Plane& target, const Plane& source, int32_t unit) {
+int32_t SplitColumns(const Plane& target, const PlaneView& source, int32_t unit) {
     const int32_t narrower = std::min(target.width, source.width);
     return std::max((narrower / 2 - 4) & ~(unit - 1), 0);
 }
 
-PassPlanes AlongRows(const Plane& target, const Plane& source, RowScale scale, bool splitView) {
+PassPlanes AlongRows(const Plane& target, const SourcePlane& source, RowScale scale, bool splitView) {
     // The caller's planes may be larger than what the enlarged source fills.
-    const Plane filled{target.data, ScaledWidth(scale, source.width), source.height, target.stride};
+    const Plane filled{target.data, ScaledWidth(scale, source.plane.width), source.plane.height, target.stride};
     const int32_t unit = scale == RowScale::twofold ? 16 : 32;
-    const int32_t left = splitView ? SplitColumns(filled, source, unit) : 0;
-    return {RightOf(filled, ScaledWidth(scale, left)), RightOf(source, left)};
+    const int32_t left = splitView ? SplitColumns(filled, source.plane, unit) : 0;
+    return {RightOf(filled, ScaledWidth(scale, left)), source.RightOf(left)};
 }
 
-PassPlanes DownColumns(const Plane& target, const Plane& source, bool splitView) {
-    const int32_t offset = splitView ? SplitColumns(target, source, 16) : 0;
-    return {RightOf(target, offset), RightOf(source, offset)};
+PassPlanes DownColumns(const Plane& target, const SourcePlane& source, bool splitView) {
+    const int32_t offset = splitView ? SplitColumns(target, source.plane, 16) : 0;
+    return {RightOf(target, offset), source.RightOf(offset)};
 }
 
 }  // namespace
@@ -53,15 +49,15 @@ void PictureScaler::ShowFrameLeftOf(const Plane& part, const Plane& whole) const
 void PictureScaler::ScaleHorizontal(const ImagePlanes& target, const SourceImage& source, const RowStages& stages,
                                     bool chromaOdd, uint32_t planes) {
     if ((planes & lumaPlane) != 0) {
-        const PassPlanes luma = AlongRows(target.luma, source.planes.luma, stages.scale, splitView);
+        const PassPlanes luma = AlongRows(target.luma, source.Luma(), stages.scale, splitView);
         ShowFrameLeftOf(luma.target, target.luma);
-        ScaleLumaStrips(luma.target, luma.source, source.end, stages, scratch.rows, kernels);
+        ScaleLumaStrips(luma.target, luma.source, stages, scratch.rows, kernels);
     }
     if ((planes & secondPlane) != 0) ScaleChromaAlongRows(target.second, source.planes.second, stages.scale, chromaOdd);
     if ((planes & thirdPlane) != 0) ScaleChromaAlongRows(target.third, source.planes.third, stages.scale, chromaOdd);
 }
 
-void PictureScaler::ScaleChromaAlongRows(const Plane& target, const Plane& source, RowScale scale, bool chromaOdd) {
+void PictureScaler::ScaleChromaAlongRows(const Plane& target, const PlaneView& source, RowScale scale, bool chromaOdd) {
     if (scale == RowScale::twofold)
         DoubleChromaRows(target, source, chromaOdd, scratch.chroma, kernels);
     else
@@ -70,7 +66,7 @@ void PictureScaler::ScaleChromaAlongRows(const Plane& target, const Plane& sourc
 
 void PictureScaler::ScaleHorizontalPlane(WorkingImage& target, const SourceImage& source, const RowStages& stages,
                                          bool chromaOdd, uint32_t planes) {
-    const Plane& luma = source.planes.luma;
+    const PlaneView& luma = source.planes.luma;
     target.Resize(ScaledWidth(stages.scale, luma.width), luma.height);
     ScaleHorizontal(target.Planes(), source, stages, chromaOdd, planes);
 }
@@ -78,9 +74,9 @@ void PictureScaler::ScaleHorizontalPlane(WorkingImage& target, const SourceImage
 void PictureScaler::ScaleVertical(const ImagePlanes& target, const SourceImage& source, const ColumnStages& stages,
                                   uint32_t planes) {
     if ((planes & lumaPlane) != 0) {
-        const PassPlanes luma = DownColumns(target.luma, source.planes.luma, splitView);
+        const PassPlanes luma = DownColumns(target.luma, source.Luma(), splitView);
         ShowFrameLeftOf(luma.target, target.luma);
-        ScaleLumaStrips(luma.target, luma.source, source.end, stages, scratch.columns, kernels);
+        ScaleLumaStrips(luma.target, luma.source, stages, scratch.columns, kernels);
     }
     if ((planes & secondPlane) != 0)
         ScaleChromaColumns(target.second, source.planes.second, source.end, scratch.chroma, kernels);
@@ -90,7 +86,7 @@ void PictureScaler::ScaleVertical(const ImagePlanes& target, const SourceImage& 
 
 void PictureScaler::ScaleVerticalFirst(WorkingImage& target, const SourceImage& source, const ColumnStages& stages,
                                        uint32_t planes) {
-    const Plane& luma = source.planes.luma;
+    const PlaneView& luma = source.planes.luma;
     target.Resize(luma.width, (3 * luma.height) >> 1);
     ScaleVertical(target.Planes(), source, stages, planes);
 }
@@ -98,12 +94,12 @@ void PictureScaler::ScaleVerticalFirst(WorkingImage& target, const SourceImage& 
 void PictureScaler::ScaleLumaBothAxes(const ImagePlanes& target, const WorkingImage& half, const SourceImage& source,
                                       const RowStages& rowStages, const ThreeHalvesTaps& columnTaps) {
     const Plane& between = half.Planes().luma;
-    const PassPlanes rows = AlongRows(between, source.planes.luma, rowStages.scale, splitView);
-    const PassPlanes columns = DownColumns(target.luma, between, splitView);
+    const PassPlanes rows = AlongRows(between, source.Luma(), rowStages.scale, splitView);
+    const PassPlanes columns = DownColumns(target.luma, SourceOf(half).Luma(), splitView);
     ShowFrameLeftOf(rows.target, between);
     ShowFrameLeftOf(columns.target, target.luma);
-    RowScaler rowScaler(rows.target, rows.source, source.end, rowStages, scratch.rows, kernels);
-    ColumnScaler columnScaler(columns.target, columns.source, half.End(), columnTaps, scratch.columns, kernels);
+    RowScaler rowScaler(rows.target, rows.source, rowStages, scratch.rows, kernels);
+    ColumnScaler columnScaler(columns.target, columns.source, columnTaps, scratch.columns, kernels);
     for (int32_t y = 0; y < between.height; y += stripSize) {
         rowScaler.ScaleStrip(y);
         columnScaler.Advance(std::min(y + stripSize, between.height));

@@ -28,7 +28,7 @@ class PictureScaler {
 public:
     /// splitFrame  null enlarges whole pictures. Otherwise only the right part of the luma plane is enlarged, and columns
     ///             that this leaves are those of the split frame at the same place, black where it has none.
-    PictureScaler(ScalerScratch& scratch, const KernelTable& kernels, const Plane* splitFrame)
+    PictureScaler(ScalerScratch& scratch, const KernelTable& kernels, const PlaneView* splitFrame)
         : scratch(scratch), kernels(kernels), splitFrame(splitFrame), splitView(splitFrame != nullptr) {}
 
     /// Along the rows by stages.scale, the planes named by `planes`, into planes sized by the caller.
@@ -56,11 +56,11 @@ public:
 
 private:
     void ShowFrameLeftOf(const Plane& part, const Plane& whole) const;
-    void ScaleChromaAlongRows(const Plane& target, const Plane& source, RowScale scale, bool chromaOdd);
+    void ScaleChromaAlongRows(const Plane& target, const PlaneView& source, RowScale scale, bool chromaOdd);
 
     ScalerScratch& scratch;
     const KernelTable& kernels;
-    const Plane* splitFrame;
+    const PlaneView* splitFrame;
     bool splitView;
 };
 

@@ -25,7 +25,7 @@ std::array<int16_t, 24> PhaseAfterPhase(const ThreeHalvesTaps& taps) {
 }
 
 /// Room for all that a row is enlarged to, in groups as the resamplers write it.
-int32_t RoomForEnlarged(const Plane& source, const RowStages& stages) {
+int32_t RoomForEnlarged(const PlaneView& source, const RowStages& stages) {
     const int32_t read = (source.width + groupSamples - 1) / groupSamples * groupSamples;
     return stages.scale == RowScale::twofold ? 2 * read : read / groupSamples * groupOutputs;
 }
@@ -38,34 +38,36 @@ int16_t CentredWord(uint8_t sample) {
 
 }  // namespace
 
-RowScaler::RowScaler(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const RowStages& stages,
-                     RowScratch& scratch, const KernelTable& kernels)
+RowScaler::RowScaler(const Plane& target, const SourcePlane& source, const RowStages& stages, RowScratch& scratch,
+                     const KernelTable& kernels)
     : target(target),
       source(source),
-      sourceEnd(sourceEnd),
+      width(source.plane.width),
+      height(source.plane.height),
       stages(stages),
       kernels(kernels),
-      groups((source.width + groupSamples - 1) / groupSamples),
+      groups((width + groupSamples - 1) / groupSamples),
       columns((target.width + storedGroup - 1) & ~(storedGroup - 1)),
       form(stages.postFilterOn ? ChooseDetailFirForm(stages.postTaps) : DetailFirForm::general),
       cross(stages.cross, stages.crossOn ? scratch.line.Prepare(target.width + groupSamples) : nullptr),
       rows{scratch.source.Prepare(groups * groupSamples),
            scratch.even.Prepare(groups * groupSamples / 2),
            scratch.odd.Prepare(groups * groupSamples / 2),
-           scratch.enlarged.Prepare(RoomForEnlarged(source, stages)),
-           scratch.limited.Prepare(RoomForEnlarged(source, stages)),
-           scratch.words.Prepare(RoomForEnlarged(source, stages))},
+           scratch.enlarged.Prepare(RoomForEnlarged(source.plane, stages)),
+           scratch.limited.Prepare(RoomForEnlarged(source.plane, stages)),
+           scratch.words.Prepare(RoomForEnlarged(source.plane, stages))},
       taps(PhaseAfterPhase(stages.taps)) {}
 
 void RowScaler::ScaleStrip(int32_t y) {
     RunPreStage(y);
-    for (int32_t row = y; row < std::min(y + stripSize, source.height); ++row) ScaleRow(row);
+    for (int32_t row = y; row < std::min(y + stripSize, height); ++row) ScaleRow(row);
     RunStripStages(StripOf(target, y));
     if (stages.crossOn) cross.Run(target, y);
 }
 
 void RowScaler::RunPreStage(int32_t y) {
-    const Plane strip = StripOf(source, y);
+    if (!stages.preStage.IsOn()) return;
+    const Plane strip = StripOf(source.writable, y);
     if (stages.preStage.gated) GatedDetailRows(strip, stages.preStage.gains, RowDither::byRow);
     if (stages.preStage.mode == 1)
         NarrowDetailRows(strip, stages.preStage.gains);
@@ -94,10 +96,10 @@ void RowScaler::EnlargeSourceRow(int32_t y) {
 void RowScaler::DoubleSourceRow(int32_t y) {
     constexpr int32_t reach = 4;
     const int32_t count = columns / 2;  // spare columns too
-    const uint8_t* row = source.Row(y);
+    const uint8_t* row = source.plane.Row(y);
     std::memset(rows.source - reach, row[0], reach);
-    std::memcpy(rows.source, row, static_cast<size_t>(source.width));
-    std::memset(rows.source + source.width, row[source.width - 1], static_cast<size_t>(count - source.width + reach));
+    std::memcpy(rows.source, row, static_cast<size_t>(width));
+    std::memset(rows.source + width, row[width - 1], static_cast<size_t>(count - width + reach));
     const TapSet& phase = stages.twofoldTaps.a;
     kernels.doubleRow(rows.source, phase.data(), rows.enlarged, count);
     // All taps before the row stand on its first sample, but the third is left out and the first counts twice.
@@ -108,7 +110,7 @@ void RowScaler::DoubleSourceRow(int32_t y) {
 
 void RowScaler::SplitSourceRow(int32_t y) {
     const int32_t count = groups * groupSamples;
-    const uint8_t* row = ReadableRow(source, y, count, sourceEnd, rows.source);
+    const uint8_t* row = ReadableRow(source, y, count, rows.source);
     const int16_t first = CentredWord(row[0]);
     for (int32_t n = 1; n <= 2; ++n) rows.even[-n] = rows.odd[-n] = first;
     kernels.splitRow(row, rows.even, rows.odd, count);
@@ -155,10 +157,10 @@ void RowScaler::RankRows(const Plane& strip) const {
     }
 }
 
-void ScaleLumaStrips(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const RowStages& stages,
-                     RowScratch& scratch, const KernelTable& kernels) {
-    RowScaler scaler(target, source, sourceEnd, stages, scratch, kernels);
-    for (int32_t y = 0; y < source.height; y += stripSize) scaler.ScaleStrip(y);
+void ScaleLumaStrips(const Plane& target, const SourcePlane& source, const RowStages& stages, RowScratch& scratch,
+                     const KernelTable& kernels) {
+    RowScaler scaler(target, source, stages, scratch, kernels);
+    for (int32_t y = 0; y < source.plane.height; y += stripSize) scaler.ScaleStrip(y);
 }
 
 }  // namespace clarivex

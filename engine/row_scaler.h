@@ -45,7 +45,7 @@ struct RowStages {
     RowScale scale = RowScale::threeHalves;
     ThreeHalvesTaps taps;
     TwofoldTaps twofoldTaps;
-    PreStage preStage;  ///< works in place on the source
+    PreStage preStage;  ///< works in place on the source, which then has to be writable
     EdgeStage edgeStage = EdgeStage::full;
     EdgeLimits edgeLimits;
     SimpleLimits simpleLimits;
@@ -76,10 +76,8 @@ struct RowScratch {
 ///
 /// target     ScaledWidth columns, the source's height, stride a multiple of 64. Of the spare columns those up to the
 ///            next multiple of 4 are written.
-/// source     width at least 1, for a twofold scale shortestDoubledRow; written to only by an active pre-stage, which
-///            needs a working image.
-/// sourceEnd  end of the memory that may be read behind the source: its rows are read up to a multiple of 8, and for a
-///            twofold scale up to their width.
+/// source     width at least 1, for a twofold scale shortestDoubledRow; an active pre-stage works in place on it. Its
+///            rows are read up to a multiple of 8 as far as memory goes, for a twofold scale up to their width.
 /// edges      left of a row its first sample is repeated; right of it follow what memory holds, a copy of the last of
 ///            those samples, and mid-grey. A twofold scale repeats the last sample there; in the first output of a row
 ///            its first tap counts twice and its third not at all. The stages behind the resampler leave some samples
@@ -87,8 +85,8 @@ struct RowScratch {
 class RowScaler {
 public:
     /// stages and scratch must outlive the scaler.
-    RowScaler(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const RowStages& stages,
-              RowScratch& scratch, const KernelTable& kernels);
+    RowScaler(const Plane& target, const SourcePlane& source, const RowStages& stages, RowScratch& scratch,
+              const KernelTable& kernels);
 
     /// Makes rows y … y + 15, as far as the source has them; y = 0, 16, 32 … in order. With the stage across the rows
     /// the strip's last row is final only after the next strip.
@@ -115,8 +113,9 @@ private:
     void RankRows(const Plane& strip) const;
 
     Plane target;
-    Plane source;
-    const uint8_t* sourceEnd;
+    SourcePlane source;
+    int32_t width;  // of the source
+    int32_t height;
     const RowStages& stages;
     const KernelTable& kernels;
     int32_t groups;
@@ -128,7 +127,7 @@ private:
 };
 
 /// Enlarges the whole `source` into `target`, as RowScaler does.
-void ScaleLumaStrips(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const RowStages& stages,
-                     RowScratch& scratch, const KernelTable& kernels);
+void ScaleLumaStrips(const Plane& target, const SourcePlane& source, const RowStages& stages, RowScratch& scratch,
+                     const KernelTable& kernels);
 
 }  // namespace clarivex

@@ -81,7 +81,7 @@ std::vector<TunedSetting> Compare(const EngineSettings& start, const EngineSetti
 }
 
 /// Copies a plane into one that may be larger, whose further columns and rows repeat the last ones.
-void CopyAndExtend(const Plane& target, const Plane& source) {
+void CopyAndExtend(const Plane& target, const PlaneView& source) {
     for (int32_t y = 0; y < target.height; ++y) {
         const uint8_t* from = source.Row(std::min(y, source.height - 1));
         std::memcpy(target.Row(y), from, static_cast<size_t>(source.width));
@@ -89,7 +89,7 @@ void CopyAndExtend(const Plane& target, const Plane& source) {
     }
 }
 
-WorkingImage EvenImage(const ImagePlanes& picture) {
+WorkingImage EvenImage(const PictureView& picture) {
     WorkingImage image;
     image.Resize((picture.luma.width + 1) & ~1, (picture.luma.height + 1) & ~1);
     CopyAndExtend(image.Planes().luma, picture.luma);
@@ -100,7 +100,7 @@ WorkingImage EvenImage(const ImagePlanes& picture) {
 
 /// Each sample becomes the average of the area that it covers, `halves` half samples of the source wide and high. Areas
 /// that reach past the source take its last samples.
-void ReducePlane(const Plane& target, const Plane& source, int32_t halves) {
+void ReducePlane(const Plane& target, const PlaneView& source, int32_t halves) {
     const auto from = [=](int32_t place, int32_t half, int32_t length) {
         return std::min((place * halves + half) / 2, length - 1);
     };
@@ -116,7 +116,7 @@ void ReducePlane(const Plane& target, const Plane& source, int32_t halves) {
 }
 
 /// As large as its enlargement needs it to cover the whole source.
-WorkingImage Reduce(const ImagePlanes& source, TuningScale scale) {
+WorkingImage Reduce(const PictureView& source, TuningScale scale) {
     const int32_t halves = HalvesOf(scale);
     const auto side = [=](int32_t length) { return (2 * length + halves - 1) / halves; };
     WorkingImage image;
@@ -128,7 +128,7 @@ WorkingImage Reduce(const ImagePlanes& source, TuningScale scale) {
 }
 
 /// Squares, so that a halo or a lost edge weighs more than the same sum of differences spread over the picture.
-double ErrorOf(const Plane& actual, const Plane& wanted) {
+double ErrorOf(const PlaneView& actual, const PlaneView& wanted) {
     const int32_t width = std::min(actual.width, wanted.width);
     const int32_t height = std::min(actual.height, wanted.height);
     uint64_t sum = 0;
@@ -141,7 +141,7 @@ double ErrorOf(const Plane& actual, const Plane& wanted) {
     return count == 0 ? 0.0 : static_cast<double>(sum) / errorUnit / static_cast<double>(count);
 }
 
-void CheckSize(const Plane& luma, TuningScale scale) {
+void CheckSize(const PlaneView& luma, TuningScale scale) {
     const TuningLimits limits = TuningLimitsOf(scale);
     if (luma.width >= limits.leastWidth && luma.width <= limits.mostWidth && luma.height >= limits.leastHeight &&
         luma.height <= limits.mostHeight)
@@ -157,7 +157,7 @@ void CheckSize(const Plane& luma, TuningScale scale) {
 /// The engine, the picture it is given and the one it is to reach.
 class Harness {
 public:
-    Harness(EnhancementEngine& engine, const ImagePlanes& picture, const TuningOptions& options,
+    Harness(EnhancementEngine& engine, const PictureView& picture, const TuningOptions& options,
             const KernelTable& kernels)
         : engine(engine),
           options(options),
@@ -218,8 +218,8 @@ private:
         frame.keepFullSize = true;
         FrameInfo info;
         float aspect = 1.0F;
-        return EnhancementPass(engine, frame, {reduced.Planes(), reduced.End()}, {&enhanced, nullptr}, aspect, info,
-                               planes, kernels) != 0;
+        return EnhancementPass(engine, frame, SourceOf(reduced), {&enhanced, nullptr}, aspect, info, planes, kernels) !=
+               0;
     }
 
     EnhancementEngine& engine;
@@ -254,7 +254,7 @@ TuningLimits TuningLimitsOf(TuningScale scale) {
     }
 }
 
-Tuning TuneEngine(EnhancementEngine& engine, const ImagePlanes& target, const TuningOptions& options,
+Tuning TuneEngine(EnhancementEngine& engine, const PictureView& target, const TuningOptions& options,
                   const TuningObserver& observer, const KernelTable& kernels) {
     CheckSize(target.luma, options.scale);
     return Harness(engine, target, options, kernels).Run(observer);

@@ -48,7 +48,7 @@ struct Tuning {
 /// target    4:2:0 planes as the pass should give them; odd sizes are rounded up by a repeated column or row
 /// observer  called at the end of every attempt; may be empty
 /// throws    std::invalid_argument for a target outside TuningLimitsOf(options.scale)
-Tuning TuneEngine(EnhancementEngine& engine, const ImagePlanes& target, const TuningOptions& options,
+Tuning TuneEngine(EnhancementEngine& engine, const PictureView& target, const TuningOptions& options,
                   const TuningObserver& observer, const KernelTable& kernels);
 
 }  // namespace clarivex

@@ -29,7 +29,7 @@ struct Covered {
 /// One pass over a picture. Rows wait in the windows of the scratch until all that their next stage looks at is there.
 class WideScaler {
 public:
-    WideScaler(const Plane& target, const Plane& source, const WideStages& stages, WideScratch& scratch,
+    WideScaler(const Plane& target, const PlaneView& source, const WideStages& stages, WideScratch& scratch,
                const KernelTable& kernels)
         : target(target),
           source(source),
@@ -133,7 +133,7 @@ private:
     static size_t WordBytes(int32_t words) { return static_cast<size_t>(words) * sizeof(int16_t); }
 
     Plane target;
-    Plane source;
+    PlaneView source;
     const WideStages& stages;
     WideScratch& scratch;
     const KernelTable& kernels;
@@ -166,7 +166,7 @@ void WideRows::Prepare(int32_t width) {
     first = memory.Prepare(kept * stride);
 }
 
-void ScaleBothTwice(const Plane& target, const Plane& source, const WideStages& stages, WideScratch& scratch,
+void ScaleBothTwice(const Plane& target, const PlaneView& source, const WideStages& stages, WideScratch& scratch,
                     const KernelTable& kernels) {
     WideScaler(target, source, stages, scratch, kernels).Run();
 }

@@ -58,7 +58,7 @@ struct WideScratch {
 /// source  any size from 1 × 1; only its own samples are read.
 /// edges   beyond all sides the outermost samples are repeated. The limiter and the post filter leave 8 samples at the
 ///         beginning of an axis alone and 8 to 15 at its end.
-void ScaleBothTwice(const Plane& target, const Plane& source, const WideStages& stages, WideScratch& scratch,
+void ScaleBothTwice(const Plane& target, const PlaneView& source, const WideStages& stages, WideScratch& scratch,
                     const KernelTable& kernels);
 
 }  // namespace clarivex

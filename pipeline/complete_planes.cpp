@@ -20,7 +20,7 @@ void FillFrom(uint8_t* row, int32_t first, int32_t width, uint8_t value) {
     if (first < width) std::memset(row + first, value, static_cast<size_t>(width - first));
 }
 
-void CompletePlane(const Plane& picture, const Plane& source, const PlanePart& part, uint8_t black) {
+void CompletePlane(const Plane& picture, const PlaneView& source, const PlanePart& part, uint8_t black) {
     const int32_t writtenRows = std::min(part.height, picture.height);
     for (int32_t y = 0; y < writtenRows; ++y) {
         uint8_t* row = picture.Row(y);
@@ -39,7 +39,7 @@ void RepeatOddColumn(const Plane& luma) {
     for (int32_t y = 0; y < luma.height; ++y) luma.Row(y)[luma.width] = luma.Row(y)[luma.width - 1];
 }
 
-PlanePart ChromaPart(const ImagePlanes& picture, const ImagePlanes& source, const WrittenPart& written) {
+PlanePart ChromaPart(const ImagePlanes& picture, const PictureView& source, const WrittenPart& written) {
     if (written.height == 0) return {0, 0, false};
     const bool wider = written.width > source.luma.width;
     const bool higher = written.height > source.luma.height;
@@ -49,7 +49,7 @@ PlanePart ChromaPart(const ImagePlanes& picture, const ImagePlanes& source, cons
 
 }  // namespace
 
-void CompletePlanes(const ImagePlanes& picture, const ImagePlanes& source, const WrittenPart& written) {
+void CompletePlanes(const ImagePlanes& picture, const PictureView& source, const WrittenPart& written) {
     CompletePlane(picture.luma, source.luma, {written.width, written.height, written.width > source.luma.width},
                   blackLuma);
     RepeatOddColumn(picture.luma);

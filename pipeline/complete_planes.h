@@ -19,6 +19,6 @@ struct WrittenPart {
 /// the spare column behind an odd width of luma.
 ///
 /// picture  planes of the output's size, completed in place; rows of an odd width have room for one sample more
-void CompletePlanes(const ImagePlanes& picture, const ImagePlanes& source, const WrittenPart& written);
+void CompletePlanes(const ImagePlanes& picture, const PictureView& source, const WrittenPart& written);
 
 }  // namespace clarivex

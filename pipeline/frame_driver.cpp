@@ -62,11 +62,11 @@ void FrameDriver::ApplySettings(const FrameRequest& request, const FrameLayout& 
 void FrameDriver::EnhancePacked(const FrameRequest& request, const FrameLayout& layout) {
     workspace.split.Resize(layout.width, layout.height);
     LoadFrame(layout.input.luma, workspace.split.Planes(), kernels);
-    const SourceImage source{workspace.split.Planes(), workspace.split.End()};
+    const SourceImage source = SourceOf(workspace.split);
     float aspect = request.pixelAspect;
     const FrameInfo info = RunEngine(request, source, {&workspace.enhanced, nullptr}, aspect);
 
-    ImagePlanes picture = info.writtenWidth > 0 ? workspace.enhanced.Planes() : ImagePlanes{};
+    PictureView picture = info.writtenWidth > 0 ? workspace.enhanced.Planes() : ImagePlanes{};
     if (!request.scalingOn) {
         picture.second = source.planes.second;
         picture.third = source.planes.third;
@@ -77,13 +77,14 @@ void FrameDriver::EnhancePacked(const FrameRequest& request, const FrameLayout& 
 }
 
 void FrameDriver::EnhancePlanar(const FrameRequest& request, const FrameLayout& layout) {
-    const SourceImage source{layout.input, layout.inputEnd};
+    const SourceImage source{layout.input, layout.inputEnd, {}};
     workspace.enhanced.Resize(layout.outputWidth, layout.outputHeight);
-    ImagePlanes picture = workspace.enhanced.Planes();
+    const ImagePlanes& enhanced = workspace.enhanced.Planes();
     float aspect = 1.0F;
-    const FrameInfo info = RunEngine(request, source, {nullptr, &picture}, aspect);
+    const FrameInfo info = RunEngine(request, source, {nullptr, &enhanced}, aspect);
 
-    CompletePlanes(picture, source.planes, {info.writtenWidth, info.writtenHeight, request.scalingOn});
+    CompletePlanes(enhanced, source.planes, {info.writtenWidth, info.writtenHeight, request.scalingOn});
+    PictureView picture = enhanced;
     if (!request.scalingOn) {
         picture.second = source.planes.second;
         picture.third = source.planes.third;

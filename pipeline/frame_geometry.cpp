@@ -56,20 +56,26 @@ bool IsReasonable(const FrameSize& size) {
     return size.width <= largestSide && size.height <= largestSide && int64_t{size.width} * size.height <= largestArea;
 }
 
-// One buffer and the image that its type tells.
+/// The image that a buffer's type tells, and how much of it the buffer can hold.
 struct ImageBuffer {
-    uint8_t* data;
     size_t capacity;
     LocatedImage image;
     FrameSize size;
 };
 
-// A plane as an offset into its buffer.
+/// A plane as an offset into its buffer.
 struct PlaneSpan {
-    int64_t offset;
-    int64_t stride;
-    int64_t rowBytes;
-    int64_t rows;
+    int64_t offset = 0;
+    int64_t stride = 0;
+    int64_t rowBytes = 0;
+    int64_t rows = 0;
+};
+
+/// Of a packed picture only luma.
+struct PictureSpans {
+    PlaneSpan luma;
+    PlaneSpan second;
+    PlaneSpan third;
 };
 
 bool LiesIn(const ImageBuffer& buffer, const PlaneSpan& span) {
@@ -77,52 +83,60 @@ bool LiesIn(const ImageBuffer& buffer, const PlaneSpan& span) {
     return StrideFits(span.stride) && static_cast<uint64_t>(end) <= buffer.capacity;
 }
 
-Plane ViewOf(const ImageBuffer& buffer, const PlaneSpan& span, int64_t width) {
-    return {buffer.data + span.offset, static_cast<int32_t>(width), static_cast<int32_t>(span.rows),
-            static_cast<int32_t>(span.stride)};
-}
-
-bool LayOutPacked(const ImageBuffer& buffer, ImagePlanes& planes) {
+bool LayOutPacked(const ImageBuffer& buffer, PictureSpans& spans) {
     const int64_t pairs = (int64_t{buffer.size.width} + 1) / 2;
-    const PlaneSpan rows{buffer.image.offset, buffer.image.stride, 4 * pairs, buffer.size.height};
-    if (!LiesIn(buffer, rows)) return false;
-    planes.luma = ViewOf(buffer, rows, buffer.size.width);
-    return true;
+    spans.luma = {buffer.image.offset, buffer.image.stride, 4 * pairs, buffer.size.height};
+    return LiesIn(buffer, spans.luma);
 }
 
-// lumaRows, chromaRows: rows from the start of a plane to the start of the next.
-bool LayOutPlanar(const ImageBuffer& buffer, int64_t lumaRows, int64_t chromaRows, ImagePlanes& planes) {
+/// lumaRows, chromaRows  rows from the start of a plane to the start of the next
+bool LayOutPlanar(const ImageBuffer& buffer, int64_t lumaRows, int64_t chromaRows, PictureSpans& spans) {
     const LocatedImage& image = buffer.image;
     const FrameSize& size = buffer.size;
     const int64_t chromaStride = image.stride / 2;
-    const PlaneSpan luma{image.offset, image.stride, size.width, size.height};
-    const PlaneSpan second{image.offset + lumaRows * image.stride, chromaStride, (size.width + 1) / 2,
-                           (size.height + 1) / 2};
-    PlaneSpan third = second;
-    third.offset += chromaRows * chromaStride;
-    if (!LiesIn(buffer, luma) || !LiesIn(buffer, second) || !LiesIn(buffer, third)) return false;
-    planes.luma = ViewOf(buffer, luma, luma.rowBytes);
-    planes.second = ViewOf(buffer, second, second.rowBytes);
-    planes.third = ViewOf(buffer, third, third.rowBytes);
-    return true;
+    spans.luma = {image.offset, image.stride, size.width, size.height};
+    spans.second = {image.offset + lumaRows * image.stride, chromaStride, (size.width + 1) / 2, (size.height + 1) / 2};
+    spans.third = spans.second;
+    spans.third.offset += chromaRows * chromaStride;
+    return LiesIn(buffer, spans.luma) && LiesIn(buffer, spans.second) && LiesIn(buffer, spans.third);
 }
 
-// Chroma right behind the picture.
-bool LayOutPlanar(const ImageBuffer& buffer, ImagePlanes& planes) {
-    return LayOutPlanar(buffer, buffer.image.height, buffer.image.height / 2, planes);
+/// Chroma right behind the picture.
+bool LayOutPlanar(const ImageBuffer& buffer, PictureSpans& spans) {
+    return LayOutPlanar(buffer, buffer.image.height, buffer.image.height / 2, spans);
 }
 
-// Ordinary decoders give the rectangle that asks for wide spacing, but a plain buffer: that one is taken as it is.
-bool LayOutPlanarInput(const ImageBuffer& buffer, int64_t outputHeight, ImagePlanes& planes) {
+/// Ordinary decoders give the rectangle that asks for wide spacing, but a plain buffer: that one is taken as it is.
+bool LayOutPlanarInput(const ImageBuffer& buffer, int64_t outputHeight, PictureSpans& spans) {
     const bool spaced =
-        buffer.image.chromaAtOutputHeight && LayOutPlanar(buffer, outputHeight, (outputHeight + 1) / 2, planes);
-    return spaced || LayOutPlanar(buffer, planes);
+        buffer.image.chromaAtOutputHeight && LayOutPlanar(buffer, outputHeight, (outputHeight + 1) / 2, spans);
+    return spaced || LayOutPlanar(buffer, spans);
 }
 
-bool LayOutPlanes(PixelFormat format, const ImageBuffer& source, const ImageBuffer& target, FrameLayout& layout) {
+struct FrameSpans {
+    PictureSpans input;
+    PictureSpans output;
+};
+
+bool LayOutPlanes(PixelFormat format, const ImageBuffer& source, const ImageBuffer& target, FrameSpans& spans) {
     if (!IsUsable(source.image) || !IsUsable(target.image)) return false;
-    if (format == PixelFormat::yuy2) return LayOutPacked(source, layout.input) && LayOutPacked(target, layout.output);
-    return LayOutPlanarInput(source, target.size.height, layout.input) && LayOutPlanar(target, layout.output);
+    if (format == PixelFormat::yuy2) return LayOutPacked(source, spans.input) && LayOutPacked(target, spans.output);
+    return LayOutPlanarInput(source, target.size.height, spans.input) && LayOutPlanar(target, spans.output);
+}
+
+/// The picture in its buffer; packed rows are as wide in samples as the picture.
+template <class Picture, class Byte>
+Picture PlanesOf(Byte* buffer, const PictureSpans& spans, int32_t width) {
+    const auto plane = [buffer](const PlaneSpan& span, int64_t columns) {
+        return decltype(Picture::luma){buffer + span.offset, static_cast<int32_t>(columns),
+                                       static_cast<int32_t>(span.rows), static_cast<int32_t>(span.stride)};
+    };
+    Picture picture;
+    picture.luma = plane(spans.luma, width);
+    if (spans.second.rows == 0) return picture;
+    picture.second = plane(spans.second, spans.second.rowBytes);
+    picture.third = plane(spans.third, spans.third.rowBytes);
+    return picture;
 }
 
 // The capacity as far as pointers and their differences reach.
@@ -182,12 +196,15 @@ HRESULT LayOutFrame(const FrameRequest& request, const OutputBuffer& output, con
     layout.height = inSize.height;
     layout.outputWidth = outSize.width;
     layout.outputHeight = outSize.height;
-    const ImageBuffer source{const_cast<uint8_t*>(input.data), ReachableBytes(input.data, input.capacity),
-                             LocateInput(request), inSize};
-    const ImageBuffer target{output.data, ReachableBytes(output.data, output.capacity), LocateOutput(request), outSize};
-    layout.inputEnd = source.data + source.capacity;
-    layout.outputEnd = target.data + target.capacity;
-    return LayOutPlanes(request.format, source, target, layout) ? S_OK : E_INVALIDARG;
+    const ImageBuffer source{ReachableBytes(input.data, input.capacity), LocateInput(request), inSize};
+    const ImageBuffer target{ReachableBytes(output.data, output.capacity), LocateOutput(request), outSize};
+    FrameSpans spans;
+    if (!LayOutPlanes(request.format, source, target, spans)) return E_INVALIDARG;
+    layout.input = PlanesOf<PictureView>(input.data, spans.input, inSize.width);
+    layout.output = PlanesOf<ImagePlanes>(output.data, spans.output, outSize.width);
+    layout.inputEnd = input.data + source.capacity;
+    layout.outputEnd = output.data + target.capacity;
+    return S_OK;
 }
 
 }  // namespace clarivex

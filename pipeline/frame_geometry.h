@@ -47,7 +47,6 @@ LocatedImage LocateOutput(const FrameRequest& request);
 /// tooSmall     the picture is below the smallest size: nothing is to be done and no plane is set
 /// input        width × height, output outputWidth × outputHeight. A planar frame has three planes. Of a packed one
 ///              only luma is set: its width in samples, its stride in bytes, rows of 4 bytes for each pair of samples.
-///              The input's planes are views of memory that must not be written.
 /// inputEnd     end of the input buffer: what follows a row or plane may be read up to here
 /// outputEnd    end of the output buffer: fills are clipped to it
 struct FrameLayout {
@@ -56,7 +55,7 @@ struct FrameLayout {
     int32_t height = 0;
     int32_t outputWidth = 0;
     int32_t outputHeight = 0;
-    ImagePlanes input;
+    PictureView input;
     ImagePlanes output;
     const uint8_t* inputEnd = nullptr;
     uint8_t* outputEnd = nullptr;

@@ -15,7 +15,7 @@ void PadRow(uint8_t* row, int32_t pairs, int32_t samplesPerPair) {
 
 }  // namespace
 
-void LoadFrame(const Plane& packed, const ImagePlanes& target, const KernelTable& kernels) {
+void LoadFrame(const PlaneView& packed, const ImagePlanes& target, const KernelTable& kernels) {
     const int32_t pairs = (packed.width + 1) / 2;
     for (int32_t y = 0; y < packed.height; ++y) {
         const bool takesChroma = y % 2 == 0;

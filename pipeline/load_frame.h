@@ -13,6 +13,6 @@ struct KernelTable;
 /// packed  width in samples, stride in bytes; an odd width is read to the end of its last pair
 /// target  planes of the same luma size with strides that hold the width rounded up to 8. Rows are filled up to there
 ///         with the last pair: luma Y0, Y1, Y0, Y1, chroma with its last sample.
-void LoadFrame(const Plane& packed, const ImagePlanes& target, const KernelTable& kernels);
+void LoadFrame(const PlaneView& packed, const ImagePlanes& target, const KernelTable& kernels);
 
 }  // namespace clarivex

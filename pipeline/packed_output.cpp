@@ -27,7 +27,7 @@ struct RowPatterns {
 
 class PackedStage {
 public:
-    PackedStage(const Plane& target, const uint8_t* targetEnd, const ImagePlanes& source,
+    PackedStage(const Plane& target, const uint8_t* targetEnd, const PictureView& source,
                 const OutputStageInputs& inputs)
         : target(target),
           targetEnd(targetEnd),
@@ -141,7 +141,7 @@ private:
 
     Plane target;
     const uint8_t* targetEnd;
-    const ImagePlanes& source;
+    const PictureView& source;
     const OutputStageInputs& inputs;
     const KernelTable& kernels;
     int32_t width;
@@ -161,7 +161,7 @@ private:
 
 }  // namespace
 
-void PackedOutputStage(const Plane& target, const uint8_t* targetEnd, const ImagePlanes& source,
+void PackedOutputStage(const Plane& target, const uint8_t* targetEnd, const PictureView& source,
                        const OutputStageInputs& inputs) {
     if (source.luma.width > 0 && source.luma.height > 0) PackedStage(target, targetEnd, source, inputs).Run();
 }

@@ -14,7 +14,7 @@ namespace clarivex {
 ///            wider or higher than the source keeps what it held beyond the margin and the black row.
 /// targetEnd  end of the output buffer, which may come before the last row's stride ends.
 /// source     luma of any size with its spare column readable; third plane U, second plane V. An empty one writes nothing.
-void PackedOutputStage(const Plane& target, const uint8_t* targetEnd, const ImagePlanes& source,
+void PackedOutputStage(const Plane& target, const uint8_t* targetEnd, const PictureView& source,
                        const OutputStageInputs& inputs);
 
 }  // namespace clarivex

@@ -5,11 +5,11 @@
 namespace clarivex {
 namespace {
 
-// Packed rows as a plane of bytes.
-Plane BytesOf(const Plane& packed) {
-    Plane bytes = packed;
-    bytes.width = 2 * packed.width;
-    return bytes;
+/// Packed rows as a plane of bytes.
+template <class PlaneKind>
+PlaneKind BytesOf(PlaneKind packed) {
+    packed.width *= 2;
+    return packed;
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ constexpr int32_t chromaRounding = 8;
 
 class PlanarStage {
 public:
-    PlanarStage(const ImagePlanes& target, const uint8_t* targetEnd, const ImagePlanes& source,
+    PlanarStage(const ImagePlanes& target, const uint8_t* targetEnd, const PictureView& source,
                 const OutputStageInputs& inputs)
         : target(target),
           targetEnd(targetEnd),
@@ -137,7 +137,7 @@ private:
 
     const ImagePlanes& target;
     const uint8_t* targetEnd;
-    const ImagePlanes& source;
+    const PictureView& source;
     const OutputStageInputs& inputs;
     const KernelTable& kernels;
     int32_t width;
@@ -158,7 +158,7 @@ private:
 
 }  // namespace
 
-void PlanarOutputStage(const ImagePlanes& target, const uint8_t* targetEnd, const ImagePlanes& source,
+void PlanarOutputStage(const ImagePlanes& target, const uint8_t* targetEnd, const PictureView& source,
                        const OutputStageInputs& inputs) {
     PlanarStage(target, targetEnd, source, inputs).Run();
 }

@@ -14,7 +14,7 @@ namespace clarivex {
 /// source     of what both sizes share, exactly the visible samples are read. They may lie in the input buffer. An odd
 ///            width of luma is written as an even one where the target has room; its rows have one sample more then.
 /// The third plane takes the U parameters, the second the V parameters, also for IYUV, which has them the other way round.
-void PlanarOutputStage(const ImagePlanes& target, const uint8_t* targetEnd, const ImagePlanes& source,
+void PlanarOutputStage(const ImagePlanes& target, const uint8_t* targetEnd, const PictureView& source,
                        const OutputStageInputs& inputs);
 
 }  // namespace clarivex

@@ -19,8 +19,8 @@ DecodedPicture Frame(int32_t width, int32_t height, int32_t base, int32_t span, 
         for (int32_t y = 0; y < plane.height; ++y)
             std::generate_n(plane.Row(y), plane.width, [&] { return static_cast<uint8_t>(sample()); });
     };
-    fill(picture.Source().planes.luma, [&] { return base + random.Next() % span; });
-    for (const Plane& chroma : {picture.Source().planes.second, picture.Source().planes.third})
+    fill(picture.Planes().luma, [&] { return base + random.Next() % span; });
+    for (const Plane& chroma : {picture.Planes().second, picture.Planes().third})
         fill(chroma, [&] { return 128 - chromaSpan / 2 + (random.Next() * chromaSpan >> 15); });
     return picture;
 }

@@ -11,24 +11,24 @@ namespace {
 uint8_t Limited(int32_t value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
 
 /// Sample x of a row as it lies in memory; behind the end of memory the row's last sample.
-int32_t SampleAt(const Plane& plane, const uint8_t* end, int32_t x, int32_t y) {
-    const uint8_t* sample = plane.Row(y) + x;
-    return sample < end ? *sample : plane.Row(y)[plane.width - 1];
+int32_t SampleAt(const SourcePlane& source, int32_t x, int32_t y) {
+    const uint8_t* row = source.plane.Row(y);
+    return row + x < source.end ? row[x] : row[source.plane.width - 1];
 }
 
 const TapSet& PhaseOf(const ThreeHalvesTaps& taps, int32_t phase) {
     return phase == 0 ? taps.a : phase == 1 ? taps.b : taps.c;
 }
 
-void EnlargeRows(const Plane& target, const Plane& source, const uint8_t* end, const ThreeHalvesTaps& taps) {
-    const int32_t read = (source.width + 7) / 8 * 8;
-    for (int32_t y = 0; y < source.height; ++y)
+void EnlargeRows(const Plane& target, const SourcePlane& source, const ThreeHalvesTaps& taps) {
+    const int32_t read = (source.plane.width + 7) / 8 * 8;
+    for (int32_t y = 0; y < source.plane.height; ++y)
         for (int32_t out = 0; out < std::min(read / 2 * 3, target.stride); ++out) {
             int32_t sum = 8160;
             for (int32_t k = 0; k < 8; ++k) {
                 const int32_t position = 2 * (out / 3) + out % 3 + k - 4;
                 if (position > read) continue;  // mid-grey
-                const int32_t sample = SampleAt(source, end, std::clamp(position, 0, read - 1), y);
+                const int32_t sample = SampleAt(source, std::clamp(position, 0, read - 1), y);
                 sum += (PhaseOf(taps, out % 3)[static_cast<size_t>(k)] * PlainCentred(sample)) >> 16;
             }
             target.Row(y)[out] = Limited(static_cast<int16_t>(sum) >> 6);
@@ -48,7 +48,7 @@ private:
     std::vector<uint8_t> samples;
 };
 
-void DoubleRows(const Plane& target, const Plane& source, const TwofoldTaps& taps) {
+void DoubleRows(const Plane& target, const PlaneView& source, const TwofoldTaps& taps) {
     TapSet firstTaps = taps.a;
     firstTaps[2] = firstTaps[0];
     for (int32_t y = 0; y < source.height; ++y) {
@@ -79,7 +79,7 @@ struct WidePlane {
     int16_t* Row(int32_t y) { return words.data() + ptrdiff_t{y} * width; }
 };
 
-WidePlane DoubledRows(const Plane& source, const TwofoldTaps& taps) {
+WidePlane DoubledRows(const PlaneView& source, const TwofoldTaps& taps) {
     WidePlane wide(2 * source.width, source.height);
     for (int32_t y = 0; y < source.height; ++y) {
         const RepeatedRow row(source.Row(y), source.width);
@@ -164,14 +164,14 @@ void RunCrossStage(const Plane& plane, const CrossGains& gains) {
 
 }  // namespace
 
-void PlainScaleRows(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const RowStages& stages) {
-    if (stages.preStage.gated) GatedDetailRows(source, stages.preStage.gains, RowDither::byRow);
-    if (stages.preStage.mode == 1) NarrowDetailRows(source, stages.preStage.gains);
-    if (stages.preStage.mode == 2) KneeDetailRows(source, stages.preStage.gains, RowDither::byRow);
+void PlainScaleRows(const Plane& target, const SourcePlane& source, const RowStages& stages) {
+    if (stages.preStage.gated) GatedDetailRows(source.writable, stages.preStage.gains, RowDither::byRow);
+    if (stages.preStage.mode == 1) NarrowDetailRows(source.writable, stages.preStage.gains);
+    if (stages.preStage.mode == 2) KneeDetailRows(source.writable, stages.preStage.gains, RowDither::byRow);
     if (stages.scale == RowScale::twofold)
-        DoubleRows(target, source, stages.twofoldTaps);
+        DoubleRows(target, source.plane, stages.twofoldTaps);
     else
-        EnlargeRows(target, source, sourceEnd, stages.taps);
+        EnlargeRows(target, source, stages.taps);
     RunEdgeStage(target, stages);
     if (stages.detailOn) KneeDetailRows(target, stages.detailGains, RowDither::checkerboard);
     if (stages.postFilterOn) RunPostFilter(target, stages);
@@ -180,29 +180,30 @@ void PlainScaleRows(const Plane& target, const Plane& source, const uint8_t* sou
     RankRows(target, stages.rankStage);
 }
 
-void PlainScaleColumns(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const ColumnStages& stages) {
-    if (source.height < 4) return;
-    for (int32_t x = 0; x < source.width; x += 16) {
-        const Plane strip{source.data + x, 16, source.height, source.stride};
+void PlainScaleColumns(const Plane& target, const SourcePlane& source, const ColumnStages& stages) {
+    const int32_t width = source.plane.width, height = source.plane.height;
+    if (height < 4) return;
+    for (int32_t x = 0; x < width; x += 16) {
+        const Plane strip{source.writable.data + x, 16, height, source.writable.stride};
         if (stages.preStage.gated) GatedDetailColumns(strip, stages.preStage.gains);
         if (stages.preStage.mode == 1) NarrowDetailColumns(strip, stages.preStage.gains);
         if (stages.preStage.mode == 2) KneeDetailColumns(strip, stages.preStage.gains);
     }
-    for (int32_t out = 0; out < 3 * source.height / 2; ++out)
-        for (int32_t x = 0; x < (source.width + 7) / 8 * 8; ++x) {
+    for (int32_t out = 0; out < 3 * height / 2; ++out)
+        for (int32_t x = 0; x < (width + 7) / 8 * 8; ++x) {
             int32_t sum = 0;
             for (int32_t k = 0; k < 8; ++k) {
-                const int32_t row = std::clamp(2 * (out / 3) + out % 3 + k - 4, 0, source.height - 1);
-                const int32_t word = 257 * SampleAt(source, sourceEnd, x, row) - 32768;
+                const int32_t row = std::clamp(2 * (out / 3) + out % 3 + k - 4, 0, height - 1);
+                const int32_t word = 257 * SampleAt(source, x, row) - 32768;
                 const int32_t product = (PhaseOf(stages.taps, out % 3)[static_cast<size_t>(k)] * word) >> 16;
                 sum = std::clamp(sum + product, -32768, 32767);
             }
             target.Row(out)[x] = Limited(std::clamp(sum + 0x2000, -32768, 32767) >> 6);
         }
-    if (stages.crossOn) CrossColumns({target.data, source.width, target.height, target.stride}, stages.cross);
+    if (stages.crossOn) CrossColumns({target.data, width, target.height, target.stride}, stages.cross);
 }
 
-void PlainScaleBothTwice(const Plane& target, const Plane& source, const WideStages& stages) {
+void PlainScaleBothTwice(const Plane& target, const PlaneView& source, const WideStages& stages) {
     WidePlane both = DoubledColumns(DoubledRows(source, stages.taps), stages.taps);
     RunPostStages(both, true, stages, stages.columnTaps);
     RunPostStages(both, false, stages, stages.rowTaps);

@@ -7,16 +7,15 @@
 
 namespace clarivex {
 
-/// Luma along the rows by stages.scale. The target has room for 12 columns, or 16, for every 8 of the source; source may
-/// be written to by a pre-stage.
-void PlainScaleRows(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const RowStages& stages);
+/// Luma along the rows by stages.scale. The target has room for 12 columns, or 16, for every 8 of the source.
+void PlainScaleRows(const Plane& target, const SourcePlane& source, const RowStages& stages);
 
 /// Luma down the columns, spare ones up to a multiple of 8 included, which a pass along the rows reads. The target has
 /// 3 · height / 2 rows.
-void PlainScaleColumns(const Plane& target, const Plane& source, const uint8_t* sourceEnd, const ColumnStages& stages);
+void PlainScaleColumns(const Plane& target, const SourcePlane& source, const ColumnStages& stages);
 
 /// Luma on both axes through wide samples.
-void PlainScaleBothTwice(const Plane& target, const Plane& source, const WideStages& stages);
+void PlainScaleBothTwice(const Plane& target, const PlaneView& source, const WideStages& stages);
 
 /// Tap sets of ordinary strength.
 ThreeHalvesTaps UsualTaps();

@@ -34,7 +34,7 @@ struct Trial {
         const DecodedPicture picture(2 * width, 2 * height, 2 * width, texture, 3);
         const auto source = [&](const WorkingImage& image) {
             return inWorkingImage ? SourceOf(image)
-                                  : SourceImage{{picture.Source().planes.third, {}, {}, nullptr}, picture.Source().end};
+                                  : SourceImage{{picture.Planes().third, {}, {}}, picture.Source().end, {}};
         };
         const WorkingImage actual = Image(columns, rows, 1), expected = Image(columns, rows, 1);
         const Plane& to = actual.Planes().luma;
@@ -128,11 +128,9 @@ TEST(Scalers, RowsEqualTheWholePicture) {
                 trial.ExpectSame(
                     test.name, stages.preStage.IsOn(), columns, columns % 2, trial.height,
                     [&](const Plane& to, const SourceImage& from) {
-                        ScaleLumaStrips(to, from.planes.luma, from.end, stages, scratch, trial.kernels);
+                        ScaleLumaStrips(to, from.Luma(), stages, scratch, trial.kernels);
                     },
-                    [&](const Plane& to, const SourceImage& from) {
-                        PlainScaleRows(to, from.planes.luma, from.end, stages);
-                    });
+                    [&](const Plane& to, const SourceImage& from) { PlainScaleRows(to, from.Luma(), stages); });
             }
     });
 }
@@ -162,11 +160,9 @@ TEST(Scalers, ColumnsEqualTheWholePicture) {
             trial.ExpectSame(
                 test.name, true, trial.width, 0, 3 * trial.height / 2,
                 [&](const Plane& to, const SourceImage& from) {
-                    ScaleLumaStrips(to, from.planes.luma, from.end, stages, scratch, trial.kernels);
+                    ScaleLumaStrips(to, from.Luma(), stages, scratch, trial.kernels);
                 },
-                [&](const Plane& to, const SourceImage& from) {
-                    PlainScaleColumns(to, from.planes.luma, from.end, stages);
-                });
+                [&](const Plane& to, const SourceImage& from) { PlainScaleColumns(to, from.Luma(), stages); });
         }
     });
 }
@@ -196,7 +192,7 @@ TEST(Scalers, ChromaStaysInsideATargetThatIsTooNarrowAndTooLow) {
     for (int32_t width = 1; width <= 40; ++width)
         for (const bool chromaOdd : {false, true}) {
             const DecodedPicture picture(2 * width, 2 * width + 4, 2 * width, Texture::hard, 5);
-            const Plane& source = picture.Source().planes.third;
+            const PlaneView source = picture.Planes().third;
             constexpr uint8_t guard = 0xA5;
             std::vector<uint8_t> memory(static_cast<size_t>(2 * width * (width + 10)), guard);
             const Plane narrow{memory.data(), width, source.height, width}, low{memory.data(), width, width + 1, width};
@@ -252,10 +248,10 @@ TEST(Scalers, ASplitViewEnlargesTheRightPartAndShowsTheFrameLeftOfIt) {
         const WorkingImage source = TestImage(view.width, 8, Texture::soft, 1);
         const WorkingImage target = TestImage(2 * view.width, 12, Texture::hard, 2);
         const WorkingImage plain = TestImage(2 * view.width, 12, Texture::hard, 2);
-        const Plane frame = source.Planes().luma;
+        const PlaneView frame = source.Planes().luma;
         PictureScaler split(scratch, scalarKernels, &frame), whole(scratch, scalarKernels, nullptr);
         view.scale(split, target.Planes(), SourceOf(source));
-        view.scale(whole, LumaFrom(plain, view.targetColumn), {LumaFrom(source, view.sourceColumn), source.End()});
+        view.scale(whole, LumaFrom(plain, view.targetColumn), {LumaFrom(source, view.sourceColumn), source.End(), {}});
         for (int32_t y = 0; y < 12; ++y)
             for (int32_t x = 0; x < 2 * view.width; ++x) {
                 const uint8_t left = y < 8 && x < frame.width ? frame.Row(std::min(y, 7))[x] : uint8_t{16};

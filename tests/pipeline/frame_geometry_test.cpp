@@ -130,7 +130,7 @@ TEST(LayOutFrame, FallsBackToPlainPlanesInAPlainBuffer) {
 
     FrameRequest odd = Stream(PixelFormat::yv12, 64, 34, true);  // 51 rows of output
     odd.input.target = {0, 0, 64, 34};
-    const ImagePlanes planes = Trial(odd).layout.input;
+    const PictureView planes = Trial(odd).layout.input;
     EXPECT_EQ(planes.third.data - planes.second.data, 32 * 26);
 }
 

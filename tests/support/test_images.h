@@ -35,17 +35,7 @@ inline void FillTexture(uint8_t* samples, size_t count, int32_t stride, Texture 
     }
 }
 
-/// End of the memory of a working image.
-inline const uint8_t* EndOf(const WorkingImage& image) {
-    const Plane& luma = image.Planes().luma;
-    return luma.data + LayoutPlanes(luma.width, luma.height).blockBytes;
-}
-
-inline size_t BytesOf(const WorkingImage& image) {
-    return static_cast<size_t>(EndOf(image) - image.Planes().luma.data);
-}
-
-inline SourceImage SourceOf(const WorkingImage& image) { return {image.Planes(), EndOf(image)}; }
+inline size_t BytesOf(const WorkingImage& image) { return static_cast<size_t>(image.End() - image.Planes().luma.data); }
 
 /// A working image full of samples, spare columns and rows included. The same arguments give the same image.
 inline WorkingImage TestImage(int32_t width, int32_t height, Texture texture, uint32_t seed) {
@@ -68,25 +58,25 @@ public:
         size = thirdStart + static_cast<size_t>(chromaStride * (chromaHeight - 1) + chromaWidth);
         memory = std::make_unique<uint8_t[]>(size);
         FillTexture(memory.get(), size, stride, texture, seed);
-        source.planes = {.luma = {memory.get(), width, height, stride},
-                         .second = {memory.get() + secondStart, chromaWidth, chromaHeight, chromaStride},
-                         .third = {memory.get() + thirdStart, chromaWidth, chromaHeight, chromaStride}};
-        source.end = memory.get() + size;
+        planes = {.luma = {memory.get(), width, height, stride},
+                  .second = {memory.get() + secondStart, chromaWidth, chromaHeight, chromaStride},
+                  .third = {memory.get() + thirdStart, chromaWidth, chromaHeight, chromaStride}};
     }
 
-    const SourceImage& Source() const { return source; }
+    const ImagePlanes& Planes() const { return planes; }
+    SourceImage Source() const { return {planes, memory.get() + size, {}}; }
     std::string Bytes() const { return {reinterpret_cast<const char*>(memory.get()), size}; }
 
 private:
     int32_t chromaStride;
     size_t size;
     std::unique_ptr<uint8_t[]> memory;
-    SourceImage source;
+    ImagePlanes planes;
 };
 
 /// Whether two planes show the same in their first `columns` columns and `rows` rows.
-[[nodiscard]] inline testing::AssertionResult SameSamples(const Plane& actual, const Plane& expected, int32_t columns,
-                                                          int32_t rows) {
+[[nodiscard]] inline testing::AssertionResult SameSamples(const PlaneView& actual, const PlaneView& expected,
+                                                          int32_t columns, int32_t rows) {
     for (int32_t y = 0; y < rows; ++y)
         for (int32_t x = 0; x < columns; ++x)
             if (actual.Row(y)[x] != expected.Row(y)[x])
@@ -95,14 +85,14 @@ private:
     return testing::AssertionSuccess();
 }
 
-[[nodiscard]] inline testing::AssertionResult SameSamples(const Plane& actual, const Plane& expected) {
+[[nodiscard]] inline testing::AssertionResult SameSamples(const PlaneView& actual, const PlaneView& expected) {
     if (actual.width != expected.width || actual.height != expected.height)
         return testing::AssertionFailure() << actual.width << " x " << actual.height << " samples instead of "
                                            << expected.width << " x " << expected.height;
     return SameSamples(actual, expected, expected.width, expected.height);
 }
 
-[[nodiscard]] inline testing::AssertionResult SamePictures(const ImagePlanes& actual, const ImagePlanes& expected) {
+[[nodiscard]] inline testing::AssertionResult SamePictures(const PictureView& actual, const PictureView& expected) {
     if (const auto luma = SameSamples(actual.luma, expected.luma); !luma) return luma;
     if (const auto second = SameSamples(actual.second, expected.second); !second)
         return testing::AssertionFailure() << "second plane: " << second.message();
