@@ -45,9 +45,10 @@ package: setup
 	scripts/build.sh windows-x64 WMP_CVX
 	scripts/package.sh
 
+# QUICK=1 leaves out clang-tidy
 lint:
-	scripts/setup.sh lint
-	scripts/lint.sh
+	scripts/setup.sh $(if $(QUICK),format,lint)
+	scripts/lint.sh $(if $(QUICK),--quick)
 
 clean:
 	rm -rf build demo

@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that are missing, and does nothing when none is: setup.sh [native | all | fuzz | lint]
+# Installs the Debian packages that are missing, and does nothing when none is: setup.sh [native | all | fuzz | lint | format]
 #   native  builds, tests, benches and the demo on Linux
 #   all     native, and both Windows builds and their tests under Wine, and emulated older processors
 #   fuzz    native, and clang with its fuzzing engine
 #   lint    native, and the formatter and the linter
+#   format  the formatter alone
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -16,8 +17,9 @@ all)
     ;;
 fuzz) packages+=(clang libclang-rt-dev) ;;
 lint) packages+=(clang-format clang-tidy) ;;
+format) packages=(clang-format) ;;
 *)
-    echo "setup.sh: unknown argument '$1'; use native, all, fuzz or lint" >&2
+    echo "setup.sh: unknown argument '$1'; use native, all, fuzz, lint or format" >&2
     exit 2
     ;;
 esac
