@@ -8,7 +8,7 @@
 #include "fuzz/support/demand.h"
 #include "fuzz/support/input_numbers.h"
 #include "overlay/glyph_outline.h"
-#include "overlay/text_layout.h"
+#include "overlay/sleeping/styled_text.h"
 #include "tests/overlay/fake_fonts.h"
 
 namespace clarivex {
@@ -52,7 +52,7 @@ void AppendOne(FakeFontEngine& fonts, int32_t penX, int32_t penY) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace clarivex;
     InputNumbers numbers(data, size);
-    TextContent content;
+    StyledText content;
     content.align = numbers.Below(4);
     content.markup = numbers.Below(2) != 0;
     const auto penX = numbers.Any<int32_t>();
@@ -67,7 +67,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     content.text = ShortString(text.c_str());
     OutlineHandle outline;
-    LayoutText(content, fonts, outline);
+    LayoutStyledText(content, fonts, outline);
     CheckOutline(*outline, text.size() * std::max(MostPoints(glyph), MostPoints(BoxWithHole())));
     return 0;
 }

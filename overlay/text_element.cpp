@@ -29,9 +29,9 @@ Rectangle Inside(Rectangle rectangle, int32_t width, int32_t height) {
 
 TextElement::TextElement(FontEngine* textFonts) : fonts(textFonts) { maskGroup.AddChild(shape); }
 
-void TextElement::SetText(const char* text) {
-    if (std::strcmp(textContent.text.Text(), text) == 0) return;
-    textContent.text.Assign(text);
+void TextElement::SetText(const char* newText) {
+    if (std::strcmp(text.Text(), newText) == 0) return;
+    text.Assign(newText);
     layoutDirty = true;
 }
 
@@ -60,7 +60,7 @@ bool TextElement::Update(const ComposeFrame& frame) {
 }
 
 void TextElement::LayOut() {
-    if (fonts) LayoutText(textContent, *fonts, outline);
+    if (fonts) LayoutText(text, *fonts, outline);
     shape.SetOutline(outline);
     repaint = true;
     layoutDirty = false;

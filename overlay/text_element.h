@@ -11,6 +11,7 @@
 #include "overlay/text_colour.h"
 #include "overlay/text_layout.h"
 #include "overlay/yuva_image.h"
+#include "runtime/short_string.h"
 
 namespace clarivex {
 
@@ -21,7 +22,7 @@ public:
     /// textFonts  null for a text that stays empty; has to outlive the element
     explicit TextElement(FontEngine* textFonts);
 
-    void SetText(const char* text);
+    void SetText(const char* newText);
     void SetColour(const TextColour& newColour);
 
     /// Where the outline stands in the image. An offset is ignored.
@@ -32,13 +33,13 @@ public:
     void Paint(YuvaImage& image, const Region& region, const ComposeFrame& frame) override;
 
 private:
-    bool ShowsNothing() const { return colour.IsGone() || textContent.text.Length() == 1; }
+    bool ShowsNothing() const { return colour.IsGone() || text.Length() == 1; }
     void LayOut();
     void CutOut();
     void ComposeMask(const ComposeFrame& frame);
 
     FontEngine* fonts;
-    TextContent textContent;
+    ShortString text;
     bool layoutDirty = true;
     OutlineHandle outline;
     OutlineTransform placement;

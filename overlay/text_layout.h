@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "overlay/font_engine.h"
 #include "overlay/point_list.h"
@@ -9,22 +10,36 @@
 
 namespace clarivex {
 
-/// A text and how it is set, or a filled sector in its place.
-struct TextContent {
-    static constexpr uint32_t alignRight = 1;
-    static constexpr uint32_t alignCentre = 2;  ///< wins over alignRight
+/// Sets characters one behind the other, from (0, 0), the baseline of the first line; lines lie an em apart. A font lives
+/// until another style is asked for.
+class TextSetter {
+public:
+    TextSetter(FontEngine& fonts, PointList& outline) : fonts(fonts), outline(outline) {}
 
-    ShortString text;     ///< bytes; 10 begins a new line, 13 is ignored
-    uint32_t align = 0;   ///< left without a bit set
-    bool markup = false;  ///< <i>, </i>, <b> and </b> switch the style, other tags are left out
+    /// Appends a character at the pen. 10 begins a new line, 13 is ignored, and so is every character without a font.
+    void SetCharacter(char character);
 
-    bool arcMode = false;   ///< a filled sector around the origin, clockwise from straight up, instead of text
-    int32_t arcRadius = 0;  ///< pixels of a font of cell height 256
-    int32_t arcTurn = 0;    ///< 65536 is a full circle
+    /// The style of what follows; the next character makes its font anew, also for the style that there is.
+    void SetStyle(FontStyle newStyle);
+
+    /// Where the next character goes, in outline units.
+    int32_t PenX() const { return penX; }
+
+private:
+    FontEngine& fonts;
+    PointList& outline;
+    std::unique_ptr<Font> font;
+    bool fontValid = false;
+    FontStyle style;
+    int32_t penX = 0;
+    int32_t penY = 0;
 };
 
-/// Lays the content out from (0, 0): the baseline of the first line, lines an em apart. `outline` then holds a list with
-/// what the fonts gave, which may be nothing; a list that others hold too stays as it is and is replaced.
-void LayoutText(const TextContent& content, FontEngine& fonts, OutlineHandle& outline);
+/// Makes `outline` an empty list that nobody else holds: its own, or a new one when it is shared or missing.
+void BeginOutline(OutlineHandle& outline);
+
+/// Lays a text out in the plain style, its lines from 0 to the right. `outline` then holds a list with what the fonts
+/// gave, which may be nothing; a list that others hold too stays as it is and is replaced.
+void LayoutText(const ShortString& text, FontEngine& fonts, OutlineHandle& outline);
 
 }  // namespace clarivex

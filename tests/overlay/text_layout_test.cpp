@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "overlay/glyph_outline.h"
+#include "overlay/sleeping/arc_outline.h"
+#include "overlay/sleeping/styled_text.h"
 #include "tests/overlay/fake_fonts.h"
 
 namespace clarivex {
@@ -29,12 +31,26 @@ Points Outline(const FakeGlyph& glyph) {
 Points Outline(const RecordWriter& records) { return Outline(FakeGlyph{records.bytes, 9}); }
 
 // Where the glyphs of a layout begin: the first point of every second contour, a box with a hole each.
-Points GlyphStarts(const TextContent& content, FakeFontEngine& fonts) {
-    OutlineHandle outline;
-    LayoutText(content, fonts, outline);
+Points GlyphStarts(const PointList& outline) {
     Points starts;
-    for (int32_t i = 0; i < outline->Count(); i += 10) starts.push_back((*outline)[i]);
+    for (int32_t i = 0; i < outline.Count(); i += 10) starts.push_back(outline[i]);
     return starts;
+}
+
+// A text without a style is laid out the same by both ways.
+Points GlyphStarts(const StyledText& content, FakeFontEngine& fonts) {
+    OutlineHandle outline;
+    LayoutStyledText(content, fonts, outline);
+    return GlyphStarts(*outline);
+}
+
+Points GlyphStarts(const char* text, FakeFontEngine& fonts) {
+    OutlineHandle outline;
+    LayoutText(ShortString(text), fonts, outline);
+    const size_t fontsMade = fonts.made.size();
+    EXPECT_EQ(GlyphStarts({.text = ShortString(text)}, fonts), GlyphStarts(*outline));
+    fonts.made.resize(fontsMade);
+    return GlyphStarts(*outline);
 }
 
 RecordWriter Triangle() { return RecordWriter().Contour({0, 0}).Curve(RecordWriter::line, {{0, 4}, {2, 0}}); }
@@ -108,27 +124,27 @@ TEST(GlyphOutline, FarPointsAreNeverTakenForBreaks) {
 
 TEST(TextLayout, LinesLieAnEmApartAndStartAtZero) {
     FakeFontEngine fonts;
-    EXPECT_EQ(GlyphStarts({.text = ShortString("A \rB\nC")}, fonts), (Points{{4096, 0}, {53248, 0}, {4096, 65536}}));
+    EXPECT_EQ(GlyphStarts("A \rB\nC", fonts), (Points{{4096, 0}, {53248, 0}, {4096, 65536}}));
     EXPECT_EQ(fonts.made.size(), 1U);
-    EXPECT_EQ(GlyphStarts({.text = ShortString("   ")}, fonts), Points{});
+    EXPECT_EQ(GlyphStarts("   ", fonts), Points{});
     fonts.glyphs[-28] = {{}, 10};  // bytes from 128 on are negative codes
-    EXPECT_EQ(GlyphStarts({.text = ShortString("\344A")}, fonts), (Points{{4096 + 2560, 0}}));
+    EXPECT_EQ(GlyphStarts("\344A", fonts), (Points{{4096 + 2560, 0}}));
 }
 
 TEST(TextLayout, LinesAreAlignedEachOnItsOwn) {
     FakeFontEngine fonts;
-    TextContent content{.text = ShortString("AB\nC"), .align = TextContent::alignRight};
+    StyledText content{.text = ShortString("AB\nC"), .align = StyledText::alignRight};
     EXPECT_EQ(GlyphStarts(content, fonts), (Points{{-61440, 0}, {-28672, 0}, {-28672, 65536}}));
-    content.align |= TextContent::alignCentre;
+    content.align |= StyledText::alignCentre;
     EXPECT_EQ(GlyphStarts(content, fonts), (Points{{-28672, 0}, {4096, 0}, {-12288, 65536}}));
     OutlineHandle outline;
-    LayoutText(content, fonts, outline);
+    LayoutStyledText(content, fonts, outline);
     EXPECT_EQ((*outline)[4], ContourBreak);
 }
 
 TEST(TextLayout, TagsSwitchTheFontOnlyInMarkup) {
     FakeFontEngine fonts;
-    TextContent content{.text = ShortString("A<b>B<i>C</b><u>D</i>E<F"), .markup = true};
+    StyledText content{.text = ShortString("A<b>B<i>C</b><u>D</i>E<F"), .markup = true};
     EXPECT_EQ(GlyphStarts(content, fonts).size(), 5U);
     ASSERT_EQ(fonts.made.size(), 5U);
     const auto isStyle = [&](size_t i, bool italic, bool bold) {
@@ -143,11 +159,11 @@ TEST(TextLayout, TagsSwitchTheFontOnlyInMarkup) {
 TEST(TextLayout, OnlyListsThatOthersHoldAreReplaced) {
     FakeFontEngine fonts;
     OutlineHandle outline;
-    LayoutText({.text = ShortString("A")}, fonts, outline);
+    LayoutText(ShortString("A"), fonts, outline);
     const OutlineHandle held = outline;
     for (const int32_t glyphs : {2, 1}) {
         const PointList* own = outline.get();
-        LayoutText({.text = ShortString(glyphs == 2 ? "AB" : "A")}, fonts, outline);
+        LayoutText(ShortString(glyphs == 2 ? "AB" : "A"), fonts, outline);
         EXPECT_EQ(outline.get() == own, glyphs == 1);
         EXPECT_EQ(outline->Count(), 10 * glyphs);
         EXPECT_EQ(held->Count(), 10);
@@ -155,14 +171,13 @@ TEST(TextLayout, OnlyListsThatOthersHoldAreReplaced) {
 }
 
 TEST(TextLayout, ArcsRunClockwiseFromStraightUp) {
-    FakeFontEngine fonts;
-    OutlineHandle outline;
-    LayoutText({.text = {}, .arcMode = true, .arcRadius = 100, .arcTurn = 16384}, fonts, outline);
-    ASSERT_EQ(outline->Count(), 1 + 16 + 1 + 1);  // steps 0 … 15 of 0.1 in a quarter of a circle
-    EXPECT_EQ((*outline)[1], (OutlinePoint{0, -25600}));
-    EXPECT_EQ((*outline)[2], (OutlinePoint{2556, -25472}));
-    EXPECT_EQ((*outline)[17], (OutlinePoint{25600, 0}));
-    EXPECT_EQ((*outline)[18], ContourBreak);
+    PointList outline;
+    AppendArc(outline, 100, 16384);
+    ASSERT_EQ(outline.Count(), 1 + 16 + 1 + 1);  // steps 0 … 15 of 0.1 in a quarter of a circle
+    EXPECT_EQ(outline[1], (OutlinePoint{0, -25600}));
+    EXPECT_EQ(outline[2], (OutlinePoint{2556, -25472}));
+    EXPECT_EQ(outline[17], (OutlinePoint{25600, 0}));
+    EXPECT_EQ(outline[18], ContourBreak);
 }
 
 }  // namespace
