@@ -5,7 +5,7 @@
 #include <numeric>
 
 #include "platform/guids.h"
-#include "runtime/clock.h"
+#include "runtime/sleeping/clock.h"
 
 namespace clarivex {
 

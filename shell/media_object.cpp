@@ -2,7 +2,7 @@
 #include "shell/media_object.h"
 
 #include "platform/resources.h"
-#include "runtime/clock.h"
+#include "runtime/sleeping/clock.h"
 #include "runtime/cpu_features.h"
 #include "shell/class_ids.h"
 #include "shell/process_objects.h"

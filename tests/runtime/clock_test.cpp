@@ -1,4 +1,4 @@
-#include "runtime/clock.h"
+#include "runtime/sleeping/clock.h"
 
 #include <gtest/gtest.h>
 

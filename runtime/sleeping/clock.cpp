@@ -1,4 +1,4 @@
-#include "runtime/clock.h"
+#include "runtime/sleeping/clock.h"
 
 #include "platform/tsc.h"
 #include "platform/win32.h"

@@ -1,4 +1,4 @@
-#include "runtime/image_ref.h"
+#include "runtime/sleeping/image_ref.h"
 
 #include "runtime/memory.h"
 
