@@ -29,7 +29,7 @@ std::string ProcessorFeatures() {
                                                   {feature3dNow, "3dnow"},
                                                   {featureExtended3dNow, "extended 3dnow"},
                                                   {featureSse2, "sse2"}}};
-    const uint32_t flags = DetectCpuFeatures();
+    const uint32_t flags = FeatureFlagsOf(ReadCpuRegisters());
     const SimdSupport support = DetectSimdSupport();
     std::string list;
     for (const Feature& feature : features)

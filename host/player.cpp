@@ -7,7 +7,7 @@
 
 #include "host/errors.h"
 #include "platform/guids.h"
-#include "runtime/sleeping/clock.h"
+#include "runtime/ticks.h"
 #include "shell/settings.h"
 
 namespace clarivex {

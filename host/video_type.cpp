@@ -5,7 +5,7 @@
 #include <numeric>
 
 #include "platform/guids.h"
-#include "runtime/sleeping/clock.h"
+#include "runtime/ticks.h"
 
 namespace clarivex {
 

@@ -1,17 +1,13 @@
 #include "runtime/cpu_features.h"
 
-#include <atomic>
-
 #include "platform/tsc.h"
 
 namespace clarivex {
 namespace {
 
-std::atomic<uint32_t> processFlags = 0;
-
 constexpr bool Bit(uint64_t word, int position) { return ((word >> position) & 1) != 0; }
 
-// Register state in XCR0: 128- and 256-bit registers, and with the second one masks and 512-bit registers too.
+/// Register state in XCR0: 128- and 256-bit registers, and with the second one masks and 512-bit registers too.
 constexpr uint64_t wideState = 0x06;
 constexpr uint64_t widestState = 0xE6;
 
@@ -59,14 +55,6 @@ SimdSupport SimdSupportOf(const CpuRegisters& registers) {
     support.avx512bw = support.avx2 && foundation && bytesAndWords && shortForms && SavesState(registers, widestState);
     return support;
 }
-
-uint32_t DetectCpuFeatures() {
-    const uint32_t flags = FeatureFlagsOf(ReadCpuRegisters());
-    processFlags.store(flags);
-    return flags;
-}
-
-uint32_t CpuFeatureFlags() { return processFlags.load(); }
 
 SimdSupport DetectSimdSupport() { return SimdSupportOf(ReadCpuRegisters()); }
 

@@ -5,7 +5,7 @@
 
 namespace clarivex {
 
-/// Bits of CpuFeatureFlags.
+/// Bits of FeatureFlagsOf.
 constexpr uint32_t featureConditionalMove = 4;
 constexpr uint32_t featureMmx = 8;
 constexpr uint32_t featureSse = 16;  ///< or the extended multimedia instructions: rounded averages, store fence
@@ -35,12 +35,6 @@ CpuRegisters ReadCpuRegisters();
 /// Pure functions of the registers.
 uint32_t FeatureFlagsOf(const CpuRegisters& registers);
 SimdSupport SimdSupportOf(const CpuRegisters& registers);
-
-/// Reads the processor and stores its flags for CpuFeatureFlags. May be called again, from any thread.
-uint32_t DetectCpuFeatures();
-
-/// The flags of the last DetectCpuFeatures of the process, 0 before the first.
-uint32_t CpuFeatureFlags();
 
 SimdSupport DetectSimdSupport();
 

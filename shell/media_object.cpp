@@ -2,8 +2,6 @@
 #include "shell/media_object.h"
 
 #include "platform/resources.h"
-#include "runtime/sleeping/clock.h"
-#include "runtime/cpu_features.h"
 #include "shell/class_ids.h"
 #include "shell/process_objects.h"
 #include "shell/start_up.h"
@@ -15,12 +13,6 @@ template <class Value>
 HRESULT WriteIfAsked(Value* target, Value value) {
     if (target != nullptr) *target = value;
     return S_OK;
-}
-
-// The clock measures itself a little further with every reading.
-void AdvanceClockCalibration() {
-    constexpr int readings = 16;
-    for (int i = 0; i < readings; ++i) ProcessClock().Now();
 }
 
 }  // namespace
@@ -36,11 +28,7 @@ std::span<const InterfaceEntry<CVXMediaObject>> CVXMediaObject::Interfaces() {
     return interfaces;
 }
 
-CVXMediaObject::CVXMediaObject() : pipeline(MakeProcessPipeline()) {
-    CheckForUpdate();
-    DetectCpuFeatures();
-    AdvanceClockCalibration();
-}
+CVXMediaObject::CVXMediaObject() : pipeline(MakeProcessPipeline()) { CheckForUpdate(); }
 
 CVXMediaObject::~CVXMediaObject() = default;
 

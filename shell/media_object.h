@@ -117,7 +117,7 @@ public:
     HRESULT STDMETHODCALLTYPE get_ScalingActive(int* value) override;
 
 protected:
-    /// Checks for an update of the plug-in and reads what the processor can do.
+    /// Checks for an update of the plug-in.
     CVXMediaObject();
 
     /// What the next frame is asked for; takes the notes of a new stream and of a changed sharpness.

@@ -5,10 +5,9 @@
 #include <cstdint>
 
 #include "runtime/fast_lock.h"
+#include "runtime/ticks.h"
 
 namespace clarivex {
-
-constexpr int64_t ticksPerSecond = 10'000'000;
 
 /// Where a clock reads from; tests bring their own.
 struct ClockSources {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "runtime/sleeping/cpu_feature_word.h"
+
 namespace clarivex {
 namespace {
 
@@ -32,6 +34,12 @@ TEST(SimdSupportOf, NeedsEveryPartOfASetAndASystemThatSavesItsRegisters) {
     registers.leaf1Edx = 0;
     EXPECT_FALSE(SimdSupportOf(registers).sse2);
     EXPECT_FALSE(SimdSupportOf(registers).avx2);
+}
+
+TEST(CpuFeatureWord, KeepsTheFlagsOfThisProcessor) {
+    const uint32_t flags = DetectCpuFeatures();
+    EXPECT_EQ(CpuFeatureFlags(), flags);
+    EXPECT_EQ((flags & featureSse2) != 0, DetectSimdSupport().sse2);
 }
 
 }  // namespace
