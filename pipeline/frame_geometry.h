@@ -16,11 +16,6 @@ constexpr int32_t smallestHeight = 8;
 constexpr int32_t largestSide = 65536;
 constexpr int64_t largestArea = int64_t{1} << 28;
 
-struct FrameSize {
-    int32_t width = 0;
-    int32_t height = 0;
-};
-
 /// Size of the picture that is written. Scaled: three halves, the width rounded up to 8; otherwise an even height.
 ///
 /// width, height  of the source, 0 … largestSide

@@ -6,6 +6,14 @@
 
 namespace clarivex {
 
+/// Columns and rows of a frame, in samples of luma.
+struct FrameSize {
+    int32_t width = 0;
+    int32_t height = 0;
+
+    bool operator==(const FrameSize&) const = default;
+};
+
 /// A view of 8-bit samples in rows that are only read. Owns nothing.
 ///
 /// stride  samples from one row to the next; may be negative (a bottom-up picture), may be smaller than width in
