@@ -15,8 +15,6 @@ struct EngineWorkspace {
     WideScratch wide;
     SlackRow<uint8_t> chroma;  ///< a chroma plane between the two passes of a twofold scale on both axes
     UnscaledScratch unscaled;
-    SlackRow<uint8_t> filterSamples;  ///< post filter of the whole-picture sharpeners
-    SlackRow<int16_t> filterWords;
 };
 
 }  // namespace clarivex
