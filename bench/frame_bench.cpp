@@ -11,7 +11,6 @@
 #include <string>
 
 #include "bench/frame_stream.h"
-#include "engine/enhancement_engine.h"
 #include "engine/enhancement_pass.h"
 #include "runtime/cpu_features.h"
 #include "simd/kernel_table.h"
@@ -81,15 +80,14 @@ void MemoryStaysLevel(benchmark::State& state, const FrameCase& frames, const Ke
 /// Scaling of rows and columns, and whether the columns come first.
 struct PassModes {
     const char* name;
-    int32_t horizontal;
-    int32_t vertical;
-    int32_t verticalFirst;
+    AxisScale vertical;
+    bool verticalFirst;
 };
 
 constexpr std::array<PassModes, 3> doublingModes{{
-    {"2x2", 2, 2, 0},
-    {"2x1.5", 2, 1, 0},
-    {"2x1.5/columnsFirst", 2, 1, 1},
+    {"2x2", AxisScale::twofold, false},
+    {"2x1.5", AxisScale::threeHalves, false},
+    {"2x1.5/columnsFirst", AxisScale::threeHalves, true},
 }};
 
 WorkingImage TexturedImage(const FrameSize& size) {
@@ -102,20 +100,19 @@ WorkingImage TexturedImage(const FrameSize& size) {
 }
 
 /// One picture through the engine again and again, at the strength of a usual setting.
-void RunPass(benchmark::State& state, const FrameSize& size, const PassModes& modes, const KernelTable& kernels) {
-    EnhancementEngine engine;
-    engine.horizontalMode = modes.horizontal;
-    engine.verticalMode = modes.vertical;
-    engine.verticalFirst = modes.verticalFirst;
-    engine.sharpness = 0.8F;
+void RunPasses(benchmark::State& state, const FrameSize& size, const PassModes& modes, const KernelTable& kernels) {
+    EngineSettings settings;
+    settings.frame.horizontalMode = AxisScale::twofold;
+    settings.frame.verticalMode = modes.vertical;
+    settings.order.verticalFirst = modes.verticalFirst;
+    settings.frame.sharpness = 0.8F;
     const WorkingImage picture = TexturedImage(size);
-    const SourceImage source{picture.Planes(), picture.End()};
-    FrameRecord frame;
+    EngineState engine;
     WorkingImage enhanced;
-    FrameInfo info;
     for (auto _ : state) {
-        float aspect = 1.0F;
-        if (EnhancementPass(engine, frame, source, {&enhanced, nullptr}, aspect, info, allPlanes, kernels) != 1) {
+        const PassPlan plan = MakePassPlan(settings, size, {});
+        enhanced.Resize(plan.target.width, plan.target.height);
+        if (!RunPass(plan, SourceOf(picture), enhanced.Planes(), engine, kernels).planesWritten) {
             state.SkipWithError("the engine writes nothing");
             return;
         }
@@ -161,7 +158,7 @@ bool RegisterPasses() {
                 if (CanRun(*table, sets)) {
                     const std::string name = "pass/" + std::to_string(sizes[size].width) + "x" +
                                              std::to_string(sizes[size].height) + "/" + modes.name + "/" + table->name;
-                    benchmark::RegisterBenchmark(name.c_str(), RunPass, sizes[size], modes, *table)
+                    benchmark::RegisterBenchmark(name.c_str(), RunPasses, sizes[size], modes, *table)
                         ->Unit(benchmark::kMicrosecond)
                         ->MinTime(0.1);
                 }

@@ -51,9 +51,9 @@ void RunPreStage(const Plane& source, const PreStage& preStage) {
     for (int32_t x = 0; x < source.width; x += stripSize) {
         const Plane strip = StripOf(source, x);
         if (preStage.gated) GatedDetailColumns(strip, preStage.gains);
-        if (preStage.mode == 1)
+        if (preStage.kernel == PreKernel::narrow)
             NarrowDetailColumns(strip, preStage.gains);
-        else if (preStage.mode == 2)
+        else if (preStage.kernel == PreKernel::knee)
             KneeDetailColumns(strip, preStage.gains);
     }
 }

@@ -1,3 +1,5 @@
+// All gains are log2 of a factor. Constants are single-precision where they carry an F: their last places are part of the
+// gains.
 #include "engine/detail_gains.h"
 
 #include <algorithm>
@@ -6,71 +8,71 @@
 namespace clarivex {
 namespace {
 
+/// What becomes of a wanted gain: max(factor · Compress(slope · (gain + shift), limit) − least, 0).
+struct GainCurve {
+    double shift, slope, limit, factor, least;
+};
+
+/// Curves of rows: where the strength fades in, at its full share, and of the wide kernel.
+struct RowCurves {
+    GainCurve faint, narrow, wide;
+};
+
+// clang-format off
+//                                    shift   slope  limit  factor  least
+constexpr RowCurves scaledRows {  {   0.0,    1.0,   1.0,   1.0,    0.0  },
+                                  {   0.0,    1.0,   1.0,   1.0,    0.0  },
+                                  {  -0.9,    1.0,   1.8,   1.0,    0.2  }  };
+constexpr RowCurves keptRows   {  {   0.59,   1.0,   1.8,   0.75,   0.0  },
+                                  {   0.59,   1.0,   2.5,   0.75,   0.0  },
+                                  {  -2.05,   0.46,  1.8,   1.0,    0.3  }  };
+constexpr GainCurve columnCurve   {   0.0,    1.0,   1.0,   1.0,    0.0  };
+// clang-format on
+
+/// Gains below 0 fade out instead of turning into smoothing, and large ones end at 1.4 times a limit.
+double Compress(double gain, double limit) {
+    constexpr double atZero = 0.61;
+    constexpr double fade = 0.346;  // by which a gain of −1 is smaller than one of 0
+    constexpr double reach = 1.4;
+    const double soft = gain < 0.0 ? atZero * std::pow(fade, -gain) : gain + atZero;
+    return std::min(reach * limit, std::max(0.0, soft));
+}
+
+double Follow(const GainCurve& curve, double gain) {
+    return std::max(curve.factor * Compress(curve.slope * (gain + curve.shift), curve.limit) - curve.least, 0.0);
+}
+
+constexpr double strengthToGain = 1.1;
+constexpr double zoomToGain = 0.6;        // an enlarged picture needs less
+constexpr double faintRowGain = -0.121F;  // where the strength fades in
+constexpr double faintColumnGain = 0.429F;
+constexpr double faintShare = 0.15;  // shares of the strength below this fade in
+
+constexpr double strengthSlope = 2.6;
+constexpr double strengthShift = 0.5;
+constexpr double keptRowsFactor = 1.6;
+
+// Weak strengths go to the narrow kernel; only above a share the wide one follows.
+constexpr double weakShare = 0.18;
+constexpr double strongShare = 0.82;
+constexpr double weakNarrowGain = 0.7;
+constexpr double weakWideGain = 0.25;
+
+// Coring: sizes of detail below which nothing is sharpened.
+constexpr double rowCoring = 2.66 * 0.52 * 0.6;
+constexpr double columnCoring = 2.66 * 0.52 * 0.9;
+constexpr double noiseCoring = 0.62;
+constexpr double leastNoiseKnee = 0.2;
+constexpr double mostNoiseCoring = 3.0;
+
+constexpr double strongestStrength = 9.0;
+
 void Add(SharpenParams& params, double gain) { params.baseGainLog2 = static_cast<float>(params.baseGainLog2 + gain); }
 
 /// Moves gain from below the knee to above it.
 void Shift(SharpenParams& params, double gain) {
     params.baseGainLog2 = static_cast<float>(params.baseGainLog2 - gain);
     params.extraGainLog2 = static_cast<float>(params.extraGainLog2 + gain);
-}
-
-double NoiseKnee(double level) {
-    double whole = std::floor(level);
-    double fraction = level - whole;
-    if (whole >= 6.0) {
-        whole = 5.0;
-        fraction = 0.9999;
-    }
-    const auto row = static_cast<size_t>(whole);
-    // The lower entry counts in full, whatever the fraction.
-    return (fraction * noiseLevels[row + 1] + noiseLevels[row]) * 0.94;
-}
-
-/// Removes detail below the knee: in log2 a gain of −500 takes all of it away, and +500 above brings it back.
-SharpenParams Remover(double knee) {
-    SharpenParams params;
-    params.baseGainLog2 = -500.0F;
-    params.extraGainLog2 = 500.0F;
-    params.knee = static_cast<float>(knee);
-    return params;
-}
-
-/// The two records of an axis: `narrow` for the first noise stage, `wide` for the second.
-struct AxisRecords {
-    SharpenParams narrow;
-    SharpenParams wide;
-};
-
-/// Where the decisions of an axis go.
-struct AxisStages {
-    int16_t& gated;
-    int16_t& mode;
-    SharpenParams& narrow;
-    SharpenParams& wide;
-};
-
-void SetUpAxis(AxisRecords& records, int16_t noiseStages, bool gatedAllowed, double gatedKneeFactor,
-               const AxisStages& out) {
-    if (noiseStages < 2) records.wide = {};
-    if (noiseStages < 1) records.narrow = {};
-    const bool wideActive = IsSharpenActive(records.wide);
-    const bool gated = noiseStages >= 3 && gatedAllowed;
-    if (gated && wideActive) {
-        records.narrow.knee = static_cast<float>(records.narrow.knee * gatedKneeFactor);
-        records.wide.knee = static_cast<float>(records.wide.knee * gatedKneeFactor);
-        Add(records.wide, 3.1);
-        Add(records.narrow, 3.8);
-        out.gated = 2;
-        out.wide = records.wide;
-    } else if (gated) {
-        out.mode = 1;
-    } else if (wideActive) {
-        out.mode = 2;
-        out.wide = records.wide;
-    } else {
-        out.mode = IsSharpenActive(records.narrow) ? 1 : 0;
-    }
-    out.narrow = records.narrow;
 }
 
 /// A picture's size on screen divided by its own, for both axes.
@@ -89,58 +91,61 @@ DisplayFactors FactorsOf(int32_t width, int32_t height, double aspect) {
     return {1.0, 1.0};
 }
 
-double Compress(double x, double limit) {
-    const double y = x < 0.0 ? 0.61 * std::pow(0.346, -x) : x + 0.61;
-    return std::min(1.4 * limit, std::max(0.0, y));
-}
-
-/// Gains of the stages behind the scaler, before they go into the records.
-class DetailGains {
+/// The gains of one frame. Run tells the steps in order; the numbers between them are log2 gains or shares of the strength.
+class GainPlanner {
 public:
-    DetailGains(const EngineSettings& settings, const DetailInputs& inputs) : settings(settings), inputs(inputs) {
-        // Level tables and post filter take the place of gains driven by the strength.
-        gate = settings.curveSharpening == 0 && settings.sharpenScheme > 1;
-        const double share = inputs.strength.value / 9.0;
-        rowStrength = columnStrength = gate ? 0.0 : share;
-        narrowShare = gate ? 0.0 : share;
-        columnShare = share;
-    }
+    GainPlanner(const DetailSettings& detailSettings, const DetailInputs& detailInputs)
+        : settings(detailSettings),
+          inputs(detailInputs),
+          // Level tables and post filter take the place of gains driven by the strength.
+          driven(settings.curveSharpening || settings.sharpenScheme != SharpenScheme::levelTables),
+          share(driven ? inputs.strength.value / strongestStrength : 0.0),
+          rowStrength(share),
+          columnStrength(share),
+          narrowShare(share) {}
 
-    float Run(StageSettings& stages) {
+    DetailGains Run() {
         const DisplayFactors factors = Factors();
-        const float noise = OutputNoise(factors);
+        DetailGains gains;
+        AddBaseGain(gains);
+        gains.outputNoise = OutputNoise(factors);
         SpreadStrength();
         TakeFixedGains();
         SplitNarrowAndWide();
-        AddNarrowGains(factors, stages);
-        AddWideGain(stages);
-        SetCoring(stages);
-        return noise;
+        AddNarrowGains(factors, gains);
+        AddWideGain(gains.postWide);
+        SetCoring(gains);
+        return gains;
     }
 
 private:
-    bool ThreeHalves() const { return inputs.modes.horizontal == 1; }
-    bool Twofold() const { return inputs.modes.horizontal == 2; }
-    bool RowsScaled() const { return inputs.modes.horizontal != 0; }
+    bool ThreeHalves() const { return inputs.modes.horizontal == AxisScale::threeHalves; }
+    bool Twofold() const { return inputs.modes.horizontal == AxisScale::twofold; }
+    bool RowsScaled() const { return inputs.modes.horizontal != AxisScale::none; }
 
     DisplayFactors Factors() const {
-        const auto width = static_cast<int32_t>(std::nearbyint(1.5 * inputs.width));
-        const int32_t height =
-            inputs.modes.vertical == 1 ? static_cast<int32_t>(std::nearbyint(1.5 * inputs.height)) : inputs.height;
-        return FactorsOf(width, height, inputs.aspect);
+        const auto threeHalvesOf = [](int32_t length) { return static_cast<int32_t>(std::nearbyint(1.5 * length)); };
+        const FrameSize& size = inputs.size;
+        const bool higher = inputs.modes.vertical == AxisScale::threeHalves;
+        return FactorsOf(threeHalvesOf(size.width), higher ? threeHalvesOf(size.height) : size.height, inputs.aspect);
+    }
+
+    void AddBaseGain(DetailGains& gains) const {
+        const double gain = settings.baseDetailGain * 0.3;
+        gains.postNarrowH.baseGainLog2 = gains.postNarrowV.baseGainLog2 = static_cast<float>(gain);
     }
 
     float OutputNoise(const DisplayFactors& factors) const {
-        if (inputs.bypass) return 0.0F;
-        const double enlargement = std::max(factors.x, 1.3) * std::max(factors.y, 1.3);
-        const double gain = (4.0 * rowStrength + 1.0) * settings.ditherGain / std::sqrt(enlargement);
+        constexpr double leastZoom = 1.3;
+        const double enlargement = std::max(factors.x, leastZoom) * std::max(factors.y, leastZoom);
+        const double gain = (4.0 * rowStrength + 1.0) * inputs.ditherGain / std::sqrt(enlargement);
         return static_cast<float>(gain * 1.2);
     }
 
     void SpreadStrength() {
         if (rowStrength == 0.0) return;
-        rowStrength = 2.6 * rowStrength - 0.5;
-        if (columnStrength != 0.0) columnStrength = 2.6 * columnStrength;
+        rowStrength = strengthSlope * rowStrength - strengthShift;
+        columnStrength = strengthSlope * columnStrength;
     }
 
     void TakeFixedGains() {
@@ -148,84 +153,67 @@ private:
             narrow = (Twofold() ? settings.twofoldNarrowGain : settings.fusedNarrowGain) / 10.0;
             wide = (Twofold() ? settings.twofoldWideGain : settings.fusedWideGain) / 20.0;
         }
-        if (inputs.modes.vertical != 0)
+        if (inputs.modes.vertical != AxisScale::none)
             vertical = settings.verticalDetailGain / 10.0;
-        else if (settings.sharpenScheme > 1)
+        else if (settings.sharpenScheme == SharpenScheme::levelTables)
             vertical = MixRows(verticalGainRows, inputs.strength, 0) / 10.0;
     }
 
-    /// Weak strengths go to the narrow kernel; only above a threshold the wide one follows.
     void SplitNarrowAndWide() {
         if (!RowsScaled()) {
-            rowStrength *= 1.6;
-            narrowShare *= 1.6;
+            rowStrength *= keptRowsFactor;
+            narrowShare *= keptRowsFactor;
             return;
         }
-        constexpr double threshold = 0.18;
-        const double weak = std::min(narrowShare / threshold, 1.0);
-        const double strong = (narrowShare - threshold) / 0.82;
-        narrow += 0.7 * weak;
-        wide -= 0.25 * weak;
-        rowStrength = 2.6 * strong - 0.5;
+        const double weak = std::min(narrowShare / weakShare, 1.0);
+        const double strong = (narrowShare - weakShare) / strongShare;
+        narrow += weakNarrowGain * weak;
+        wide -= weakWideGain * weak;
+        rowStrength = strengthSlope * strong - strengthShift;
         narrowShare = std::max(strong, 0.0);
     }
 
-    void AddNarrowGains(const DisplayFactors& factors, StageSettings& stages) {
-        constexpr double rowOffset = -0.121F;
-        constexpr double columnOffset = 0.429F;
-        constexpr double faint = 0.15;  // strengths below it fade the gain in
-        const double rowZoom = 0.6 * std::log2(std::max(factors.x, 1.0));
-        const double columnZoom = 0.6 * std::log2(std::max(factors.y, 1.0));
-        rowGain = 1.1 * rowStrength - rowZoom;
-        const double columnGain = 1.1 * columnStrength - columnZoom;
-        const double rowBase = rowOffset - rowZoom;
-        const double leastRow = RowsScaled() ? Compress(rowBase, 1.0) : 0.75 * Compress(rowBase + 0.59, 1.8);
-        const double leastColumn = Compress(columnOffset - columnZoom, 1.0);
-        double row = RowsScaled() ? Compress(rowGain, 1.0) : 0.75 * Compress(rowGain + 0.59, 2.5);
-        double column = Compress(columnGain, 1.0);
-        if (narrowShare < faint) row = leastRow * narrowShare / faint;
-        const double columnFade = gate ? 0.0 : columnShare;
-        if (columnFade < faint) column = leastColumn * columnFade / faint;
-        Add(stages.postNarrowH, row);
-        Add(stages.postNarrowV, column);
-        Add(stages.postNarrowH, narrow);
-        Add(stages.postNarrowV, vertical);
+    void AddNarrowGains(const DisplayFactors& factors, DetailGains& gains) {
+        const RowCurves& curves = RowsScaled() ? scaledRows : keptRows;
+        const double rowZoom = zoomToGain * std::log2(std::max(factors.x, 1.0));
+        const double columnZoom = zoomToGain * std::log2(std::max(factors.y, 1.0));
+        rowGain = strengthToGain * rowStrength - rowZoom;
+        double row = Follow(curves.narrow, rowGain);
+        double column = Follow(columnCurve, strengthToGain * columnStrength - columnZoom);
+        if (narrowShare < faintShare) row = Follow(curves.faint, faintRowGain - rowZoom) * narrowShare / faintShare;
+        if (share < faintShare) column = Follow(columnCurve, faintColumnGain - columnZoom) * share / faintShare;
+        Add(gains.postNarrowH, row);
+        Add(gains.postNarrowV, column);
+        Add(gains.postNarrowH, narrow);
+        Add(gains.postNarrowV, vertical);
     }
 
-    void AddWideGain(StageSettings& stages) const {
-        double gain = RowsScaled() ? std::max(Compress(rowGain - 0.9, 1.8) - 0.2, 0.0)
-                                   : std::max(Compress(0.46 * (rowGain - 2.05), 1.8) - 0.3, 0.0);
-        if (inputs.strength.value == 0.0 || gate) gain = 0.0;
-        Add(stages.postWide, gain);
-        Add(stages.postWide, wide);
-        if (RowsScaled()) {
-            Shift(stages.postWide, wide);
-            Shift(stages.postWide, -(Twofold() ? settings.wideShift2x : settings.wideShift15) / 20.0);
-        }
-        const int32_t kneeStep = ThreeHalves() ? settings.wideKneeStep15 : Twofold() ? settings.wideKneeStep2x : 0;
-        stages.postWide.knee = static_cast<float>(kneeStep * 0.2 * 10.0 * 0.5);
+    void AddWideGain(SharpenParams& postWide) const {
+        const bool none = inputs.strength.value == 0.0 || !driven;
+        Add(postWide, none ? 0.0 : Follow((RowsScaled() ? scaledRows : keptRows).wide, rowGain));
+        Add(postWide, wide);
+        if (!RowsScaled()) return;
+        Shift(postWide, wide);
+        Shift(postWide, -(Twofold() ? settings.wideShift2x : settings.wideShift15) / 20.0);
+        postWide.knee = static_cast<float>(ThreeHalves() ? settings.wideKneeStep15 : settings.wideKneeStep2x);
     }
 
-    void SetCoring(StageSettings& stages) const {
-        if (settings.coringLevel == 0) {
-            stages.postNarrowH.knee = stages.postNarrowV.knee = 0.0F;
-            return;
-        }
-        constexpr double coring = 2.66;  // the same for every level
-        const double noiseKnee = std::min(0.62 * (inputs.noiseKnee - 0.2), 3.0);
-        stages.postNarrowV.knee = static_cast<float>(std::max(coring * 0.52 * 0.9, noiseKnee));
-        stages.postNarrowH.knee = static_cast<float>(std::max(coring * 0.52 * 0.6, noiseKnee));
-        Shift(stages.postNarrowH, stages.postNarrowH.baseGainLog2);
-        Shift(stages.postNarrowV, stages.postNarrowV.baseGainLog2);
+    void SetCoring(DetailGains& gains) const {
+        if (settings.coringLevel == 0) return;
+        const double noiseKnee = std::min(noiseCoring * (inputs.noiseKnee - leastNoiseKnee), mostNoiseCoring);
+        gains.postNarrowV.knee = static_cast<float>(std::max(columnCoring, noiseKnee));
+        gains.postNarrowH.knee = static_cast<float>(std::max(rowCoring, noiseKnee));
+        Shift(gains.postNarrowH, gains.postNarrowH.baseGainLog2);
+        Shift(gains.postNarrowV, gains.postNarrowV.baseGainLog2);
     }
 
-    const EngineSettings& settings;
+    const DetailSettings& settings;
     const DetailInputs& inputs;
-    bool gate;
+    bool driven;
+    double share;           // of the strongest strength
     double rowStrength;     // drives the gains along rows
     double columnStrength;  // and down columns
-    double narrowShare;
-    double columnShare;
+    double narrowShare;     // what of the share goes to the narrow kernel of the rows
     double narrow = 0.0;
     double wide = 0.0;
     double vertical = 0.0;
@@ -234,30 +222,8 @@ private:
 
 }  // namespace
 
-NoiseReduction SetUpNoiseReduction(const EngineSettings& settings, ScaleModes modes, bool bypass,
-                                   StageSettings& stages) {
-    NoiseReduction reduction;
-    const bool twofoldBoth = modes.horizontal == 2 && modes.vertical == 2;
-    if (!bypass && !twofoldBoth && settings.noiseReduction > 0.0F) reduction.level = settings.noiseReduction;
-    reduction.knee = NoiseKnee(reduction.level);
-    const bool forced = modes.horizontal == 1 && (settings.forceDetailA != 0 || settings.forceDetailB != 0);
-    if (reduction.level <= 0.0 && !forced) return reduction;
-    const AxisRecords records{Remover(reduction.knee), Remover(1.2 * reduction.knee)};
-    AxisRecords rows = records;
-    AxisRecords columns = records;
-    const bool gatedAllowed = settings.gatedSharpen != 0;
-    SetUpAxis(columns, settings.noiseStagesV, gatedAllowed, 1.01,
-              {stages.gatedV, stages.preModeV, stages.preNarrowV, stages.preWideV});
-    SetUpAxis(rows, settings.noiseStagesH, gatedAllowed, 1.0,
-              {stages.gatedH, stages.preModeH, stages.preNarrowH, stages.preWideH});
-    reduction.smoothsChroma = reduction.level >= 2.5;
-    reduction.smoothing = rows.narrow;
-    reduction.smoothing.knee = static_cast<float>(rows.narrow.knee * 0.63);
-    return reduction;
-}
-
-float SetUpDetailGains(const EngineSettings& settings, const DetailInputs& inputs, StageSettings& stages) {
-    return DetailGains(settings, inputs).Run(stages);
+DetailGains PlanDetailGains(const DetailSettings& settings, const DetailInputs& inputs) {
+    return GainPlanner(settings, inputs).Run();
 }
 
 }  // namespace clarivex

@@ -1,39 +1,30 @@
-// Noise reduction and detail gains of a frame: which kernels run on which axis, and how strongly.
+// Gains of the detail stages behind the scaler, from strength and settings.
 #pragma once
 
-#include <cstdint>
-
-#include "engine/enhancement_engine.h"
+#include "algorithms/sharpen_params.h"
+#include "engine/engine_settings.h"
 #include "engine/strength.h"
 
 namespace clarivex {
 
-/// Level of noise reduction of a frame and the knee that follows from it.
-struct NoiseReduction {
-    double level = 0.0;
-    double knee = 0.0;
-    SharpenParams smoothing;  ///< for the chroma planes, where the level asks for it
-    bool smoothsChroma = false;
-};
-
-/// Fills the pre-stage records of both axes in `stages`.
-///
-/// bypass  the picture is too large: no noise reduction.
-NoiseReduction SetUpNoiseReduction(const EngineSettings& settings, ScaleModes modes, bool bypass,
-                                   StageSettings& stages);
-
-/// What the gains of the stages behind the scaler depend on.
+/// What the gains depend on besides the settings.
 struct DetailInputs {
     ScaleModes modes;
     Strength strength;
     double noiseKnee = 0.0;
-    int32_t width = 0;
-    int32_t height = 0;
-    float aspect = 1.0F;  ///< pixel aspect of the scaled picture
-    bool bypass = false;
+    FrameSize size;       ///< of the picture that is enlarged
+    float aspect = 1.0F;  ///< pixel aspect of the enlarged picture
+    float ditherGain = 0.0F;
 };
 
-/// Adds to the post-scale gain records in `stages` and returns the strength-dependent part of the output noise.
-float SetUpDetailGains(const EngineSettings& settings, const DetailInputs& inputs, StageSettings& stages);
+/// Gain curves behind the scaler, and the strength-dependent part of the output noise.
+struct DetailGains {
+    SharpenParams postNarrowH;  ///< along the rows
+    SharpenParams postNarrowV;  ///< down the columns
+    SharpenParams postWide;     ///< along the rows
+    float outputNoise = 0.0F;
+};
+
+DetailGains PlanDetailGains(const DetailSettings& settings, const DetailInputs& inputs);
 
 }  // namespace clarivex

@@ -10,7 +10,7 @@ namespace clarivex {
 
 struct EngineWorkspace {
     WorkingImage privateCopy;  ///< the frame, for stages that work in place
-    WorkingImage halfScaled;   ///< the picture between the two passes of a scale on both axes
+    WorkingImage between;      ///< the picture between the two passes of a scale on both axes
     ScalerScratch scaler;
     WideScratch wide;
     SlackRow<uint8_t> chroma;  ///< a chroma plane between the two passes of a twofold scale on both axes

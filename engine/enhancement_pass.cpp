@@ -2,309 +2,171 @@
 
 #include "algorithms/edge_sharpeners.h"
 #include "engine/chroma_scalers.h"
-#include "engine/detail_gains.h"
-#include "engine/picture_scaler.h"
-#include "engine/post_filter.h"
-#include "engine/stage_plans.h"
-#include "engine/strength.h"
 #include "platform/tsc.h"
 
 namespace clarivex {
 namespace {
 
-constexpr int64_t adoptAtOnce = 50000000;  // five seconds, as after a gap
-
 /// One pass over one frame. Run tells the steps in order.
 class FramePass {
 public:
-    FramePass(EnhancementEngine& engine, FrameRecord& frame, const SourceImage& source, const PassTarget& target,
-              float& aspect, FrameInfo& info, uint32_t planeMask, const KernelTable& kernels)
-        : engine(engine),
-          stages(engine.stages),
-          frame(frame),
-          source(source),
-          work(source),
-          target(target),
-          aspect(aspect),
-          info(info),
-          planeMask(planeMask),
-          kernels(kernels),
-          width(source.planes.luma.width),
-          height(source.planes.luma.height) {}
+    FramePass(const PassPlan& passPlan, const SourceImage& source, const ImagePlanes& target, EngineState& state,
+              const KernelTable& kernels)
+        : plan(passPlan), source(source), work(source), target(target), state(state), kernels(kernels) {}
 
-    int32_t Run() {
-        if (width <= 0 || height <= 0) return SkipEmptyFrame();
-        StartFrame();
-        LimitSize();
-        MeasureStrength();
-        RebuildFilters();
+    PassResult Run() {
+        PassResult result{plan.Writes(), plan.written, plan.aspect, plan.noiseAmplitude, {}};
+        if (plan.kind == PassKind::empty) return result;
+        RenewTaps();
         const uint64_t startCycles = ReadTimeStamp();
-        AddBaseGain();
-        ReduceNoise();
-        PlacePreStages();
-        CopyForFusedStages();
-        AnalyseLightingOnce();
-        CorrectAspect();
-        SetGains();
-        if (bypass) return 0;
-        const PostFilter filter = DesignPostFilter(engine, strength, modes.horizontal);
-        const ImagePlanes out = SizeOutput();
-        const bool written = Dispatch(out, filter);
+        SmoothSource();
+        result.correction = FollowLighting();
+        if (plan.kind == PassKind::bypass) return result;
+        Scale();
         NoteTime(startCycles);
-        info.noiseAmplitude += 0.75F;
-        return Report(written);
+        return result;
     }
 
 private:
-    int32_t SkipEmptyFrame() {
-        if (target.image != nullptr) target.image->Resize(0, 0);
-        aspect = 1.0F;
-        return 0;
+    void RenewTaps() {
+        if (!state.filtersDirty) return;
+        state.taps = DesignTaps(plan.filters);
+        state.filtersDirty = false;
     }
 
-    void StartFrame() {
-        sharpness = engine.sharpness;
-        stages = StageSettings{};
+    /// Stages that work in place get a copy: the decoder's frame must survive.
+    void SmoothSource() {
+        if (!plan.copiesSource) return;
+        WorkingImage& copy = state.workspace.privateCopy;
+        PrepareWorkingImage(copy, source.planes, source.end);
+        work = SourceOf(copy);
+        if (plan.smoothsChroma) SmoothChroma(copy.Planes().second, copy.Planes().third);
+        SmoothColumns(copy.Planes().luma, plan.wholeColumns);
+        SmoothRows(copy.Planes().luma, plan.wholeRows);
     }
 
-    /// Large pictures are scaled less, and the largest are not enhanced at all.
-    void LimitSize() {
-        modes = LimitModes({engine.horizontalMode, engine.verticalMode}, width, height);
-        if (engine.tuningSet == 0 && int64_t{width} * height >= bypassArea && !frame.keepFullSize) {
-            modes = {0, 0};
-            engine.sharpness = 0.0F;
-            bypass = true;
+    void SmoothChroma(const Plane& first, const Plane& second) const {
+        SharpenRowsNarrow(second, plan.chroma);
+        SharpenColumnsNarrow(first, plan.chroma);
+        SharpenRowsNarrow(first, plan.chroma);
+        SharpenColumnsNarrow(second, plan.chroma);
+    }
+
+    static void SmoothColumns(const Plane& luma, const PreStageGains& gains) {
+        if (gains.kernel == PreKernel::narrow)
+            SharpenColumnsNarrow(luma, gains.narrow);
+        else if (gains.kernel == PreKernel::knee)
+            SharpenColumnsPlain(luma, gains.narrow, gains.wide);
+        if (gains.gated) SharpenColumnsGated(luma, gains.narrow, gains.wide);
+    }
+
+    static void SmoothRows(const Plane& luma, const PreStageGains& gains) {
+        if (gains.kernel == PreKernel::narrow)
+            SharpenRowsNarrow(luma, gains.narrow);
+        else if (gains.kernel == PreKernel::knee)
+            SharpenRowsKnee(luma, gains.narrow, gains.wide, false, RowDither::byRow, nullptr);
+        if (gains.gated) SharpenRowsGated(luma, gains.narrow, gains.wide, RowDither::byRow);
+    }
+
+    LightingCorrection FollowLighting() {
+        const LightingPlan& lighting = plan.lighting;
+        if (!lighting.analysed) return lighting.correction;
+        return AnalyseLighting(work.planes, lighting.elapsed, state.lighting, kernels);
+    }
+
+    void Scale() {
+        switch (plan.kind) {
+            case PassKind::keptSize: return KeepSize();
+            case PassKind::rowsOnly: return ScaleRowsOnly();
+            case PassKind::rowsFirst: return ScaleRowsFirst();
+            case PassKind::columnsFirst: return ScaleColumnsFirst();
+            case PassKind::doubled: return DoubleBothAxes();
+            default: return;
         }
-        stages.bypassActive = bypass ? 1 : 0;
     }
 
-    void MeasureStrength() { strength = StrengthOf(sharpness, width, height); }
-
-    void RebuildFilters() {
-        if (engine.filtersDirty == 0) return;
-        DesignFilters(engine, strength, modes.horizontal);
-        engine.filtersDirty = 0;
-    }
-
-    void AddBaseGain() {
-        const double gain = engine.baseDetailGain * 0.3;
-        stages.postNarrowH.baseGainLog2 = stages.postNarrowV.baseGainLog2 = static_cast<float>(gain);
-    }
-
-    void ReduceNoise() {
-        const NoiseReduction reduction = SetUpNoiseReduction(engine, modes, bypass, stages);
-        noiseKnee = reduction.knee;
-        if (!reduction.smoothsChroma) return;
-        TakePrivateCopy();
-        const Plane& first = engine.workspace.privateCopy.Planes().second;
-        const Plane& second = engine.workspace.privateCopy.Planes().third;
-        SharpenRowsNarrow(second, reduction.smoothing);
-        SharpenColumnsNarrow(first, reduction.smoothing);
-        SharpenRowsNarrow(first, reduction.smoothing);
-        SharpenColumnsNarrow(second, reduction.smoothing);
-    }
-
-    /// A pre-stage of the axis that is scaled first runs inside the scaler's strips; others run over the whole picture.
-    void PlacePreStages() {
-        const bool rowsFirst = engine.verticalFirst == 0;
-        stages.fuseHorizontal = rowsFirst && modes.horizontal != 0 ? 1 : 0;
-        stages.fuseVertical = !rowsFirst && modes.vertical != 0 ? 1 : 0;
-        if (stages.fuseVertical == 0 && ColumnPreStageOn()) SharpenColumns();
-        if (stages.fuseHorizontal == 0 && RowPreStageOn()) SharpenRows();
-    }
-
-    bool RowPreStageOn() const { return stages.preModeH != 0 || stages.gatedH != 0; }
-    bool ColumnPreStageOn() const { return stages.preModeV != 0 || stages.gatedV != 0; }
-
-    void SharpenColumns() {
-        TakePrivateCopy();
-        const Plane& luma = work.writableLuma;
-        if (stages.preModeV == 1)
-            SharpenColumnsNarrow(luma, stages.preNarrowV);
-        else if (stages.preModeV == 2)
-            SharpenColumnsPlain(luma, stages.preNarrowV, stages.preWideV);
-        if (stages.gatedV != 0) SharpenColumnsGated(luma, stages.preNarrowV, stages.preWideV);
-    }
-
-    void SharpenRows() {
-        TakePrivateCopy();
-        const Plane& luma = work.writableLuma;
-        if (stages.preModeH == 1)
-            SharpenRowsNarrow(luma, stages.preNarrowH);
-        else if (stages.preModeH == 2)
-            SharpenRowsKnee(luma, stages.preNarrowH, stages.preWideH, false, RowDither::byRow, nullptr);
-        if (stages.gatedH != 0) SharpenRowsGated(luma, stages.preNarrowH, stages.preWideH, RowDither::byRow);
-    }
-
-    /// A fused pre-stage works in place on its source strips, and the decoder's frame must survive.
-    void CopyForFusedStages() {
-        const bool rowsFused = stages.fuseHorizontal != 0 && RowPreStageOn();
-        const bool columnsFused = stages.fuseVertical != 0 && ColumnPreStageOn();
-        if (rowsFused || (columnsFused && modes.horizontal != 0)) TakePrivateCopy();
-    }
-
-    void TakePrivateCopy() {
-        if (haveCopy) return;
-        PrepareWorkingImage(engine.workspace.privateCopy, source.planes, source.end);
-        work = SourceOf(engine.workspace.privateCopy);
-        haveCopy = true;
-    }
-
-    /// A frame that passes twice is analysed once.
-    void AnalyseLightingOnce() {
-        if (engine.lightingEnabled == 0) return;
-        const bool adoptNow = engine.lightingAdoptNow != 0;
-        engine.lightingAdoptNow = 0;
-        LightingCache& cache = frame.lightingCache;
-        if (cache.valid && !adoptNow) {
-            info.correction = cache.correction;
-            return;
-        }
-        const bool outright = frame.keepFullSize || adoptNow;
-        const int64_t elapsed = outright ? adoptAtOnce : frame.sampleStop - frame.sampleStart;
-        if (!bypass) info.correction = AnalyseLighting(work.planes, elapsed, engine.lighting, kernels);
-        cache = {true, info.correction};
-    }
-
-    void CorrectAspect() {
-        constexpr float factors[3] = {1.0F, 1.5F, 2.0F};
-        aspect = aspect * factors[modes.horizontal] / factors[modes.vertical];
-    }
-
-    void SetGains() {
-        const DetailInputs inputs{modes, strength, noiseKnee, width, height, aspect, bypass};
-        info.noiseAmplitude = SetUpDetailGains(engine, inputs, stages);
-    }
-
-    static int32_t Scaled(int32_t length, int32_t mode) {
-        if (mode == 2) return 2 * length;
-        return mode == 1 ? (3 * length) >> 1 : length;
-    }
-
-    bool WillWrite() const { return modes.horizontal != 0 || haveCopy || engine.sharpness != 0.0F; }
-
-    /// Rows that are doubled on their own need some length; on both axes any picture can be doubled.
-    bool WritesLuma() const { return modes.horizontal != 2 || modes.vertical == 2 || width >= shortestDoubledRow; }
-
-    uint32_t WritablePlanes() const { return WritesLuma() ? allPlanes : allPlanes & ~lumaPlane; }
-
-    ImagePlanes SizeOutput() {
-        if (target.planes != nullptr) return *target.planes;
-        if (WillWrite()) target.image->Resize(Scaled(width, modes.horizontal), Scaled(height, modes.vertical));
-        return target.image->Planes();
-    }
-
-    bool Dispatch(const ImagePlanes& out, const PostFilter& filter) {
-        if (!WillWrite()) return false;
-        if (modes.horizontal == 0) {
-            KeepSize(out, filter);
-        } else if (modes.vertical == 0) {
-            PictureScaler scaler = Scaler();
-            scaler.ScaleHorizontal(out, work, PlanRows(engine, filter, stages.postNarrowV), filter.chromaOdd,
-                                   allPlanes);
-        } else if (modes.vertical == 2) {
-            DoubleBothAxes(out, filter);
-        } else if (engine.verticalFirst == 0) {
-            ScaleRowsFirst(out, filter);
-        } else {
-            ScaleColumnsFirst(out, filter);
-        }
-        return true;
-    }
-
-    PictureScaler Scaler() {
-        return {engine.workspace.scaler, kernels, engine.splitView != 0 ? &source.planes.luma : nullptr};
-    }
-
-    void KeepSize(const ImagePlanes& out, const PostFilter& filter) {
+    void KeepSize() {
         const CopyBounds bounds{.targetEnd = nullptr, .sourceEnd = work.end};
-        if ((planeMask & lumaPlane) != 0)
-            EnhanceUnscaled(out, work, filter.taps, stages.postNarrowV, engine.workspace.unscaled, kernels);
-        if ((planeMask & secondPlane) != 0) CopyPlane(out.second, work.planes.second, bounds);
-        if ((planeMask & thirdPlane) != 0) CopyPlane(out.third, work.planes.third, bounds);
+        if ((plan.planes & lumaPlane) != 0)
+            EnhanceUnscaled(target, work, plan.postFilter.taps, plan.unscaledColumns, state.workspace.unscaled,
+                            kernels);
+        if ((plan.planes & secondPlane) != 0) CopyPlane(target.second, work.planes.second, bounds);
+        if ((plan.planes & thirdPlane) != 0) CopyPlane(target.third, work.planes.third, bounds);
     }
 
-    RowStages RowsOfBothAxes(const PostFilter& filter) const {
-        return modes.horizontal == 2 ? PlanTwofoldRows(engine, filter) : PlanRows(engine, filter, {});
+    PictureScaler Scaler() const {
+        return {state.workspace.scaler, kernels, plan.splitView ? &source.planes.luma : nullptr};
     }
 
-    void ScaleRowsFirst(const ImagePlanes& out, const PostFilter& filter) {
+    RowStages Rows() const {
+        RowStages rows = plan.rows;
+        rows.taps = state.taps.horizontal;
+        if (rows.scale == AxisScale::twofold) rows.twofoldTaps = DesignTwofoldTaps(state.taps.horizontalResponse);
+        return rows;
+    }
+
+    ColumnStages Columns() const {
+        ColumnStages columns = plan.columns;
+        columns.taps = state.taps.vertical;
+        return columns;
+    }
+
+    void ScaleRowsOnly() { Scaler().ScaleHorizontal(target, work, Rows(), plan.postFilter.chromaOdd, plan.planes); }
+
+    void ScaleRowsFirst() {
         PictureScaler scaler = Scaler();
-        WorkingImage& half = engine.workspace.halfScaled;
-        const RowStages rowStages = RowsOfBothAxes(filter);
-        const ColumnStages columnStages = PlanColumns(engine);
-        const uint32_t planes = modes.horizontal == 2 ? WritablePlanes() : planeMask;
-        const uint32_t chromaPlanes = planes & ~lumaPlane;
-        scaler.ScaleHorizontalPlane(half, work, rowStages, filter.chromaOdd, chromaPlanes);
-        if ((planes & lumaPlane) != 0) scaler.ScaleLumaBothAxes(out, half, work, rowStages, columnStages.taps);
-        scaler.ScaleVertical(out, SourceOf(half), columnStages, chromaPlanes);
+        WorkingImage& between = state.workspace.between;
+        const RowStages rows = Rows();
+        const ColumnStages columns = Columns();
+        const uint32_t chromaPlanes = plan.planes & ~lumaPlane;
+        between.Resize(plan.between.width, plan.between.height);
+        scaler.ScaleHorizontal(between.Planes(), work, rows, plan.postFilter.chromaOdd, chromaPlanes);
+        if ((plan.planes & lumaPlane) != 0) scaler.ScaleLumaBothAxes(target, between, work, rows, columns.taps);
+        scaler.ScaleVertical(target, SourceOf(between), columns, chromaPlanes);
     }
 
-    void ScaleColumnsFirst(const ImagePlanes& out, const PostFilter& filter) {
+    void ScaleColumnsFirst() {
         PictureScaler scaler = Scaler();
-        WorkingImage& half = engine.workspace.halfScaled;
-        scaler.ScaleVerticalFirst(half, work, PlanColumns(engine), allPlanes);
-        scaler.ScaleHorizontal(out, SourceOf(half), RowsOfBothAxes(filter), filter.chromaOdd, WritablePlanes());
+        WorkingImage& between = state.workspace.between;
+        between.Resize(plan.between.width, plan.between.height);
+        scaler.ScaleVertical(between.Planes(), work, Columns(), allPlanes);
+        scaler.ScaleHorizontal(target, SourceOf(between), Rows(), plan.postFilter.chromaOdd, plan.planes);
     }
 
-    void DoubleBothAxes(const ImagePlanes& out, const PostFilter& filter) {
-        ScaleBothTwice(out.luma, work.planes.luma, PlanWide(engine, filter), engine.workspace.wide, kernels);
-        DoubleChroma(out.second, work.planes.second, filter.chromaOdd);
-        DoubleChroma(out.third, work.planes.third, filter.chromaOdd);
+    void DoubleBothAxes() {
+        WideStages stages = plan.wide;
+        stages.taps = DesignTwofoldTaps(state.taps.horizontalResponse);
+        ScaleBothTwice(target.luma, work.planes.luma, stages, state.workspace.wide, kernels);
+        DoubleChroma(target.second, work.planes.second);
+        DoubleChroma(target.third, work.planes.third);
     }
 
-    void DoubleChroma(const Plane& to, const PlaneView& from, bool chromaOdd) {
+    void DoubleChroma(const Plane& to, const PlaneView& from) {
+        const bool chromaOdd = plan.postFilter.chromaOdd;
         const int32_t stride = (2 * from.width + 15) & ~15;
-        const Plane between{engine.workspace.chroma.Prepare(stride * from.height), 2 * from.width, from.height, stride};
-        DoubleChromaRows(between, from, chromaOdd, engine.workspace.scaler.chroma, kernels);
+        const Plane between{state.workspace.chroma.Prepare(stride * from.height), 2 * from.width, from.height, stride};
+        DoubleChromaRows(between, from, chromaOdd, state.workspace.scaler.chroma, kernels);
         DoubleChromaColumns(to, between, chromaOdd, kernels);
     }
 
-    TimingClass ClassOf() const {
-        if (modes.horizontal == 1 && modes.vertical == 0) return TimingClass::rowsOnly;
-        if (modes.horizontal == 1 && modes.vertical == 1)
-            return engine.verticalFirst == 1 ? TimingClass::columnsFirst : TimingClass::bothAxes;
-        return modes.horizontal == 2 && modes.vertical == 1 ? TimingClass::twofoldRows : TimingClass::none;
-    }
-
     void NoteTime(uint64_t startCycles) {
-        engine.timing.Note(ClassOf(), width, height, static_cast<int64_t>(ReadTimeStamp() - startCycles));
+        const auto cycles = static_cast<int64_t>(ReadTimeStamp() - startCycles);
+        state.timing.Note(plan.timing, plan.source, cycles);
     }
 
-    int32_t Report(bool written) {
-        const bool enlarged = modes.horizontal != 0;
-        const bool luma = written && WritesLuma();
-        info.writtenWidth = luma ? Scaled(width, modes.horizontal) : 0;
-        info.writtenHeight = luma ? Scaled(height, enlarged ? modes.vertical : 0) : 0;
-        return written ? 1 : 0;
-    }
-
-    EnhancementEngine& engine;
-    StageSettings& stages;
-    FrameRecord& frame;
+    const PassPlan& plan;
     const SourceImage& source;
-    SourceImage work;  // the source, or the private copy once a stage needs one
-    const PassTarget& target;
-    float& aspect;
-    FrameInfo& info;
-    uint32_t planeMask;
+    SourceImage work;  // the source, or its copy once a stage works in place
+    const ImagePlanes& target;
+    EngineState& state;
     const KernelTable& kernels;
-    int32_t width;
-    int32_t height;
-    bool bypass = false;
-    bool haveCopy = false;
-    float sharpness = 0.0F;
-    ScaleModes modes;
-    Strength strength;
-    double noiseKnee = 0.0;
 };
 
 }  // namespace
 
-int32_t EnhancementPass(EnhancementEngine& engine, FrameRecord& frame, const SourceImage& source,
-                        const PassTarget& target, float& aspect, FrameInfo& info, uint32_t planeMask,
-                        const KernelTable& kernels) {
-    return FramePass(engine, frame, source, target, aspect, info, planeMask, kernels).Run();
+PassResult RunPass(const PassPlan& plan, const SourceImage& source, const ImagePlanes& target, EngineState& state,
+                   const KernelTable& kernels) {
+    return FramePass(plan, source, target, state, kernels).Run();
 }
 
 }  // namespace clarivex

@@ -20,12 +20,12 @@ int32_t SplitColumns(const Plane& target, const PlaneView& source, int32_t unit)
     return std::max((narrower / 2 - 4) & ~(unit - 1), 0);
 }
 
-PassPlanes AlongRows(const Plane& target, const SourcePlane& source, RowScale scale, bool splitView) {
+PassPlanes AlongRows(const Plane& target, const SourcePlane& source, AxisScale scale, bool splitView) {
     // The caller's planes may be larger than what the enlarged source fills.
-    const Plane filled{target.data, ScaledWidth(scale, source.plane.width), source.plane.height, target.stride};
-    const int32_t unit = scale == RowScale::twofold ? 16 : 32;
+    const Plane filled{target.data, Scaled(source.plane.width, scale), source.plane.height, target.stride};
+    const int32_t unit = scale == AxisScale::twofold ? 16 : 32;
     const int32_t left = splitView ? SplitColumns(filled, source.plane, unit) : 0;
-    return {RightOf(filled, ScaledWidth(scale, left)), source.RightOf(left)};
+    return {RightOf(filled, Scaled(left, scale)), source.RightOf(left)};
 }
 
 PassPlanes DownColumns(const Plane& target, const SourcePlane& source, bool splitView) {
@@ -57,18 +57,12 @@ void PictureScaler::ScaleHorizontal(const ImagePlanes& target, const SourceImage
     if ((planes & thirdPlane) != 0) ScaleChromaAlongRows(target.third, source.planes.third, stages.scale, chromaOdd);
 }
 
-void PictureScaler::ScaleChromaAlongRows(const Plane& target, const PlaneView& source, RowScale scale, bool chromaOdd) {
-    if (scale == RowScale::twofold)
+void PictureScaler::ScaleChromaAlongRows(const Plane& target, const PlaneView& source, AxisScale scale,
+                                         bool chromaOdd) {
+    if (scale == AxisScale::twofold)
         DoubleChromaRows(target, source, chromaOdd, scratch.chroma, kernels);
     else
         ScaleChromaRows(target, source, chromaOdd, scratch.chroma, kernels);
-}
-
-void PictureScaler::ScaleHorizontalPlane(WorkingImage& target, const SourceImage& source, const RowStages& stages,
-                                         bool chromaOdd, uint32_t planes) {
-    const PlaneView& luma = source.planes.luma;
-    target.Resize(ScaledWidth(stages.scale, luma.width), luma.height);
-    ScaleHorizontal(target.Planes(), source, stages, chromaOdd, planes);
 }
 
 void PictureScaler::ScaleVertical(const ImagePlanes& target, const SourceImage& source, const ColumnStages& stages,
@@ -84,25 +78,18 @@ void PictureScaler::ScaleVertical(const ImagePlanes& target, const SourceImage& 
         ScaleChromaColumns(target.third, source.planes.third, source.end, scratch.chroma, kernels);
 }
 
-void PictureScaler::ScaleVerticalFirst(WorkingImage& target, const SourceImage& source, const ColumnStages& stages,
-                                       uint32_t planes) {
-    const PlaneView& luma = source.planes.luma;
-    target.Resize(luma.width, (3 * luma.height) >> 1);
-    ScaleVertical(target.Planes(), source, stages, planes);
-}
-
-void PictureScaler::ScaleLumaBothAxes(const ImagePlanes& target, const WorkingImage& half, const SourceImage& source,
+void PictureScaler::ScaleLumaBothAxes(const ImagePlanes& target, const WorkingImage& between, const SourceImage& source,
                                       const RowStages& rowStages, const ThreeHalvesTaps& columnTaps) {
-    const Plane& between = half.Planes().luma;
-    const PassPlanes rows = AlongRows(between, source.Luma(), rowStages.scale, splitView);
-    const PassPlanes columns = DownColumns(target.luma, SourceOf(half).Luma(), splitView);
-    ShowFrameLeftOf(rows.target, between);
+    const Plane& rowsTarget = between.Planes().luma;
+    const PassPlanes rows = AlongRows(rowsTarget, source.Luma(), rowStages.scale, splitView);
+    const PassPlanes columns = DownColumns(target.luma, SourceOf(between).Luma(), splitView);
+    ShowFrameLeftOf(rows.target, rowsTarget);
     ShowFrameLeftOf(columns.target, target.luma);
     RowScaler rowScaler(rows.target, rows.source, rowStages, scratch.rows, kernels);
     ColumnScaler columnScaler(columns.target, columns.source, columnTaps, scratch.columns, kernels);
-    for (int32_t y = 0; y < between.height; y += stripSize) {
+    for (int32_t y = 0; y < rowsTarget.height; y += stripSize) {
         rowScaler.ScaleStrip(y);
-        columnScaler.Advance(std::min(y + stripSize, between.height));
+        columnScaler.Advance(std::min(y + stripSize, rowsTarget.height));
     }
 }
 

@@ -35,28 +35,20 @@ public:
     void ScaleHorizontal(const ImagePlanes& target, const SourceImage& source, const RowStages& stages, bool chromaOdd,
                          uint32_t planes);
 
-    /// The same into an image that gets ScaledWidth columns and the source's height first.
-    void ScaleHorizontalPlane(WorkingImage& target, const SourceImage& source, const RowStages& stages, bool chromaOdd,
-                              uint32_t planes);
-
     /// Down the columns, the planes named by `planes`, into planes sized by the caller.
     void ScaleVertical(const ImagePlanes& target, const SourceImage& source, const ColumnStages& stages,
                        uint32_t planes);
 
-    /// The same into an image that gets the source's width and (3 · height) >> 1 rows first.
-    void ScaleVerticalFirst(WorkingImage& target, const SourceImage& source, const ColumnStages& stages,
-                            uint32_t planes);
-
     /// Luma on both axes, strip after strip, so that the pass down the columns finds its rows in the cache.
     ///
-    /// half       receives what the rows pass makes; its size is that of ScaleHorizontalPlane.
+    /// between    receives what the rows pass makes; as wide as the scale makes the source, and as high as the source
     /// rowStages  without a stage across the rows
-    void ScaleLumaBothAxes(const ImagePlanes& target, const WorkingImage& half, const SourceImage& source,
+    void ScaleLumaBothAxes(const ImagePlanes& target, const WorkingImage& between, const SourceImage& source,
                            const RowStages& rowStages, const ThreeHalvesTaps& columnTaps);
 
 private:
     void ShowFrameLeftOf(const Plane& part, const Plane& whole) const;
-    void ScaleChromaAlongRows(const Plane& target, const PlaneView& source, RowScale scale, bool chromaOdd);
+    void ScaleChromaAlongRows(const Plane& target, const PlaneView& source, AxisScale scale, bool chromaOdd);
 
     ScalerScratch& scratch;
     const KernelTable& kernels;

@@ -15,23 +15,16 @@ using Response = std::array<double, 16>;
 constexpr int32_t oddGain = 0x1FE0;
 constexpr int32_t evenGain = 0x2000;
 
-/// Around one sample, or between two of them.
-enum class FilterShape { odd, evenSinc, evenPair };
-
-FilterShape ShapeOf(const EngineSettings& settings, int32_t horizontalMode) {
-    const int32_t set = horizontalMode == 2 && settings.tuningSet != 0 ? 1 : 0;
-    switch (settings.filterShapes[static_cast<size_t>(horizontalMode + set)]) {
-        case 0: return FilterShape::odd;
-        case 2: return FilterShape::evenPair;
-        default: return FilterShape::evenSinc;
-    }
+FilterShape ShapeOf(const DetailSettings& settings, TuningSet tuningSet, AxisScale horizontal) {
+    const size_t set = horizontal == AxisScale::twofold && tuningSet != TuningSet::first ? 1 : 0;
+    return settings.filterShapes[static_cast<size_t>(horizontal) + set];
 }
 
-const SharpnessRows& RowsOf(int32_t horizontalMode, int32_t tuningSet) {
-    switch (horizontalMode) {
-        case 0: return tapRows1;
-        case 1: return tapRows15;
-        default: return tuningSet == 0 ? tapRows2 : tapRows2b;
+const SharpnessRows& RowsOf(TuningSet tuningSet, AxisScale horizontal) {
+    switch (horizontal) {
+        case AxisScale::none: return tapRows1;
+        case AxisScale::threeHalves: return tapRows15;
+        default: return tuningSet == TuningSet::first ? tapRows2 : tapRows2b;
     }
 }
 
@@ -102,15 +95,16 @@ DetailTaps Quantise(const Response& response, FilterShape shape) {
 
 }  // namespace
 
-PostFilter DesignPostFilter(const EngineSettings& settings, const Strength& strength, int32_t horizontalMode) {
-    if (settings.sharpenScheme < 2) {
+PostFilter DesignPostFilter(const DetailSettings& settings, TuningSet tuningSet, AxisScale horizontal,
+                            const Strength& strength) {
+    if (settings.sharpenScheme != SharpenScheme::levelTables) {
         PostFilter off;
         off.taps[centre] = oddGain;
         return off;
     }
-    const FilterShape shape = ShapeOf(settings, horizontalMode);
+    const FilterShape shape = ShapeOf(settings, tuningSet, horizontal);
     Response response = BaseResponse(shape);
-    const Response sides = StrengthResponse(shape, RowsOf(horizontalMode, settings.tuningSet), strength);
+    const Response sides = StrengthResponse(shape, RowsOf(tuningSet, horizontal), strength);
     for (size_t k = 0; k < response.size(); ++k) response[k] += sides[k];
     return {true, shape != FilterShape::odd, Quantise(response, shape)};
 }

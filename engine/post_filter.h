@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "algorithms/detail_fir.h"
+#include "engine/engine_settings.h"
 #include "engine/strength.h"
 
 namespace clarivex {
@@ -15,7 +16,8 @@ struct PostFilter {
     DetailTaps taps{};       ///< of a filter that is off: those that let samples pass
 };
 
-/// The filter for a horizontal mode (0 … 2). Off below sharpenScheme 2.
-PostFilter DesignPostFilter(const EngineSettings& settings, const Strength& strength, int32_t horizontalMode);
+/// The filter for rows of a scale. Off without level tables.
+PostFilter DesignPostFilter(const DetailSettings& settings, TuningSet tuningSet, AxisScale horizontal,
+                            const Strength& strength);
 
 }  // namespace clarivex

@@ -27,7 +27,7 @@ std::array<int16_t, 24> PhaseAfterPhase(const ThreeHalvesTaps& taps) {
 /// Room for all that a row is enlarged to, in groups as the resamplers write it.
 int32_t RoomForEnlarged(const PlaneView& source, const RowStages& stages) {
     const int32_t read = (source.width + groupSamples - 1) / groupSamples * groupSamples;
-    return stages.scale == RowScale::twofold ? 2 * read : read / groupSamples * groupOutputs;
+    return stages.scale == AxisScale::twofold ? 2 * read : read / groupSamples * groupOutputs;
 }
 
 /// The word that splitRow makes of a sample. Worked out anew: reading back what was just stored would take longer.
@@ -69,15 +69,15 @@ void RowScaler::RunPreStage(int32_t y) {
     if (!stages.preStage.IsOn()) return;
     const Plane strip = StripOf(source.writable, y);
     if (stages.preStage.gated) GatedDetailRows(strip, stages.preStage.gains, RowDither::byRow);
-    if (stages.preStage.mode == 1)
+    if (stages.preStage.kernel == PreKernel::narrow)
         NarrowDetailRows(strip, stages.preStage.gains);
-    else if (stages.preStage.mode == 2)
+    else if (stages.preStage.kernel == PreKernel::knee)
         KneeDetailRows(strip, stages.preStage.gains, RowDither::byRow);
 }
 
 /// The stages that need no other row: resampler, edge limiter and, where nothing stands between, the post filter.
 void RowScaler::ScaleRow(int32_t y) {
-    if (stages.scale == RowScale::twofold)
+    if (stages.scale == AxisScale::twofold)
         DoubleSourceRow(y);
     else
         EnlargeSourceRow(y);

@@ -11,38 +11,27 @@
 #include "algorithms/slack_row.h"
 #include "engine/cross_stage.h"
 #include "engine/detail_stages.h"
+#include "engine/scale_modes.h"
+#include "engine/stage_kinds.h"
 #include "simd/kernel_table.h"
 
 namespace clarivex {
 
-/// What a row's length is multiplied by.
-enum class RowScale { threeHalves, twofold };
-
-/// Columns that a row of `width` samples is enlarged to.
-constexpr int32_t ScaledWidth(RowScale scale, int32_t width) {
-    return scale == RowScale::twofold ? 2 * width : (3 * width) >> 1;
-}
-
 /// The shortest row that has a twofold form.
 constexpr int32_t shortestDoubledRow = 9;
-
-enum class EdgeStage { none, simple, full };
-
-/// Replaces each sample by the smaller or the larger of itself and its right neighbour.
-enum class RankStage { none, smaller, larger };
 
 /// The detail kernels in front of a scaler: the gated one, then narrow or knee.
 struct PreStage {
     bool gated = false;
-    int32_t mode = 0;  ///< 0 none, 1 narrow kernel, 2 narrow and wide kernels
+    PreKernel kernel = PreKernel::none;
     SharpenCoefficients gains;
 
-    bool IsOn() const { return gated || mode != 0; }
+    bool IsOn() const { return gated || kernel != PreKernel::none; }
 };
 
 /// What runs on each strip, and with which values.
 struct RowStages {
-    RowScale scale = RowScale::threeHalves;
+    AxisScale scale = AxisScale::threeHalves;  ///< or twofold
     ThreeHalvesTaps taps;
     TwofoldTaps twofoldTaps;
     PreStage preStage;  ///< works in place on the source, which then has to be writable
@@ -74,7 +63,7 @@ struct RowScratch {
 
 /// Enlarges `source` into `target`, in strips of 16 rows that go through all stages while they are in the cache.
 ///
-/// target     ScaledWidth columns, the source's height, stride a multiple of 64. Of the spare columns those up to the
+/// target     as many columns as the scale gives, the source's height, stride a multiple of 64. Of the spare columns those up to the
 ///            next multiple of 4 are written.
 /// source     width at least 1, for a twofold scale shortestDoubledRow; an active pre-stage works in place on it. Its
 ///            rows are read up to a multiple of 8 as far as memory goes, for a twofold scale up to their width.

@@ -1,23 +1,24 @@
-// Settings and gains of a frame turned into what the scalers are to run.
+// Settings and gains of a frame turned into what the stages of the scalers take.
 #pragma once
 
 #include "engine/column_scaler.h"
-#include "engine/enhancement_engine.h"
+#include "engine/detail_gains.h"
+#include "engine/engine_settings.h"
+#include "engine/noise_reduction.h"
 #include "engine/post_filter.h"
 #include "engine/row_scaler.h"
 #include "engine/wide_scaler.h"
 
 namespace clarivex {
 
-/// cross  gains across the rows, for the axis that is not scaled; a cleared record otherwise.
-RowStages PlanRows(const EnhancementEngine& engine, const PostFilter& filter, const SharpenParams& cross);
+/// Edge stage, detail stage, post filter and booster of enlarged rows; the scale is three halves, and all else is off.
+RowStages PlanRowStages(const EngineSettings& settings, const DetailGains& gains, const PostFilter& filter);
 
-/// The same for a twofold scale, with taps from the engine's first response.
-RowStages PlanTwofoldRows(const EnhancementEngine& engine, const PostFilter& filter);
+/// The kernels in front of the scaler that leads, along the rows and down the columns.
+PreStage PlanRowPreStage(const PreStageGains& gains);
+PreStage PlanColumnPreStage(const PreStageGains& gains);
 
 /// For a twofold scale of both axes. Post filters around one sample have no wide form and do not run.
-WideStages PlanWide(const EnhancementEngine& engine, const PostFilter& filter);
-
-ColumnStages PlanColumns(const EnhancementEngine& engine);
+WideStages PlanWideStages(const EdgeSettings& settings, const PostFilter& filter);
 
 }  // namespace clarivex

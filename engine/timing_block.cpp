@@ -4,16 +4,16 @@
 
 namespace clarivex {
 
-void TimingBlock::Note(TimingClass kind, int32_t newWidth, int32_t newHeight, int64_t cycles) {
+void TimingBlock::Note(TimingClass kind, const FrameSize& newSize, int64_t cycles) {
     constexpr int32_t smallestSide = 16;
     const FastLockGuard guard(lock);
-    if (newWidth >= smallestSide && newHeight >= smallestSide && kind != TimingClass::none && cycles > 0) {
-        if (newWidth != width || newHeight != height)
+    const bool largeEnough = newSize.width >= smallestSide && newSize.height >= smallestSide;
+    if (largeEnough && kind != TimingClass::none && cycles > 0) {
+        if (newSize != size)
             for (TimingFigures& stale : figures) stale.sampleCount = stale.meanCount = 0;
         AddSample(figures[static_cast<size_t>(kind)], cycles);
     }
-    width = newWidth;
-    height = newHeight;
+    size = newSize;
 }
 
 void TimingBlock::AddSample(TimingFigures& kind, int64_t cycles) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "runtime/fast_lock.h"
+#include "runtime/planes.h"
 
 namespace clarivex {
 
@@ -21,9 +22,9 @@ struct TimingFigures {
 
 class TimingBlock {
 public:
-    /// Notes one pass of a picture of width × height. Pictures below 16 × 16 and durations that aren't positive only
+    /// Notes one pass of a picture. Pictures below 16 × 16 and durations that aren't positive only
     /// leave their size. May be called from any thread.
-    void Note(TimingClass kind, int32_t newWidth, int32_t newHeight, int64_t cycles);
+    void Note(TimingClass kind, const FrameSize& newSize, int64_t cycles);
 
     /// Figures of a kind as they stand; not synchronised with Note.
     const TimingFigures& Figures(TimingClass kind) const { return figures[static_cast<size_t>(kind)]; }
@@ -33,8 +34,7 @@ private:
 
     FastLock lock;
     std::array<TimingFigures, 5> figures{};
-    int32_t width = 0;
-    int32_t height = 0;
+    FrameSize size;
 };
 
 }  // namespace clarivex

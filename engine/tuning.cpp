@@ -5,6 +5,7 @@
 #include <cstring>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 
 #include "engine/enhancement_pass.h"
 
@@ -21,36 +22,51 @@ constexpr int32_t movesAnAttempt = 3;
 constexpr double mostSharpness = 8.99;
 constexpr double sharpnessStep = 0.01;
 
-/// A setting that may move, and how far.
+/// A setting that may move, and how far. Choices move by their numbers.
 struct MovableSetting {
     const char* name;
-    int32_t EngineSettings::*value;
+    int32_t (*get)(const EngineSettings&);
+    void (*set)(EngineSettings&, int32_t);
     int32_t least;
     int32_t most;
 };
 
+template <auto group, auto field>
+constexpr MovableSetting Movable(const char* name, int32_t least, int32_t most) {
+    return {name, [](const EngineSettings& settings) { return static_cast<int32_t>(settings.*group.*field); },
+            [](EngineSettings& settings, int32_t value) {
+                auto& place = settings.*group.*field;
+                place = static_cast<std::remove_reference_t<decltype(place)>>(value);
+            },
+            least, most};
+}
+
+constexpr auto prototype = &EngineSettings::prototype;
+constexpr auto edges = &EngineSettings::edges;
+constexpr auto detail = &EngineSettings::detail;
+
 // clang-format off
 constexpr std::array<MovableSetting, 20> movableSettings = {{
-    {"kernelBeta",          &EngineSettings::kernelBeta,            0, 200},
-    {"kernelCutoff",        &EngineSettings::kernelCutoff,         40, 100},
-    {"windowKind",          &EngineSettings::windowKind,            0,   2},
-    {"edgeStageMode",       &EngineSettings::edgeStageMode,         0,   2},
-    {"edgeGain",            &EngineSettings::edgeGain,              0, 127},
-    {"edgeDeadZone",        &EngineSettings::edgeDeadZone,          0,  64},
-    {"edgeMargin",          &EngineSettings::edgeMargin,            0,  64},
-    {"edgeNeighbourWeight", &EngineSettings::edgeNeighbourWeight,   0, 128},
-    {"wideSlopeBase",       &EngineSettings::wideSlopeBase,       -32,  64},
-    {"wideSlope",           &EngineSettings::wideSlope,             0, 127},
-    {"wideOffset",          &EngineSettings::wideOffset,          -64,  64},
-    {"wideDetailMode",      &EngineSettings::wideDetailMode,        1,   2},
-    {"baseDetailGain",      &EngineSettings::baseDetailGain,      -10,  10},
-    {"coringLevel",         &EngineSettings::coringLevel,           0,   4},
-    {"detailBoostA",        &EngineSettings::detailBoostA,          0, 255},
-    {"detailBoostB",        &EngineSettings::detailBoostB,          0,  63},
-    {"fusedNarrowGain",     &EngineSettings::fusedNarrowGain,     -20,  30},
-    {"fusedWideGain",       &EngineSettings::fusedWideGain,       -20,  30},
-    {"twofoldNarrowGain",   &EngineSettings::twofoldNarrowGain,   -20,  30},
-    {"twofoldWideGain",     &EngineSettings::twofoldWideGain,     -20,  30},
+    Movable<prototype, &PrototypeSettings::kernelBeta>   ("kernelBeta",            0, 200),
+    Movable<prototype, &PrototypeSettings::kernelCutoff> ("kernelCutoff",         40, 100),
+    Movable<prototype, &PrototypeSettings::windowKind>   ("windowKind",            0,   2),
+    Movable<edges, &EdgeSettings::edgeStageMode>         ("edgeStageMode",         0,   2),
+    Movable<edges, &EdgeSettings::edgeGain>              ("edgeGain",              0, 127),
+    Movable<edges, &EdgeSettings::edgeDeadZone>          ("edgeDeadZone",          0,  64),
+    Movable<edges, &EdgeSettings::edgeMargin>            ("edgeMargin",            0,  64),
+    Movable<edges, &EdgeSettings::edgeNeighbourWeight>   ("edgeNeighbourWeight",   0, 128),
+    Movable<edges, &EdgeSettings::wideSlopeBase>         ("wideSlopeBase",       -32,  64),
+    Movable<edges, &EdgeSettings::wideSlope>             ("wideSlope",             0, 127),
+    Movable<edges, &EdgeSettings::wideOffset>            ("wideOffset",          -64,  64),
+    Movable<detail, &DetailSettings::wideDetailMode>     ("wideDetailMode",        1,   2),
+    Movable<detail, &DetailSettings::baseDetailGain>     ("baseDetailGain",      -10,  10),
+    Movable<detail, &DetailSettings::coringLevel>        ("coringLevel",           0,   4),
+    Movable<detail, &DetailSettings::detailBoostA>       ("detailBoostA",          0, 255),
+    Movable<detail, &DetailSettings::detailBoostB>       ("detailBoostB",          0,  63),
+    Movable<detail, &DetailSettings::fusedNarrowGain>    ("fusedNarrowGain",     -20,  30),
+    Movable<detail, &DetailSettings::fusedWideGain>      ("fusedWideGain",       -20,  30),
+    Movable<detail, &DetailSettings::twofoldNarrowGain>  ("twofoldNarrowGain",   -20,  30),
+    Movable<detail, &DetailSettings::twofoldWideGain>    ("twofoldWideGain",     -20,  30),
 }};
 // clang-format on
 
@@ -63,20 +79,18 @@ int32_t HalvesOf(TuningScale scale) { return static_cast<int32_t>(scale); }
 EngineSettings Vary(EngineSettings settings, Random15& random) {
     for (int32_t i = 0; i < movesAnAttempt; ++i) {
         const MovableSetting& setting = movableSettings[static_cast<size_t>(RandomChoice(random))];
-        int32_t& value = settings.*setting.value;
-        value = std::clamp(value + RandomStep(random), setting.least, setting.most);
+        const int32_t moved = setting.get(settings) + RandomStep(random);
+        setting.set(settings, std::clamp(moved, setting.least, setting.most));
     }
-    const double sharpness = settings.sharpness + RandomStep(random) * sharpnessStep;
-    settings.sharpness = static_cast<float>(std::clamp(sharpness, 0.0, mostSharpness));
-    settings.filtersDirty = 1;
+    const double sharpness = settings.frame.sharpness + RandomStep(random) * sharpnessStep;
+    settings.frame.sharpness = static_cast<float>(std::clamp(sharpness, 0.0, mostSharpness));
     return settings;
 }
 
 std::vector<TunedSetting> Compare(const EngineSettings& start, const EngineSettings& best) {
-    std::vector<TunedSetting> rows{{"sharpness", start.sharpness, best.sharpness}};
+    std::vector<TunedSetting> rows{{"sharpness", start.frame.sharpness, best.frame.sharpness}};
     for (const MovableSetting& setting : movableSettings)
-        rows.push_back(
-            {setting.name, static_cast<double>(start.*setting.value), static_cast<double>(best.*setting.value)});
+        rows.push_back({setting.name, static_cast<double>(setting.get(start)), static_cast<double>(setting.get(best))});
     return rows;
 }
 
@@ -141,6 +155,9 @@ double ErrorOf(const PlaneView& actual, const PlaneView& wanted) {
     return count == 0 ? 0.0 : static_cast<double>(sum) / errorUnit / static_cast<double>(count);
 }
 
+/// The longest even side that is reduced to one below the limit.
+constexpr int32_t Most(int32_t limit, AxisScale scale) { return Scaled(limit - 1, scale) & ~1; }
+
 void CheckSize(const PlaneView& luma, TuningScale scale) {
     const TuningLimits limits = TuningLimitsOf(scale);
     if (luma.width >= limits.leastWidth && luma.width <= limits.mostWidth && luma.height >= limits.leastHeight &&
@@ -154,12 +171,12 @@ void CheckSize(const PlaneView& luma, TuningScale scale) {
         size(limits.leastWidth, limits.leastHeight) + " and at most " + size(limits.mostWidth, limits.mostHeight));
 }
 
-/// The engine, the picture it is given and the one it is to reach.
+/// An engine, the picture it is given and the one it is to reach.
 class Harness {
 public:
-    Harness(EnhancementEngine& engine, const PictureView& picture, const TuningOptions& options,
+    Harness(const EngineSettings& engineSettings, const PictureView& picture, const TuningOptions& options,
             const KernelTable& kernels)
-        : engine(engine),
+        : start(engineSettings),
           options(options),
           kernels(kernels),
           target(EvenImage(picture)),
@@ -167,23 +184,22 @@ public:
 
     Tuning Run(const TuningObserver& observer) {
         SetModes();
-        const EngineSettings start = engine;
         Tuning tuning;
         tuning.startError = tuning.bestError = Try(start);
-        const EngineSettings best = Search(start, tuning.bestError, observer);
-        tuning.settings = Compare(start, best);
-        ShowBest(best, tuning);
+        tuning.best = Search(tuning.bestError, observer);
+        tuning.settings = Compare(start, tuning.best);
+        ShowBest(tuning);
         return tuning;
     }
 
 private:
     void SetModes() {
-        engine.horizontalMode = engine.verticalMode = HalvesOf(options.scale) - 2;
-        engine.lightingEnabled = 0;
-        engine.filtersDirty = 1;
+        FrameSettings& frame = start.frame;
+        frame.horizontalMode = frame.verticalMode = static_cast<AxisScale>(HalvesOf(options.scale) - 2);
+        frame.lightingEnabled = false;
     }
 
-    EngineSettings Search(const EngineSettings& start, double& bestError, const TuningObserver& observer) {
+    EngineSettings Search(double& bestError, const TuningObserver& observer) {
         Random15 random(options.seed);
         EngineSettings best = start;
         for (int32_t number = 1; number <= options.attempts; ++number) {
@@ -205,24 +221,23 @@ private:
                        target.Planes().luma);
     }
 
-    void ShowBest(const EngineSettings& best, Tuning& tuning) {
-        if (!Enhance(best, allPlanes)) PrepareWorkingImage(enhanced, reduced.Planes(), reduced.End());
-        static_cast<EngineSettings&>(engine) = best;
+    void ShowBest(Tuning& tuning) {
+        if (!Enhance(tuning.best, allPlanes)) PrepareWorkingImage(enhanced, reduced.Planes(), reduced.End());
         tuning.reduced = std::move(reduced);
         tuning.enhanced = std::move(enhanced);
     }
 
     bool Enhance(const EngineSettings& settings, uint32_t planes) {
-        static_cast<EngineSettings&>(engine) = settings;
-        FrameRecord frame;
-        frame.keepFullSize = true;
-        FrameInfo info;
-        float aspect = 1.0F;
-        return EnhancementPass(engine, frame, SourceOf(reduced), {&enhanced, nullptr}, aspect, info, planes, kernels) !=
-               0;
+        const Plane& luma = reduced.Planes().luma;
+        const PassRequest request{.planes = planes, .keepFullSize = true, .correction = {}};
+        const PassPlan plan = MakePassPlan(settings, {luma.width, luma.height}, request);
+        state.filtersDirty = true;
+        if (plan.Writes()) enhanced.Resize(plan.target.width, plan.target.height);
+        return RunPass(plan, SourceOf(reduced), enhanced.Planes(), state, kernels).planesWritten;
     }
 
-    EnhancementEngine& engine;
+    EngineSettings start;
+    EngineState state;
     const TuningOptions& options;
     const KernelTable& kernels;
     WorkingImage target;
@@ -245,19 +260,24 @@ int32_t RandomChoice(Random15& random) {
 }
 
 TuningLimits TuningLimitsOf(TuningScale scale) {
+    constexpr AxisScale threeHalves = AxisScale::threeHalves;
+    constexpr AxisScale twofold = AxisScale::twofold;
     constexpr int32_t leastWidth = 2 * columnMargin + 1;
     constexpr int32_t leastHeight = 2 * rowMargin + 1;
     switch (scale) {
-        case TuningScale::threeHalves: return {leastWidth, leastHeight, 3070, 1530};
-        case TuningScale::twofold: return {leastWidth, leastHeight, 2046, 1534};
+        case TuningScale::threeHalves:
+            return {leastWidth, leastHeight, Most(threeHalvesLimit.width, threeHalves),
+                    Most(threeHalvesLimit.height, threeHalves)};
+        case TuningScale::twofold:
+            return {leastWidth, leastHeight, Most(twofoldLimit.width, twofold), Most(twofoldLimit.height, twofold)};
         default: return {leastWidth, leastHeight, 65536, 65536};
     }
 }
 
-Tuning TuneEngine(EnhancementEngine& engine, const PictureView& target, const TuningOptions& options,
+Tuning TuneEngine(const EngineSettings& settings, const PictureView& target, const TuningOptions& options,
                   const TuningObserver& observer, const KernelTable& kernels) {
     CheckSize(target.luma, options.scale);
-    return Harness(engine, target, options, kernels).Run(observer);
+    return Harness(settings, target, options, kernels).Run(observer);
 }
 
 }  // namespace clarivex

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "algorithms/working_image.h"
-#include "engine/enhancement_engine.h"
+#include "engine/engine_settings.h"
 #include "engine/tuning_terms.h"
 #include "runtime/random.h"
 #include "simd/kernel_table.h"
@@ -35,6 +35,7 @@ struct Tuning {
     double bestError = 0.0;
     /// All that may move. A setting that has no effect at the scale or beside the others moves along with one that has.
     std::vector<TunedSetting> settings;
+    EngineSettings best;
     WorkingImage reduced;   ///< what went into the pass
     WorkingImage enhanced;  ///< what came out with the best settings; `reduced` where nothing was written
 };
@@ -43,12 +44,11 @@ struct Tuning {
 /// improves. The error is the mean of the squared differences of luma, divided by 255: 0 … 255. Margins of 16 columns
 /// and 8 rows do not count.
 ///
-/// engine    one of the harness's own: it gives the start values, and its settings end as the best ones, with the modes
-///           of the scale, lighting off and filters to be designed anew. Its sharpness is at least 0.
+/// settings  where the search starts; its modes become those of the scale, and lighting is off. Sharpness at least 0.
 /// target    4:2:0 planes as the pass should give them; odd sizes are rounded up by a repeated column or row
 /// observer  called at the end of every attempt; may be empty
 /// throws    std::invalid_argument for a target outside TuningLimitsOf(options.scale)
-Tuning TuneEngine(EnhancementEngine& engine, const PictureView& target, const TuningOptions& options,
+Tuning TuneEngine(const EngineSettings& settings, const PictureView& target, const TuningOptions& options,
                   const TuningObserver& observer, const KernelTable& kernels);
 
 }  // namespace clarivex

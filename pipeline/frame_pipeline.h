@@ -4,6 +4,8 @@
 #include <memory>
 #include <utility>
 
+#include "engine/pass_plan.h"
+#include "pipeline/frame_geometry.h"
 #include "pipeline/frame_request.h"
 #include "pipeline/process_state.h"
 #include "pipeline/stream_state.h"
@@ -12,6 +14,11 @@
 namespace clarivex {
 
 struct KernelTable;
+struct PassResult;
+
+/// Strength that a slider value stands for: the lower end of the slider, up to 2, is compressed. What is no strength, below
+/// 0 or no number, comes back as no number, which the pass takes as 0.
+float StrengthOfSlider(float sharpness);
 
 /// Turns input memory into output memory, frame by frame, with all that the stream keeps between them. One thread at a
 /// time; pipelines on different threads run at once and share only the state of the process.
@@ -34,6 +41,20 @@ public:
     StreamState& Stream() { return stream; }
 
 private:
+    void StartStream();
+    void RenewFilters() { stream.engine.filtersDirty = true; }
+    void Enhance(const FrameRequest& request, const FrameLayout& layout);
+    void ApplySettings(const FrameRequest& request, const FrameLayout& layout);
+    SourceImage Load(const FrameRequest& request, const FrameLayout& layout);
+    PassRequest AskPass(const FrameRequest& request);
+    const ImagePlanes& SizeTarget(const FrameRequest& request, const FrameLayout& layout, const PassPlan& plan);
+    PictureView Complete(const FrameRequest& request, const SourceImage& source, const PassResult& result) const;
+    void Tone(LightingCorrection& correction) const;
+    void MakeNoise(float amplitude);
+    void ComposeOverlay(const FrameLayout& layout, float aspect);
+    void Write(const FrameRequest& request, const FrameLayout& layout, const PictureView& picture,
+               const LightingCorrection& correction);
+
     ProcessState& process;
     StreamState stream;
     const KernelTable& kernels;

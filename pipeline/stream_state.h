@@ -4,7 +4,8 @@
 #include <memory>
 #include <utility>
 
-#include "engine/enhancement_engine.h"
+#include "engine/engine_settings.h"
+#include "engine/engine_state.h"
 #include "overlay/overlay.h"
 #include "pipeline/frame_workspace.h"
 #include "pipeline/noise_table.h"
@@ -20,12 +21,13 @@ struct FrameShape {
     bool operator==(const FrameShape&) const = default;
 };
 
-/// On the stream's frame thread only.
+/// Any front end makes its own. On the stream's frame thread only.
 struct StreamState {
     StreamState(const NoiseGenerator& noisePlanes, std::unique_ptr<FontEngine> fonts)
         : noise(noisePlanes), overlay(std::move(fonts)) {}
 
-    EnhancementEngine engine;
+    EngineSettings settings;
+    EngineState engine;
     NoiseTable noise;
     Overlay overlay;
     FrameWorkspace workspace;

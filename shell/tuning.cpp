@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "engine/tuning.h"
-#include "pipeline/frame_driver.h"
+#include "pipeline/frame_pipeline.h"
 #include "shell/plugin_settings.h"
 #include "shell/process_objects.h"
 
@@ -26,9 +26,9 @@ TuningPicture CutOut(const ImagePlanes& image, int32_t width, int32_t height) {
 }  // namespace
 
 PictureTuning TunePicture(TuningPicture target, const TuningOptions& options, const TuningObserver& observer) {
-    EnhancementEngine engine;
-    engine.sharpness = StrengthOfSlider(PluginSettings().Sharpness());
-    const Tuning tuning = TuneEngine(engine, PlanesWithoutGaps(target.samples.data(), target.width, target.height),
+    EngineSettings settings;
+    settings.frame.sharpness = StrengthOfSlider(PluginSettings().Sharpness());
+    const Tuning tuning = TuneEngine(settings, PlanesWithoutGaps(target.samples.data(), target.width, target.height),
                                      options, observer, ProcessKernels());
     return {tuning.startError, tuning.bestError, tuning.settings,
             CutOut(tuning.reduced.Planes(), target.width, target.height),

@@ -166,9 +166,10 @@ void RunCrossStage(const Plane& plane, const CrossGains& gains) {
 
 void PlainScaleRows(const Plane& target, const SourcePlane& source, const RowStages& stages) {
     if (stages.preStage.gated) GatedDetailRows(source.writable, stages.preStage.gains, RowDither::byRow);
-    if (stages.preStage.mode == 1) NarrowDetailRows(source.writable, stages.preStage.gains);
-    if (stages.preStage.mode == 2) KneeDetailRows(source.writable, stages.preStage.gains, RowDither::byRow);
-    if (stages.scale == RowScale::twofold)
+    if (stages.preStage.kernel == PreKernel::narrow) NarrowDetailRows(source.writable, stages.preStage.gains);
+    if (stages.preStage.kernel == PreKernel::knee)
+        KneeDetailRows(source.writable, stages.preStage.gains, RowDither::byRow);
+    if (stages.scale == AxisScale::twofold)
         DoubleRows(target, source.plane, stages.twofoldTaps);
     else
         EnlargeRows(target, source, stages.taps);
@@ -186,8 +187,8 @@ void PlainScaleColumns(const Plane& target, const SourcePlane& source, const Col
     for (int32_t x = 0; x < width; x += 16) {
         const Plane strip{source.writable.data + x, 16, height, source.writable.stride};
         if (stages.preStage.gated) GatedDetailColumns(strip, stages.preStage.gains);
-        if (stages.preStage.mode == 1) NarrowDetailColumns(strip, stages.preStage.gains);
-        if (stages.preStage.mode == 2) KneeDetailColumns(strip, stages.preStage.gains);
+        if (stages.preStage.kernel == PreKernel::narrow) NarrowDetailColumns(strip, stages.preStage.gains);
+        if (stages.preStage.kernel == PreKernel::knee) KneeDetailColumns(strip, stages.preStage.gains);
     }
     for (int32_t out = 0; out < 3 * height / 2; ++out)
         for (int32_t x = 0; x < (width + 7) / 8 * 8; ++x) {

@@ -8,7 +8,7 @@ namespace clarivex {
 namespace {
 
 /// A strength at any size.
-Strength Of(double value) { return StrengthOf(static_cast<float>(-value), 1, 1); }
+Strength Of(double value) { return StrengthOf(static_cast<float>(-value), {1, 1}); }
 
 struct Design {
     int32_t mode;
@@ -39,12 +39,12 @@ constexpr Design designs[] = {
 
 TEST(DesignPostFilter, GivesTheTapsOfModeShapeAndStrength) {
     for (const Design& design : designs) {
-        EngineSettings settings;
-        settings.tuningSet = design.tuningSet;
-        settings.filterShapes = {9, 9, 9, 9};
-        settings.filterShapes[static_cast<size_t>(design.mode == 2 ? 2 + design.tuningSet : design.mode)] =
-            design.shape;
-        const PostFilter filter = DesignPostFilter(settings, Of(design.strength), design.mode);
+        DetailSettings settings;
+        const auto shape = static_cast<FilterShape>(design.shape);
+        settings.filterShapes.fill(shape == FilterShape::odd ? FilterShape::evenPair : FilterShape::odd);
+        settings.filterShapes[static_cast<size_t>(design.mode == 2 ? 2 + design.tuningSet : design.mode)] = shape;
+        const PostFilter filter = DesignPostFilter(settings, static_cast<TuningSet>(design.tuningSet),
+                                                   static_cast<AxisScale>(design.mode), Of(design.strength));
         EXPECT_EQ(filter.taps, design.taps) << "mode " << design.mode << ", strength " << design.strength;
         EXPECT_TRUE(filter.on);
         EXPECT_EQ(filter.chromaOdd, design.shape != 0);
@@ -55,9 +55,10 @@ TEST(DesignPostFilter, KeepsTheGainOfItsShapeAtEveryStrength) {
     for (int32_t mode = 0; mode <= 2; ++mode)
         for (int32_t shape = 0; shape <= 2; ++shape)
             for (double strength = 0; strength < 9; strength += 0.0625) {
-                EngineSettings settings;
-                settings.filterShapes.fill(shape);
-                const DetailTaps taps = DesignPostFilter(settings, Of(strength), mode).taps;
+                DetailSettings settings;
+                settings.filterShapes.fill(static_cast<FilterShape>(shape));
+                const DetailTaps taps =
+                    DesignPostFilter(settings, TuningSet::first, static_cast<AxisScale>(mode), Of(strength)).taps;
                 ASSERT_EQ(std::accumulate(taps.begin(), taps.end(), 0), shape == 0 ? 8160 : 8192)
                     << "mode " << mode << ", shape " << shape << ", strength " << strength;
                 ASSERT_EQ(ChooseDetailFirForm(taps) == DetailFirForm::general, shape == 0);

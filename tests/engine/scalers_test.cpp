@@ -64,8 +64,8 @@ SharpenCoefficients Gains(float base, float extra, float knee, float wideScale) 
     return DeriveSharpenCoefficients(Curve(base, extra, knee), Curve(base, extra, knee), 1.0F, wideScale);
 }
 
-PreStage PreStageOf(bool gated, int32_t mode, float wideScale) {
-    return {gated, mode, gated ? Gains(-3, 3.5F, 2, wideScale) : Gains(-500, 500, 2, wideScale)};
+PreStage PreStageOf(bool gated, PreKernel kernel, float wideScale) {
+    return {gated, kernel, gated ? Gains(-3, 3.5F, 2, wideScale) : Gains(-500, 500, 2, wideScale)};
 }
 
 struct RowCase {
@@ -106,19 +106,19 @@ constexpr RowCase rowCases[] = {
     {"smaller of two", [](RowStages& s) { SetPostFilter(s, even12); s.rankStage = RankStage::smaller; }},
     {"larger of two", [](RowStages& s) { s.rankStage = RankStage::larger; }},
     {"cross stage", [](RowStages& s) { SetCross(s); s.edgeStage = EdgeStage::none; }},
-    {"narrow pre-stage", [](RowStages& s) { s.preStage = PreStageOf(false, 1, 256); }},
-    {"knee pre-stage", [](RowStages& s) { s.preStage = PreStageOf(false, 2, 256); }},
+    {"narrow pre-stage", [](RowStages& s) { s.preStage = PreStageOf(false, PreKernel::narrow, 256); }},
+    {"knee pre-stage", [](RowStages& s) { s.preStage = PreStageOf(false, PreKernel::knee, 256); }},
     {"everything", [](RowStages& s) {
-         s.preStage = PreStageOf(true, 2, 256); SetDetail(s); SetPostFilter(s, even12); SetBooster(s); SetCross(s); }},
+         s.preStage = PreStageOf(true, PreKernel::knee, 256); SetDetail(s); SetPostFilter(s, even12); SetBooster(s); SetCross(s); }},
 };
 // clang-format on
 
 TEST(Scalers, RowsEqualTheWholePicture) {
     ForEachTrial([](const Trial& trial) {
         for (const RowCase& test : rowCases)
-            for (const RowScale scale : {RowScale::threeHalves, RowScale::twofold}) {
-                if (scale == RowScale::twofold && trial.width < shortestDoubledRow) continue;
-                const int32_t columns = ScaledWidth(scale, trial.width);  // packed output shows one more if odd
+            for (const AxisScale scale : {AxisScale::threeHalves, AxisScale::twofold}) {
+                if (scale == AxisScale::twofold && trial.width < shortestDoubledRow) continue;
+                const int32_t columns = Scaled(trial.width, scale);  // packed output shows one more if odd
                 RowStages stages;
                 stages.scale = scale;
                 stages.taps = UsualTaps();
@@ -138,14 +138,15 @@ TEST(Scalers, RowsEqualTheWholePicture) {
 struct ColumnCase {
     const char* name;
     bool gated;
-    int32_t mode;
+    PreKernel kernel;
     bool cross;
     bool strongTaps;  // sums that saturate
 };
 
-constexpr ColumnCase columnCases[] = {{"resampler", false, 0, false, false}, {"strong taps", false, 0, false, true},
-                                      {"narrow", false, 1, false, false},    {"knee", false, 2, false, false},
-                                      {"gated", true, 0, false, false},      {"everything", true, 2, true, true}};
+constexpr ColumnCase columnCases[] = {
+    {"resampler", false, PreKernel::none, false, false}, {"strong taps", false, PreKernel::none, false, true},
+    {"narrow", false, PreKernel::narrow, false, false},  {"knee", false, PreKernel::knee, false, false},
+    {"gated", true, PreKernel::none, false, false},      {"everything", true, PreKernel::knee, true, true}};
 
 TEST(Scalers, ColumnsEqualTheWholePicture) {
     ForEachTrial([](const Trial& trial) {
@@ -153,7 +154,7 @@ TEST(Scalers, ColumnsEqualTheWholePicture) {
             ColumnStages stages;
             stages.taps = UsualTaps();
             if (test.strongTaps) stages.taps.b = {8000, -20000, 20000, 32000, 20000, -20000, -20000, -3680};
-            stages.preStage = PreStageOf(test.gated, test.mode, 1);
+            stages.preStage = PreStageOf(test.gated, test.kernel, 1);
             stages.crossOn = test.cross;
             stages.cross = {3, 5, 60};
             ColumnScratch scratch;
@@ -213,7 +214,7 @@ struct SplitView {
     int32_t targetColumn;  // and where that goes
 };
 
-template <RowScale scale>
+template <AxisScale scale>
 void ScaleRows(PictureScaler& scaler, const ImagePlanes& target, const SourceImage& source) {
     RowStages stages;
     stages.scale = scale;
@@ -229,10 +230,10 @@ void ScaleColumns(PictureScaler& scaler, const ImagePlanes& target, const Source
 }
 
 constexpr SplitView splitViews[] = {
-    {200, ScaleRows<RowScale::threeHalves>, 96, 144},
-    {200, ScaleRows<RowScale::twofold>, 96, 192},
+    {200, ScaleRows<AxisScale::threeHalves>, 96, 144},
+    {200, ScaleRows<AxisScale::twofold>, 96, 192},
     {200, ScaleColumns, 96, 96},
-    {4, ScaleRows<RowScale::threeHalves>, 0, 0},  // too narrow to be split
+    {4, ScaleRows<AxisScale::threeHalves>, 0, 0},  // too narrow to be split
 };
 
 ImagePlanes LumaFrom(const WorkingImage& image, int32_t column) {

@@ -7,7 +7,6 @@
 #include <cmath>
 #include <stdexcept>
 
-#include "engine/strength.h"
 #include "tests/support/test_images.h"
 
 namespace clarivex {
@@ -28,17 +27,15 @@ WorkingImage MadeUpTarget(int32_t width, int32_t height) {
 struct TuningRun {
     Tuning tuning;
     std::vector<TuningAttempt> attempts;
-    EngineSettings settings;
 };
 
 TuningRun Tune(const WorkingImage& target, const TuningOptions& options, const KernelTable& kernels = scalarKernels) {
     TuningRun run;
-    EnhancementEngine engine;
-    engine.sharpness = 0.8F;
+    EngineSettings settings;
+    settings.frame.sharpness = 0.8F;
     run.tuning = TuneEngine(
-        engine, target.Planes(), options, [&](const TuningAttempt& attempt) { run.attempts.push_back(attempt); },
+        settings, target.Planes(), options, [&](const TuningAttempt& attempt) { run.attempts.push_back(attempt); },
         kernels);
-    run.settings = engine;
     return run;
 }
 
@@ -64,7 +61,7 @@ TEST(TuneEngine, FindsBetterSettingsThanItStartedWith) {
             if (attempt.improves) best = attempt.error;
         }
         EXPECT_EQ(best, tuning.bestError);
-        EXPECT_EQ(tuning.settings.at(0).best, run.settings.sharpness);
+        EXPECT_EQ(tuning.settings.at(0).best, tuning.best.frame.sharpness);
     }
 }
 
@@ -108,7 +105,8 @@ TEST(TuneEngine, TakesTheSizesThatTheEngineEnlargesInFull) {
         const int32_t halves = static_cast<int32_t>(scale);
         const auto enlarges = [=](int32_t width, int32_t height) {
             const auto reduced = [=](int32_t side) { return (2 * ((side + 1) & ~1) + halves - 1) / halves; };
-            return LimitModes({halves - 2, halves - 2}, reduced(width), reduced(height)).vertical == halves - 2;
+            const auto mode = static_cast<AxisScale>(halves - 2);
+            return LimitModes({mode, mode}, {reduced(width), reduced(height)}).vertical == mode;
         };
         EXPECT_TRUE(enlarges(mostWidth, mostHeight));
         EXPECT_FALSE(enlarges(mostWidth + 1, mostHeight) || enlarges(mostWidth, mostHeight + 1));

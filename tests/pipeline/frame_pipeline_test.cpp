@@ -30,7 +30,6 @@ struct Process {
 
     ProcessState state;
     FramePipeline pipeline;
-    EnhancementEngine& engine = pipeline.Stream().engine;
 };
 
 /// Three frames of a stream and the digest of its visible samples, for YV12, IYUV and YUY2.
@@ -128,8 +127,9 @@ TEST(RunFrame, AllocatesNothingFromTheSecondFrameOn) {
     for (const PixelFormat format : formats)
         for (const bool scaled : {false, true}) {
             Process process;
-            process.engine.noiseReduction = scaled ? 3.0F : 0.0F;
-            process.engine.noiseStagesH = process.engine.noiseStagesV = 2;
+            NoiseReductionSettings& noise = process.pipeline.Stream().settings.noise;
+            noise.noiseReduction = scaled ? 3.0F : 0.0F;
+            noise.noiseStagesH = noise.noiseStagesV = 2;
             SyntheticVideo video(format, 61, 45, scaled);
             process.Run(video);
             const MemoryCount memory;

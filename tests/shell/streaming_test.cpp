@@ -213,7 +213,7 @@ TEST_F(Streaming, StartsAnewOnceAfterEverySetInputTypeWhateverItsResult) {
 // Whether a frame designs its filters anew shows in a tap set that the test has spoilt.
 TEST_F(Streaming, FiltersFollowTheSharpnessAndTheSizeAndNothingElse) {
     const auto frameDesignsFilters = [this] {
-        TapSet& taps = open->Stream().engine.tapsHorizontal.a = {};
+        TapSet& taps = open->Stream().engine.taps.horizontal.a = {};
         EXPECT_EQ(S_OK, Give());
         EXPECT_EQ(S_OK, Take());
         return taps != TapSet{};
