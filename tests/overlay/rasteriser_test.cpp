@@ -28,8 +28,7 @@ std::unique_ptr<MaskBitmap> EmptyMask(int32_t width, int32_t height) {
     return mask;
 }
 
-/// Coverage of a mask of 8 by 3 pixels by a clockwise box, in 1/256 pixel: runs of eight hexadecimal digits a row, f for
-/// whole pixels.
+/// Coverage of a mask of 8 by 3 pixels by a clockwise box, in 1/256 pixel: a digit for each, f where it is whole.
 std::string Paint(const OutlineTransform& transform, const Rectangle& box) {
     const std::vector<OutlinePoint> points{
         {box.left, box.bottom}, {box.left, box.top}, {box.right, box.top}, {box.right, box.bottom}, ContourBreak};
@@ -44,18 +43,18 @@ TEST(Rasteriser, PlacesOutlinesAndCutsThemOffAtTheMask) {
     constexpr OutlineTransform away{INT32_MIN, INT32_MIN, INT32_MIN, INT32_MIN, INT32_MIN, INT32_MIN};
     constexpr OutlineTransform placed{32768, 131072, 512, -256, -1, 1};  // x / 2 + 2 − 1 pixels, y · 2 − 1 + 1
     constexpr OutlineTransform huge{.scaleX = INT32_MAX, .scaleY = INT32_MAX};
+    const std::string none(24, '0');
     EXPECT_EQ(Paint(asItIs, {-700, -700, 1024, 512}), "ffff0000ffff000000000000");
-    EXPECT_EQ(Paint(asItIs, {-700, 0, -100, 768}), std::string(24, '0')) << "left of the mask";
-    EXPECT_EQ(Paint(asItIs, {2048, 0, 4000, 768}), std::string(24, '0')) << "right of it";
-    EXPECT_EQ(Paint(asItIs, {0, 768, 2048, 4000}), std::string(24, '0')) << "below it";
-    EXPECT_EQ(Paint(asItIs, {0, 256, 2048, 256}), std::string(24, '0')) << "flat";
     EXPECT_EQ(Paint(placed, {1024, 128, 2048, 256}), "00000000000ff00000000000");
+    for (const Rectangle& outside :
+         {Rectangle{-700, 0, -100, 768}, {2048, 0, 4000, 768}, {0, 768, 2048, 4000}, {0, 256, 2048, 256}})
+        EXPECT_EQ(Paint(asItIs, outside), none) << outside.left << ", " << outside.top;
     for (const OutlineTransform& transform : {asItIs, huge})
         EXPECT_EQ(Paint(transform, {INT32_MIN + 1, INT32_MIN + 1, INT32_MAX, INT32_MAX}), std::string(24, 'f'));
-    EXPECT_EQ(Paint(away, {0, 0, INT32_MAX, INT32_MAX}), std::string(24, '0'));
-    MaskBitmap none;
-    none.Reallocate(0, 4);
-    PaintOutline(asItIs, {{ContourBreak}}, none, Region::OfRectangle(0, 0, 8, 8));
+    EXPECT_EQ(Paint(away, {0, 0, INT32_MAX, INT32_MAX}), none);
+    MaskBitmap empty;
+    empty.Reallocate(0, 4);
+    PaintOutline(asItIs, {{ContourBreak}}, empty, Region::OfRectangle(0, 0, 8, 8));
 }
 
 // The arithmetic told cell by cell, with no cell left out.

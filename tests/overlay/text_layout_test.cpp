@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "overlay/glyph_outline.h"
@@ -57,13 +59,10 @@ RecordWriter Triangle() { return RecordWriter().Contour({0, 0}).Curve(RecordWrit
 
 const Points triangle{{1000, 2000}, {1000, 976}, {1512, 2000}, ContourBreak};
 
-TEST(GlyphOutline, DrawsLinesFromThePenWithYDownward) {
+TEST(GlyphOutline, DrawsLinesFromThePenWithYDownwardAndSplinesAsFourOfThem) {
     EXPECT_EQ(Outline(Triangle()), triangle);
     const auto closed = RecordWriter().Contour({0, 0}).Curve(RecordWriter::line, {{0, 4}, {2, 0}, {0, 0}});
     EXPECT_EQ(Outline(closed), triangle);  // the start is not told twice
-}
-
-TEST(GlyphOutline, SplinesBecomeFourLinesEachAndMeetBetweenControls) {
     const auto arch = RecordWriter().Contour({0, 0}).Curve(RecordWriter::spline, {{0, 16}, {16, 16}});
     EXPECT_EQ(Outline(arch),
               (Points{{1000, 2000}, {1256, 208}, {2024, -1072}, {3304, -1840}, {5096, -2096}, ContourBreak}));
@@ -131,7 +130,7 @@ TEST(TextLayout, LinesLieAnEmApartAndStartAtZero) {
     EXPECT_EQ(GlyphStarts("\344A", fonts), (Points{{4096 + 2560, 0}}));
 }
 
-TEST(TextLayout, LinesAreAlignedEachOnItsOwn) {
+TEST(TextLayout, LinesAreAlignedEachOnItsOwnAndListsThatOthersHoldAreReplaced) {
     FakeFontEngine fonts;
     StyledText content{.text = ShortString("AB\nC"), .align = StyledText::alignRight};
     EXPECT_EQ(GlyphStarts(content, fonts), (Points{{-61440, 0}, {-28672, 0}, {-28672, 65536}}));
@@ -140,34 +139,23 @@ TEST(TextLayout, LinesAreAlignedEachOnItsOwn) {
     OutlineHandle outline;
     LayoutStyledText(content, fonts, outline);
     EXPECT_EQ((*outline)[4], ContourBreak);
+    const OutlineHandle held = outline;
+    LayoutText(ShortString("A"), fonts, outline);  // into a list of its own
+    EXPECT_EQ(std::pair(held->Count(), outline->Count()), std::pair(30, 10));
+    const PointList* own = outline.get();
+    LayoutStyledText(content, fonts, outline);
+    EXPECT_EQ(outline.get(), own) << "nobody else holds it";
 }
 
 TEST(TextLayout, TagsSwitchTheFontOnlyInMarkup) {
     FakeFontEngine fonts;
     StyledText content{.text = ShortString("A<b>B<i>C</b><u>D</i>E<F"), .markup = true};
     EXPECT_EQ(GlyphStarts(content, fonts).size(), 5U);
-    ASSERT_EQ(fonts.made.size(), 5U);
-    const auto isStyle = [&](size_t i, bool italic, bool bold) {
-        return fonts.made[i].italic == italic && fonts.made[i].bold == bold;
-    };
-    EXPECT_TRUE(isStyle(0, false, false) && isStyle(1, false, true) && isStyle(2, true, true));
-    EXPECT_TRUE(isStyle(3, true, false) && isStyle(4, false, false));
+    std::string styles;
+    for (const FontStyle& style : fonts.made) styles += {' ', style.italic ? 'i' : '-', style.bold ? 'b' : '-'};
+    EXPECT_EQ(styles, " -- -b ib i- --");
     content.markup = false;
     EXPECT_EQ(GlyphStarts(content, fonts).size(), 24U);
-}
-
-TEST(TextLayout, OnlyListsThatOthersHoldAreReplaced) {
-    FakeFontEngine fonts;
-    OutlineHandle outline;
-    LayoutText(ShortString("A"), fonts, outline);
-    const OutlineHandle held = outline;
-    for (const int32_t glyphs : {2, 1}) {
-        const PointList* own = outline.get();
-        LayoutText(ShortString(glyphs == 2 ? "AB" : "A"), fonts, outline);
-        EXPECT_EQ(outline.get() == own, glyphs == 1);
-        EXPECT_EQ(outline->Count(), 10 * glyphs);
-        EXPECT_EQ(held->Count(), 10);
-    }
 }
 
 TEST(TextLayout, ArcsRunClockwiseFromStraightUp) {
