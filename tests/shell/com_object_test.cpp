@@ -1,8 +1,11 @@
-// Identity, interfaces, counting and aggregation of the plug-in's objects, in both shapes.
+// From a class identifier to an object; identity, interfaces, counting and aggregation of objects in both shapes.
 #include "shell/com_object.h"
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
+#include "shell/class_factory.h"
 #include "shell/media_object.h"
 #include "shell/module.h"
 #include "tests/support/fake_buffers.h"
@@ -23,6 +26,36 @@ ULONG ReferencesTo(IUnknown* object) {
     return left;
 }
 
+/// Refused with this code, the pointer cleared.
+template <class Get>
+void ExpectRefusal(HRESULT expected, Get get) {
+    void* out = &out;
+    EXPECT_EQ(expected, get(&out));
+    EXPECT_EQ(nullptr, out);
+}
+
+TEST(PlainShape, UnknownClassesInterfacesAndMissingPointersAreRefused) {
+    FakeOuter outer;
+    const auto factory = MediaObjectFactory();
+    const auto object = MakeObject<IUnknown>(iidUnknown);
+    EXPECT_EQ(factory, MediaObjectFactory()) << "there is one";
+    EXPECT_EQ(factory.get(), Ask<IClassFactory>(factory.get(), iidUnknown).get());
+    for (const GUID& iid : {iidMediaObject, iidStream, iidMediaBuffer, noGuid}) {
+        ExpectRefusal(CLASS_E_CLASSNOTAVAILABLE, [&](void** out) { return GetClassObject(iid, iidClassFactory, out); });
+        ExpectRefusal(E_NOINTERFACE, [&](void** out) { return GetClassObject(clsidMediaObject, iid, out); });
+        ExpectRefusal(E_NOINTERFACE, [&](void** out) { return factory->QueryInterface(iid, out); });
+        if (!IsEqualGUID(iid, iidMediaObject))
+            ExpectRefusal(E_NOINTERFACE, [&](void** out) { return object->QueryInterface(iid, out); });
+    }
+    ExpectRefusal(CLASS_E_NOAGGREGATION,
+                  [&](void** out) { return factory->CreateInstance(&outer, iidMediaObject, out); });
+    EXPECT_EQ(E_POINTER, GetClassObject(clsidMediaObject, iidClassFactory, nullptr));
+    EXPECT_EQ(E_POINTER, factory->CreateInstance(nullptr, iidMediaObject, nullptr));
+    EXPECT_EQ(E_POINTER, object->QueryInterface(iidUnknown, nullptr));
+    EXPECT_EQ(1, outer.references);
+    EXPECT_EQ(1U, ReferencesTo(object.get()));
+}
+
 TEST(PlainShape, EveryInterfaceLeadsToEveryOtherAndToOneIdentityAndCount) {
     const auto object = MakeObject<IUnknown>(iidUnknown);
     const auto identity = Ask<IUnknown>(object.get(), iidCvxSettings);
@@ -36,64 +69,39 @@ TEST(PlainShape, EveryInterfaceLeadsToEveryOtherAndToOneIdentityAndCount) {
     }
 }
 
-TEST(PlainShape, OtherInterfacesAreRefusedAndClearThePointer) {
-    const auto object = MakeObject<IUnknown>(iidUnknown);
-    for (const GUID& iid : {iidClassFactory, iidStream, iidMediaBuffer, noGuid}) {
-        void* out = object.get();
-        EXPECT_EQ(E_NOINTERFACE, object->QueryInterface(iid, &out));
-        EXPECT_EQ(nullptr, out);
-    }
-    EXPECT_EQ(E_POINTER, object->QueryInterface(iidUnknown, nullptr));
-    EXPECT_EQ(1U, ReferencesTo(object.get()));
-}
+/// Looks at the module's count before the object's first line and after its last, and at its own while it completes.
+struct Witness {
+    static inline int32_t atStart, atEnd, references;
+
+    Witness() { atStart = ModuleLocks(); }
+    ~Witness() { atEnd = ModuleLocks(); }
+};
 
 template <HRESULT result>
-class ObjectThatFails : public CVXMediaObject {
+class WitnessedObject : private Witness, public CVXMediaObject {
 public:
-    static inline int references = 0;  // seen while it completes itself
-
     HRESULT Complete() {
-        references = static_cast<int>(ReferencesTo(static_cast<ICVXSettings*>(this)));
+        references = static_cast<int32_t>(ReferencesTo(static_cast<ICVXSettings*>(this)));
         return result;
     }
 };
 
-TEST(BothShapes, ObjectThatCannotBeCompletedOrLacksTheInterfaceDoesNotSurviveItsCreation) {
-    const int32_t locksBefore = ModuleLocks();
-    FakeOuter outer;
-    void* out = &out;
-    EXPECT_EQ(E_NOINTERFACE, CreateObject<CVXMediaObject>(nullptr, iidClassFactory, &out));
-    EXPECT_EQ(nullptr, out);
-    EXPECT_EQ(E_HANDLE, CreateObject<ObjectThatFails<E_HANDLE>>(nullptr, iidUnknown, &out));
-    EXPECT_EQ(1, ObjectThatFails<E_HANDLE>::references);
-    EXPECT_EQ(S_FALSE, CreateObject<ObjectThatFails<S_FALSE>>(&outer, iidUnknown, &out));
-    EXPECT_EQ(nullptr, out);
-    EXPECT_EQ(1, outer.references);
-    EXPECT_EQ(locksBefore, ModuleLocks());
-}
-
-/// Looks at the module's count before the object's first line and after its last.
-struct CountWitness {
-    static inline int32_t atStart = 0;
-    static inline int32_t atEnd = 0;
-
-    CountWitness() { atStart = ModuleLocks(); }
-    ~CountWitness() { atEnd = ModuleLocks(); }
-};
-class WitnessedObject : private CountWitness, public CVXMediaObject {};
-
-TEST(BothShapes, KeepTheModuleFromTheirFirstLineToTheirLast) {
+TEST(BothShapes, KeepTheModuleFromFirstToLastLineAndDoNotSurviveAFailure) {
     const int32_t locksBefore = ModuleLocks();
     FakeOuter outer;
     for (IUnknown* whole : {static_cast<IUnknown*>(nullptr), static_cast<IUnknown*>(&outer)}) {
-        CountWitness::atStart = CountWitness::atEnd = -1;
         void* out = nullptr;
-        ASSERT_EQ(S_OK, CreateObject<WitnessedObject>(whole, iidUnknown, &out));
+        ASSERT_EQ(S_OK, CreateObject<WitnessedObject<S_OK>>(whole, iidUnknown, &out));
         static_cast<IUnknown*>(out)->Release();
-        EXPECT_EQ(locksBefore + 1, CountWitness::atStart);
-        EXPECT_EQ(locksBefore + 1, CountWitness::atEnd);
+        EXPECT_EQ(std::pair(locksBefore + 1, locksBefore + 1), std::pair(Witness::atStart, Witness::atEnd));
+        EXPECT_EQ(E_HANDLE, CreateObject<WitnessedObject<E_HANDLE>>(whole, iidUnknown, &out));
+        EXPECT_EQ(S_FALSE, CreateObject<WitnessedObject<S_FALSE>>(whole, iidUnknown, &out));
+        EXPECT_EQ(1, Witness::references);
         EXPECT_EQ(locksBefore, ModuleLocks());
+        EXPECT_EQ(1, outer.references);
     }
+    ExpectRefusal(E_NOINTERFACE, [](void** o) { return CreateObject<CVXMediaObject>(nullptr, iidClassFactory, o); });
+    EXPECT_EQ(locksBefore, ModuleLocks());
 }
 
 TEST(AggregatedShape, AllButThePrivateHandleAskAndCountThroughTheOuterObject) {

@@ -58,23 +58,19 @@ protected:
     const SpeedSources before = Start({});
 };
 
-TEST_F(CpuSpeed, HighestOfThreeRoundsCounts) {
+TEST_F(CpuSpeed, HighestOfThreeRoundsOnARaisedThreadCounts) {
+    constexpr int belowNormal = -1;
+    const int own = OwnPriority();
+    ASSERT_TRUE(SetThreadPriority(GetCurrentThread(), belowNormal));
     EXPECT_FLOAT_EQ(2.0F, SpeedAt({2000.0, 2000.0, 2000.0}));
     EXPECT_EQ((std::vector<uint32_t>{100, 50, 50}), machine.sleeps);
+    EXPECT_EQ((std::vector<int>{15, 1, 15, 1, 15, 1}), machine.priorities) << "raised while it sleeps";
+    EXPECT_EQ(belowNormal, OwnPriority());
+    SetThreadPriority(GetCurrentThread(), own);
     EXPECT_FLOAT_EQ(3.5F, SpeedAt({1000.0, 3500.0, 2000.0}));
     EXPECT_FLOAT_EQ(1.5F, SpeedAt({-7.0, 0.0, 1500.0}));
     EXPECT_EQ(1.0F, SpeedAt({-5.0, -5.0, 0.0})) << "no usable round";
     EXPECT_EQ(1.0F, SpeedAt({2000.0, 2000.0, 2000.0}, 0)) << "neither clock moves";
-}
-
-TEST_F(CpuSpeed, RaisesItsThreadWhileItSleepsAndPutsItBack) {
-    constexpr int belowNormal = -1;
-    const int own = OwnPriority();
-    ASSERT_TRUE(SetThreadPriority(GetCurrentThread(), belowNormal));
-    MeasureCpuSpeed();
-    EXPECT_EQ(belowNormal, OwnPriority());
-    SetThreadPriority(GetCurrentThread(), own);
-    EXPECT_EQ((std::vector<int>{15, 1, 15, 1, 15, 1}), machine.priorities);
 }
 
 bool IsEnlarged(const TestObject& object, int32_t width, int32_t height) {

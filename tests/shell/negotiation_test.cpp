@@ -3,8 +3,10 @@
 
 #include <array>
 #include <tuple>
+#include <utility>
 
 #include "shell/media_type.h"
+#include "tests/support/fake_buffers.h"
 #include "tests/support/test_object.h"
 #include "tests/support/video_types.h"
 
@@ -34,52 +36,47 @@ protected:
     ReceivedType offered;
 };
 
-TEST_F(Negotiation, ArgumentsAreTestedInOrder) {
+TEST_F(Negotiation, ArgumentsAreTestedInOrderAndTheStreamsAreOneEach) {
     DWORD word = 0;
     DMO_MEDIA_TYPE type = {};
-    const std::pair<HRESULT, HRESULT> results[] = {
-        {E_POINTER, Media().GetStreamCount(nullptr, &word)},
-        {E_POINTER, Media().GetStreamCount(&word, nullptr)},
-        {E_POINTER, Media().GetInputStreamInfo(1, nullptr)},
-        {DMO_E_INVALIDSTREAMINDEX, Media().GetInputStreamInfo(1, &word)},
-        {E_POINTER, Media().GetOutputStreamInfo(1, nullptr)},
-        {DMO_E_INVALIDSTREAMINDEX, Media().GetOutputStreamInfo(1, &word)},
-        {DMO_E_INVALIDSTREAMINDEX, Media().GetInputType(1, 9, nullptr)},
-        {DMO_E_INVALIDSTREAMINDEX, Media().GetOutputType(1, 9, nullptr)},
-        {DMO_E_NO_MORE_ITEMS, Media().GetInputType(0, 3, nullptr)},
-        {DMO_E_NO_MORE_ITEMS, Media().GetOutputType(0, 3, nullptr)},
-        {S_OK, Media().GetInputType(0, 2, nullptr)},
-        {S_OK, Media().GetOutputType(0, 2, nullptr)},
-        {DMO_E_INVALIDSTREAMINDEX, Media().SetInputType(1, nullptr, clear)},
-        {DMO_E_INVALIDSTREAMINDEX, Media().SetOutputType(1, nullptr, clear)},
-        {E_POINTER, Media().SetInputType(0, nullptr, testOnly)},
-        {E_POINTER, Media().SetOutputType(0, nullptr, 0)},
-        {DMO_E_INVALIDSTREAMINDEX, Media().GetInputCurrentType(1, nullptr)},
-        {E_POINTER, Media().GetInputCurrentType(0, nullptr)},
-        {DMO_E_TYPE_NOT_SET, Media().GetInputCurrentType(0, &type)},
-        {DMO_E_INVALIDSTREAMINDEX, Media().GetOutputCurrentType(1, nullptr)},
-        {E_POINTER, Media().GetOutputCurrentType(0, nullptr)},
-        {DMO_E_TYPE_NOT_SET, Media().GetOutputCurrentType(0, &type)},
-        {DMO_E_INVALIDSTREAMINDEX, Media().GetInputSizeInfo(1, nullptr, nullptr, nullptr)},
-        {E_POINTER, Media().GetInputSizeInfo(0, nullptr, &word, &word)},
-        {E_POINTER, Media().GetInputSizeInfo(0, &word, nullptr, &word)},
-        {E_POINTER, Media().GetInputSizeInfo(0, &word, &word, nullptr)},
-        {DMO_E_TYPE_NOT_SET, Media().GetInputSizeInfo(0, &word, &word, &word)},
-        {DMO_E_INVALIDSTREAMINDEX, Media().GetOutputSizeInfo(1, nullptr, nullptr)},
-        {E_POINTER, Media().GetOutputSizeInfo(0, nullptr, &word)},
-        {E_POINTER, Media().GetOutputSizeInfo(0, &word, nullptr)},
-        {DMO_E_TYPE_NOT_SET, Media().GetOutputSizeInfo(0, &word, &word)},
-        {E_NOTIMPL, Media().GetInputMaxLatency(0, nullptr)},
-        {E_NOTIMPL, Media().SetInputMaxLatency(0, 1)}};
-    for (const auto& result : results) EXPECT_EQ(result.first, result.second) << "call " << &result - results;
-}
-
-TEST_F(Negotiation, StreamsAreOneEachAndTellTheirFlags) {
+    FakeBuffer buffer(10);
+    DMO_OUTPUT_DATA_BUFFER output = {&buffer, 77, 0, 0};
+    constexpr HRESULT badIndex = DMO_E_INVALIDSTREAMINDEX, notSet = DMO_E_TYPE_NOT_SET, noMore = DMO_E_NO_MORE_ITEMS;
+    IMediaObject& media = Media();
+    // clang-format off
+    const struct { HRESULT expected, ofInput, ofOutput; } calls[] = {
+        {E_POINTER, media.GetStreamCount(nullptr, &word), media.GetStreamCount(&word, nullptr)},
+        {E_POINTER, media.GetInputStreamInfo(1, nullptr), media.GetOutputStreamInfo(1, nullptr)},
+        {badIndex,  media.GetInputStreamInfo(1, &word), media.GetOutputStreamInfo(1, &word)},
+        {badIndex,  media.GetInputType(1, 9, nullptr), media.GetOutputType(1, 9, nullptr)},
+        {noMore,    media.GetInputType(0, 3, nullptr), media.GetOutputType(0, 3, nullptr)},
+        {S_OK,      media.GetInputType(0, 2, nullptr), media.GetOutputType(0, 2, nullptr)},
+        {badIndex,  media.SetInputType(1, nullptr, clear), media.SetOutputType(1, nullptr, clear)},
+        {E_POINTER, media.SetInputType(0, nullptr, testOnly), media.SetOutputType(0, nullptr, 0)},
+        {badIndex,  media.GetInputCurrentType(1, nullptr), media.GetOutputCurrentType(1, nullptr)},
+        {E_POINTER, media.GetInputCurrentType(0, nullptr), media.GetOutputCurrentType(0, nullptr)},
+        {notSet,    media.GetInputCurrentType(0, &type), media.GetOutputCurrentType(0, &type)},
+        {badIndex,  media.GetInputSizeInfo(1, nullptr, nullptr, nullptr), media.GetOutputSizeInfo(1, nullptr, nullptr)},
+        {E_POINTER, media.GetInputSizeInfo(0, nullptr, &word, &word), media.GetOutputSizeInfo(0, nullptr, &word)},
+        {E_POINTER, media.GetInputSizeInfo(0, &word, nullptr, &word), media.GetOutputSizeInfo(0, &word, nullptr)},
+        {E_POINTER, media.GetInputSizeInfo(0, &word, &word, nullptr), media.GetInputStatus(0, nullptr)},
+        {notSet,    media.GetInputSizeInfo(0, &word, &word, &word), media.GetOutputSizeInfo(0, &word, &word)},
+        {E_NOTIMPL, media.GetInputMaxLatency(0, nullptr), media.SetInputMaxLatency(0, 1)},
+        {badIndex,  media.GetInputStatus(1, nullptr), media.GetInputStatus(1, &word)},
+        {badIndex,  media.ProcessInput(1, nullptr, 0, 0, 0), badIndex},
+        {E_POINTER, media.ProcessInput(0, nullptr, 0, 0, 0), media.ProcessOutput(0, 2, nullptr, &word)},
+        {E_INVALIDARG, media.ProcessOutput(0, 0, &output, &word), media.ProcessOutput(0, 2, &output, &word)},
+        {notSet,    media.ProcessInput(0, &buffer, 0, 0, 0), media.ProcessOutput(0, 1, &output, &word)}};
+    // clang-format on
+    for (const auto& call : calls)
+        EXPECT_EQ(std::pair(call.expected, call.expected), std::pair(call.ofInput, call.ofOutput)) << &call - calls;
+    EXPECT_EQ(std::tuple(1, 0, 77U, 0U),
+              std::tuple(buffer.references.load(), buffer.lengthsSet, output.dwStatus, word));
     DWORD inputs = 0, outputs = 0, inputFlags = 0, outputFlags = 0;
     EXPECT_EQ(S_OK, Media().GetStreamCount(&inputs, &outputs));
     EXPECT_EQ(S_OK, Media().GetInputStreamInfo(0, &inputFlags));
     EXPECT_EQ(S_OK, Media().GetOutputStreamInfo(0, &outputFlags));
-    EXPECT_EQ(std::tuple(1, 1, 11, 3), std::tuple(inputs, outputs, inputFlags, outputFlags));
+    EXPECT_EQ(std::tuple(1U, 1U, 11U, 3U), std::tuple(inputs, outputs, inputFlags, outputFlags));
 }
 
 TEST_F(Negotiation, InputTypesAreListedUntilOneIsSet) {
