@@ -19,7 +19,6 @@
 #include <random>
 #include <span>
 #include <string>
-#include <utility>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
@@ -36,79 +35,39 @@ constexpr size_t mostBytes = 1 << 16;
 constexpr uint8_t tellingBytes[] = {0, 1, 0x7f, 0x80, 0xff, ' ', '\n', '-', '0', '9', ':', 'A', 'F'};
 constexpr uint32_t tellingWords[] = {0, 1, 0x7fff, 0x8000, 0xffff, 0x10000, 0x7fffffff, 0x80000000, 0xffffffff};
 
-/// Makes new inputs out of starting points, of which there must be at least one.
-class Mutator {
-public:
-    explicit Mutator(std::vector<Bytes> startingPoints) : seeds(std::move(startingPoints)) {}
+std::mt19937 random{1};
 
-    Bytes Next() {
-        Bytes input = AnySeed();
-        for (size_t step = 0, steps = 1 + Below(8); step < steps; ++step) Mutate(input);
-        input.resize(std::min(input.size(), mostBytes));
-        return input;
-    }
+size_t Below(size_t bound) { return bound == 0 ? 0 : random() % bound; }
 
-private:
-    size_t Below(size_t bound) { return bound == 0 ? 0 : random() % bound; }
-    const Bytes& AnySeed() { return seeds[Below(seeds.size())]; }
-    static auto At(Bytes& bytes, size_t offset) { return bytes.begin() + static_cast<std::ptrdiff_t>(offset); }
-
-    void Mutate(Bytes& input) {
-        switch (input.empty() ? 0 : Below(7)) {
-            case 0: return Insert(input);
-            case 1: return Erase(input);
-            case 2: return Splice(input);
-            case 3: return SetWord(input);
-            case 4: input[Below(input.size())] ^= static_cast<uint8_t>(1 << Below(8)); return;
-            case 5: input[Below(input.size())] = tellingBytes[Below(std::size(tellingBytes))]; return;
-            default: input[Below(input.size())] = static_cast<uint8_t>(random()); return;
-        }
-    }
-
-    void Insert(Bytes& input) {
-        const size_t offset = Below(input.size() + 1);
-        const uint8_t value = tellingBytes[Below(std::size(tellingBytes))];
-        input.insert(At(input, offset), 1 + Below(16), value);
-    }
-
-    void Erase(Bytes& input) {
-        const size_t first = Below(input.size());
-        const size_t count = 1 + Below(Below(input.size() - first));
-        input.erase(At(input, first), At(input, first + count));
-    }
-
-    /// Goes on with the end of another seed.
-    void Splice(Bytes& input) {
-        const Bytes& other = AnySeed();
-        input.resize(Below(input.size()));
+/// One of the changes that reach odd places: bytes put in or taken out, the end of another seed, telling values.
+void Mutate(Bytes& input, const Bytes& other) {
+    const auto at = [&](size_t offset) { return input.begin() + static_cast<std::ptrdiff_t>(offset); };
+    const size_t place = Below(input.size()), change = input.empty() ? 0 : Below(7);
+    const uint8_t telling = tellingBytes[Below(std::size(tellingBytes))];
+    if (change == 0) input.insert(at(place), 1 + Below(16), telling);
+    if (change == 1) input.erase(at(place), at(place + 1 + Below(Below(input.size() - place))));
+    if (change == 2) {
+        input.resize(place);
         input.insert(input.end(), other.end() - static_cast<std::ptrdiff_t>(Below(other.size() + 1)), other.end());
     }
-
-    /// Overwrites up to 4 bytes, low byte first.
-    void SetWord(Bytes& input) {
-        uint32_t word = tellingWords[Below(std::size(tellingWords))];
-        for (size_t i = Below(input.size()), end = std::min(i + 4, input.size()); i < end; ++i, word >>= 8)
-            input[i] = static_cast<uint8_t>(word);
-    }
-
-    std::vector<Bytes> seeds;
-    std::mt19937 random{1};
-};
+    uint32_t word = tellingWords[Below(std::size(tellingWords))];
+    for (size_t i = place; change == 3 && i < std::min(place + 4, input.size()); ++i, word >>= 8)
+        input[i] = static_cast<uint8_t>(word);
+    if (change == 4) input[place] ^= static_cast<uint8_t>(1 << Below(8));
+    if (change == 5) input[place] = telling;
+    if (change == 6) input[place] = static_cast<uint8_t>(random());
+}
 
 std::string keptPath;
 std::span<const uint8_t> inputAtWork;
-
-void KeepInput() {
-    std::ofstream(keptPath, std::ios::binary)
-        .write(reinterpret_cast<const char*>(inputAtWork.data()), std::ssize(inputAtWork));
-    std::cerr << "the input is kept in " << keptPath << '\n';
-}
 
 /// The process may be broken when the input is kept; it ends right behind that, whatever comes of it.
 void KeepInputWhenDying() {
     for (const int signal : {SIGABRT, SIGILL, SIGTRAP, SIGALRM})
         std::signal(signal, [](int caught) {
-            KeepInput();
+            std::ofstream(keptPath, std::ios::binary)
+                .write(reinterpret_cast<const char*>(inputAtWork.data()), std::ssize(inputAtWork));
+            std::cerr << "the input is kept in " << keptPath << '\n';
             std::_Exit(128 + caught);
         });
 }
@@ -147,8 +106,12 @@ int main(int argc, char** argv) {
 
     KeepInputWhenDying();
     for (const Bytes& seed : seeds) Try(seed);
-    Mutator mutator(std::move(seeds));
     long runs = 0;
-    for (; runs < mostRuns && std::chrono::steady_clock::now() < end; ++runs) Try(mutator.Next());
+    for (; runs < mostRuns && std::chrono::steady_clock::now() < end; ++runs) {
+        Bytes input = seeds[Below(seeds.size())];
+        for (size_t steps = 1 + Below(8); steps > 0; --steps) Mutate(input, seeds[Below(seeds.size())]);
+        input.resize(std::min(input.size(), mostBytes));
+        Try(input);
+    }
     std::cout << argc - 3 << " seeds and " << runs << " mutated inputs, none of them made trouble\n";
 }
