@@ -33,28 +33,46 @@ TapSet Reversed(TapSet taps) {
     return taps;
 }
 
-// The second scaler pass at a strength of 1.3641479, then designs in which the constants of
-// the centring and of the quantisation each decide about a tap.
-TEST(DesignThreeHalvesTaps, GivesThePinnedTaps) {
+TwofoldTaps TwofoldTapsOf(const PrototypeDesign& design) {
+    PrototypeKernel kernel;
+    DesignPrototype(kernel, design);
+    NormalisePrototype(kernel);
+    return DesignTwofoldTaps(kernel);
+}
+
+// The second scaler pass at a strength of 1.3641479, then designs in which the constants of the centring and of the
+// quantisation each decide about a tap; for two, tuning sets 0 and 1 and two more.
+TEST(DesignTaps, GivesThePinnedTapsAndTheirMirrors) {
     const struct {
         PrototypeDesign design;
         TapSet a, b;
-    } pinned[] = {{CombedDesign(37 + 17 * 0.3641479, -10 - 2 * 0.3641479, 0.81),
-                   {-1, 263, -2558, 2760, 19772, -3462, -533, 79},
-                   {6, 289, -4513, 12378, 12378, -4513, 289, 6}},
-                  {CombedDesign(9, -2, 0.81),
-                   {-1, 108, -1283, 3878, 14408, -456, -370, 36},
-                   {3, 76, -1844, 9925, 9925, -1844, 76, 3}},
-                  {CombedDesign(45, -2, 0.75),
-                   {-1, 115, -2640, 4044, 17474, -1664, -1073, 65},
-                   {12, -123, -3533, 11804, 11804, -3533, -123, 12}}};
-    for (const auto& test : pinned) {
+    } threeHalves[] = {{CombedDesign(37 + 17 * 0.3641479, -10 - 2 * 0.3641479, 0.81),
+                        {-1, 263, -2558, 2760, 19772, -3462, -533, 79},
+                        {6, 289, -4513, 12378, 12378, -4513, 289, 6}},
+                       {CombedDesign(9, -2, 0.81),
+                        {-1, 108, -1283, 3878, 14408, -456, -370, 36},
+                        {3, 76, -1844, 9925, 9925, -1844, 76, 3}},
+                       {CombedDesign(45, -2, 0.75),
+                        {-1, 115, -2640, 4044, 17474, -1664, -1073, 65},
+                        {12, -123, -3533, 11804, 11804, -3533, -123, 12}}};
+    for (const auto& test : threeHalves) {
         const ThreeHalvesTaps taps = TapsOf(test.design);
         EXPECT_EQ(taps.a, test.a);
         EXPECT_EQ(taps.b, test.b);
         EXPECT_EQ(taps.c, Reversed(test.a));
     }
     EXPECT_EQ(TapsOf(CombedDesign(43, -7, 0.6)).a, (TapSet{1, -99, -1177, 5145, 11796, 1529, -874, -1}));
+    const std::pair<PrototypeDesign, TapSet> twofold[] = {
+        {CombedDesign(19, -13, 0.75), {-1, 167, -1087, 5364, 12339, -346, -91, 39}},
+        {CombedDesign(19, -20, 0.75), {-2, 286, -96, 4855, 10428, 451, 416, 46}},
+        {CombedDesign(45, -2, 0.75), {-1, 99, -3018, 5954, 16567, -2502, -762, 47}},
+        {CombedDesign(60, -20, 0.81), {-3, 457, -3819, 4677, 20857, -5809, -43, 67}},
+    };
+    for (const auto& [design, taps] : twofold) {
+        EXPECT_EQ(TwofoldTapsOf(design).a, taps);
+        EXPECT_EQ(TwofoldTapsOf(design).b, Reversed(taps));
+        EXPECT_EQ(SumOf(taps), 16384);
+    }
 }
 
 TEST(DesignThreeHalvesTaps, SumsAreExactAndMomentsWithinOneUnit) {
@@ -69,27 +87,6 @@ TEST(DesignThreeHalvesTaps, SumsAreExactAndMomentsWithinOneUnit) {
                 EXPECT_LE(std::abs(taps.b[3] - taps.b[4]), 1);
                 for (size_t k = 0; k < 3; ++k) EXPECT_EQ(taps.b[k], taps.b[7 - k]);
             }
-}
-
-TwofoldTaps TwofoldTapsOf(const PrototypeDesign& design) {
-    PrototypeKernel kernel;
-    DesignPrototype(kernel, design);
-    NormalisePrototype(kernel);
-    return DesignTwofoldTaps(kernel);
-}
-
-TEST(DesignTwofoldTaps, GivesThePinnedTapsAndTheirMirror) {
-    const std::pair<PrototypeDesign, TapSet> pinned[] = {
-        {CombedDesign(19, -13, 0.75), {-1, 167, -1087, 5364, 12339, -346, -91, 39}},  // tuning set 0
-        {CombedDesign(19, -20, 0.75), {-2, 286, -96, 4855, 10428, 451, 416, 46}},     // tuning set 1
-        {CombedDesign(45, -2, 0.75), {-1, 99, -3018, 5954, 16567, -2502, -762, 47}},
-        {CombedDesign(60, -20, 0.81), {-3, 457, -3819, 4677, 20857, -5809, -43, 67}},
-    };
-    for (const auto& [design, taps] : pinned) {
-        EXPECT_EQ(TwofoldTapsOf(design).a, taps);
-        EXPECT_EQ(TwofoldTapsOf(design).b, Reversed(taps));
-        EXPECT_EQ(SumOf(taps), 16384);
-    }
 }
 
 TEST(DesignPrototype, OtherWindowsStartAtTwoOverPiOrNotAtAll) {

@@ -68,47 +68,41 @@ TEST(LocateInput, TakesTheSourceTypesHeightWhenScaling) {
     EXPECT_EQ(LocateInput(request).height, 32);
 }
 
-// A decoder that writes into a buffer negotiated at the output's size.
-TEST(LocateInput, ChoosesTheStrideOfAStretchedPackedDecoder) {
-    FrameRequest request = Stream(PixelFormat::yuy2, 96, 48, true);
-    request.sourceWidth = 64;
-    request.input.target = {0, 0, 64, 32};
-    request.source.target = request.input.target;
-    EXPECT_EQ(LocateInput(request).stride, 2 * 64) << "stride of the source's rectangle";
-
-    request.source.target = {};
-    EXPECT_EQ(LocateInput(request).stride, (64 * 2 / 3 * 2 + 3) & ~3) << "no rectangle: two thirds";
-
-    request.input.xPelsPerMeter = 1;
-    EXPECT_EQ(LocateInput(request).stride, 2 * 96) << "a resolution asks for the type's width";
-
-    request.input.xPelsPerMeter = 0;
-    request.input.width = 160;
-    EXPECT_EQ(LocateInput(request).stride, 2 * 160) << "rectangle much narrower than the rows";
-
-    request.sourceIsVih2WithoutBitrate = true;
-    EXPECT_EQ(LocateInput(request).stride, 2 * 64) << "tight rows";
-    request.sourceWidth = 65;
-    EXPECT_EQ(LocateInput(request).stride, 2 * 160);
-    request.scalingOn = false;
-    request.sourceWidth = 64;
-    EXPECT_EQ(LocateInput(request).stride, 2 * 160);
-}
-
-TEST(LocateInput, ChoosesTheStrideOfAStretchedPlanarDecoder) {
-    FrameRequest request = Stream(PixelFormat::yv12, 96, 48, true);
-    request.sourceWidth = 64;
-    request.input.target = {0, 0, 64, 32};
-    EXPECT_EQ(LocateInput(request).stride, 96);
-    EXPECT_TRUE(LocateInput(request).chromaAtOutputHeight);
-
-    request.sourceIsVih2WithoutBitrate = true;
-    EXPECT_EQ(LocateInput(request).stride, 64);
-    EXPECT_FALSE(LocateInput(request).chromaAtOutputHeight);
-
-    request.sourceIsVih2WithoutBitrate = false;
-    request.sourceWidth = 63;
-    EXPECT_FALSE(LocateInput(request).chromaAtOutputHeight);
+// A decoder that writes into a buffer negotiated at the output's size: 64 columns of a type 96 wide.
+TEST(LocateInput, ChoosesTheStrideOfAStretchedDecoder) {
+    constexpr PictureRect rectangle{0, 0, 64, 32}, none{};
+    const struct {
+        const char* why;
+        PixelFormat format;
+        int32_t typeWidth, sourceWidth, resolution;
+        PictureRect sourceTarget;
+        bool withoutBitrate, scalingOn;
+        int32_t stride;
+        bool spaced;
+    } cases[] = {
+        {"the source's rectangle", PixelFormat::yuy2, 96, 64, 0, rectangle, false, true, 2 * 64, false},
+        {"no rectangle: two thirds", PixelFormat::yuy2, 96, 64, 0, none, false, true, (64 * 2 / 3 * 2 + 3) & ~3, false},
+        {"a resolution asks for the type's", PixelFormat::yuy2, 96, 64, 1, none, false, true, 2 * 96, false},
+        {"much narrower than the rows", PixelFormat::yuy2, 160, 64, 0, none, false, true, 2 * 160, false},
+        {"tight rows", PixelFormat::yuy2, 160, 64, 0, none, true, true, 2 * 64, false},
+        {"odd rows", PixelFormat::yuy2, 160, 65, 0, none, true, true, 2 * 160, false},
+        {"not scaled", PixelFormat::yuy2, 160, 64, 0, none, true, false, 2 * 160, false},
+        {"planes as far apart as the output's", PixelFormat::yv12, 96, 64, 0, none, false, true, 96, true},
+        {"tight planes", PixelFormat::yv12, 96, 64, 0, none, true, true, 64, false},
+        {"odd planes", PixelFormat::yv12, 96, 63, 0, none, false, true, 96, false},
+    };
+    for (const auto& test : cases) {
+        FrameRequest request = Stream(test.format, 96, 48, true);
+        request.input.target = rectangle;
+        request.input.width = test.typeWidth;
+        request.input.xPelsPerMeter = test.resolution;
+        request.source.target = test.sourceTarget;
+        request.sourceWidth = test.sourceWidth;
+        request.sourceIsVih2WithoutBitrate = test.withoutBitrate;
+        request.scalingOn = test.scalingOn;
+        EXPECT_EQ(LocateInput(request).stride, test.stride) << test.why;
+        EXPECT_EQ(LocateInput(request).chromaAtOutputHeight, test.spaced) << test.why;
+    }
 }
 
 TEST(LayOutFrame, FallsBackToPlainPlanesInAPlainBuffer) {

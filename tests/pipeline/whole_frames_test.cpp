@@ -1,10 +1,7 @@
-// Whole frames through the media object at the ends of what it takes: the largest pictures, and sharpness that is no
-// strength.
+// The largest pictures through the media object: what is not enhanced stands whole over black, what is is so everywhere.
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <limits>
 #include <vector>
 
 #include "shell/caption.h"
@@ -21,15 +18,10 @@ class WholeFrames : public testing::Test {
 protected:
     WholeFrames() {
         ShowCaption(false);
-        Renew();
-    }
-    ~WholeFrames() override { ShowCaption(true); }
-
-    void Renew() {
-        object = TestObject{};
         object.settings->put_EnableLighting(0);
         object.settings->put_AllowHD(1);
     }
+    ~WholeFrames() override { ShowCaption(true); }
 
     /// One frame of synthetic video: the output buffer, which held old content.
     std::vector<uint8_t> Play(const GUID& subtype, int32_t width, int32_t height, unsigned mode) {
@@ -51,15 +43,6 @@ protected:
     HostPicture source{mediaSubtypeYv12, 0, 0}, target = source;
     std::vector<uint8_t> input;
 };
-
-/// How far the frames of two buffers are apart: noise alone makes single samples differ by a few levels.
-int32_t LargestDifference(const std::vector<uint8_t>& a, const std::vector<uint8_t>& b) {
-    int32_t largest = 0;
-    for (size_t i = 0; i < a.size(); ++i) largest = std::max(largest, std::abs(a[i] - b[i]));
-    return largest;
-}
-
-constexpr int32_t mostNoise = 8;  // of two frames
 
 double MeanOf(const std::vector<uint8_t>& bytes, const HostPicture& picture, int32_t plane, int32_t left, int32_t top,
               int32_t side) {
@@ -93,8 +76,7 @@ TEST_F(WholeFrames, FromTheLimitOnStandUnenhancedOverBlack) {
 TEST_F(WholeFrames, JustBelowTheLimitAreEnhancedEverywhere) {
     constexpr int32_t width = 1649, height = 751;  // 1,238,399 samples
     for (const GUID& subtype : planarSubtypes) {
-        const std::vector<uint8_t> kept = Play(subtype, width, height, neverEnlarged);
-        EXPECT_GT(LargestDifference(kept, input), mostNoise);
+        EXPECT_NE(Play(subtype, width, height, neverEnlarged), input);
         const std::vector<uint8_t> output = Play(subtype, width, height, alwaysEnlarged);
         for (int32_t plane = 0; plane < 3; ++plane) {
             const int32_t part = plane == 0 ? 1 : 2;
@@ -105,31 +87,6 @@ TEST_F(WholeFrames, JustBelowTheLimitAreEnhancedEverywhere) {
                         << "plane " << plane << ", " << x << ", " << y;
         }
     }
-}
-
-TEST_F(WholeFrames, SharpnessThatIsNoStrengthCountsAsNoneAndMuchAsTheMost) {
-    constexpr float infinite = std::numeric_limits<float>::infinity();
-    constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
-    for (const unsigned mode : {neverEnlarged, alwaysEnlarged})
-        for (const GUID& subtype : {mediaSubtypeYv12, mediaSubtypeIyuv, mediaSubtypeYuy2}) {
-            const auto play = [&](float sharpness) {
-                Renew();
-                object.settings->put_Sharpness(sharpness);
-                return Play(subtype, 320, 250, mode);
-            };
-            const std::vector<uint8_t> none = play(-1), most = play(1e30F), usual = play(2);
-            EXPECT_GT(LargestDifference(none, usual), 3 * mostNoise);
-            EXPECT_GT(LargestDifference(most, usual), 3 * mostNoise);
-            EXPECT_LT(std::ranges::count(none, oldContent), std::ssize(none) / 10) << "still written";
-            for (const float sharpness : {-1e-30F, -infinite, notANumber})
-                EXPECT_LE(LargestDifference(none, play(sharpness)), mostNoise) << sharpness << ", mode " << mode;
-            for (const float sharpness : {9.0F, infinite})
-                EXPECT_LE(LargestDifference(most, play(sharpness)), mostNoise) << sharpness << ", mode " << mode;
-            if (mode == neverEnlarged && source.packed)
-                EXPECT_EQ(std::ranges::count(play(0), oldContent), std::ssize(none)) << "nothing to do";
-            else
-                EXPECT_LE(LargestDifference(none, play(0)), mostNoise);
-        }
 }
 
 }  // namespace

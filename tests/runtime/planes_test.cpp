@@ -38,29 +38,23 @@ private:
     SampleBlock block;
 };
 
-struct CopyCase {
-    const char* name;
-    int32_t width;
-    int32_t targetStride;
-    int32_t sourceStride;
-    size_t sourceOffset;
-    size_t copiedBytes;
-};
-
 // Bytes copied for three rows.
-constexpr CopyCase copyCases[] = {
-    {"TouchingRowsGoAsOneRun", 50, 66, 66, 0, 3 * 66},
-    {"RowsWiderApartGoOneByOne", 50, 67, 67, 0, 3 * 50},
-    {"RowsNarrowerThanTheWidthGoAsOneRun", 51, 50, 50, 0, 3 * 50},
-    {"WholeUnitsWhereThereIsRoom", 100, 128, 136, 0, 3 * 128},
-    {"NoMoreThan32BytesBehindTheWidth", 95, 128, 136, 0, 3 * 95},
-    {"NoUnitBehindTheSmallerStride", 100, 120, 136, 0, 3 * 100},
-    {"NoUnitFromAnUnalignedSource", 100, 128, 136, 4, 3 * 100},
-    {"NoUnitFromAnUnevenStride", 100, 128, 140, 0, 3 * 100},
-};
-
 TEST(CopyPlane, CopiesExactlyTheBytesOfEachCase) {
-    for (const CopyCase& test : copyCases) {
+    const struct {
+        const char* name;
+        int32_t width, targetStride, sourceStride;
+        size_t sourceOffset, copiedBytes;
+    } cases[] = {
+        {"touching rows go as one run", 50, 66, 66, 0, 3 * 66},
+        {"rows wider apart go one by one", 50, 67, 67, 0, 3 * 50},
+        {"rows narrower than the width go as one run", 51, 50, 50, 0, 3 * 50},
+        {"whole units where there is room", 100, 128, 136, 0, 3 * 128},
+        {"no more than 32 bytes behind the width", 95, 128, 136, 0, 3 * 95},
+        {"no unit behind the smaller stride", 100, 120, 136, 0, 3 * 100},
+        {"no unit from an unaligned source", 100, 128, 136, 4, 3 * 100},
+        {"no unit from an uneven stride", 100, 128, 140, 0, 3 * 100},
+    };
+    for (const auto& test : cases) {
         SCOPED_TRACE(test.name);
         TestPlane source(test.width, 3, test.sourceStride, test.sourceOffset);
         const TestPlane target(test.width, 3, test.targetStride);
