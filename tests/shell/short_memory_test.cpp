@@ -11,6 +11,7 @@
 #include "tests/support/host_stream.h"
 #include "tests/support/memory_count.h"
 #include "tests/support/open_object.h"
+#include "tests/support/test_images.h"
 
 namespace clarivex {
 namespace {
@@ -79,15 +80,6 @@ TEST(ShortMemoryOfAnObject, LosesNoFrameWhicheverAllocationFails) {
         for (const int32_t count : {1, 4}) FailEveryAllocation(subtype, count);
 }
 
-bool HaveTheSamePicture(OpenTestObject& a, OpenTestObject& b) {
-    const Plane& left = a.open->Stream().workspace.enhanced.Planes().luma;
-    const Plane& right = b.open->Stream().workspace.enhanced.Planes().luma;
-    bool same = left.width == right.width && left.height == right.height;
-    for (int32_t y = 0; same && y < left.height; ++y)
-        same = std::equal(left.Row(y), left.Row(y) + left.width, right.Row(y));
-    return same;
-}
-
 TEST(ShortMemoryOfAnObject, AFrameThatGivesUpIsAnErrorAndRunsWhenThereIsMemoryAgain) {
     OpenTestObject scarce, ample;
     Buffers buffers;
@@ -105,7 +97,8 @@ TEST(ShortMemoryOfAnObject, AFrameThatGivesUpIsAnErrorAndRunsWhenThereIsMemoryAg
     }
     EXPECT_GT(failures, 10);
     EXPECT_EQ(1, buffers.in.references.load());
-    EXPECT_TRUE(HaveTheSamePicture(scarce, ample));
+    EXPECT_TRUE(SamePictures(scarce.open->Stream().workspace.enhanced.Planes(),
+                             ample.open->Stream().workspace.enhanced.Planes()));
 }
 
 TEST(ShortMemoryOfAProcess, IsGivenUpAfterTheTimeItAllowsAndTheSizeIsKnown) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <functional>
 #include <limits>
@@ -27,16 +28,24 @@ auto Pick(const NumberSource& numbers, const Values& values) {
     return values[numbers(static_cast<uint32_t>(std::size(values)))];
 }
 
-inline bool IsKnown(HRESULT result) {
-    // clang-format off
-    constexpr HRESULT known[] = {
-        S_OK, S_FALSE, E_POINTER, E_INVALIDARG, E_NOTIMPL, E_UNEXPECTED, E_FAIL, DMO_E_INVALIDSTREAMINDEX,
-        DMO_E_TYPE_NOT_SET, DMO_E_NOTACCEPTING, DMO_E_TYPE_NOT_ACCEPTED, DMO_E_NO_MORE_ITEMS};
-    // clang-format on
-    return std::ranges::find(known, result) != std::end(known);
-}
-
 inline std::string Check(bool good, const char* complaint) { return good ? "" : complaint; }
+
+/// What the object may answer at any time.
+inline std::string CheckKnown(HRESULT result) {
+    constexpr HRESULT known[] = {S_OK,
+                                 S_FALSE,
+                                 E_POINTER,
+                                 E_INVALIDARG,
+                                 E_NOTIMPL,
+                                 E_UNEXPECTED,
+                                 E_FAIL,
+                                 DMO_E_INVALIDSTREAMINDEX,
+                                 DMO_E_TYPE_NOT_SET,
+                                 DMO_E_NOTACCEPTING,
+                                 DMO_E_TYPE_NOT_ACCEPTED,
+                                 DMO_E_NO_MORE_ITEMS};
+    return Check(std::ranges::find(known, result) != std::end(known), "an unknown result");
+}
 
 }  // namespace walking
 
@@ -58,10 +67,10 @@ public:
         return (this->*walking::Pick(numbers, steps))();
     }
 
-    /// Lets go of everything; says what is left behind.
+    /// Lets go of what is held; says what is left behind.
     std::string Finish() {
         object.media->Flush();
-        return walking::Check(in == nullptr || in->references == 1, "the input buffer is still referenced");
+        return walking::Check(in == nullptr || in->references == 1, "flushed input is still kept");
     }
 
     /// Frames that changed their output buffer.
@@ -85,32 +94,24 @@ private:
         return OneIn(3) ? static_cast<int32_t>(numbers(150)) : side;
     }
 
-    template <class Header>
-    void SpoilHeader(Header& header) {
-        BITMAPINFOHEADER& bitmap = header.bmiHeader;
+    template <class Type>
+    HRESULT SetAnyType(Type type) {
+        BITMAPINFOHEADER& bitmap = type.Bitmap();
         bitmap.biBitCount = OneIn(6) ? static_cast<WORD>(numbers(0x10000)) : bitmap.biBitCount;
         bitmap.biSize = OneIn(20) ? numbers(200) : bitmap.biSize;
         bitmap.biXPelsPerMeter = OneIn(3) ? 1 : 0;
-        header.dwBitRate = numbers(2);
+        type.header.dwBitRate = numbers(2);
         if (OneIn(2)) {
             const bool corner = OneIn(2);
-            header.rcTarget = {corner ? AnyCoordinate(0) : 0, corner ? AnyCoordinate(0) : 0,
-                               AnyCoordinate(bitmap.biWidth), AnyCoordinate(bitmap.biHeight)};
+            type.Target() = {corner ? AnyCoordinate(0) : 0, corner ? AnyCoordinate(0) : 0,
+                             AnyCoordinate(bitmap.biWidth), AnyCoordinate(bitmap.biHeight)};
         }
-    }
-
-    template <class Type>
-    HRESULT SetAnyType(Type type) {
-        SpoilHeader(type.header);
-        if constexpr (requires { type.header.dwPictAspectRatioX; }) {
-            type.header.dwPictAspectRatioX = numbers(0xFFFFFFFFU);
-            type.header.dwPictAspectRatioY = numbers(3);
-        }
+        if constexpr (requires { type.header.dwPictAspectRatioX; })
+            type.header.dwPictAspectRatioX = numbers(0xFFFFFFFFU), type.header.dwPictAspectRatioY = numbers(3);
         type.hasFormat = !OneIn(20);
         type.formatBytes = OneIn(15) ? numbers(130) : type.formatBytes;
         type.majorType.Data1 ^= OneIn(30) ? 1 : 0;
-        const DWORD flags = OneIn(6) ? numbers(5) : 0;
-        const DWORD index = OneIn(30) ? 1 : 0;
+        const DWORD flags = OneIn(6) ? numbers(5) : 0, index = OneIn(30) ? 1 : 0;
         const DMO_MEDIA_TYPE* given = OneIn(30) ? nullptr : type.Type();
         return OneIn(2) ? object.media->SetInputType(index, given, flags)
                         : object.media->SetOutputType(index, given, flags);
@@ -122,7 +123,7 @@ private:
         const int32_t height = OneIn(4) ? static_cast<int32_t>(0U - static_cast<uint32_t>(AnySide())) : AnySide();
         const HRESULT result = OneIn(2) ? SetAnyType(VideoInfoType(width, height, subtype))
                                         : SetAnyType(VideoInfo2Type(width, height, subtype));
-        return walking::Check(walking::IsKnown(result), "setting a type gave an unknown result");
+        return walking::CheckKnown(result);
     }
 
     // What a sensible player does, so that frames run through; the rectangle selects among the layouts of a buffer.
@@ -142,24 +143,26 @@ private:
     std::string AskForOutput() {
         ReceivedType type;
         const HRESULT result = object.media->GetOutputType(0, numbers(4), type.Out());
-        if (result != S_OK)
-            return walking::Check(walking::IsKnown(result) && type.Get().pbFormat == nullptr,
-                                  "a refused offer came with a type");
-        if (OneIn(8)) return "";
+        if (result != S_OK && type.Get().pbFormat != nullptr) return "a refused offer came with a type";
+        if (result != S_OK || OneIn(8)) return walking::CheckKnown(result);
         const HRESULT taken = object.media->SetOutputType(0, &type.Get(), 0);
         // A target rectangle that began to the right of the corner may now reach beyond the picture.
         return walking::Check(taken == S_OK || taken == DMO_E_TYPE_NOT_ACCEPTED, "the offered type made trouble");
     }
 
+    // Of any bits; a number is told as it was put.
     std::string ChangeSettings() {
-        static constexpr std::array strengths = {0.0F,  0.5F,  2.0F,
-                                                 -3.0F, 1e30F, std::numeric_limits<float>::quiet_NaN()};
-        object.settings->put_CVXMode(OneIn(3) ? numbers(9) : 2);
-        object.settings->put_Sharpness(walking::Pick(numbers, strengths));
-        object.settings->put_EnableLighting(static_cast<int>(numbers(2)));
+        const auto any = [this] { return numbers(0xFFFFFFFFU); };
+        const float sharpness = OneIn(2) ? std::bit_cast<float>(any()) : static_cast<float>(numbers(5)) / 2 - 0.5F;
+        float told = 0;
+        object.settings->put_CVXMode(OneIn(3) ? OneIn(2) ? any() : numbers(9) : 2);
+        object.settings->put_Sharpness(sharpness);
+        object.settings->put_EnableLighting(static_cast<int>(OneIn(2) ? any() : numbers(2)));
         object.settings->put_AllowHD(static_cast<int>(numbers(2)));
         object.player->SetEnable(OneIn(4) ? FALSE : TRUE);
-        return "";
+        object.settings->get_Sharpness(&told);
+        return walking::Check(std::bit_cast<uint32_t>(told) == std::bit_cast<uint32_t>(sharpness),
+                              "a setting is not what was put");
     }
 
     // A buffer around the size that the types ask for, below and above.
@@ -189,7 +192,7 @@ private:
             in = std::move(fresh);
             return walking::Check(accepts == 1 && in->references == 2, "input was taken without being kept");
         }
-        return walking::Check(walking::IsKnown(result) && fresh->references == 1, "refused input was kept");
+        return fresh->references == 1 ? walking::CheckKnown(result) : "refused input was kept";
     }
 
     std::string TakeOutput() {
@@ -200,19 +203,15 @@ private:
         const HRESULT result = object.media->ProcessOutput(0, OneIn(20) ? 2 : 1, &output, OneIn(3) ? nullptr : &status);
         DWORD accepts = 0;
         object.media->GetInputStatus(0, &accepts);
-        if (!walking::IsKnown(result)) return "output gave an unknown result";
         framesMade += result == S_OK && !out->HoldsOnly(fill) ? 1 : 0;
         if (result == S_OK && accepts != 1) return "a finished frame left its input behind";
-        return walking::Check(out->references == 1, "the output buffer was kept");
+        return out->references == 1 ? walking::CheckKnown(result) : "the output buffer was kept";
     }
 
     std::string FlushOrClear() {
-        if (OneIn(3))
-            return walking::Check(object.media->SetInputType(0, nullptr, DMO_SET_TYPEF_CLEAR) == S_OK, "clear");
-        if (OneIn(2))
-            return walking::Check(object.media->SetOutputType(0, nullptr, DMO_SET_TYPEF_CLEAR) == S_OK, "clear");
-        object.media->Flush();
-        return walking::Check(in == nullptr || in->references == 1, "flushed input is still kept");
+        if (OneIn(3)) return walking::CheckKnown(object.media->SetInputType(0, nullptr, DMO_SET_TYPEF_CLEAR));
+        if (OneIn(2)) return walking::CheckKnown(object.media->SetOutputType(0, nullptr, DMO_SET_TYPEF_CLEAR));
+        return Finish();
     }
 
     NumberSource numbers;
