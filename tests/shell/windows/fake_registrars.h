@@ -1,6 +1,7 @@
 // The two registrars as objects of the test's that note what is asked of them.
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -18,30 +19,27 @@ public:
     explicit FakePluginRegistrar(CallLog& callLog) : CountedFake(iidPluginRegistrar), log(callLog) {}
 
     HRESULT result = S_OK;
-    DWORD priority = 0;
-    GUID pluginType = {};
-    GUID classId = {};
-    std::vector<PluginMediaType> types;
 
-    HRESULT STDMETHODCALLTYPE WMPRegisterPlayerPlugin(BSTR name, BSTR description, BSTR uninstall, DWORD newPriority,
-                                                      GUID type, CLSID id, UINT typeCount, void* newTypes) override {
-        log.push_back(L"enter plug-in: " + TextOrNull(name) + L", " + TextOrNull(description) + L", " +
-                      TextOrNull(uninstall));
-        priority = newPriority;
-        pluginType = type;
-        classId = id;
-        const auto* first = static_cast<const PluginMediaType*>(newTypes);
-        types.assign(first, first + typeCount);
+    HRESULT STDMETHODCALLTYPE WMPRegisterPlayerPlugin(BSTR name, BSTR description, BSTR uninstall, DWORD priority,
+                                                      GUID type, CLSID id, UINT typeCount, void* types) override {
+        log.push_back(L"enter" + Plugin(type, id) + L": " + TextOrNull(name) + L", " + TextOrNull(description) + L", " +
+                      TextOrNull(uninstall) + L", priority " + std::to_wstring(priority) + L", for");
+        for (const PluginMediaType& each : std::span(static_cast<const PluginMediaType*>(types), typeCount)) {
+            const auto* letters = reinterpret_cast<const char*>(&each.subtype.Data1);
+            log.back() += L' ' + std::wstring(letters, letters + 4) +
+                          (IsEqualGUID(each.majorType, mediaTypeVideo) ? L"" : L" that is no video");
+        }
         return result;
     }
     HRESULT STDMETHODCALLTYPE WMPUnRegisterPlayerPlugin(GUID type, CLSID id) override {
-        log.push_back(L"remove plug-in");
-        pluginType = type;
-        classId = id;
+        log.push_back(L"remove" + Plugin(type, id));
         return result;
     }
 
 private:
+    static std::wstring Plugin(const GUID& type, const GUID& id) {
+        return IsEqualGUID(type, pluginTypeDsp) && IsEqualGUID(id, clsidMediaObject) ? L" plug-in" : L" a stranger";
+    }
     CallLog& log;
 };
 

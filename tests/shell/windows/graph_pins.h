@@ -97,7 +97,6 @@ private:
 /// What arrived of one frame: the whole buffer, whatever length the sample tells.
 struct ReceivedFrame {
     std::vector<uint8_t> bytes;
-    LONG toldLength = 0;
     REFERENCE_TIME start = 0;
     REFERENCE_TIME stop = 0;
 };
@@ -138,7 +137,6 @@ public:
         BYTE* data = nullptr;
         if (const HRESULT got = sample->GetPointer(&data); FAILED(got)) return got;
         frame.bytes.assign(data, data + sample->GetSize());
-        frame.toldLength = sample->GetActualDataLength();
         sample->GetTime(&frame.start, &frame.stop);
         frames.push_back(std::move(frame));
         return S_OK;

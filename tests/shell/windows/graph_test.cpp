@@ -85,8 +85,6 @@ private:
         Require(settings != nullptr ? S_OK : E_NOINTERFACE, "the wrapper hides the settings");
         settings->put_CVXMode(wanted.mode);
         settings->put_Sharpness(like.sharpness);
-        settings->put_EnableLighting(like.lighting ? 1 : 0);
-        settings->put_AllowHD(like.allowHd ? 1 : 0);
     }
 
     ComPointer<IPin> WrapperPin(PIN_DIRECTION wanted) const {
@@ -128,7 +126,7 @@ std::vector<uint8_t> Joined(const PicturePlanes& planes) {
 }
 
 // From a freshly loaded module, whose noise and caption start where those of the graph did.
-std::vector<std::vector<uint8_t>> FramesByHand(const GraphCase& wanted, PictureSize& size) {
+std::vector<std::vector<uint8_t>> FramesByHand(const GraphCase& wanted, PictureSize size) {
     EXPECT_EQ(nullptr, GetModuleHandleA("WMP_CVX.dll"));
     const PluginModule plugin;
     PlayerSettings settings;
@@ -136,7 +134,7 @@ std::vector<std::vector<uint8_t>> FramesByHand(const GraphCase& wanted, PictureS
     ComPointer<IMediaObject> media(plugin.Make<IMediaObject>(iidMediaObject).release());
     Player player(std::move(media), {wanted.format, sourceSize, frameRate, {}}, settings);
     EXPECT_EQ(Negotiated::playing, player.Negotiate());
-    size = player.OutputSize();
+    EXPECT_EQ(size, player.OutputSize());
     std::vector<std::vector<uint8_t>> frames;
     for (size_t frame = 0; frame < frameCount; ++frame) frames.push_back(Joined(player.Play(Samples(frame))));
     return frames;
@@ -144,7 +142,7 @@ std::vector<std::vector<uint8_t>> FramesByHand(const GraphCase& wanted, PictureS
 
 void ExpectFramesByHand(const GraphCase& wanted) {
     std::vector<ReceivedFrame> received;
-    BITMAPINFOHEADER picture = {};
+    PictureSize size;
     {
         const PluginModule plugin;
         {
@@ -153,23 +151,19 @@ void ExpectFramesByHand(const GraphCase& wanted) {
             Graph graph(wanted);
             graph.Play();
             received = graph.Result().frames;
-            picture = graph.Result().picture;
+            size = {graph.Result().picture.biWidth, graph.Result().picture.biHeight};
             EXPECT_EQ(1, graph.Result().ends);
         }
         EXPECT_EQ(S_OK, plugin.CanUnload());  // nothing of it is held any more
     }
-    PictureSize size;
     const auto expected = FramesByHand(wanted, size);
-    EXPECT_EQ(size, (PictureSize{picture.biWidth, picture.biHeight}));
     ASSERT_EQ(expected.size(), received.size());
     EXPECT_NE(expected[0], expected[1]);  // equal frames would hide one that comes late
-    const BufferLayout inputLayout(wanted.format, sourceSize);
     const BufferLayout outputLayout(wanted.format, size);
     for (size_t frame = 0; frame < frameCount; ++frame) {
         std::vector<uint8_t> scratch;
         ReceivedFrame& got = received[frame];
         ASSERT_GE(got.bytes.size(), outputLayout.Bytes());
-        EXPECT_EQ(static_cast<LONG>(inputLayout.Bytes()), got.toldLength);
         EXPECT_EQ(FrameStart(frame, frameRate), got.start);
         EXPECT_EQ(FrameStart(frame + 1, frameRate), got.stop);
         EXPECT_TRUE(expected[frame] == Joined(outputLayout.Get(got.bytes, scratch))) << "frame " << frame;
