@@ -43,6 +43,8 @@ public:
     [[nodiscard]] InputBuffer Input() const { return {input.data(), input.size()}; }
     [[nodiscard]] OutputBuffer Output() { return {output.data(), output.size()}; }
 
+    [[nodiscard]] const FrameSize& OutputOf() const { return outSize; }
+
     /// Continues a digest over the output's visible samples: luma, U, V. Where the last row of the earlier chroma plane
     /// is the first one of the later plane, the row above it counts.
     [[nodiscard]] uint32_t Digest(uint32_t crc) const {
