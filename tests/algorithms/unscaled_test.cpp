@@ -37,7 +37,7 @@ int32_t Limited(int32_t value) { return std::clamp(value, 0, 255); }
 
 /// What the walk leaves in a column of a row of the source's luma.
 int32_t PlainWalk(const SourceImage& source, const Walk& walk, int32_t x, int32_t y) {
-    const Plane& luma = source.planes.luma;
+    const PlaneView& luma = source.planes.luma;
     const auto at = [&](int32_t column, int32_t row) {
         const uint8_t* sample = luma.Row(row) + column;
         return int32_t{sample < source.end ? *sample : luma.Row(row)[luma.width - 1]};

@@ -71,7 +71,7 @@ void ExpectPlainSamples(const Scaler& scaler, int32_t along, int32_t across, boo
                         const KernelTable& kernels) {
     const int32_t width = scaler.down ? across : along, height = scaler.down ? along : across;
     const DecodedPicture picture(2 * width, 2 * height, 2 * width, Texture::hard, 5);
-    const Plane& source = picture.Source().planes.third;
+    const PlaneView source = picture.Source().planes.third;
     const int32_t made = scaler.length(along), room = std::max(made + more, 2);
     const int32_t columns = scaler.down ? width + 2 - more : room, rows = scaler.down ? room : height + 1;
     std::vector<uint8_t> memory(static_cast<size_t>(columns * (rows + 1)), 0xA5);
