@@ -33,14 +33,17 @@ public:
 
     uint8_t* Bytes(size_t i) { return byteRows[i].Prepare(2 * longestRow); }
     int16_t* Words(size_t i) { return wordRows[i].Prepare(longestRow); }
-    int16_t* Keep() { return keepRow.Prepare(longestRow); }
+    LumaTone Luma() const { return {{.c3 = 900, .c2 = -400, .c1 = 8100}, pattern.data()}; }
+    ChromaTone Chroma() const { return {pattern.data(), pattern.data()}; }
+    GrainRow Grain() const { return {noise.data(), 40}; }
+    OverlayRow Overlay() { return {keepRow.Prepare(longestRow), Bytes(2), pattern.data()}; }
 
     std::array<int16_t, 24> taps{-120, 480,   -1800, 9600, 9600, -1800, 480,   -120, -120, 480,   -1800, 9600,
                                  9600, -1800, 480,   -120, -120, 480,   -1800, 9600, 9600, -1800, 480,   -120};
-    alignas(64) std::array<int16_t, patternLength> pattern{};
-    alignas(64) std::array<int16_t, 256 + 64> noise{};
 
 private:
+    alignas(64) std::array<int16_t, patternLength> pattern{};
+    alignas(64) std::array<int16_t, noisePeriod + noiseRepeated> noise{};
     std::array<SlackRow<uint8_t>, 8> byteRows;
     std::array<SlackRow<int16_t>, 8> wordRows;
     SlackRow<int16_t> keepRow;
@@ -81,9 +84,6 @@ void CallBlendChromaRows(const KernelTable& table, BenchRows& rows, int32_t widt
     const std::array<const uint8_t*, 4> in{rows.Bytes(0), rows.Bytes(1), rows.Bytes(2), rows.Bytes(3)};
     table.blendChromaRows(in.data(), rows.Bytes(4), width / 2);
 }
-
-constexpr LumaCurve contrastCurve{900, -400, 8100};
-constexpr int32_t noiseStart = 40;
 
 const KernelBench kernelBenches[] = {
     {"splitRow", 1,
@@ -170,27 +170,23 @@ const KernelBench kernelBenches[] = {
      }},
     {"toneLuma", 1,
      [](const KernelTable& table, BenchRows& rows, int32_t width) {
-         table.toneLuma(rows.Bytes(0), rows.Bytes(1), width, contrastCurve, rows.pattern.data(), rows.noise.data(),
-                        noiseStart);
+         table.toneLuma(rows.Bytes(0), rows.Bytes(1), width, rows.Luma(), rows.Grain());
      }},
     {"toneLumaOverlay", 1,
      [](const KernelTable& table, BenchRows& rows, int32_t width) {
-         table.toneLumaOverlay(rows.Bytes(0), rows.Bytes(1), width, contrastCurve, rows.pattern.data(),
-                               rows.noise.data(), noiseStart, rows.Keep(), rows.Bytes(2), rows.pattern.data());
+         table.toneLumaOverlay(rows.Bytes(0), rows.Bytes(1), width, rows.Luma(), rows.Grain(), rows.Overlay());
      }},
     {"toneChroma", 1,
      [](const KernelTable& table, BenchRows& rows, int32_t width) {
-         table.toneChroma(rows.Bytes(0), rows.Bytes(1), width, rows.pattern.data(), rows.pattern.data());
+         table.toneChroma(rows.Bytes(0), rows.Bytes(1), width, rows.Chroma());
      }},
     {"toneChromaNoise", 1,
      [](const KernelTable& table, BenchRows& rows, int32_t width) {
-         table.toneChromaNoise(rows.Bytes(0), rows.Bytes(1), width, rows.pattern.data(), rows.pattern.data(),
-                               rows.noise.data(), noiseStart);
+         table.toneChromaNoise(rows.Bytes(0), rows.Bytes(1), width, rows.Chroma(), rows.Grain());
      }},
     {"toneChromaOverlay", 1,
      [](const KernelTable& table, BenchRows& rows, int32_t width) {
-         table.toneChromaOverlay(rows.Bytes(0), rows.Bytes(1), width, rows.pattern.data(), rows.pattern.data(),
-                                 rows.noise.data(), noiseStart, rows.Keep(), rows.Bytes(2), rows.pattern.data());
+         table.toneChromaOverlay(rows.Bytes(0), rows.Bytes(1), width, rows.Chroma(), rows.Grain(), rows.Overlay());
      }},
     {"blendChromaRows", 1, CallBlendChromaRows},
     {"interleave", 1,

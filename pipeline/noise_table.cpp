@@ -6,66 +6,41 @@
 namespace clarivex {
 namespace {
 
-constexpr int32_t groupBytes = 16;   // 8 luma bytes, 8 chroma bytes
-constexpr int32_t groupColumns = 8;  // luma columns that a group covers
-constexpr int32_t bytesStride = NoiseTable::size / groupColumns * groupBytes;
+static_assert(NoiseGenerator::lumaSide == noisePeriod && 2 * NoiseGenerator::chromaSide == noisePeriod);
 
-uint8_t NoiseByte(float sample, float scale) {
-    const float product = sample * scale;
-    return static_cast<uint8_t>(std::lrint(std::fmin(std::fmax(product, -127.0F), 127.0F)) + 128);
+int16_t NoiseWord(float sample, float scale) {
+    const float limited = std::fmin(std::fmax(sample * scale, -127.0F), 127.0F);
+    return static_cast<int16_t>(4 * (std::lrint(limited) + 128));
 }
 
 }  // namespace
 
 void NoiseTable::Build(float newLevel) {
-    if (byteBlock != nullptr && newLevel == level) return;
+    if (lumaWords != nullptr && newLevel == level) return;
     TakeMemory();
     level = newLevel;
-    FillTables();
+    const auto lumaScale = static_cast<float>(0.5 * level);
+    const auto chromaScale = static_cast<float>(0.33 * level);
+    for (int32_t y = 0; y < rows; ++y) FillRow(y, lumaScale, chromaScale);
 }
 
 void NoiseTable::TakeMemory() {
-    if (byteBlock != nullptr) return;
-    lumaWords = MakeAlignedArray<int16_t>(wordStride * size);
-    chromaWords = MakeAlignedArray<int16_t>(wordStride * size);
-    byteBlock = MakeAlignedArray<uint8_t>(bytesStride * size);
-    bytes = {byteBlock.get(), bytesStride, size, bytesStride};
+    if (lumaWords != nullptr) return;
+    chromaWords = MakeAlignedArray<int16_t>(wordStride * rows);
+    lumaWords = MakeAlignedArray<int16_t>(wordStride * rows);
 }
 
-void NoiseTable::FillTables() {
-    const auto lumaScale = static_cast<float>(0.5 * level);
-    const auto chromaScale = static_cast<float>(0.33 * level);
-    for (int32_t y = 0; y < size; ++y) {
-        FillByteRow(y, lumaScale, chromaScale);
-        FillWordRows(y);
+void NoiseTable::FillRow(int32_t y, float lumaScale, float chromaScale) {
+    int16_t* luma = lumaWords.get() + y * wordStride;
+    int16_t* chroma = chromaWords.get() + y * wordStride;
+    const float* lumaNoise = generator.LumaRow(y);
+    const float* chromaNoise[2] = {generator.ChromaRowA(y / 2), generator.ChromaRowB(y / 2)};
+    for (int32_t x = 0; x < noisePeriod; ++x) {
+        luma[x] = NoiseWord(lumaNoise[x], lumaScale);
+        chroma[x] = NoiseWord(chromaNoise[x % 2][x / 2], chromaScale);
     }
-}
-
-void NoiseTable::FillByteRow(int32_t y, float lumaScale, float chromaScale) {
-    const float* lumaRow = generator.LumaRow(y);
-    const float* chromaRowA = generator.ChromaRowA(y >> 1);
-    const float* chromaRowB = generator.ChromaRowB(y >> 1);
-    uint8_t* out = bytes.Row(y);
-    for (int32_t x = 0; x < size; x += groupColumns) {
-        for (int32_t i = 0; i < groupColumns; ++i) *out++ = NoiseByte(lumaRow[x + i], lumaScale);
-        for (int32_t i = x / 2; i < (x + groupColumns) / 2; ++i) {
-            *out++ = NoiseByte(chromaRowA[i], chromaScale);
-            *out++ = NoiseByte(chromaRowB[i], chromaScale);
-        }
-    }
-}
-
-void NoiseTable::FillWordRows(int32_t y) {
-    int16_t* lumaRow = lumaWords.get() + y * wordStride;
-    int16_t* chromaRow = chromaWords.get() + y * wordStride;
-    const uint8_t* row = bytes.Row(y);
-    for (int32_t x = 0; x < size; ++x) {
-        const uint8_t* group = row + x / groupColumns * groupBytes;
-        lumaRow[x] = static_cast<int16_t>(group[x % groupColumns] << 2);
-        chromaRow[x] = static_cast<int16_t>(group[groupColumns + x % groupColumns] << 2);
-    }
-    std::copy_n(lumaRow, repeated, lumaRow + size);
-    std::copy_n(chromaRow, repeated, chromaRow + size);
+    std::copy_n(luma, noiseRepeated, luma + noisePeriod);
+    std::copy_n(chroma, noiseRepeated, chroma + noisePeriod);
 }
 
 }  // namespace clarivex

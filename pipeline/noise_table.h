@@ -5,51 +5,47 @@
 
 #include "pipeline/noise_generator.h"
 #include "runtime/memory.h"
-#include "runtime/planes.h"
+#include "simd/kernel_table.h"
 
 namespace clarivex {
 
-/// Byte tables made of a generator's planes. On the frame thread only. Both directions of the table wrap without a seam.
+/// Tables of words made of a generator's planes. On the frame thread only. They wrap without a seam in both directions.
 class NoiseTable {
 public:
-    static constexpr int32_t size = NoiseGenerator::lumaSide;  ///< rows and columns of the table
-    static constexpr int32_t repeated = 64;  ///< entries that a row of words repeats from its start behind its end
-
     /// planes  have to outlive the table. It takes its memory with the first Build.
     explicit NoiseTable(const NoiseGenerator& planes) : generator(planes) {}
 
     NoiseTable(const NoiseTable&) = delete;
     NoiseTable& operator=(const NoiseTable&) = delete;
 
-    /// Builds the tables for `level`, the strength of the noise, unless they stand for exactly that level. Level 0 is all
-    /// 128.
+    /// Builds the tables for `level`, the strength of the noise, unless they stand for exactly that level. An entry is four
+    /// times 128 plus the noise at that strength, rounded to nearest and limited to −127 … 127.
     void Build(float level);
 
-    /// Luma noise of a row times four: entry x is that of column x & 255, for x = 0 … 319. row 0 … 255. Once built.
-    const int16_t* LumaRow(int32_t row) const { return lumaWords.get() + row * wordStride; }
+    /// Noise of row y of the current frame's picture, for luma, and for chroma samples of two planes in turn. Once built.
+    GrainRow LumaGrain(int32_t y) const { return {RowIn(lumaWords, y), FirstColumn()}; }
+    GrainRow ChromaGrain(int32_t y) const { return {RowIn(chromaWords, y), FirstColumn()}; }
 
-    /// Chroma noise of a row times four, first and second slot of a pair in turn, for 0 … 319 like LumaRow.
-    const int16_t* ChromaRow(int32_t row) const { return chromaWords.get() + row * wordStride; }
-
-    /// Table of 256 rows of 32 groups: 8 luma bytes and 8 interleaved chroma bytes, all biased by 128.
-    Plane bytes;
-
-    /// Where the current frame reads the table.
+    /// Where the current frame reads the tables.
     NoiseOffsets offsets;
 
     /// Strength that the tables were built for.
     float level = 0.0F;
 
 private:
-    static constexpr int32_t wordStride = size + repeated;
+    static constexpr int32_t rows = NoiseGenerator::lumaSide;
+    static constexpr int32_t wordStride = noisePeriod + noiseRepeated;
+
+    int32_t FirstColumn() const { return offsets.x & (noisePeriod - 8); }
+    const int16_t* RowIn(const AlignedArray<int16_t>& words, int32_t y) const {
+        const uint32_t row = (static_cast<uint32_t>(offsets.y) + static_cast<uint32_t>(y)) % rows;
+        return words.get() + row * wordStride;
+    }
 
     void TakeMemory();
-    void FillTables();
-    void FillByteRow(int32_t y, float lumaScale, float chromaScale);
-    void FillWordRows(int32_t y);
+    void FillRow(int32_t y, float lumaScale, float chromaScale);
 
     const NoiseGenerator& generator;
-    SampleBlock byteBlock;
     AlignedArray<int16_t> lumaWords;
     AlignedArray<int16_t> chromaWords;
 };

@@ -33,9 +33,9 @@ OutputConstants MakeOutputConstants(const LightingCorrection& params) {
             .oV = LowWord(params.chromaOffsetV * offsetScale)};
 }
 
-bool PackedNeedsWork(const LightingCorrection& params, const OutputConstants& constants, float noiseLevel) {
+bool PackedNeedsWork(const LightingCorrection& params, float noiseLevel) {
     constexpr double invisibleNoise = 0.0001;
-    const bool constantsNeutral = constants == OutputConstants{};
+    const bool constantsNeutral = MakeOutputConstants(params) == OutputConstants{};
     return PlanarNeedsWork(params, noiseLevel) && !(constantsNeutral && noiseLevel < invisibleNoise);
 }
 

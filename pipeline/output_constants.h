@@ -27,7 +27,7 @@ OutputConstants MakeOutputConstants(const LightingCorrection& params);
 
 /// False when a frame without overlay comes out of the packed stage as a plain interleave: neutral parameters without
 /// noise, or neutral constants with noise below 0.0001.
-bool PackedNeedsWork(const LightingCorrection& params, const OutputConstants& constants, float noiseLevel);
+bool PackedNeedsWork(const LightingCorrection& params, float noiseLevel);
 
 /// False when a frame without overlay comes out of the planar stage as a copy: neutral parameters without noise.
 bool PlanarNeedsWork(const LightingCorrection& params, float noiseLevel);

@@ -2,8 +2,6 @@
 
 #include <cstring>
 
-#include "overlay/overlay_tiles.h"
-
 namespace clarivex {
 namespace {
 
@@ -13,7 +11,14 @@ int16_t KeepFactor(uint8_t keep) { return static_cast<int16_t>((keep << 8 | keep
 
 }  // namespace
 
-OverlayRow UnpackTileRow(const uint8_t* groups, int32_t columns, OutputScratch& scratch) {
+OverlayRows::OverlayRows(const OverlayTiles& tiles, int32_t columns, OutputScratch& scratch)
+    : tiles(tiles),
+      columns(columns),
+      scratch(scratch),
+      wideEnough(columns * (OverlayTiles::groupBytes / group) <= tiles.Stride()) {}
+
+OverlayTerms OverlayRows::Terms(int32_t y) const {
+    const uint8_t* groups = tiles.Row(y);
     uint8_t* luma = scratch.lumaTerms.Prepare(columns);
     uint8_t* chroma = scratch.chromaTerms.Prepare(columns);
     int16_t* keep = scratch.keep.Prepare(columns);
@@ -25,11 +30,13 @@ OverlayRow UnpackTileRow(const uint8_t* groups, int32_t columns, OutputScratch& 
     return {luma, chroma, keep};
 }
 
-const int16_t* MeanKeep(const OverlayRow& row, int32_t columns, OutputScratch& scratch) {
-    int16_t* means = scratch.chromaKeep.Prepare(columns + 1);
+OverlayTerms OverlayRows::ChromaTerms(int32_t y) const {
+    OverlayTerms terms = Terms(y);
+    int16_t* means = scratch.chromaKeep.Prepare(columns);
     for (int32_t x = 0; x < columns; x += 2)
-        means[x] = means[x + 1] = static_cast<int16_t>((row.keep[x] + row.keep[x + 1]) >> 1);
-    return means;
+        means[x] = means[x + 1] = static_cast<int16_t>((terms.keep[x] + terms.keep[x + 1]) >> 1);
+    terms.keep = means;
+    return terms;
 }
 
 }  // namespace clarivex

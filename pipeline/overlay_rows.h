@@ -3,23 +3,38 @@
 
 #include <cstdint>
 
+#include "overlay/overlay_tiles.h"
 #include "pipeline/frame_workspace.h"
 
 namespace clarivex {
 
 /// Terms and keep factors (0 … 32767) of one row. Slack rows.
-struct OverlayRow {
-    const uint8_t* lumaTerms;
-    const uint8_t* chromaTerms;  ///< U and V in turn
+struct OverlayTerms {
+    const uint8_t* luma;
+    const uint8_t* chroma;  ///< U and V in turn
     const int16_t* keep;
 };
 
-/// Takes the 24-byte groups of a tile row apart.
-///
-/// columns  luma columns wanted; the row holds whole groups of 8 of them
-OverlayRow UnpackTileRow(const uint8_t* groups, int32_t columns, OutputScratch& scratch);
+/// The overlay as far as it lies over a picture: nothing does when the picture is wider than the tiles.
+class OverlayRows {
+public:
+    /// columns  of the picture's luma, an even number. tiles and scratch have to outlive the rows.
+    OverlayRows(const OverlayTiles& tiles, int32_t columns, OutputScratch& scratch);
 
-/// Keep factors of interleaved chroma samples that share two columns: the mean of both columns' factors, twice.
-const int16_t* MeanKeep(const OverlayRow& row, int32_t columns, OutputScratch& scratch);
+    /// Whether there is something to blend over row y.
+    bool Has(int32_t y) const { return wideEnough && tiles.Row(y) != nullptr; }
+
+    /// Takes the groups of a row that has some apart. Valid until the next call.
+    OverlayTerms Terms(int32_t y) const;
+
+    /// The same with the keep factors that the two samples of a chroma column share: the mean of both columns' factors.
+    OverlayTerms ChromaTerms(int32_t y) const;
+
+private:
+    const OverlayTiles& tiles;
+    int32_t columns;
+    OutputScratch& scratch;
+    bool wideEnough;
+};
 
 }  // namespace clarivex

@@ -37,6 +37,37 @@ struct LumaCurve {
     int16_t c1 = 8192;
 };
 
+/// A row's curve in the output stages, and what is added to it by column, in sixteenths.
+struct LumaTone {
+    LumaCurve curve;
+    const int16_t* pattern;
+};
+
+/// A chroma row's gains, 8192 for 1, and what is added to it, in sixteenths, both by column.
+struct ChromaTone {
+    const int16_t* gains;
+    const int16_t* pattern;
+};
+
+/// Noise rows have a period of 256 columns and repeat their first 64 behind it, so that a block never wraps inside.
+constexpr int32_t noisePeriod = 256;
+constexpr int32_t noiseRepeated = 64;
+
+/// Noise of a row in sixteenths: column x takes entry (firstColumn + x) mod noisePeriod. firstColumn is a multiple of 8,
+/// 0 … 248.
+struct GrainRow {
+    const int16_t* words;
+    int32_t firstColumn;
+};
+
+/// What the overlay does to a row: the share of the video that it keeps, 0 … 32767 (a slack row), what it adds, and the
+/// rounding of what was kept, in eighths and by column. keep and terms have one entry a column.
+struct OverlayRow {
+    const int16_t* keep;
+    const uint8_t* terms;
+    const int16_t* dither;
+};
+
 struct KernelTable {
     const char* name;
 
@@ -122,28 +153,23 @@ struct KernelTable {
     /// Splits a row of packed pixel pairs (Y0 U Y1 V) into planes; u and v may be null together.
     void (*splitPackedRow)(const uint8_t* packed, uint8_t* luma, uint8_t* u, uint8_t* v, int32_t pairs);
 
-    /// out = sat8((curve(Y) + pattern + noise) >> 4). noise: words of a noise row of 256 + 64 entries, read from entry
-    /// noiseStart (a multiple of 8, below 256) on, modulo 256.
-    void (*toneLuma)(const uint8_t* in, uint8_t* out, int32_t width, const LumaCurve& curve, const int16_t* pattern,
-                     const int16_t* noise, int32_t noiseStart);
+    /// out = sat8((curve(Y) + pattern + noise) >> 4).
+    void (*toneLuma)(const uint8_t* in, uint8_t* out, int32_t width, const LumaTone& tone, const GrainRow& grain);
 
     /// The same under an overlay: out = sat8((hi(curve(Y) + pattern + noise, keep) + dither) >> 3) + term, saturating.
-    /// keep and term have one entry a column; keep is 0 … 32767 and a slack row.
-    void (*toneLumaOverlay)(const uint8_t* in, uint8_t* out, int32_t width, const LumaCurve& curve,
-                            const int16_t* pattern, const int16_t* noise, int32_t noiseStart, const int16_t* keep,
-                            const uint8_t* term, const int16_t* dither);
+    void (*toneLumaOverlay)(const uint8_t* in, uint8_t* out, int32_t width, const LumaTone& tone, const GrainRow& grain,
+                            const OverlayRow& overlay);
 
-    /// out = sat8((hi(128·C, gain) + pattern) >> 4); gain and pattern by column.
-    void (*toneChroma)(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* gain, const int16_t* pattern);
+    /// out = sat8((hi(128·C, gain) + pattern) >> 4).
+    void (*toneChroma)(const uint8_t* in, uint8_t* out, int32_t width, const ChromaTone& tone);
 
     /// The same with noise, for interleaved chroma samples.
-    void (*toneChromaNoise)(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* gain, const int16_t* pattern,
-                            const int16_t* noise, int32_t noiseStart);
+    void (*toneChromaNoise)(const uint8_t* in, uint8_t* out, int32_t width, const ChromaTone& tone,
+                            const GrainRow& grain);
 
     /// The same under an overlay, as toneLumaOverlay.
-    void (*toneChromaOverlay)(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* gain,
-                              const int16_t* pattern, const int16_t* noise, int32_t noiseStart, const int16_t* keep,
-                              const uint8_t* term, const int16_t* dither);
+    void (*toneChromaOverlay)(const uint8_t* in, uint8_t* out, int32_t width, const ChromaTone& tone,
+                              const GrainRow& grain, const OverlayRow& overlay);
 
     /// Interleaves the chroma of two planes, each pulled a quarter of the way to its neighbour row by two rounding
     /// averages: out[2i] from the first plane, out[2i + 1] from the second. rows: first, its neighbour, second, its

@@ -25,110 +25,120 @@ struct CurveWords {
     }
 };
 
-/// Noise words of a block; the table's rows repeat their first 64 entries, so a block never wraps inside.
-inline const int16_t* NoiseAt(const int16_t* noise, int32_t noiseStart, int32_t x) {
-    return noise + ((noiseStart + x) & 255);
-}
-
-/// Adds column pattern and noise.
+/// Two registers of a row of words.
 template <class Lanes>
-typename Lanes::I16 Dither(typename Lanes::I16 value, const int16_t* pattern, const int16_t* noise) {
-    return Lanes::AddWrap(Lanes::AddWrap(value, Lanes::Load(pattern)), Lanes::Load(noise));
+Words<Lanes> LoadRow(const int16_t* row) {
+    return {Lanes::Load(row), Lanes::Load(row + Lanes::width)};
 }
 
-/// Sixteenths to words of samples; packing limits them.
+/// The same of a column pattern; at most widths both are the same words, which is left to the compiler to see.
 template <class Lanes>
-typename Lanes::I16 Finish(typename Lanes::I16 sixteenths) {
-    return Lanes::template ShiftRight<4>(sixteenths);
+Words<Lanes> LoadPattern(const int16_t* pattern, int32_t x) {
+    const auto at = [&](int32_t column) { return Lanes::Load(pattern + (column & (patternPeriod - 1))); };
+    return {at(x), at(x + Lanes::width)};
 }
 
-/// Scales by the keep factor, which also halves, so that eighths remain.
 template <class Lanes>
-typename Lanes::I16 FinishKept(typename Lanes::I16 sixteenths, const int16_t* keep, const int16_t* dither) {
-    const auto eighths = Lanes::MulHigh(sixteenths, Lanes::Load(keep));
-    return Lanes::template ShiftRight<3>(Lanes::AddWrap(eighths, Lanes::Load(dither)));
+Words<Lanes> LoadNoise(const GrainRow& grain, int32_t x) {
+    return LoadRow<Lanes>(grain.words + ((grain.firstColumn + x) & (noisePeriod - 1)));
 }
 
-/// A row through `value` (words of samples to sixteenths), then pattern and noise.
-template <class Lanes, class Value>
-void NoisyRow(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* pattern, const int16_t* noise,
-              int32_t noiseStart, Value value) {
+template <class Lanes>
+Words<Lanes> Add(const Words<Lanes>& a, const Words<Lanes>& b) {
+    return {Lanes::AddWrap(a.low, b.low), Lanes::AddWrap(a.high, b.high)};
+}
+
+template <class Lanes>
+Words<Lanes> MulHigh(const Words<Lanes>& a, const Words<Lanes>& b) {
+    return {Lanes::MulHigh(a.low, b.low), Lanes::MulHigh(a.high, b.high)};
+}
+
+/// Samples out of parts of them, 2 to the power of `bits`, limited to bytes.
+template <class Lanes, int bits>
+typename Lanes::U8 Finish(const Words<Lanes>& parts) {
+    return Lanes::Pack(Lanes::template ShiftRight<bits>(parts.low), Lanes::template ShiftRight<bits>(parts.high));
+}
+
+/// Luma through its curve with the column pattern: sixteenths.
+template <class Lanes>
+class TonedLuma {
+public:
+    explicit TonedLuma(const LumaTone& tone) : curve(tone.curve), pattern(tone.pattern) {}
+
+    Words<Lanes> operator()(const Words<Lanes>& luma, int32_t x) const {
+        return Add<Lanes>({curve(luma.low), curve(luma.high)}, LoadPattern<Lanes>(pattern, x));
+    }
+
+private:
+    CurveWords<Lanes> curve;
+    const int16_t* pattern;
+};
+
+/// Chroma times its column's gain with the column pattern: sixteenths.
+template <class Lanes>
+class TonedChroma {
+public:
+    explicit TonedChroma(const ChromaTone& tone) : gains(tone.gains), pattern(tone.pattern) {}
+
+    Words<Lanes> operator()(const Words<Lanes>& chroma, int32_t x) const {
+        const Words<Lanes> q{Lanes::template ShiftLeft<7>(chroma.low), Lanes::template ShiftLeft<7>(chroma.high)};
+        return Add<Lanes>(MulHigh<Lanes>(q, LoadPattern<Lanes>(gains, x)), LoadPattern<Lanes>(pattern, x));
+    }
+
+private:
+    const int16_t* gains;
+    const int16_t* pattern;
+};
+
+template <class Lanes, class Toned>
+void NoisyRow(const uint8_t* in, uint8_t* out, int32_t width, const Toned& toned, GrainRow grain) {
     ForEachBlock<Lanes>(width, [&](int32_t x, auto block) {
-        const Words<Lanes> samples = block.LoadWords(in + x);
-        const int16_t* columns = pattern + x % patternPeriod;
-        const int16_t* grain = NoiseAt(noise, noiseStart, x);
-        const auto low = Dither<Lanes>(value(samples.low, x), columns, grain);
-        const auto high =
-            Dither<Lanes>(value(samples.high, x + Lanes::width), columns + Lanes::width, grain + Lanes::width);
-        block.Store(out + x, Lanes::Pack(Finish<Lanes>(low), Finish<Lanes>(high)));
+        const Words<Lanes> video = toned(block.LoadWords(in + x), x);
+        block.Store(out + x, Finish<Lanes, 4>(Add<Lanes>(video, LoadNoise<Lanes>(grain, x))));
     });
 }
 
-/// The same under an overlay: keep factors and terms of one row.
-template <class Lanes, class Value>
-void OverlaidRow(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* pattern, const int16_t* noise,
-                 int32_t noiseStart, const int16_t* keep, const uint8_t* term, const int16_t* dither, Value value) {
+/// The keep factor also halves, so that eighths remain.
+template <class Lanes, class Toned>
+void OverlaidRow(const uint8_t* in, uint8_t* out, int32_t width, const Toned& toned, GrainRow grain,
+                 OverlayRow overlay) {
     ForEachBlock<Lanes>(width, [&](int32_t x, auto block) {
-        const Words<Lanes> samples = block.LoadWords(in + x);
-        const int32_t column = x % patternPeriod;
-        const int16_t* grain = NoiseAt(noise, noiseStart, x);
-        const auto low = Dither<Lanes>(value(samples.low, x), pattern + column, grain);
-        const auto high =
-            Dither<Lanes>(value(samples.high, x + Lanes::width), pattern + column + Lanes::width, grain + Lanes::width);
-        const auto kept = Lanes::Pack(FinishKept<Lanes>(low, keep + x, dither + column),
-                                      FinishKept<Lanes>(high, keep + x + Lanes::width, dither + column + Lanes::width));
-        block.Store(out + x, Lanes::AddBytes(kept, block.Load(term + x)));
-    });
-}
-
-template <class Lanes>
-void ToneLuma(const uint8_t* in, uint8_t* out, int32_t width, const LumaCurve& curve, const int16_t* pattern,
-              const int16_t* noise, int32_t noiseStart) {
-    const CurveWords<Lanes> tone(curve);
-    NoisyRow<Lanes>(in, out, width, pattern, noise, noiseStart,
-                    [&](typename Lanes::I16 luma, int32_t) { return tone(luma); });
-}
-
-template <class Lanes>
-void ToneLumaOverlay(const uint8_t* in, uint8_t* out, int32_t width, const LumaCurve& curve, const int16_t* pattern,
-                     const int16_t* noise, int32_t noiseStart, const int16_t* keep, const uint8_t* term,
-                     const int16_t* dither) {
-    const CurveWords<Lanes> tone(curve);
-    OverlaidRow<Lanes>(in, out, width, pattern, noise, noiseStart, keep, term, dither,
-                       [&](typename Lanes::I16 luma, int32_t) { return tone(luma); });
-}
-
-/// Chroma samples times their column's gain.
-template <class Lanes>
-typename Lanes::I16 ScaleChroma(typename Lanes::I16 chroma, const int16_t* gain, int32_t x) {
-    return Lanes::MulHigh(Lanes::template ShiftLeft<7>(chroma), Lanes::Load(gain + x % patternPeriod));
-}
-
-template <class Lanes>
-void ToneChroma(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* gain, const int16_t* pattern) {
-    ForEachBlock<Lanes>(width, [&](int32_t x, auto block) {
-        const Words<Lanes> samples = block.LoadWords(in + x);
-        const auto value = [&](typename Lanes::I16 chroma, int32_t column) {
-            const auto scaled = ScaleChroma<Lanes>(chroma, gain, column);
-            return Finish<Lanes>(Lanes::AddWrap(scaled, Lanes::Load(pattern + column % patternPeriod)));
-        };
-        block.Store(out + x, Lanes::Pack(value(samples.low, x), value(samples.high, x + Lanes::width)));
+        const Words<Lanes> video = toned(block.LoadWords(in + x), x);
+        const Words<Lanes> noisy = Add<Lanes>(video, LoadNoise<Lanes>(grain, x));
+        const Words<Lanes> kept = MulHigh<Lanes>(noisy, LoadRow<Lanes>(overlay.keep + x));
+        const auto samples = Finish<Lanes, 3>(Add<Lanes>(kept, LoadPattern<Lanes>(overlay.dither, x)));
+        block.Store(out + x, Lanes::AddBytes(samples, block.Load(overlay.terms + x)));
     });
 }
 
 template <class Lanes>
-void ToneChromaNoise(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* gain, const int16_t* pattern,
-                     const int16_t* noise, int32_t noiseStart) {
-    NoisyRow<Lanes>(in, out, width, pattern, noise, noiseStart,
-                    [&](typename Lanes::I16 chroma, int32_t x) { return ScaleChroma<Lanes>(chroma, gain, x); });
+void ToneLuma(const uint8_t* in, uint8_t* out, int32_t width, const LumaTone& tone, const GrainRow& grain) {
+    NoisyRow<Lanes>(in, out, width, TonedLuma<Lanes>(tone), grain);
 }
 
 template <class Lanes>
-void ToneChromaOverlay(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* gain, const int16_t* pattern,
-                       const int16_t* noise, int32_t noiseStart, const int16_t* keep, const uint8_t* term,
-                       const int16_t* dither) {
-    OverlaidRow<Lanes>(in, out, width, pattern, noise, noiseStart, keep, term, dither,
-                       [&](typename Lanes::I16 chroma, int32_t x) { return ScaleChroma<Lanes>(chroma, gain, x); });
+void ToneLumaOverlay(const uint8_t* in, uint8_t* out, int32_t width, const LumaTone& tone, const GrainRow& grain,
+                     const OverlayRow& overlay) {
+    OverlaidRow<Lanes>(in, out, width, TonedLuma<Lanes>(tone), grain, overlay);
+}
+
+template <class Lanes>
+void ToneChroma(const uint8_t* in, uint8_t* out, int32_t width, const ChromaTone& tone) {
+    const TonedChroma<Lanes> toned(tone);
+    ForEachBlock<Lanes>(width, [&](int32_t x, auto block) {
+        block.Store(out + x, Finish<Lanes, 4>(toned(block.LoadWords(in + x), x)));
+    });
+}
+
+template <class Lanes>
+void ToneChromaNoise(const uint8_t* in, uint8_t* out, int32_t width, const ChromaTone& tone, const GrainRow& grain) {
+    NoisyRow<Lanes>(in, out, width, TonedChroma<Lanes>(tone), grain);
+}
+
+template <class Lanes>
+void ToneChromaOverlay(const uint8_t* in, uint8_t* out, int32_t width, const ChromaTone& tone, const GrainRow& grain,
+                       const OverlayRow& overlay) {
+    OverlaidRow<Lanes>(in, out, width, TonedChroma<Lanes>(tone), grain, overlay);
 }
 
 }  // namespace

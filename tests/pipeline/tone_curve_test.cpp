@@ -89,10 +89,10 @@ TEST(NeedsWork, OnlyThePackedStageOverlooksWhatRoundsAway) {
     LightingCorrection nearly;
     nearly.lumaGain = 0.99999994F;
     nearly.lumaOffset = 6.6e-07F;
-    EXPECT_FALSE(PackedNeedsWork(nearly, MakeOutputConstants(nearly), 0.0F));
+    EXPECT_FALSE(PackedNeedsWork(nearly, 0.0F));
     EXPECT_TRUE(PlanarNeedsWork(nearly, 0.0F));
     nearly.chromaOffsetV = 0.1F;
-    EXPECT_TRUE(PackedNeedsWork(nearly, MakeOutputConstants(nearly), 0.0F));
+    EXPECT_TRUE(PackedNeedsWork(nearly, 0.0F));
 }
 
 }  // namespace

@@ -249,54 +249,42 @@ const int16_t* Pattern(CallRows& rows, const char* name) {
     return words;
 }
 
-struct Noise {
-    const int16_t* row;
-    int32_t start;
-};
-
-Noise PickNoise(CallRows& rows) {
-    constexpr int32_t period = 256;
-    int16_t* row = RangedWords(rows, "noise to", period + 64);
-    std::copy_n(row, 64, row + period);
-    return {row, rows.Note("noise start", 8 * UpTo(rows.random, 31))};
+GrainRow PickGrain(CallRows& rows) {
+    int16_t* words = RangedWords(rows, "noise to", noisePeriod + noiseRepeated);
+    std::copy_n(words, noiseRepeated, words + noisePeriod);
+    return {words, rows.Note("noise start", 8 * UpTo(rows.random, 31))};
 }
-
-struct OverlayRow {
-    const int16_t* keep;
-    const uint8_t* term;
-    const int16_t* dither;
-};
 
 OverlayRow PickOverlay(CallRows& rows, int32_t width) {
     const int16_t* keep = rows.RoomyWords(width, slackToRead, {}, 0, 32767);
-    const uint8_t* term = rows.Bytes(width);
-    return {keep, term, Pattern(rows, "dither to")};
+    const uint8_t* terms = rows.Bytes(width);
+    return {keep, terms, Pattern(rows, "dither to")};
 }
 
 template <bool withOverlay>
 void CallToneLuma(const KernelTable& table, CallRows& rows, int32_t width) {
     const uint8_t* in = rows.Bytes(width);
     const LumaCurve curve = PickCurve(rows);
-    const int16_t* pattern = Pattern(rows, "pattern to");
-    const Noise noise = PickNoise(rows);
-    if (!withOverlay) return table.toneLuma(in, rows.Out(width), width, curve, pattern, noise.row, noise.start);
-    const OverlayRow overlay = PickOverlay(rows, width);
-    table.toneLumaOverlay(in, rows.Out(width), width, curve, pattern, noise.row, noise.start, overlay.keep,
-                          overlay.term, overlay.dither);
+    const LumaTone tone{curve, Pattern(rows, "pattern to")};
+    const GrainRow grain = PickGrain(rows);
+    if (withOverlay)
+        table.toneLumaOverlay(in, rows.Out(width), width, tone, grain, PickOverlay(rows, width));
+    else
+        table.toneLuma(in, rows.Out(width), width, tone, grain);
 }
 
 template <bool withNoise, bool withOverlay>
 void CallToneChroma(const KernelTable& table, CallRows& rows, int32_t width) {
     const uint8_t* in = rows.Bytes(width);
-    const int16_t* gain = Pattern(rows, "gain to");
-    const int16_t* pattern = Pattern(rows, "pattern to");
+    const int16_t* gains = Pattern(rows, "gain to");
+    const ChromaTone tone{gains, Pattern(rows, "pattern to")};
     uint8_t* out = rows.Out(width);
-    if (!withNoise) return table.toneChroma(in, out, width, gain, pattern);
-    const Noise noise = PickNoise(rows);
-    if (!withOverlay) return table.toneChromaNoise(in, out, width, gain, pattern, noise.row, noise.start);
-    const OverlayRow overlay = PickOverlay(rows, width);
-    table.toneChromaOverlay(in, out, width, gain, pattern, noise.row, noise.start, overlay.keep, overlay.term,
-                            overlay.dither);
+    if (!withNoise) return table.toneChroma(in, out, width, tone);
+    const GrainRow grain = PickGrain(rows);
+    if (withOverlay)
+        table.toneChromaOverlay(in, out, width, tone, grain, PickOverlay(rows, width));
+    else
+        table.toneChromaNoise(in, out, width, tone, grain);
 }
 
 void CallInterleave(const KernelTable& table, CallRows& rows, int32_t width) {

@@ -221,48 +221,41 @@ int32_t CurveAt(int32_t luma, const LumaCurve& curve) {
     return MulHigh(Wrap16(t + curve.c1), q);
 }
 
-int32_t Sixteenths(int32_t value, int32_t pattern, int32_t noise) { return Wrap16(value + pattern + noise); }
+int32_t GrainAt(const GrainRow& grain, int32_t x) { return grain.words[(grain.firstColumn + x) % noisePeriod]; }
 
-uint8_t Overlaid(int32_t sixteenths, int32_t keep, int32_t dither, int32_t term) {
-    return Saturate8(Saturate8(Wrap16(MulHigh(sixteenths, keep) + dither) >> 3) + term);
+int32_t TonedLuma(int32_t luma, int32_t x, const LumaTone& tone, int32_t noise) {
+    return Wrap16(CurveAt(luma, tone.curve) + tone.pattern[x % patternPeriod] + noise);
 }
 
-void ToneLuma(const uint8_t* in, uint8_t* out, int32_t width, const LumaCurve& curve, const int16_t* pattern,
-              const int16_t* noise, int32_t noiseStart) {
-    for (int32_t x = 0; x < width; ++x)
-        out[x] = Saturate8(
-            Sixteenths(CurveAt(in[x], curve), pattern[x % patternPeriod], noise[(noiseStart + x) % 256]) >> 4);
+int32_t TonedChroma(int32_t chroma, int32_t x, const ChromaTone& tone, int32_t noise) {
+    return Wrap16(MulHigh(128 * chroma, tone.gains[x % patternPeriod]) + tone.pattern[x % patternPeriod] + noise);
 }
 
-void ToneLumaOverlay(const uint8_t* in, uint8_t* out, int32_t width, const LumaCurve& curve, const int16_t* pattern,
-                     const int16_t* noise, int32_t noiseStart, const int16_t* keep, const uint8_t* term,
-                     const int16_t* dither) {
-    for (int32_t x = 0; x < width; ++x) {
-        const int32_t t = Sixteenths(CurveAt(in[x], curve), pattern[x % patternPeriod], noise[(noiseStart + x) % 256]);
-        out[x] = Overlaid(t, keep[x], dither[x % patternPeriod], term[x]);
-    }
+uint8_t Overlaid(int32_t sixteenths, int32_t x, const OverlayRow& overlay) {
+    const int32_t eighths = Wrap16(MulHigh(sixteenths, overlay.keep[x]) + overlay.dither[x % patternPeriod]);
+    return Saturate8(Saturate8(eighths >> 3) + overlay.terms[x]);
 }
 
-int32_t TonedChroma(int32_t chroma, int32_t x, const int16_t* gain, const int16_t* pattern, int32_t noise) {
-    return Sixteenths(MulHigh(128 * chroma, gain[x % patternPeriod]), pattern[x % patternPeriod], noise);
+void ToneLuma(const uint8_t* in, uint8_t* out, int32_t width, const LumaTone& tone, const GrainRow& grain) {
+    for (int32_t x = 0; x < width; ++x) out[x] = Saturate8(TonedLuma(in[x], x, tone, GrainAt(grain, x)) >> 4);
 }
 
-void ToneChroma(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* gain, const int16_t* pattern) {
-    for (int32_t x = 0; x < width; ++x) out[x] = Saturate8(TonedChroma(in[x], x, gain, pattern, 0) >> 4);
+void ToneLumaOverlay(const uint8_t* in, uint8_t* out, int32_t width, const LumaTone& tone, const GrainRow& grain,
+                     const OverlayRow& overlay) {
+    for (int32_t x = 0; x < width; ++x) out[x] = Overlaid(TonedLuma(in[x], x, tone, GrainAt(grain, x)), x, overlay);
 }
 
-void ToneChromaNoise(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* gain, const int16_t* pattern,
-                     const int16_t* noise, int32_t noiseStart) {
-    for (int32_t x = 0; x < width; ++x)
-        out[x] = Saturate8(TonedChroma(in[x], x, gain, pattern, noise[(noiseStart + x) % 256]) >> 4);
+void ToneChroma(const uint8_t* in, uint8_t* out, int32_t width, const ChromaTone& tone) {
+    for (int32_t x = 0; x < width; ++x) out[x] = Saturate8(TonedChroma(in[x], x, tone, 0) >> 4);
 }
 
-void ToneChromaOverlay(const uint8_t* in, uint8_t* out, int32_t width, const int16_t* gain, const int16_t* pattern,
-                       const int16_t* noise, int32_t noiseStart, const int16_t* keep, const uint8_t* term,
-                       const int16_t* dither) {
-    for (int32_t x = 0; x < width; ++x)
-        out[x] = Overlaid(TonedChroma(in[x], x, gain, pattern, noise[(noiseStart + x) % 256]), keep[x],
-                          dither[x % patternPeriod], term[x]);
+void ToneChromaNoise(const uint8_t* in, uint8_t* out, int32_t width, const ChromaTone& tone, const GrainRow& grain) {
+    for (int32_t x = 0; x < width; ++x) out[x] = Saturate8(TonedChroma(in[x], x, tone, GrainAt(grain, x)) >> 4);
+}
+
+void ToneChromaOverlay(const uint8_t* in, uint8_t* out, int32_t width, const ChromaTone& tone, const GrainRow& grain,
+                       const OverlayRow& overlay) {
+    for (int32_t x = 0; x < width; ++x) out[x] = Overlaid(TonedChroma(in[x], x, tone, GrainAt(grain, x)), x, overlay);
 }
 
 void BlendChromaRows(const uint8_t* const* rows, uint8_t* out, int32_t width) {
