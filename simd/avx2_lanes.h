@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+#include "simd/lanes.h"
+
 namespace clarivex {
 namespace {
 
@@ -19,7 +21,6 @@ struct Avx2Lanes {
 
     static I16 Set(int16_t v) { return _mm256_set1_epi16(v); }
     static I16 Load(const int16_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
-    /// Keeps what has been loaded in a register: for a value that is used often, compilers load it anew each time.
     static I16 InRegister(I16 v) {
         asm("" : "+x"(v));
         return v;
@@ -56,7 +57,6 @@ struct Avx2Lanes {
 
     static U8 LoadBytes(const uint8_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
     static void StoreBytes(uint8_t* p, U8 v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
-    static U8 SetBytes(uint8_t v) { return _mm256_set1_epi8(static_cast<char>(v)); }
     static U8 MinBytes(U8 a, U8 b) { return _mm256_min_epu8(a, b); }
     static U8 MaxBytes(U8 a, U8 b) { return _mm256_max_epu8(a, b); }
     static U8 AddBytes(U8 a, U8 b) { return _mm256_adds_epu8(a, b); }
@@ -70,8 +70,6 @@ struct Avx2Lanes {
         return _mm256_adds_epu8(a, _mm256_and_si256(upperHalf, _mm256_set1_epi8(1)));
     }
 
-    static I16 Low(U8 v) { return _mm256_cvtepu8_epi16(_mm256_castsi256_si128(v)); }
-    static I16 High(U8 v) { return _mm256_cvtepu8_epi16(_mm256_extracti128_si256(v, 1)); }
     static U8 Pack(I16 low, I16 high) { return _mm256_permute4x64_epi64(_mm256_packus_epi16(low, high), 0xD8); }
     static U8 PackInterleaved(I16 even, I16 odd) {
         const U8 both = _mm256_packus_epi16(even, odd);  // in each half eight even ones, eight odd ones
@@ -190,6 +188,7 @@ struct Avx2Lanes {
 private:
     static U8 Halves(__m128i v) { return _mm256_broadcastsi128_si256(v); }
 };
+static_assert(KernelLanes<Avx2Lanes>);
 
 }  // namespace
 }  // namespace clarivex

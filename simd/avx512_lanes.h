@@ -10,6 +10,8 @@
 
 #include <cstdint>
 
+#include "simd/lanes.h"
+
 namespace clarivex {
 namespace {
 
@@ -24,7 +26,6 @@ struct Avx512Lanes {
 
     static I16 Set(int16_t v) { return _mm512_set1_epi16(v); }
     static I16 Load(const int16_t* p) { return _mm512_loadu_si512(p); }
-    /// Keeps what has been loaded in a register: for a value that is used often, compilers load it anew each time.
     static I16 InRegister(I16 v) {
         asm("" : "+v"(v));
         return v;
@@ -61,7 +62,6 @@ struct Avx512Lanes {
 
     static U8 LoadBytes(const uint8_t* p) { return _mm512_loadu_si512(p); }
     static void StoreBytes(uint8_t* p, U8 v) { _mm512_storeu_si512(p, v); }
-    static U8 SetBytes(uint8_t v) { return _mm512_set1_epi8(static_cast<char>(v)); }
     static U8 MinBytes(U8 a, U8 b) { return _mm512_min_epu8(a, b); }
     static U8 MaxBytes(U8 a, U8 b) { return _mm512_max_epu8(a, b); }
     static U8 AddBytes(U8 a, U8 b) { return _mm512_adds_epu8(a, b); }
@@ -72,8 +72,6 @@ struct Avx512Lanes {
     }
     static U8 RaiseUpperHalf(U8 a) { return _mm512_mask_adds_epu8(a, _mm512_movepi8_mask(a), a, _mm512_set1_epi8(1)); }
 
-    static I16 Low(U8 v) { return _mm512_cvtepu8_epi16(_mm512_castsi512_si256(v)); }
-    static I16 High(U8 v) { return _mm512_cvtepu8_epi16(_mm512_extracti64x4_epi64(v, 1)); }
     static U8 Pack(I16 low, I16 high) {
         return _mm512_permutexvar_epi64(Qwords(0, 2, 4, 6, 1, 3, 5, 7), _mm512_packus_epi16(low, high));
     }
@@ -197,6 +195,7 @@ private:
     // Puts the lower half's eight-byte pieces first in each quarter, so that unpacking gives memory order.
     static U8 Spread(U8 v) { return _mm512_permutexvar_epi64(Qwords(0, 4, 1, 5, 2, 6, 3, 7), v); }
 };
+static_assert(KernelLanes<Avx512Lanes>);
 
 }  // namespace
 }  // namespace clarivex

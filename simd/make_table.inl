@@ -7,6 +7,7 @@
 #include "simd/enlarge.inl"
 #include "simd/fir.inl"
 #include "simd/kernel_table.h"
+#include "simd/lanes.h"
 #include "simd/overlay.inl"
 #include "simd/tone.inl"
 #include "simd/twofold.inl"
@@ -14,7 +15,7 @@
 namespace clarivex {
 namespace {
 
-template <class Lanes>
+template <KernelLanes Lanes>
 constexpr KernelTable MakeTable(const char* name) {
     return {
         .name = name,

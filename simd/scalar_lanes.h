@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "simd/lanes.h"
+
 namespace clarivex {
 namespace {
 
@@ -59,7 +61,6 @@ struct ScalarLanes {
 
     static U8 LoadBytes(const uint8_t* p) { return {{p[0], p[1]}}; }
     static void StoreBytes(uint8_t* p, U8 v) { std::memcpy(p, v.sample, 2); }
-    static U8 SetBytes(uint8_t v) { return {{v, v}}; }
     static U8 MinBytes(U8 a, U8 b) {
         return {{std::min(a.sample[0], b.sample[0]), std::min(a.sample[1], b.sample[1])}};
     }
@@ -83,8 +84,6 @@ struct ScalarLanes {
     static U8 RaiseUpperHalf(U8 a) { return {{RaiseUpperHalf(a.sample[0]), RaiseUpperHalf(a.sample[1])}}; }
     static uint8_t RaiseUpperHalf(uint8_t v) { return static_cast<uint8_t>(v + (v >= 128 && v < 255 ? 1 : 0)); }
 
-    static I16 Low(U8 v) { return v.sample[0]; }
-    static I16 High(U8 v) { return v.sample[1]; }
     static U8 Pack(I16 low, I16 high) { return {{SaturateByte(low), SaturateByte(high)}}; }
     static U8 PackInterleaved(I16 even, I16 odd) { return Pack(even, odd); }
     static I16 SignedRepeat(uint8_t v) { return Wrap((v << 8 | v) ^ 0x8080); }
@@ -144,6 +143,7 @@ struct ScalarLanes {
         p[1] = b;
     }
 };
+static_assert(KernelLanes<ScalarLanes>);
 
 }  // namespace
 }  // namespace clarivex

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "simd/lanes.h"
+
 namespace clarivex {
 namespace {
 
@@ -22,7 +24,6 @@ struct Sse2Lanes {
 
     static I16 Set(int16_t v) { return _mm_set1_epi16(v); }
     static I16 Load(const int16_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
-    /// Keeps what has been loaded in a register: for a value that is used often, compilers load it anew each time.
     static I16 InRegister(I16 v) {
         asm("" : "+x"(v));
         return v;
@@ -59,7 +60,6 @@ struct Sse2Lanes {
 
     static U8 LoadBytes(const uint8_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
     static void StoreBytes(uint8_t* p, U8 v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
-    static U8 SetBytes(uint8_t v) { return _mm_set1_epi8(static_cast<char>(v)); }
     static U8 MinBytes(U8 a, U8 b) { return _mm_min_epu8(a, b); }
     static U8 MaxBytes(U8 a, U8 b) { return _mm_max_epu8(a, b); }
     static U8 AddBytes(U8 a, U8 b) { return _mm_adds_epu8(a, b); }
@@ -73,8 +73,6 @@ struct Sse2Lanes {
         return _mm_adds_epu8(a, _mm_and_si128(upperHalf, _mm_set1_epi8(1)));
     }
 
-    static I16 Low(U8 v) { return _mm_unpacklo_epi8(v, _mm_setzero_si128()); }
-    static I16 High(U8 v) { return _mm_unpackhi_epi8(v, _mm_setzero_si128()); }
     static U8 Pack(I16 low, I16 high) { return _mm_packus_epi16(low, high); }
     static U8 PackInterleaved(I16 even, I16 odd) {
         const U8 both = _mm_packus_epi16(even, odd);
@@ -167,6 +165,9 @@ struct Sse2Lanes {
     }
 
 private:
+    static I16 Low(U8 v) { return _mm_unpacklo_epi8(v, _mm_setzero_si128()); }
+    static I16 High(U8 v) { return _mm_unpackhi_epi8(v, _mm_setzero_si128()); }
+
     static __m128i Choose(__m128i mask, __m128i a, __m128i b) {
         return _mm_or_si128(_mm_and_si128(mask, a), _mm_andnot_si128(mask, b));
     }
@@ -181,6 +182,7 @@ private:
         return _mm_or_si128(_mm_and_si128(sixes, lowMask), _mm_srli_si128(_mm_andnot_si128(lowMask, sixes), 2));
     }
 };
+static_assert(KernelLanes<Sse2Lanes>);
 
 }  // namespace
 }  // namespace clarivex
