@@ -12,5 +12,6 @@ add_test(NAME only_system_dlls_are_imported
 if(CMAKE_SIZEOF_VOID_P EQUAL 8)
     add_test(NAME wide_kernels_need_no_aligned_stack COMMAND_EXPAND_LISTS
         COMMAND ${scripts}/check_wide_moves.sh ${CMAKE_OBJDUMP}
-            $<TARGET_OBJECTS:kernels_avx2> $<TARGET_OBJECTS:kernels_avx512>)
+            $<TARGET_OBJECTS:kernels_avx2> $<TARGET_OBJECTS:kernels_avx512>
+            $<TARGET_OBJECTS:lanes_avx2> $<TARGET_OBJECTS:lanes_avx512>)
 endif()

@@ -1,4 +1,4 @@
-// Every kernel at every width against the scalar form, the scalar form against plain integers, checks that these
+// Every operation of the lanes at every width against plain integers, every kernel at every width against the scalar form, the scalar form against plain integers, checks that these
 // comparisons see a fault, and the choice of a table.
 #include <gtest/gtest.h>
 
@@ -6,8 +6,10 @@
 #include <string>
 
 #include "tests/simd/kernel_checks.h"
+#include "tests/simd/lane_checks.h"
 #include "tests/simd/plain_kernels.h"
 #include "tests/simd/runs_here.h"
+#include "tests/support/guarded_rows.h"
 
 namespace clarivex {
 namespace {
@@ -34,6 +36,28 @@ INSTANTIATE_TEST_SUITE_P(Kernels, EveryWidth,
                              return std::string(std::get<0>(test.param).tested->name) + "_" +
                                     std::get<1>(test.param).name;
                          });
+
+class EveryWidthOfLanes : public testing::TestWithParam<const LaneChecks*> {};
+
+TEST_P(EveryWidthOfLanes, MeansTheSame) {
+    const LaneChecks& lanes = *GetParam();
+    if (!RunsHere(*lanes.kernels)) GTEST_SKIP() << lanes.kernels->name << " cannot run on this processor";
+    std::mt19937 random(1);
+    for (int32_t round = 0; round < 500 && !HasFailure(); ++round)
+        for (const Fill fill : allFills) {
+            LaneSamples samples;
+            for (auto& row : samples.words)
+                FillSamples(row, LaneSamples::mostLanes, fill, INT16_MIN, INT16_MAX, random);
+            for (auto& row : samples.bytes) FillSamples(row, 2 * LaneSamples::mostLanes, fill, 0, 255, random);
+            lanes.run(samples, [](const char* operation, int32_t element, int32_t actual, int32_t expected) {
+                ADD_FAILURE() << operation << ": element " << element << " is " << actual << ", not " << expected;
+            });
+        }
+}
+
+INSTANTIATE_TEST_SUITE_P(Kernels, EveryWidthOfLanes,
+                         testing::Values(&scalarLaneChecks, &sse2LaneChecks, &avx2LaneChecks, &avx512LaneChecks),
+                         [](const auto& test) { return std::string(test.param->kernels->name); });
 
 /// A fault in one of the plain kernels.
 struct Fault {
