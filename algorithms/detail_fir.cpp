@@ -20,12 +20,12 @@ void DetailFirRow(const uint8_t* in, uint8_t* out, int32_t columns, int32_t widt
         constexpr int32_t first = 4;
         constexpr int32_t firstTap = 5;
         const int32_t groups = std::max((width - 2 * first) >> 2, 0);
-        kernels.fir7(in, out, columns, first, first + 4 * groups, &taps[firstTap], words);
+        kernels.fir7(in, out, {columns, first, first + 4 * groups}, &taps[firstTap], words);
     } else {
         constexpr int32_t first = 8;
         const int32_t groups = std::max((width - 2 * first) >> 3, 0);
         const int32_t rounding = form == DetailFirForm::symmetric8 ? 6 : 7;
-        kernels.firEven(in, out, columns, first, first + 8 * groups, taps.data(), rounding);
+        kernels.firEven(in, out, {columns, first, first + 8 * groups}, taps.data(), rounding);
     }
 }
 

@@ -96,8 +96,8 @@ LevelCounts CountLevels(const PictureView& planes, const KernelTable& kernels) {
         const uint8_t* second = planes.third.Row(y / 2) + margin / 2;
         for (int32_t done = 0; done < pairs; done += VoteCounter::pieceLength) {
             const int32_t piece = std::min(pairs - done, VoteCounter::pieceLength);
-            kernels.lightingVotes(pairRow + 2 * done, first + done, second + done, piece, votes.level, votes.voteA,
-                                  votes.voteB, votes.voteC);
+            kernels.lightingVotes(pairRow + 2 * done, first + done, second + done, piece,
+                                  {votes.level, votes.voteA, votes.voteB, votes.voteC});
             counter.Count(votes, piece);
         }
     }

@@ -68,7 +68,7 @@ void EnhanceUnscaled(const ImagePlanes& target, const SourceImage& source, const
     for (int32_t y = 1; y <= luma.height - 2; ++y) {
         kernels.sharpenColumns(row(y - 1), row(y), row(y + 1), sharpened, columns.read, gain);
         uint8_t* out = target.luma.Row(y);
-        filter.run(sharpened, out, columns.stored, firstFiltered, columns.end, filter.taps, words);
+        filter.run(sharpened, out, {columns.stored, firstFiltered, columns.end}, filter.taps, words);
         RaiseLastGroup(sharpened, out, columns);
     }
 }

@@ -106,19 +106,19 @@ const KernelBench kernelBenches[] = {
      }},
     {"fir5", 1,
      [](const KernelTable& table, BenchRows& rows, int32_t width) {
-         table.fir5(rows.Bytes(0), rows.Bytes(1), width, 4, width - 4, rows.taps.data(), rows.Words(0));
+         table.fir5(rows.Bytes(0), rows.Bytes(1), {width, 4, width - 4}, rows.taps.data(), rows.Words(0));
      }},
     {"fir7", 1,
      [](const KernelTable& table, BenchRows& rows, int32_t width) {
-         table.fir7(rows.Bytes(0), rows.Bytes(1), width, 4, width - 4, rows.taps.data(), rows.Words(0));
+         table.fir7(rows.Bytes(0), rows.Bytes(1), {width, 4, width - 4}, rows.taps.data(), rows.Words(0));
      }},
     {"fir8", 1,
      [](const KernelTable& table, BenchRows& rows, int32_t width) {
-         table.fir8(rows.Bytes(0), rows.Bytes(1), width, 4, width - 4, rows.taps.data(), rows.Words(0));
+         table.fir8(rows.Bytes(0), rows.Bytes(1), {width, 4, width - 4}, rows.taps.data(), rows.Words(0));
      }},
     {"firEven", 1,
      [](const KernelTable& table, BenchRows& rows, int32_t width) {
-         table.firEven(rows.Bytes(0), rows.Bytes(1), width, 8, width - 8, rows.taps.data(), 7);
+         table.firEven(rows.Bytes(0), rows.Bytes(1), {width, 8, width - 8}, rows.taps.data(), 7);
      }},
     {"expandRow", 1,
      [](const KernelTable& table, BenchRows& rows, int32_t width) {
@@ -161,8 +161,8 @@ const KernelBench kernelBenches[] = {
      }},
     {"lightingVotes", 2,
      [](const KernelTable& table, BenchRows& rows, int32_t width) {
-         table.lightingVotes(rows.Bytes(0), rows.Bytes(1), rows.Bytes(2), width / 2, rows.Bytes(3), rows.Bytes(4),
-                             rows.Bytes(5), rows.Bytes(6));
+         table.lightingVotes(rows.Bytes(0), rows.Bytes(1), rows.Bytes(2), width / 2,
+                             {rows.Bytes(3), rows.Bytes(4), rows.Bytes(5), rows.Bytes(6)});
      }},
     {"splitPackedRow", 2,
      [](const KernelTable& table, BenchRows& rows, int32_t width) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "simd/blocks.inl"
+#include "simd/kernel_table.h"
 
 namespace clarivex {
 namespace {
@@ -33,7 +34,7 @@ Votes<Lanes> CountVotes(typename Lanes::U8 lumaPairs, typename Lanes::I16 first,
 
 template <class Lanes>
 void LightingVotes(const uint8_t* luma, const uint8_t* firstChroma, const uint8_t* secondChroma, int32_t pairs,
-                   uint8_t* level, uint8_t* voteA, uint8_t* voteB, uint8_t* voteC) {
+                   const VoteRows& votes) {
     ForEachBlock<Lanes>(pairs, [&](int32_t x, auto block) {
         uint8_t copy[2 * blockLength<Lanes>] = {};
         const uint8_t* source = luma + 2 * x;
@@ -46,10 +47,10 @@ void LightingVotes(const uint8_t* luma, const uint8_t* firstChroma, const uint8_
         const Votes<Lanes> low = CountVotes<Lanes>(Lanes::LoadBytes(source), first.low, second.low);
         const Votes<Lanes> high =
             CountVotes<Lanes>(Lanes::LoadBytes(source + blockLength<Lanes>), first.high, second.high);
-        block.Store(level + x, Lanes::Pack(low.level, high.level));
-        block.Store(voteA + x, Lanes::Pack(low.a, high.a));
-        block.Store(voteB + x, Lanes::Pack(low.b, high.b));
-        block.Store(voteC + x, Lanes::Pack(low.c, high.c));
+        block.Store(votes.level + x, Lanes::Pack(low.level, high.level));
+        block.Store(votes.voteA + x, Lanes::Pack(low.a, high.a));
+        block.Store(votes.voteB + x, Lanes::Pack(low.b, high.b));
+        block.Store(votes.voteC + x, Lanes::Pack(low.c, high.c));
     });
 }
 

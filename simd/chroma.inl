@@ -61,17 +61,6 @@ void EnlargeChromaColumns(const uint8_t* const* rows, uint8_t* const* outs, int3
 }
 
 template <class Lanes>
-void PullRow(const uint8_t* row, const uint8_t* towards, int16_t weight, uint8_t* out, int32_t width) {
-    const auto weights = Lanes::Set(weight);
-    ForEachBlock<Lanes>(width, [&](int32_t x, auto block) {
-        const Words<Lanes> from = block.LoadWords(row + x);
-        const Words<Lanes> to = block.LoadWords(towards + x);
-        block.Store(out + x,
-                    Lanes::Pack(Pull<Lanes>(from.low, to.low, weights), Pull<Lanes>(from.high, to.high, weights)));
-    });
-}
-
-template <class Lanes>
 void BlendChromaRows(const uint8_t* const* rows, uint8_t* out, int32_t width) {
     ForEachBlock<Lanes>(width, [&](int32_t x, auto block) {
         const auto quarter = [&](const uint8_t* row, const uint8_t* neighbour) {

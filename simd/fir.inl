@@ -1,5 +1,4 @@
-// Filters along a row: short ones on centred words, with an ordered rounding that breaks up contours, and those that are
-// even, around the place between two samples.
+// Short filters along a row, on centred words, with an ordered rounding that breaks up contours.
 #pragma once
 
 #include <cstdint>
@@ -24,11 +23,11 @@ constexpr BiasPattern MakeOrderedBias() {
 alignas(64) constexpr BiasPattern orderedBias = MakeOrderedBias();
 
 /// Samples at both ends of a row that the filter leaves as they are.
-inline void CopyRowEnds(const uint8_t* in, uint8_t* out, int32_t columns, int32_t first, int32_t end) {
-    const int32_t head = first < columns ? first : columns;
+inline void CopyRowEnds(const uint8_t* in, uint8_t* out, const FirSpan& span) {
+    const int32_t head = span.first < span.columns ? span.first : span.columns;
     std::memcpy(out, in, static_cast<size_t>(head));
-    const int32_t tail = end > head ? end : head;
-    if (tail < columns) std::memcpy(out + tail, in + tail, static_cast<size_t>(columns - tail));
+    const int32_t tail = span.end > head ? span.end : head;
+    if (tail < span.columns) std::memcpy(out + tail, in + tail, static_cast<size_t>(span.columns - tail));
 }
 
 template <class Lanes>
@@ -41,12 +40,11 @@ void CentreRow(const uint8_t* in, int16_t* words, int32_t width) {
 }
 
 template <class Lanes, int32_t before, int32_t length>
-void FirRow(const uint8_t* in, uint8_t* out, int32_t columns, int32_t first, int32_t end, const int16_t* taps,
-            int16_t* words) {
-    CentreRow<Lanes>(in, words, end + length);
+void FirRow(const uint8_t* in, uint8_t* out, const FirSpan& span, const int16_t* taps, int16_t* words) {
+    CentreRow<Lanes>(in, words, span.end + length);
     typename Lanes::I16 tapWords[length];
     for (int32_t k = 0; k < length; ++k) tapWords[k] = Lanes::Set(taps[k]);
-    ForEachBlock<Lanes>(columns, [&](int32_t x, auto block) {
+    ForEachBlock<Lanes>(span.columns, [&](int32_t x, auto block) {
         const auto sum = [&](int32_t column) {
             auto total = Lanes::Load(orderedBias.words + column % patternPeriod);
             for (int32_t k = 0; k < length; ++k)
@@ -55,38 +53,7 @@ void FirRow(const uint8_t* in, uint8_t* out, int32_t columns, int32_t first, int
         };
         block.Store(out + x, Lanes::Pack(sum(x), sum(x + Lanes::width)));
     });
-    CopyRowEnds(in, out, columns, first, end);
-}
-
-/// The two samples that share a tap are added first; the shift brings their sum to the top of 16 bits.
-template <class Lanes, int32_t firstTap>
-void FirEvenFrom(const uint8_t* in, uint8_t* out, int32_t columns, int32_t first, int32_t end, const int16_t* taps,
-                 int32_t rounding) {
-    typename Lanes::I16 tapWords[8];
-    for (int32_t j = firstTap; j < 8; ++j) tapWords[j] = Lanes::Set(taps[j]);
-    ForEachBlock<Lanes>(columns, [&](int32_t x, auto block) {
-        const auto sum = [&](const uint8_t* sample) {
-            auto total = Lanes::Set(static_cast<int16_t>(rounding));
-            for (int32_t j = firstTap; j < 8; ++j) {
-                const auto pair = Lanes::AddWrap(Lanes::LoadU8(sample + j - 8), Lanes::LoadU8(sample + 7 - j));
-                total = Lanes::AddWrap(total, Lanes::MulHigh(Lanes::template ShiftLeft<6>(pair), tapWords[j]));
-            }
-            return Lanes::template ShiftRight<3>(total);
-        };
-        block.Store(out + x, Lanes::Pack(sum(in + x), sum(in + x + Lanes::width)));
-    });
-    CopyRowEnds(in, out, columns, first, end);
-}
-
-template <class Lanes>
-void FirEven(const uint8_t* in, uint8_t* out, int32_t columns, int32_t first, int32_t end, const int16_t* taps,
-             int32_t rounding) {
-    if (taps[0] != 0 || taps[1] != 0)
-        FirEvenFrom<Lanes, 0>(in, out, columns, first, end, taps, rounding);
-    else if (taps[2] != 0 || taps[3] != 0)
-        FirEvenFrom<Lanes, 2>(in, out, columns, first, end, taps, rounding);
-    else
-        FirEvenFrom<Lanes, 4>(in, out, columns, first, end, taps, rounding);
+    CopyRowEnds(in, out, span);
 }
 
 }  // namespace

@@ -4,6 +4,9 @@
 // it reads and writes exactly the samples that its counts name, and out may not overlap what it reads. A row said to be
 // *slack* may be read 64 samples before its start, and read and written up to 256 samples behind its end; what is there
 // does not change the result.
+//
+// Formulas are in 16 bits that wrap. sat8 limits to 0 … 255, sat16 to −32768 … 32767; hi(a, b) is the upper half of the
+// 32-bit product; core(x, T) is x − T above T, x + T below −T, else 0.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +23,7 @@ constexpr int32_t slackBehind = 256;
 constexpr int32_t patternPeriod = 4;
 constexpr int32_t patternLength = 64 + patternPeriod;
 
-/// Values of the full edge limiter: see simd/edge.inl. Any value wraps or saturates as told there.
+/// Values of the full edge limiter; its formulas name them by their letters.
 struct EdgeLimits {
     int16_t gain = 29;
     int16_t deadZone = 29;     ///< T, 0 … 32767
@@ -28,6 +31,21 @@ struct EdgeLimits {
     int16_t slope = 800;       ///< Q
     int16_t offset = 0;        ///< O
     int16_t margin = 0;        ///< M, up to 255; below 0 the limits move inwards by it
+};
+
+/// Columns of a filtered row: it has `columns`, of which the filter makes first … end − 1; the others are copied.
+struct FirSpan {
+    int32_t columns;
+    int32_t first;
+    int32_t end;
+};
+
+/// Where lightingVotes writes.
+struct VoteRows {
+    uint8_t* level;
+    uint8_t* voteA;
+    uint8_t* voteB;
+    uint8_t* voteC;
 };
 
 /// A curve on samples in 16-bit fixed point: t = hi(hi(hi(q, c3)·2 + c2, q)·4 + c1, q) with q = 128·Y.
@@ -81,23 +99,21 @@ struct KernelTable {
     void (*enlargeRow)(const int16_t* even, const int16_t* odd, const int16_t* taps, uint8_t* out, int32_t pairs);
 
     /// Full edge limiter: columns 8 … 8 + 8·((width − 16) >> 3) − 1, the others are copied. Slack rows, not in place.
+    /// With c a sample, l and r the two beside it, l3 and r3 the two three columns away, a = c − l3 and b = c − r3:
+    ///   sharpened = sat8(c + ((core(gain·(2c − l − r), T) + 16) >> 5))
+    ///   rise = hi(sat16(max(a, b)·K − 64·(a + b)), −Q) + O, fall = hi(sat16(min(a, b)·K − 64·(a + b)), Q) + O
+    ///   upper = sat8(max(l, c, r) + max(rise, 0) + M), lower = sat8(min(l, c, r) − max(fall, 0) − M)
+    ///   out = min(max(sharpened, lower), upper)
+    /// Only max(a, b)·K and min(a, b)·K wrap inside a sat16, and the sums inside the last two sat8 do not.
     void (*limitEdges)(const uint8_t* in, uint8_t* out, int32_t width, const EdgeLimits& limits);
 
-    /// Seven, five or eight taps along a row: out[x] = sat8((Σ hi(taps[k], X(in[x + k − before])) + bias) >> 5), bias 4088
-    /// on even and 4072 on odd columns, X as in splitRow; before is 3, 2 and 4. Columns outside first … end − 1 are
-    /// copied; first is at least `before`. in is a slack row whose samples behind its end count as far as taps reach
-    /// them; words is a slack row of `columns` words for the kernel's use; out gets exactly `columns`.
-    using FirRow = void (*)(const uint8_t* in, uint8_t* out, int32_t columns, int32_t first, int32_t end,
-                            const int16_t* taps, int16_t* words);
+    /// Seven or five taps along a row: out[x] = sat8((Σ hi(taps[k], X(in[x + k − before])) + bias) >> 5), bias 4088 on even
+    /// and 4072 on odd columns, X as in splitRow; before is 3 and 2. first is at least `before`. in is a slack row whose
+    /// samples behind its end count as far as taps reach them; words is a slack row of `columns` words for the kernel's
+    /// use; out gets exactly `columns`.
+    using FirRow = void (*)(const uint8_t* in, uint8_t* out, const FirSpan& span, const int16_t* taps, int16_t* words);
     FirRow fir7;
     FirRow fir5;
-    FirRow fir8;
-
-    /// Sixteen taps that are the same on both sides of the place between in[x − 1] and in[x]: out[x] = sat8((Σj
-    /// hi(64·(in[x − 8 + j] + in[x + 7 − j]), taps[j]) + rounding) >> 3), j = 0 … 7, in 16 bits. Columns and rows as in
-    /// the other filters; first is at least 8.
-    void (*firEven)(const uint8_t* in, uint8_t* out, int32_t columns, int32_t first, int32_t end, const int16_t* taps,
-                    int32_t rounding);
 
     /// Words 257·b − 32768 for enlargeColumns. words is a slack row.
     void (*expandRow)(const uint8_t* row, int16_t* words, int32_t width);
@@ -105,30 +121,6 @@ struct KernelTable {
     /// One output row from eight rows of words: out = sat8((Σk hi(taps[k], rows[k]) + 8192) >> 6), every sum saturating in
     /// the order of k, then the constant. rows are slack rows.
     void (*enlargeColumns)(const int16_t* const* rows, const int16_t* taps, uint8_t* out, int32_t width);
-
-    /// Two outputs for each input: out[2x] = sat8((Σk taps[k]·in[x + k − 4] + 8192) >> 14), out[2x + 1] the same with the
-    /// taps mirrored and in[x + k − 3]. Slack rows, but four samples beyond both ends of in count; width inputs.
-    void (*doubleRow)(const uint8_t* in, const int16_t* taps, uint8_t* out, int32_t width);
-
-    // The next kernels take and give wide words: 8-bit samples times 64, 0 … 65535, less 32768. Their rows of words are
-    // slack rows. Sums of products have 32 bits and wrap, results are limited to the range of wide words.
-
-    /// doubleRow to wide words: the sums plus 128 are shifted by 8.
-    void (*doubleRowWide)(const uint8_t* in, const int16_t* taps, int16_t* out, int32_t width);
-
-    /// One output row from eight rows: out = (Σk taps[k]·rows[k] + 8192) >> 14.
-    void (*doubleColumnsWide)(const int16_t* const* rows, const int16_t* taps, int16_t* out, int32_t width);
-
-    /// The full edge limiter with everything that is told in samples times 64: see simd/twofold.inl. rows: the samples,
-    /// their two neighbours, their two neighbours three away. Differences of two samples saturate at 16 bits: only samples
-    /// further apart than twice white see that.
-    void (*limitEdgesWide)(const int16_t* const* rows, int16_t* out, int32_t width, const EdgeLimits& limits);
-
-    /// One output row from sixteen rows: out = (Σk taps[k]·rows[k]) >> 13.
-    void (*firWide)(const int16_t* const* rows, const int16_t* taps, int16_t* out, int32_t width);
-
-    /// Wide words to samples: out = min(sample >> 6, 255); out gets exactly `width`.
-    void (*narrowRow)(const int16_t* words, uint8_t* out, int32_t width);
 
     /// Chroma along a row, three outputs for each pair of inputs: p[2n] pulled towards p[2n − 1], p[2n] towards p[2n + 1],
     /// p[2n + 1] towards p[2n + 2], by weights[j] / 32768 each, 0 … 32767, rounded down. in is a slack row, but one
@@ -139,16 +131,16 @@ struct KernelTable {
     /// (53·r2 + 11·r3) >> 6.
     void (*enlargeChromaColumns)(const uint8_t* const* rows, uint8_t* const* outs, int32_t width);
 
-    /// out = row pulled towards another row by weight / 32768, 0 … 32767, rounded down.
-    void (*pullRow)(const uint8_t* row, const uint8_t* towards, int16_t weight, uint8_t* out, int32_t width);
-
     /// Vertical sharpening: out = sat8(c + ((gain·(2c − above − below) + 4) >> 4)) in 16 bits.
     void (*sharpenColumns)(const uint8_t* above, const uint8_t* row, const uint8_t* below, uint8_t* out, int32_t width,
                            int16_t gain);
 
-    /// Levels of the lighting histogram for `pairs` pairs of columns: level (a + b) >> 1 and three colour votes.
+    /// What `pairs` pairs of columns count in the lighting histogram. With (a, b) a pair of luma samples, d and e the
+    /// distances of its first and second chroma sample from 128: level = (a + b) >> 1, and in full width
+    ///   voteA = sat8(level + ((−320·d − 160·e) >> 8))
+    ///   voteB = max(level, sat8(level + (730·d >> 8))), voteC = max(level, sat8(level + (870·e >> 8)))
     void (*lightingVotes)(const uint8_t* luma, const uint8_t* firstChroma, const uint8_t* secondChroma, int32_t pairs,
-                          uint8_t* level, uint8_t* voteA, uint8_t* voteB, uint8_t* voteC);
+                          const VoteRows& votes);
 
     /// Splits a row of packed pixel pairs (Y0 U Y1 V) into planes; u and v may be null together.
     void (*splitPackedRow)(const uint8_t* packed, uint8_t* luma, uint8_t* u, uint8_t* v, int32_t pairs);
@@ -189,6 +181,49 @@ struct KernelTable {
     /// for 4 pairs U and V terms sat8(average + ((hi(−32768, a) + rounding) >> 7)), their averages rounded up and the
     /// roundings 32, 96, 96, 32 by byte. dither is 48 on even and 16 on odd columns, in an odd row the other way round.
     void (*packTileRow)(const uint8_t* pixels, uint8_t* tileGroups, int32_t groups, bool oddRow);
+
+    // ---- Kernels that the plug-in never calls: for engine settings that only other programs make ----
+
+    /// Eight taps along a row, as fir7; before is 4.
+    FirRow fir8;
+
+    /// Sixteen taps that are the same on both sides of the place between in[x − 1] and in[x]: out[x] = sat8((Σj
+    /// hi(64·(in[x − 8 + j] + in[x + 7 − j]), taps[j]) + rounding) >> 3), j = 0 … 7. Rows as in fir7; first is at least 8.
+    void (*firEven)(const uint8_t* in, uint8_t* out, const FirSpan& span, const int16_t* taps, int32_t rounding);
+
+    /// out = row pulled towards another row by weight / 32768, 0 … 32767, rounded down.
+    void (*pullRow)(const uint8_t* row, const uint8_t* towards, int16_t weight, uint8_t* out, int32_t width);
+
+    /// Two outputs for each input: out[2x] = sat8((Σk taps[k]·in[x + k − 4] + 8192) >> 14), out[2x + 1] the same with the
+    /// taps mirrored and in[x + k − 3]; sums of 32 bits. Slack rows, but four samples beyond both ends of in count; width
+    /// inputs.
+    void (*doubleRow)(const uint8_t* in, const int16_t* taps, uint8_t* out, int32_t width);
+
+    // The next kernels take and give wide words: 8-bit samples times 64, 0 … 65535, less 32768. Their rows of words are
+    // slack rows. Sums of products have 32 bits and wrap, results are limited to the range of wide words.
+
+    /// doubleRow to wide words: the sums plus 128 are shifted by 8.
+    void (*doubleRowWide)(const uint8_t* in, const int16_t* taps, int16_t* out, int32_t width);
+
+    /// One output row from eight rows: out = (Σk taps[k]·rows[k] + 8192) >> 14.
+    void (*doubleColumnsWide)(const int16_t* const* rows, const int16_t* taps, int16_t* out, int32_t width);
+
+    /// The full edge limiter on wide words, all columns. rows: the samples c, their two neighbours l and r, and their two
+    /// neighbours three away, l3 and r3. In 32 bits but for what sat16 says, above = sat16(max(l3, r3) − c) and
+    /// below = sat16(min(l3, r3) − c):
+    ///   sharpened = (core(gain·sat16(sat16(c − l) + sat16(c − r)), 64·T) + 32·c + 16) >> 5
+    ///   rise = (E(above, below)·(−Q) >> 16) + 64·O, fall = (E(below, above)·Q >> 16) + 64·O,
+    ///     E(near, far) = 64·near + (64 − K)·far, limited to −2²³ … 2²³ − 1
+    ///   upper = sat16(max(l, c, r) + sat16(max(sat16(rise), 0) + sat16(64·M))), lower = sat16(min(l, c, r) −
+    ///     sat16(max(sat16(fall), 0) + sat16(64·M)))
+    ///   out = min(max(sharpened, lower), upper)
+    void (*limitEdgesWide)(const int16_t* const* rows, int16_t* out, int32_t width, const EdgeLimits& limits);
+
+    /// One output row from sixteen rows: out = (Σk taps[k]·rows[k]) >> 13.
+    void (*firWide)(const int16_t* const* rows, const int16_t* taps, int16_t* out, int32_t width);
+
+    /// Wide words to samples: out = min(sample >> 6, 255); out gets exactly `width`.
+    void (*narrowRow)(const int16_t* words, uint8_t* out, int32_t width);
 };
 
 extern const KernelTable scalarKernels;

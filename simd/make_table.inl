@@ -9,8 +9,9 @@
 #include "simd/kernel_table.h"
 #include "simd/lanes.h"
 #include "simd/overlay.inl"
+#include "simd/sleeping/even_fir.inl"
+#include "simd/sleeping/twofold.inl"
 #include "simd/tone.inl"
-#include "simd/twofold.inl"
 
 namespace clarivex {
 namespace {
@@ -24,19 +25,10 @@ constexpr KernelTable MakeTable(const char* name) {
         .limitEdges = LimitEdges<Lanes>,
         .fir7 = FirRow<Lanes, 3, 7>,
         .fir5 = FirRow<Lanes, 2, 5>,
-        .fir8 = FirRow<Lanes, 4, 8>,
-        .firEven = FirEven<Lanes>,
         .expandRow = ExpandRow<Lanes>,
         .enlargeColumns = EnlargeColumns<Lanes>,
-        .doubleRow = DoubleRow<Lanes>,
-        .doubleRowWide = DoubleRowWide<Lanes>,
-        .doubleColumnsWide = DoubleColumnsWide<Lanes>,
-        .limitEdgesWide = LimitEdgesWide<Lanes>,
-        .firWide = FirWide<Lanes>,
-        .narrowRow = NarrowRow<Lanes>,
         .enlargeChromaRow = EnlargeChromaRow<Lanes>,
         .enlargeChromaColumns = EnlargeChromaColumns<Lanes>,
-        .pullRow = PullRow<Lanes>,
         .sharpenColumns = SharpenColumns<Lanes>,
         .lightingVotes = LightingVotes<Lanes>,
         .splitPackedRow = SplitPackedRow<Lanes>,
@@ -49,6 +41,15 @@ constexpr KernelTable MakeTable(const char* name) {
         .interleave = Interleave<Lanes>,
         .paintCoverage = PaintCoverage<Lanes>,
         .packTileRow = PackTileRow<Lanes>,
+        .fir8 = FirRow<Lanes, 4, 8>,
+        .firEven = FirEven<Lanes>,
+        .pullRow = PullRow<Lanes>,
+        .doubleRow = DoubleRow<Lanes>,
+        .doubleRowWide = DoubleRowWide<Lanes>,
+        .doubleColumnsWide = DoubleColumnsWide<Lanes>,
+        .limitEdgesWide = LimitEdgesWide<Lanes>,
+        .firWide = FirWide<Lanes>,
+        .narrowRow = NarrowRow<Lanes>,
     };
 }
 

@@ -142,9 +142,9 @@ void RunPostFilter(const Plane& plane, const RowStages& stages) {
     for (int32_t pass = 0; pass < (even && stages.evenFilterPasses >= 3 ? stages.evenFilterPasses : 1); ++pass)
         FilterRows(plane, [&](const uint8_t* in, uint8_t* out) {
             if (even)
-                plainKernels.firEven(in, out, plane.width, group, end, taps.data(), rounding);
+                plainKernels.firEven(in, out, {plane.width, group, end}, taps.data(), rounding);
             else
-                plainKernels.fir7(in, out, plane.width, group, end, &taps[5], nullptr);
+                plainKernels.fir7(in, out, {plane.width, group, end}, &taps[5], nullptr);
         });
 }
 

@@ -113,7 +113,7 @@ void CallFir(const KernelTable& table, CallRows& rows, int32_t width) {
     int16_t* words = rows.Scratch(width, slackToWrite);
     const int32_t first = rows.Pick("first", {4, 4, 5, 7, 16, 4 + width});
     const int32_t end = rows.Pick("end", {width - 4, width - 1, width, width / 2, 0});
-    (table.*fir)(in, rows.Out(width), width, first, end, taps, words);
+    (table.*fir)(in, rows.Out(width), {width, first, end}, taps, words);
 }
 
 /// Taps of which some of the outermost are 0.
@@ -130,7 +130,7 @@ void CallFirEven(const KernelTable& table, CallRows& rows, int32_t width) {
     const int16_t* taps = TapsWithZeros(rows, 8);
     const int32_t first = rows.Pick("first", {8, 8, 9, 16, 8 + width});
     const int32_t end = rows.Pick("end", {width - 8, width - 1, width, width / 2, 0});
-    table.firEven(in, rows.Out(width), width, first, end, taps, rows.Pick("rounding", {6, 7}));
+    table.firEven(in, rows.Out(width), {width, first, end}, taps, rows.Pick("rounding", {6, 7}));
 }
 
 /// Rows as expandRow makes them; in one of three calls each row is whatever drives its tap's product furthest.
@@ -215,7 +215,7 @@ void CallLightingVotes(const KernelTable& table, CallRows& rows, int32_t pairs) 
     const uint8_t* second = rows.Bytes(pairs);
     std::array<uint8_t*, 4> outs{};
     for (uint8_t*& row : outs) row = rows.Out(pairs);
-    table.lightingVotes(luma, first, second, pairs, outs[0], outs[1], outs[2], outs[3]);
+    table.lightingVotes(luma, first, second, pairs, {outs[0], outs[1], outs[2], outs[3]});
 }
 
 void CallSplitPackedRow(const KernelTable& table, CallRows& rows, int32_t pairs) {

@@ -69,22 +69,20 @@ void LimitEdges(const uint8_t* in, uint8_t* out, int32_t width, const EdgeLimits
 }
 
 template <int32_t before, int32_t length>
-void FirRow(const uint8_t* in, uint8_t* out, int32_t columns, int32_t first, int32_t end, const int16_t* taps,
-            int16_t*) {
-    for (int32_t x = 0; x < columns; ++x) {
+void FirRow(const uint8_t* in, uint8_t* out, const FirSpan& span, const int16_t* taps, int16_t*) {
+    for (int32_t x = 0; x < span.columns; ++x) {
         out[x] = in[x];
-        if (x < first || x >= end) continue;
+        if (x < span.first || x >= span.end) continue;
         int32_t sum = x % 2 == 0 ? 4088 : 4072;
         for (int32_t k = 0; k < length; ++k) sum += MulHigh(taps[k], PlainCentred(in[x + k - before]));
         out[x] = Saturate8(Wrap16(sum) >> 5);
     }
 }
 
-void FirEven(const uint8_t* in, uint8_t* out, int32_t columns, int32_t first, int32_t end, const int16_t* taps,
-             int32_t rounding) {
-    for (int32_t x = 0; x < columns; ++x) {
+void FirEven(const uint8_t* in, uint8_t* out, const FirSpan& span, const int16_t* taps, int32_t rounding) {
+    for (int32_t x = 0; x < span.columns; ++x) {
         out[x] = in[x];
-        if (x < first || x >= end) continue;
+        if (x < span.first || x >= span.end) continue;
         int32_t sum = rounding;
         for (int32_t j = 0; j < 8; ++j) sum += MulHigh(64 * (in[x - 8 + j] + in[x + 7 - j]), taps[j]);
         out[x] = Saturate8(Wrap16(sum) >> 3);
@@ -191,15 +189,15 @@ void SharpenColumns(const uint8_t* above, const uint8_t* row, const uint8_t* bel
 }
 
 void LightingVotes(const uint8_t* luma, const uint8_t* firstChroma, const uint8_t* secondChroma, int32_t pairs,
-                   uint8_t* level, uint8_t* voteA, uint8_t* voteB, uint8_t* voteC) {
+                   const VoteRows& votes) {
     for (int32_t i = 0; i < pairs; ++i) {
         const int32_t mean = (luma[2 * i] + luma[2 * i + 1]) >> 1;
         const int32_t d1 = firstChroma[i] - 128;
         const int32_t d2 = secondChroma[i] - 128;
-        level[i] = static_cast<uint8_t>(mean);
-        voteA[i] = Saturate8(mean + ((-320 * d1 - 160 * d2) >> 8));
-        voteB[i] = std::max(level[i], Saturate8(mean + ((730 * d1) >> 8)));
-        voteC[i] = std::max(level[i], Saturate8(mean + ((870 * d2) >> 8)));
+        votes.level[i] = static_cast<uint8_t>(mean);
+        votes.voteA[i] = Saturate8(mean + ((-320 * d1 - 160 * d2) >> 8));
+        votes.voteB[i] = std::max(votes.level[i], Saturate8(mean + ((730 * d1) >> 8)));
+        votes.voteC[i] = std::max(votes.level[i], Saturate8(mean + ((870 * d2) >> 8)));
     }
 }
 
@@ -324,19 +322,10 @@ const KernelTable plainKernels = {
     .limitEdges = LimitEdges,
     .fir7 = FirRow<3, 7>,
     .fir5 = FirRow<2, 5>,
-    .fir8 = FirRow<4, 8>,
-    .firEven = FirEven,
     .expandRow = ExpandRow,
     .enlargeColumns = EnlargeColumns,
-    .doubleRow = DoubleRow,
-    .doubleRowWide = DoubleRowWide,
-    .doubleColumnsWide = WeighRows<8, 14, 8192>,
-    .limitEdgesWide = LimitEdgesWide,
-    .firWide = WeighRows<16, 13, 0>,
-    .narrowRow = NarrowRow,
     .enlargeChromaRow = EnlargeChromaRow,
     .enlargeChromaColumns = EnlargeChromaColumns,
-    .pullRow = PullRow,
     .sharpenColumns = SharpenColumns,
     .lightingVotes = LightingVotes,
     .splitPackedRow = SplitPackedRow,
@@ -349,6 +338,15 @@ const KernelTable plainKernels = {
     .interleave = Interleave,
     .paintCoverage = PaintCoverage,
     .packTileRow = PackTileRow,
+    .fir8 = FirRow<4, 8>,
+    .firEven = FirEven,
+    .pullRow = PullRow,
+    .doubleRow = DoubleRow,
+    .doubleRowWide = DoubleRowWide,
+    .doubleColumnsWide = WeighRows<8, 14, 8192>,
+    .limitEdgesWide = LimitEdgesWide,
+    .firWide = WeighRows<16, 13, 0>,
+    .narrowRow = NarrowRow,
 };
 
 }  // namespace clarivex

@@ -1,5 +1,5 @@
-// The twofold enlargement: two phases of eight taps in 32-bit sums, 16-bit samples between its passes, and what works on
-// such samples.
+// The twofold enlargement, which the plug-in never asks for: two phases of eight taps in 32-bit sums, 16-bit samples
+// between its passes, what works on such samples, and its chroma.
 //
 // A wide word is an 8-bit sample times 64, 0 … 65535, less 32768, so that signed products take it.
 #pragma once
@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "simd/blocks.inl"
+#include "simd/chroma.inl"
 #include "simd/edge.inl"
 #include "simd/kernel_table.h"
 
@@ -121,8 +122,8 @@ inline bool AreUsualWideEdges(const EdgeLimits& limits) {
            64 * limits.deadZone / limits.gain <= INT16_MAX && limits.outerWeight > 0 && limits.outerWeight < 128;
 }
 
-/// The full edge limiter with everything that is told in samples times 64. Differences of samples saturate at 16 bits,
-/// which samples of 0 … 255 times 64 never reach, and differences of the wider neighbourhood at 24.
+/// The full edge limiter with all its values times 64. Differences of two samples are limited to 16 bits, which samples of
+/// 0 … 255 times 64 never reach, and differences of the wider neighbourhood to 24.
 template <class Lanes, bool usual>
 class WideEdges {
 public:
@@ -217,6 +218,17 @@ void NarrowRow(const int16_t* words, uint8_t* out, int32_t width) {
     };
     ForEachBlock<Lanes>(width, [&](int32_t x, auto block) {
         block.Store(out + x, Lanes::Pack(samples(x), samples(x + Lanes::width)));
+    });
+}
+
+template <class Lanes>
+void PullRow(const uint8_t* row, const uint8_t* towards, int16_t weight, uint8_t* out, int32_t width) {
+    const auto weights = Lanes::Set(weight);
+    ForEachBlock<Lanes>(width, [&](int32_t x, auto block) {
+        const Words<Lanes> from = block.LoadWords(row + x);
+        const Words<Lanes> to = block.LoadWords(towards + x);
+        block.Store(out + x,
+                    Lanes::Pack(Pull<Lanes>(from.low, to.low, weights), Pull<Lanes>(from.high, to.high, weights)));
     });
 }
 
