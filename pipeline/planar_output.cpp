@@ -103,11 +103,9 @@ private:
     }
 
     void FillMargin(const Plane& plane, int32_t y, int32_t firstColumn, uint8_t value) const {
-        if (plane.stride <= firstColumn) return;
-        const int32_t wanted = 4 * std::max((plane.stride - firstColumn + 3) >> 2, 1);
         uint8_t* first = plane.Row(y) + firstColumn;
         const ptrdiff_t room = std::min<ptrdiff_t>(plane.stride - firstColumn, targetEnd - first);
-        if (room > 0) std::memset(first, value, static_cast<size_t>(std::min<ptrdiff_t>(wanted, room)));
+        if (room > 0) std::memset(first, value, static_cast<size_t>(room));
     }
 
     const ImagePlanes& target;
