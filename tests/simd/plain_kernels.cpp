@@ -6,10 +6,7 @@
 namespace clarivex {
 namespace {
 
-int32_t Wrap16(int32_t v) {
-    const int32_t low = v & 0xFFFF;
-    return low < 0x8000 ? low : low - 0x10000;
-}
+int32_t Wrap16(int32_t v) { return static_cast<int16_t>(v); }
 
 int32_t Wrap32(int64_t v) { return static_cast<int32_t>(static_cast<uint64_t>(v)); }
 
@@ -20,16 +17,10 @@ uint8_t Saturate8(int32_t v) { return static_cast<uint8_t>(std::clamp(v, 0, 255)
 int32_t MulHigh(int32_t a, int32_t b) { return (a * b) >> 16; }
 
 /// Towards zero by the threshold, zero within it.
-int32_t Core(int32_t x, int32_t threshold) {
-    if (x > threshold) return x - threshold;
-    return x < -threshold ? x + threshold : 0;
-}
+int32_t Core(int32_t x, int32_t threshold) { return x - std::clamp(x, -threshold, threshold); }
 
 void SplitRow(const uint8_t* row, int16_t* even, int16_t* odd, int32_t count) {
-    for (int32_t i = 0; i < count / 2; ++i) {
-        even[i] = static_cast<int16_t>(PlainCentred(row[2 * i]));
-        odd[i] = static_cast<int16_t>(PlainCentred(row[2 * i + 1]));
-    }
+    for (int32_t i = 0; i < count; ++i) (i % 2 == 0 ? even : odd)[i / 2] = static_cast<int16_t>(PlainCentred(row[i]));
 }
 
 void EnlargeRow(const int16_t* even, const int16_t* odd, const int16_t* taps, uint8_t* out, int32_t pairs) {
@@ -156,38 +147,6 @@ void NarrowRow(const int16_t* words, uint8_t* out, int32_t width) {
     for (int32_t x = 0; x < width; ++x) out[x] = Saturate8((words[x] + wideBias) >> 6);
 }
 
-int32_t Pulled(int32_t from, int32_t to, int32_t weight) { return from + (((to - from) * weight) >> 15); }
-
-void EnlargeChromaRow(const uint8_t* in, const int16_t* weights, uint8_t* out, int32_t count) {
-    for (int32_t o = 0; o < count; ++o) {
-        const uint8_t* pair = in + 2 * (o / 3);
-        const int32_t phase = o % 3;
-        const int32_t from = pair[phase == 2 ? 1 : 0];
-        const int32_t to = phase == 0 ? pair[-1] : pair[phase];
-        out[o] = Saturate8(Pulled(from, to, weights[phase]));
-    }
-}
-
-void EnlargeChromaColumns(const uint8_t* const* rows, uint8_t* const* outs, int32_t width) {
-    for (int32_t x = 0; x < width; ++x) {
-        outs[0][x] = static_cast<uint8_t>((11 * rows[0][x] + 53 * rows[1][x]) >> 6);
-        outs[1][x] = static_cast<uint8_t>((rows[1][x] + rows[2][x]) >> 1);
-        outs[2][x] = static_cast<uint8_t>((53 * rows[2][x] + 11 * rows[3][x]) >> 6);
-    }
-}
-
-void PullRow(const uint8_t* row, const uint8_t* towards, int16_t weight, uint8_t* out, int32_t width) {
-    for (int32_t x = 0; x < width; ++x) out[x] = Saturate8(Pulled(row[x], towards[x], weight));
-}
-
-void SharpenColumns(const uint8_t* above, const uint8_t* row, const uint8_t* below, uint8_t* out, int32_t width,
-                    int16_t gain) {
-    for (int32_t x = 0; x < width; ++x) {
-        const int32_t detail = Wrap16(gain * (2 * row[x] - above[x] - below[x]) + 4);
-        out[x] = Saturate8(row[x] + (detail >> 4));
-    }
-}
-
 void LightingVotes(const uint8_t* luma, const uint8_t* firstChroma, const uint8_t* secondChroma, int32_t pairs,
                    const VoteRows& votes) {
     for (int32_t i = 0; i < pairs; ++i) {
@@ -202,75 +161,9 @@ void LightingVotes(const uint8_t* luma, const uint8_t* firstChroma, const uint8_
 }
 
 void SplitPackedRow(const uint8_t* packed, uint8_t* luma, uint8_t* u, uint8_t* v, int32_t pairs) {
-    for (int32_t i = 0; i < pairs; ++i) {
-        luma[2 * i] = packed[4 * i];
-        luma[2 * i + 1] = packed[4 * i + 2];
-        if (u != nullptr) {
-            u[i] = packed[4 * i + 1];
-            v[i] = packed[4 * i + 3];
-        }
-    }
-}
-
-int32_t CurveAt(int32_t luma, const LumaCurve& curve) {
-    const int32_t q = 128 * luma;
-    int32_t t = Wrap16(2 * MulHigh(q, curve.c3));
-    t = Wrap16(4 * MulHigh(Wrap16(t + curve.c2), q));
-    return MulHigh(Wrap16(t + curve.c1), q);
-}
-
-int32_t GrainAt(const GrainRow& grain, int32_t x) { return grain.words[(grain.firstColumn + x) % noisePeriod]; }
-
-int32_t TonedLuma(int32_t luma, int32_t x, const LumaTone& tone, int32_t noise) {
-    return Wrap16(CurveAt(luma, tone.curve) + tone.pattern[x % patternPeriod] + noise);
-}
-
-int32_t TonedChroma(int32_t chroma, int32_t x, const ChromaTone& tone, int32_t noise) {
-    return Wrap16(MulHigh(128 * chroma, tone.gains[x % patternPeriod]) + tone.pattern[x % patternPeriod] + noise);
-}
-
-uint8_t Overlaid(int32_t sixteenths, int32_t x, const OverlayRow& overlay) {
-    const int32_t eighths = Wrap16(MulHigh(sixteenths, overlay.keep[x]) + overlay.dither[x % patternPeriod]);
-    return Saturate8(Saturate8(eighths >> 3) + overlay.terms[x]);
-}
-
-void ToneLuma(const uint8_t* in, uint8_t* out, int32_t width, const LumaTone& tone, const GrainRow& grain) {
-    for (int32_t x = 0; x < width; ++x) out[x] = Saturate8(TonedLuma(in[x], x, tone, GrainAt(grain, x)) >> 4);
-}
-
-void ToneLumaOverlay(const uint8_t* in, uint8_t* out, int32_t width, const LumaTone& tone, const GrainRow& grain,
-                     const OverlayRow& overlay) {
-    for (int32_t x = 0; x < width; ++x) out[x] = Overlaid(TonedLuma(in[x], x, tone, GrainAt(grain, x)), x, overlay);
-}
-
-void ToneChroma(const uint8_t* in, uint8_t* out, int32_t width, const ChromaTone& tone) {
-    for (int32_t x = 0; x < width; ++x) out[x] = Saturate8(TonedChroma(in[x], x, tone, 0) >> 4);
-}
-
-void ToneChromaNoise(const uint8_t* in, uint8_t* out, int32_t width, const ChromaTone& tone, const GrainRow& grain) {
-    for (int32_t x = 0; x < width; ++x) out[x] = Saturate8(TonedChroma(in[x], x, tone, GrainAt(grain, x)) >> 4);
-}
-
-void ToneChromaOverlay(const uint8_t* in, uint8_t* out, int32_t width, const ChromaTone& tone, const GrainRow& grain,
-                       const OverlayRow& overlay) {
-    for (int32_t x = 0; x < width; ++x) out[x] = Overlaid(TonedChroma(in[x], x, tone, GrainAt(grain, x)), x, overlay);
-}
-
-void BlendChromaRows(const uint8_t* const* rows, uint8_t* out, int32_t width) {
-    const auto blend = [](int32_t current, int32_t neighbour) {
-        const int32_t half = (neighbour + current + 1) >> 1;
-        return static_cast<uint8_t>((half + current + 1) >> 1);
-    };
-    for (int32_t x = 0; x < width; ++x) {
-        out[2 * x] = blend(rows[0][x], rows[1][x]);
-        out[2 * x + 1] = blend(rows[2][x], rows[3][x]);
-    }
-}
-
-void Interleave(const uint8_t* a, const uint8_t* b, uint8_t* out, int32_t width) {
-    for (int32_t x = 0; x < width; ++x) {
-        out[2 * x] = a[x];
-        out[2 * x + 1] = b[x];
+    for (int32_t i = 0; i < 2 * pairs; ++i) {
+        luma[i] = packed[2 * i];
+        if (u != nullptr) (i % 2 == 0 ? u : v)[i / 2] = packed[2 * i + 1];
     }
 }
 
@@ -315,38 +208,29 @@ int32_t PlainCentred(int32_t sample) {
     return 256 * s + (s & 255);
 }
 
-const KernelTable plainKernels = {
-    .name = "plain",
-    .splitRow = SplitRow,
-    .enlargeRow = EnlargeRow,
-    .limitEdges = LimitEdges,
-    .fir7 = FirRow<3, 7>,
-    .fir5 = FirRow<2, 5>,
-    .expandRow = ExpandRow,
-    .enlargeColumns = EnlargeColumns,
-    .enlargeChromaRow = EnlargeChromaRow,
-    .enlargeChromaColumns = EnlargeChromaColumns,
-    .sharpenColumns = SharpenColumns,
-    .lightingVotes = LightingVotes,
-    .splitPackedRow = SplitPackedRow,
-    .toneLuma = ToneLuma,
-    .toneLumaOverlay = ToneLumaOverlay,
-    .toneChroma = ToneChroma,
-    .toneChromaNoise = ToneChromaNoise,
-    .toneChromaOverlay = ToneChromaOverlay,
-    .blendChromaRows = BlendChromaRows,
-    .interleave = Interleave,
-    .paintCoverage = PaintCoverage,
-    .packTileRow = PackTileRow,
-    .fir8 = FirRow<4, 8>,
-    .firEven = FirEven,
-    .pullRow = PullRow,
-    .doubleRow = DoubleRow,
-    .doubleRowWide = DoubleRowWide,
-    .doubleColumnsWide = WeighRows<8, 14, 8192>,
-    .limitEdgesWide = LimitEdgesWide,
-    .firWide = WeighRows<16, 13, 0>,
-    .narrowRow = NarrowRow,
-};
+constinit const KernelTable plainKernels = [] {
+    KernelTable table{};
+    table.name = "plain";
+    table.splitRow = SplitRow;
+    table.enlargeRow = EnlargeRow;
+    table.limitEdges = LimitEdges;
+    table.fir7 = FirRow<3, 7>;
+    table.fir5 = FirRow<2, 5>;
+    table.expandRow = ExpandRow;
+    table.enlargeColumns = EnlargeColumns;
+    table.lightingVotes = LightingVotes;
+    table.splitPackedRow = SplitPackedRow;
+    table.paintCoverage = PaintCoverage;
+    table.packTileRow = PackTileRow;
+    table.fir8 = FirRow<4, 8>;
+    table.firEven = FirEven;
+    table.doubleRow = DoubleRow;
+    table.doubleRowWide = DoubleRowWide;
+    table.doubleColumnsWide = WeighRows<8, 14, 8192>;
+    table.limitEdgesWide = LimitEdgesWide;
+    table.firWide = WeighRows<16, 13, 0>;
+    table.narrowRow = NarrowRow;
+    return table;
+}();
 
 }  // namespace clarivex
