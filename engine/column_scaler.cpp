@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "algorithms/detail_strips.h"
 #include "algorithms/readable_row.h"
+#include "algorithms/sleeping/detail_strips.h"
 
 namespace clarivex {
 namespace {

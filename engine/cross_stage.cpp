@@ -6,8 +6,8 @@
 #include <cstdlib>
 
 #include "algorithms/detail_kernels.h"
-#include "algorithms/detail_strips.h"
 #include "algorithms/rounding.h"
+#include "algorithms/sleeping/detail_strips.h"
 
 namespace clarivex {
 namespace {

@@ -4,7 +4,7 @@
 #include "algorithms/unscaled.h"
 #include "algorithms/working_image.h"
 #include "engine/picture_scaler.h"
-#include "engine/wide_scaler.h"
+#include "engine/sleeping/wide_scaler.h"
 
 namespace clarivex {
 

@@ -1,6 +1,6 @@
 #include "engine/enhancement_pass.h"
 
-#include "algorithms/edge_sharpeners.h"
+#include "algorithms/sleeping/edge_sharpeners.h"
 #include "engine/chroma_scalers.h"
 #include "platform/tsc.h"
 

@@ -9,12 +9,12 @@
 #include "engine/column_scaler.h"
 #include "engine/engine_settings.h"
 #include "engine/filter_plan.h"
-#include "engine/noise_reduction.h"
 #include "engine/picture_scaler.h"
 #include "engine/post_filter.h"
 #include "engine/row_scaler.h"
+#include "engine/sleeping/noise_reduction.h"
+#include "engine/sleeping/wide_scaler.h"
 #include "engine/timing_block.h"
-#include "engine/wide_scaler.h"
 
 namespace clarivex {
 

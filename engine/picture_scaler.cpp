@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "algorithms/detail_strips.h"
+#include "algorithms/sleeping/detail_strips.h"
 #include "engine/chroma_scalers.h"
 
 namespace clarivex {

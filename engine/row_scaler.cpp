@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "algorithms/detail_strips.h"
+#include "algorithms/sleeping/detail_strips.h"
 
 namespace clarivex {
 namespace {

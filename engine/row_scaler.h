@@ -10,8 +10,8 @@
 #include "algorithms/sharpen_params.h"
 #include "algorithms/slack_row.h"
 #include "engine/cross_stage.h"
-#include "engine/detail_stages.h"
 #include "engine/scale_modes.h"
+#include "engine/sleeping/detail_stages.h"
 #include "engine/stage_kinds.h"
 #include "simd/kernel_table.h"
 

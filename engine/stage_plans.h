@@ -4,10 +4,10 @@
 #include "engine/column_scaler.h"
 #include "engine/detail_gains.h"
 #include "engine/engine_settings.h"
-#include "engine/noise_reduction.h"
 #include "engine/post_filter.h"
 #include "engine/row_scaler.h"
-#include "engine/wide_scaler.h"
+#include "engine/sleeping/noise_reduction.h"
+#include "engine/sleeping/wide_scaler.h"
 
 namespace clarivex {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "engine/tuning.h"
+#include "engine/tuning/tuning.h"
 #include "pipeline/frame_pipeline.h"
 #include "shell/plugin_settings.h"
 #include "shell/process_objects.h"

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "engine/tuning_terms.h"
+#include "engine/tuning/tuning_terms.h"
 
 namespace clarivex {
 

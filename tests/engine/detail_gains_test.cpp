@@ -4,7 +4,7 @@
 
 #include <limits>
 
-#include "engine/noise_reduction.h"
+#include "engine/sleeping/noise_reduction.h"
 #include "tests/support/sharpen_curve.h"
 
 namespace clarivex {

@@ -1,6 +1,6 @@
 // The stages that work in place, each against a rule that tells for every sample of a plane what stands there afterwards:
 // the detail kernels in strips and what the start-up values leave off.
-#include "engine/detail_stages.h"
+#include "engine/sleeping/detail_stages.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <random>
 #include <vector>
 
-#include "algorithms/edge_sharpeners.h"
+#include "algorithms/sleeping/edge_sharpeners.h"
 #include "engine/cross_stage.h"
 #include "tests/support/guarded_rows.h"
 #include "tests/support/sharpen_curve.h"

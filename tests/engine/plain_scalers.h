@@ -3,7 +3,7 @@
 
 #include "engine/column_scaler.h"
 #include "engine/row_scaler.h"
-#include "engine/wide_scaler.h"
+#include "engine/sleeping/wide_scaler.h"
 
 namespace clarivex {
 

@@ -1,5 +1,5 @@
 // The tuning harness: its random draws, the error it reports, and that it finds better settings and always the same.
-#include "engine/tuning.h"
+#include "engine/tuning/tuning.h"
 
 #include <gtest/gtest.h>
 

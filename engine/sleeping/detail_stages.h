@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "algorithms/detail_strips.h"
+#include "algorithms/sleeping/detail_strips.h"
 #include "runtime/planes.h"
 
 namespace clarivex {

@@ -7,8 +7,8 @@
 #include <cstdint>
 
 #include "algorithms/detail_fir.h"
-#include "algorithms/detail_strips.h"
 #include "algorithms/sharpen_params.h"
+#include "algorithms/sleeping/detail_strips.h"
 #include "runtime/planes.h"
 
 namespace clarivex {

@@ -1,4 +1,4 @@
-#include "engine/tuning.h"
+#include "engine/tuning/tuning.h"
 
 #include <algorithm>
 #include <array>

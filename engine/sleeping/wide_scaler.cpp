@@ -1,5 +1,5 @@
 // Every row of the target passes all stages while the rows that it depends on are in the cache.
-#include "engine/wide_scaler.h"
+#include "engine/sleeping/wide_scaler.h"
 
 #include <algorithm>
 #include <array>

@@ -1,10 +1,10 @@
 // The simple edge limiter and the small-signal booster, sample by sample.
-#include "engine/detail_stages.h"
+#include "engine/sleeping/detail_stages.h"
 
 #include <algorithm>
 
 #include "algorithms/detail_kernels.h"
-#include "algorithms/row_groups.h"
+#include "algorithms/sleeping/row_groups.h"
 
 namespace clarivex {
 namespace {

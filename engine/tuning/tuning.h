@@ -6,7 +6,7 @@
 
 #include "algorithms/working_image.h"
 #include "engine/engine_settings.h"
-#include "engine/tuning_terms.h"
+#include "engine/tuning/tuning_terms.h"
 #include "runtime/random.h"
 #include "simd/kernel_table.h"
 

@@ -1,11 +1,11 @@
 // Walks strips along their rows and down their columns and hands each sample's neighbourhood to the detail kernels.
-#include "algorithms/detail_strips.h"
+#include "algorithms/sleeping/detail_strips.h"
 
 #include <algorithm>
 #include <array>
 
 #include "algorithms/detail_kernels.h"
-#include "algorithms/row_groups.h"
+#include "algorithms/sleeping/row_groups.h"
 
 namespace clarivex {
 namespace {

@@ -1,4 +1,4 @@
-#include "engine/noise_reduction.h"
+#include "engine/sleeping/noise_reduction.h"
 
 #include <cmath>
 

@@ -1,5 +1,5 @@
 // Derives the coefficients of a pass and takes its plane apart into strips.
-#include "algorithms/edge_sharpeners.h"
+#include "algorithms/sleeping/edge_sharpeners.h"
 
 #include <algorithm>
 #include <array>
