@@ -9,7 +9,7 @@ namespace clarivex {
 struct SharpenParams {
     float baseGainLog2 = 0.0F;   ///< log2 of (1 + base gain)
     float extraGainLog2 = 0.0F;  ///< added to baseGainLog2 gives log2 of (1 + gain above the knee)
-    float knee = 0.0F;  ///< size of the measured detail at which the extra gain starts, in kernel output units
+    float knee = 0.0F;           ///< size of the measured detail at which the extra gain starts, in kernel output units
 };
 
 /// Integer gains on the narrow measure (second difference) and the wide one (seven samples). Knees are never negative

@@ -5,9 +5,8 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "algorithms/detail_kernels.h"
+#include "algorithms/detail_arithmetic.h"
 #include "algorithms/rounding.h"
-#include "algorithms/sleeping/detail_strips.h"
 
 namespace clarivex {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "algorithms/sleeping/detail_strips.h"
+#include "algorithms/detail_arithmetic.h"
 #include "engine/chroma_scalers.h"
 
 namespace clarivex {

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <array>
 
-#include "algorithms/detail_kernels.h"
+#include "algorithms/sleeping/detail_kernels.h"
 #include "algorithms/sleeping/row_groups.h"
 
 namespace clarivex {

@@ -8,13 +8,11 @@
 
 #include <cstdint>
 
+#include "algorithms/detail_arithmetic.h"
 #include "algorithms/sharpen_params.h"
 #include "runtime/planes.h"
 
 namespace clarivex {
-
-/// Rows, or columns, of a strip.
-constexpr int32_t stripSize = 16;
 
 /// How the rounding constants 12 and 4 (of 16) alternate along a strip of rows.
 enum class RowDither {

@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdlib>
 
-#include "algorithms/detail_kernels.h"
+#include "algorithms/sleeping/detail_kernels.h"
 
 namespace clarivex {
 namespace {

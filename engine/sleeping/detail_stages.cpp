@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "algorithms/detail_kernels.h"
+#include "algorithms/detail_arithmetic.h"
 #include "algorithms/sleeping/row_groups.h"
 
 namespace clarivex {

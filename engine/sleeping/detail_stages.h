@@ -1,11 +1,10 @@
 // Stages of the scaler's strips that the start-up values leave off: the simple edge limiter and the small-signal
-// booster. The detail kernels themselves are those of algorithms/detail_strips.h. All work in place along the rows of a
+// booster. The detail kernels themselves are those of algorithms/sleeping/detail_strips.h. All work in place along the rows of a
 // strip of up to 16 rows and read unfiltered neighbours.
 #pragma once
 
 #include <cstdint>
 
-#include "algorithms/sleeping/detail_strips.h"
 #include "runtime/planes.h"
 
 namespace clarivex {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "algorithms/sleeping/detail_strips.h"
 #include "tests/simd/plain_kernels.h"
 
 namespace clarivex {

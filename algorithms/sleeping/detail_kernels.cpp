@@ -1,5 +1,5 @@
 // Prepares the gains of the detail kernels and decides the gates of a group.
-#include "algorithms/detail_kernels.h"
+#include "algorithms/sleeping/detail_kernels.h"
 
 #include <cstdlib>
 

@@ -1,10 +1,11 @@
-// The arithmetic of the detail kernels for one sample or one group of four, in 16-bit numbers that wrap. The passes
-// over whole planes and the stages inside the scaler's strips all come here.
+// The detail kernels for one sample or one group of four, in 16-bit numbers that wrap. The passes over whole planes and
+// the stages inside the scaler's strips all come here.
 #pragma once
 
 #include <algorithm>
 #include <cstdint>
 
+#include "algorithms/detail_arithmetic.h"
 #include "algorithms/sharpen_params.h"
 
 namespace clarivex {
@@ -14,13 +15,6 @@ constexpr int32_t gateGroup = 4;
 
 /// Samples on either side that the wide measure reads.
 constexpr int32_t wideReach = 3;
-
-/// Gains of NarrowDetail.
-struct NarrowGains {
-    int16_t base = 0;
-    int16_t extra = 0;
-    int16_t knee = 0;  ///< dead zone of the product with extra
-};
 
 /// Gains of GatedDetail. The wide ones are multipliers of 16·W kept to their upper half and then shifted up by 2.
 struct GatedGains {
@@ -51,40 +45,15 @@ GatedGains MakeGatedColumnGains(const SharpenCoefficients& coefficients);
 /// Coefficients derived with a wide scale of 256. A wide base gain beyond 16 bits goes into the extra gain.
 KneeGains MakeKneeGains(const SharpenCoefficients& coefficients);
 
-inline int16_t Wrap16(int64_t value) { return static_cast<int16_t>(static_cast<uint16_t>(value)); }
-inline int16_t Saturate16(int32_t value) { return static_cast<int16_t>(std::clamp(value, -32768, 32767)); }
-inline uint8_t SaturateSample(int64_t value) { return static_cast<uint8_t>(std::clamp<int64_t>(value, 0, 255)); }
-
-/// Upper 16 bits of the signed 32-bit product.
-inline int16_t MulHigh(int16_t a, int16_t b) { return static_cast<int16_t>((a * b) >> 16); }
-
-/// Dead zone: x moved by `deadZone` towards 0, and 0 within it. Wraps where x + deadZone leaves 16 bits.
-inline int16_t Core(int16_t x, int16_t deadZone) {
-    const int16_t raised = Wrap16(x + deadZone);
-    const int32_t excess = raised > 0 ? static_cast<uint16_t>(2 * deadZone) : 0;
-    return raised > 0 ? Wrap16(std::max(raised - excess, 0)) : raised;
-}
-
 /// The same dead zone in full width, where nothing wraps.
 inline int64_t WideCore(int64_t x, int64_t deadZone) {
     const int64_t rest = std::max<int64_t>((x < 0 ? -x : x) - deadZone, 0);
     return x < 0 ? -rest : rest;
 }
 
-/// Second difference of a sample and its two neighbours, ±510.
-inline int16_t NarrowMeasure(int32_t before, int32_t sample, int32_t after) {
-    return static_cast<int16_t>(2 * sample - before - after);
-}
-
 /// Taps −1, −2, 1, 4, 1, −2, −1 on the samples s0 … s6 around s3, ±1530.
 inline int16_t WideMeasure(int32_t s0, int32_t s1, int32_t s2, int32_t s3, int32_t s4, int32_t s5, int32_t s6) {
     return static_cast<int16_t>(4 * s3 + s2 + s4 - 2 * (s1 + s5) - s0 - s6);
-}
-
-/// dither  added before the final shift by 4, below 16.
-inline uint8_t NarrowDetail(uint8_t sample, int16_t narrow, const NarrowGains& gains, int32_t dither) {
-    const int32_t detail = Core(Wrap16(gains.extra * narrow), gains.knee) + Wrap16(gains.base * narrow);
-    return SaturateSample(sample + (Wrap16(detail + dither) >> 4));
 }
 
 inline uint8_t KneeDetail(uint8_t sample, int16_t narrow, int16_t wide, const KneeGains& gains, int32_t dither) {
