@@ -1,4 +1,4 @@
-// Chroma planes enlarged by three halves or by two, by linear interpolation in integers.
+// Chroma planes enlarged by three halves, by linear interpolation in integers.
 #pragma once
 
 #include <cstdint>
@@ -7,6 +7,11 @@
 #include "runtime/planes.h"
 
 namespace clarivex {
+
+/// Row y with its ends repeated as far as interpolation looks: twice before it and four times behind it.
+///
+/// copy  room for that around the source's width; what is returned
+const uint8_t* PadChromaRow(const PlaneView& source, int32_t y, uint8_t* copy);
 
 /// Three halves along the rows, all rows of the source.
 ///
@@ -24,19 +29,5 @@ void ScaleChromaRows(const Plane& target, const PlaneView& source, bool chromaOd
 /// scratch    receives rows that the target has no place for.
 void ScaleChromaColumns(const Plane& target, const PlaneView& source, const uint8_t* sourceEnd,
                         SlackRow<uint8_t>& scratch, const KernelTable& kernels);
-
-/// Twice along the rows, all rows of the source.
-///
-/// target     rows of at least the source's height; 2 · width columns are written, as far as the stride goes.
-/// chromaOdd  false: outputs 2n and 2n + 1 lie a quarter of a sample left and right of input n; true: three eighths left
-///            and an eighth right of it, for luma that an even filter has shifted.
-/// edges      the first and the last sample are repeated. Only the source's own samples are read.
-void DoubleChromaRows(const Plane& target, const PlaneView& source, bool chromaOdd, SlackRow<uint8_t>& scratch,
-                      const KernelTable& kernels);
-
-/// The same down the columns.
-///
-/// target  2 · height rows; rows beyond the target's height are left out, and columns beyond its stride.
-void DoubleChromaColumns(const Plane& target, const PlaneView& source, bool chromaOdd, const KernelTable& kernels);
 
 }  // namespace clarivex

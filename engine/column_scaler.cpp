@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "algorithms/detail_arithmetic.h"
 #include "algorithms/readable_row.h"
 #include "algorithms/sleeping/detail_strips.h"
+#include "engine/sleeping/cross_columns.h"
 
 namespace clarivex {
 namespace {

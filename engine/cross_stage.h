@@ -38,8 +38,4 @@ private:
     uint8_t* line;
 };
 
-/// The same purpose along a pass that walks down the columns: filters the strip's columns over their whole height with
-/// two dead zones in a row, in place. Above the strip row 0 is repeated, below it the last row.
-void CrossColumns(const Plane& strip, const CrossGains& gains);
-
 }  // namespace clarivex

@@ -1,7 +1,7 @@
 #include "engine/enhancement_pass.h"
 
 #include "algorithms/sleeping/edge_sharpeners.h"
-#include "engine/chroma_scalers.h"
+#include "engine/sleeping/chroma_doubling.h"
 #include "platform/tsc.h"
 
 namespace clarivex {

@@ -4,6 +4,7 @@
 
 #include "algorithms/detail_arithmetic.h"
 #include "engine/chroma_scalers.h"
+#include "engine/sleeping/chroma_doubling.h"
 
 namespace clarivex {
 namespace {

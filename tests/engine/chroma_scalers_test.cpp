@@ -1,4 +1,4 @@
-#include "engine/chroma_scalers.h"
+#include "engine/sleeping/chroma_doubling.h"
 
 #include <gtest/gtest.h>
 

@@ -11,6 +11,7 @@
 
 #include "algorithms/sleeping/edge_sharpeners.h"
 #include "engine/cross_stage.h"
+#include "engine/sleeping/cross_columns.h"
 #include "tests/support/guarded_rows.h"
 #include "tests/support/sharpen_curve.h"
 

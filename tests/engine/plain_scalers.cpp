@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "algorithms/sleeping/detail_strips.h"
+#include "engine/sleeping/cross_columns.h"
 #include "tests/simd/plain_kernels.h"
 
 namespace clarivex {

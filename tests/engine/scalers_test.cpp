@@ -5,8 +5,9 @@
 #include <algorithm>
 #include <vector>
 
-#include "engine/chroma_scalers.h"
+#include "algorithms/detail_arithmetic.h"
 #include "engine/picture_scaler.h"
+#include "engine/sleeping/chroma_doubling.h"
 #include "tests/engine/plain_scalers.h"
 #include "tests/support/sharpen_curve.h"
 #include "tests/support/test_images.h"
