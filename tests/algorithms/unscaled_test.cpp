@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <random>
 
-#include "tests/simd/plain_kernels.h"
+#include "tests/algorithms/plain_unscaled.h"
 #include "tests/support/guarded_rows.h"
 #include "tests/support/test_images.h"
 
@@ -33,29 +33,6 @@ constexpr Walk walks[] = {{pass, 0, 0, 0},
                           {{0, 0, 0, 0, 0, 0, 0, 40, 8160}, 0, 0, 0},
                           {{0, 0, 0, 0, 0, 0, 0, 0, 8160, 0, 0, 9}, 0, 0, 0}};
 
-int32_t Limited(int32_t value) { return std::clamp(value, 0, 255); }
-
-/// What the walk leaves in a column of a row of the source's luma.
-int32_t PlainWalk(const SourceImage& source, const Walk& walk, int32_t x, int32_t y) {
-    const PlaneView& luma = source.planes.luma;
-    const auto at = [&](int32_t column, int32_t row) {
-        const uint8_t* sample = luma.Row(row) + column;
-        return int32_t{sample < source.end ? *sample : luma.Row(row)[luma.width - 1]};
-    };
-    if (y == 0 || y == luma.height - 1) return at(x, y);
-    const auto sharpened = [&](int32_t column) {
-        const int32_t detail = 2 * at(column, y) - at(column, y - 1) - at(column, y + 1);
-        return Limited(at(column, y) + ((walk.gain * detail + 4) >> 4));
-    };
-    const int32_t end = 4 + (luma.width - 5) / 4 * 4;
-    if (x < 4) return sharpened(x);
-    if (x >= end) return PlainCentred(sharpened(x)) / 256 + 128 + (PlainCentred(sharpened(x)) < 0 ? -1 : 0);
-    int32_t sum = x % 2 == 0 ? 4088 : 4072;
-    for (int32_t k = 4; k < 12; ++k)
-        sum += (walk.taps[static_cast<size_t>(k)] * PlainCentred(sharpened(x + k - 8))) >> 16;
-    return Limited(sum >> 5);
-}
-
 TEST(EnhanceUnscaled, LeavesWhatThePlainWalkSaysAtEverySizeAndWidthOfKernels) {
     ForEachRunnableTable([](const KernelTable& kernels) {
         UnscaledScratch scratch;
@@ -82,8 +59,8 @@ TEST(EnhanceUnscaled, LeavesWhatThePlainWalkSaysAtEverySizeAndWidthOfKernels) {
                 for (int32_t y = 0; y <= height; ++y)
                     for (int32_t x = 0; x < luma.stride; ++x) {
                         const bool written = width >= 9 && x < (width + 1) / 2 * 2 && y < height;
-                        ASSERT_EQ(luma.Row(y)[x],
-                                  written ? PlainWalk(source, walk, x, y) : before.Planes().luma.Row(y)[x])
+                        ASSERT_EQ(luma.Row(y)[x], written ? PlainUnscaled(source, walk.taps, walk.gain, x, y)
+                                                          : before.Planes().luma.Row(y)[x])
                             << kernels.name << ", walk " << &walk - walks << ", " << width << " x " << height << ": "
                             << x << ", " << y;
                     }
