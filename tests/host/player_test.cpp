@@ -21,32 +21,8 @@ std::vector<uint8_t> Gradient(PictureSize size) {
 }
 
 // Of small YV12 pictures.
-Player PlayerOf(FakeMediaObject& object, Ratio frameRate = {}, PictureSize size = {32, 16}) {
-    return Player(ReferenceTo<IMediaObject>(&object), {SampleFormat::yv12, size, frameRate, {}}, {.allowHd = false});
-}
-
-TEST(Player, HandsOverTheSettingsTheFramesAndTheirEnd) {
-    FakeMediaObject object;
-    const std::vector<uint8_t> samples = Gradient({32, 16});
-    {
-        Player player(ReferenceTo<IMediaObject>(&object), {SampleFormat::yv12, {32, 16}, {25, 1}, {}},
-                      {2, 0.25f, false, true});
-        EXPECT_EQ(player.Negotiate(), Negotiated::playing);
-        player.Play(samples);
-        player.Play(samples);
-        player.Finish();
-    }
-    unsigned mode = 9;
-    float sharpness = 9;
-    int lighting = 9, allowHd = 9;
-    object.get_CVXMode(&mode);
-    object.get_Sharpness(&sharpness);
-    object.get_EnableLighting(&lighting);
-    object.get_AllowHD(&allowHd);
-    EXPECT_EQ(std::tuple(2U, 0.25f, 0, 1), std::tuple(mode, sharpness, lighting, allowHd));
-    EXPECT_EQ(std::tuple(2U, 1), std::tuple(object.starts.size(), object.discontinuities));
-    EXPECT_EQ(object.outputLengthBefore, 0u);
-    EXPECT_EQ(object.references, 1) << "every reference was given back";
+Player PlayerOf(FakeMediaObject& object, PictureSize size = {32, 16}) {
+    return Player(ReferenceTo<IMediaObject>(&object), {SampleFormat::yv12, size, {}, {}}, {.allowHd = false});
 }
 
 TEST(Player, StatesTheVideoAsAPlayerDoes) {
@@ -67,17 +43,31 @@ TEST(Player, StatesTheVideoAsAPlayerDoes) {
     EXPECT_EQ(header.bmiHeader.biSizeImage, 72u * 20u);
 }
 
-TEST(Player, TimesFollowTheRateWithoutDrift) {
+TEST(Player, HandsOverTheSettingsAndTheFramesWithTimesThatDoNotDrift) {
     FakeMediaObject object;
     const std::vector<uint8_t> samples = Gradient({32, 16});
-    Player player = PlayerOf(object, {30000, 1001});
-    player.Negotiate();
-    for (int frame = 0; frame < 4; ++frame) player.Play(samples);
+    {
+        Player player(ReferenceTo<IMediaObject>(&object), {SampleFormat::yv12, {32, 16}, {30000, 1001}, {}},
+                      {2, 0.25f, false, true});
+        EXPECT_EQ(player.Negotiate(), Negotiated::playing);
+        for (int frame = 0; frame < 4; ++frame) player.Play(samples);
+        player.Finish();
+    }
+    unsigned mode = 9;
+    float sharpness = 9;
+    int lighting = 9, allowHd = 9;
+    object.get_CVXMode(&mode);
+    object.get_Sharpness(&sharpness);
+    object.get_EnableLighting(&lighting);
+    object.get_AllowHD(&allowHd);
+    EXPECT_EQ(std::tuple(2U, 0.25f, 0, 1), std::tuple(mode, sharpness, lighting, allowHd));
+    EXPECT_EQ(std::tuple(1, 0U), std::tuple(object.discontinuities, object.outputLengthBefore));
+    EXPECT_EQ(object.references, 1) << "every reference was given back";
     EXPECT_EQ(object.starts, (std::vector<int64_t>{0, 333666, 667333, 1001000}));
     EXPECT_EQ(object.lengths, (std::vector<int64_t>{333666, 333667, 333667, 333666}));
+    EXPECT_EQ(FrameStart(30'000'000, {30000, 1001}), 10'010'000'000'000) << "11 days later, to the tick";
     const DWORD timed = DMO_INPUT_DATA_BUFFERF_TIME | DMO_INPUT_DATA_BUFFERF_TIMELENGTH;
     EXPECT_EQ(object.inputFlags[0] & timed, timed);
-    EXPECT_EQ(FrameStart(30'000'000, {30000, 1001}), 10'010'000'000'000) << "11 days later, to the tick";
     Player untimed = PlayerOf(object);
     untimed.Negotiate();
     untimed.Play(samples);
@@ -160,9 +150,9 @@ TEST(Player, NonsenseOfTheObjectIsRefusedAndNamed) {
 
 TEST(Player, ARefusalIsABypassOnlyWhenHdIsTheReason) {
     FakeMediaObject object;
-    EXPECT_EQ(PlayerOf(object, {}, {1024, 576}).Negotiate(), Negotiated::bypassedForHd);
+    EXPECT_EQ(PlayerOf(object, {1024, 576}).Negotiate(), Negotiated::bypassedForHd);
     EXPECT_EQ(ErrorOf([&] {
-                  PlayerOf(object, {}, {12, 64}).Negotiate();
+                  PlayerOf(object, {12, 64}).Negotiate();
               }),
               "a picture of 12x64 is too small: width and height must be at least 16");
 }
