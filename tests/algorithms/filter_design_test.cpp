@@ -1,11 +1,6 @@
 #include "algorithms/filter_design.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <numbers>
-#include <numeric>
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

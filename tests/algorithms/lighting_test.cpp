@@ -1,10 +1,7 @@
 #include "algorithms/lighting.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
 #include "runtime/random.h"
+#include "tests/support/test.h"
 #include "tests/support/test_images.h"
 
 namespace clarivex {

@@ -1,12 +1,8 @@
 #include "algorithms/sharpen_params.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-
 #include "algorithms/rounding.h"
 #include "tests/support/sharpen_curve.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

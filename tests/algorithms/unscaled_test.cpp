@@ -1,12 +1,8 @@
 #include "algorithms/unscaled.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <random>
-
 #include "tests/algorithms/plain_unscaled.h"
 #include "tests/support/guarded_rows.h"
+#include "tests/support/test.h"
 #include "tests/support/test_images.h"
 
 namespace clarivex {

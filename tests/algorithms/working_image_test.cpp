@@ -1,9 +1,6 @@
 #include "algorithms/working_image.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <vector>
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

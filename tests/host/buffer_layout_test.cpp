@@ -1,12 +1,8 @@
 // Media buffer layouts against their plain description, for even and odd sizes, with a guard page behind every buffer.
 #include "host/buffer_layout.h"
 
-#include <gtest/gtest.h>
-
-#include <random>
-#include <utility>
-
 #include "tests/support/guarded_pages.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

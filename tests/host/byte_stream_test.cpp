@@ -1,14 +1,12 @@
 // Real files: what is written arrives, one file is known by all its names, and a file is replaced whole or not at all.
 #include "host/byte_stream.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 #include "host/file_replacement.h"
 #include "tests/host/error_of.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

@@ -1,12 +1,8 @@
 // The command line as a structure, and the words of its errors.
 #include "host/command_line.h"
 
-#include <gtest/gtest.h>
-
-#include <initializer_list>
-#include <vector>
-
 #include "tests/host/error_of.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

@@ -1,15 +1,10 @@
 // The player against a media object that notes what it is told or talks nonsense.
 #include "host/player.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstring>
-#include <tuple>
-
 #include "host/errors.h"
 #include "tests/host/error_of.h"
 #include "tests/host/fake_media_object.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

@@ -1,9 +1,7 @@
 // The words of the progress, summary and timing lines.
 #include "host/progress.h"
 
-#include <gtest/gtest.h>
-
-#include <vector>
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

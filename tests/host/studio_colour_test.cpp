@@ -1,9 +1,7 @@
 // Colours of bitmaps as video and back.
 #include "host/studio_colour.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

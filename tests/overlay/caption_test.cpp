@@ -1,13 +1,4 @@
 // The caption from its colours to its tiles: how it fades, what stays between frames, sizes that change, and its end.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstdint>
-#include <limits>
-#include <memory>
-#include <utility>
-#include <vector>
 
 #include "overlay/caption_style.h"
 #include "overlay/overlay.h"
@@ -15,6 +6,7 @@
 #include "tests/overlay/fake_fonts.h"
 #include "tests/support/crc32.h"
 #include "tests/support/memory_count.h"
+#include "tests/support/test.h"
 #include "tests/support/test_images.h"
 
 namespace clarivex {

@@ -1,14 +1,8 @@
 #include "overlay/compositor.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <random>
-#include <utility>
-#include <vector>
-
 #include "simd/kernel_table.h"
 #include "tests/support/memory_count.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

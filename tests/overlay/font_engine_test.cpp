@@ -1,12 +1,8 @@
 #include "overlay/font_engine.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <vector>
-
 #include "overlay/glyph_outline.h"
 #include "overlay/rasteriser.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

@@ -1,12 +1,7 @@
 #include "overlay/overlay_tiles.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <utility>
-
 #include "tests/support/memory_count.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

@@ -1,16 +1,7 @@
 #include "overlay/rasteriser.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstring>
-#include <memory>
-#include <random>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "tests/support/guarded_rows.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

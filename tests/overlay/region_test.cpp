@@ -1,15 +1,9 @@
 #include "overlay/region.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
 #include <bitset>
-#include <random>
-#include <utility>
-#include <vector>
 
 #include "tests/support/memory_count.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

@@ -1,16 +1,10 @@
 #include "overlay/text_layout.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "overlay/glyph_outline.h"
 #include "overlay/sleeping/arc_outline.h"
 #include "overlay/sleeping/styled_text.h"
 #include "tests/overlay/fake_fonts.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 

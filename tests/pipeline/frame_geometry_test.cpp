@@ -1,11 +1,7 @@
 #include "pipeline/frame_geometry.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <utility>
-
 #include "tests/support/stream_setup.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

@@ -1,15 +1,9 @@
 #include "pipeline/frame_pipeline.h"
 
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <optional>
-#include <utility>
-#include <vector>
-
 #include "tests/overlay/fake_fonts.h"
 #include "tests/support/memory_count.h"
 #include "tests/support/synthetic_video.h"
+#include "tests/support/test.h"
 #include "tests/support/test_images.h"
 
 namespace clarivex {

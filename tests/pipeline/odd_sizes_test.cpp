@@ -1,13 +1,9 @@
 // Pictures of odd sizes through the media object: which bytes of the output buffer are written, and with what, by the
 // rules in words. Everything else stays as the host left it.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string>
-#include <vector>
 
 #include "shell/caption.h"
 #include "tests/support/host_stream.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

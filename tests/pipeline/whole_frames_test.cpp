@@ -1,12 +1,9 @@
 // The largest pictures through the media object: what is not enhanced stands whole over black, what is is so everywhere.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <vector>
 
 #include "shell/caption.h"
 #include "tests/support/host_stream.h"
 #include "tests/support/synthetic_video.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

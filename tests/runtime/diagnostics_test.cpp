@@ -1,9 +1,6 @@
 #include "runtime/diagnostics.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string>
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

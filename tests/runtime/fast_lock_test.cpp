@@ -1,9 +1,6 @@
 #include "runtime/fast_lock.h"
 
-#include <gtest/gtest.h>
-
-#include <thread>
-#include <vector>
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

@@ -1,15 +1,10 @@
 #include "runtime/memory.h"
 
-#include <gtest/gtest.h>
-
 #include <cerrno>
-#include <cstring>
-#include <limits>
-#include <new>
-#include <string>
 
 #include "runtime/diagnostics.h"
 #include "tests/support/memory_count.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

@@ -1,11 +1,7 @@
 #include "runtime/planes.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <vector>
-
 #include "runtime/memory.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

@@ -1,8 +1,6 @@
 #include "runtime/short_string.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

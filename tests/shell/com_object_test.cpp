@@ -1,14 +1,11 @@
 // From a class identifier to an object; identity, interfaces, counting and aggregation of objects in both shapes.
 #include "shell/com_object.h"
 
-#include <gtest/gtest.h>
-
-#include <utility>
-
 #include "shell/class_factory.h"
 #include "shell/media_object.h"
 #include "shell/module.h"
 #include "tests/support/fake_buffers.h"
+#include "tests/support/test.h"
 #include "tests/support/test_object.h"
 
 namespace clarivex {

@@ -1,11 +1,8 @@
 // The speed measurement on clocks that a test moves, and what follows from a speed.
 #include "shell/cpu_speed.h"
 
-#include <gtest/gtest.h>
-
-#include <vector>
-
 #include "platform/win32.h"
+#include "tests/support/test.h"
 #include "tests/support/test_object.h"
 #include "tests/support/video_types.h"
 

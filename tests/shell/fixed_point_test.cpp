@@ -1,9 +1,7 @@
 // Numbers in the form of the settings store.
 #include "shell/fixed_point.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

@@ -1,15 +1,12 @@
 // Whole frames between guard pages: what the object does with a host's buffers stays inside them, to the byte.
-#include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdio>
-#include <string>
-#include <vector>
 
 #include "shell/caption.h"
 #include "shell/instruction_set.h"
 #include "tests/support/guarded_pages.h"
 #include "tests/support/host_stream.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

@@ -1,11 +1,7 @@
 // Which media types the plug-in takes, and what it reads out of them.
 #include "shell/media_type.h"
 
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <limits>
-
+#include "tests/support/test.h"
 #include "tests/support/video_types.h"
 
 namespace clarivex {

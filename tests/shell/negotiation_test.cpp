@@ -1,12 +1,8 @@
 // The media object before its first frame, through its interfaces.
-#include <gtest/gtest.h>
-
-#include <array>
-#include <tuple>
-#include <utility>
 
 #include "shell/media_type.h"
 #include "tests/support/fake_buffers.h"
+#include "tests/support/test.h"
 #include "tests/support/test_object.h"
 #include "tests/support/video_types.h"
 

@@ -1,10 +1,7 @@
 // The property page's decisions, without a window.
 #include "shell/property_page_logic.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <string>
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

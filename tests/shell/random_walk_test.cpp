@@ -1,10 +1,8 @@
 // Random walks over the media object's methods: nothing crashes, leaks, overruns a buffer or gives an unknown result.
-#include <gtest/gtest.h>
-
-#include <random>
 
 #include "shell/class_factory.h"
 #include "tests/support/negotiation_walk.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

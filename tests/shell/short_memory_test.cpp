@@ -1,16 +1,12 @@
 // Memory that comes late or not at all: no crash, no leak, no lost frame.
 #include "tests/support/short_memory.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <vector>
-
 #include "shell/caption.h"
 #include "shell/memory_wait.h"
 #include "tests/support/host_stream.h"
 #include "tests/support/memory_count.h"
 #include "tests/support/open_object.h"
+#include "tests/support/test.h"
 #include "tests/support/test_images.h"
 
 namespace clarivex {

@@ -1,14 +1,7 @@
 // The media object's settings, switch, pages, property bag and lock.
-#include <gtest/gtest.h>
-
-#include <array>
-#include <atomic>
-#include <bit>
-#include <limits>
-#include <thread>
-#include <utility>
 
 #include "shell/plugin_settings.h"
+#include "tests/support/test.h"
 #include "tests/support/test_object.h"
 
 namespace clarivex {

@@ -1,13 +1,9 @@
 // The media object while frames run through it: its two states, times, buffers good and bad.
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <tuple>
-#include <utility>
 
 #include "tests/support/fake_buffers.h"
 #include "tests/support/guarded_pages.h"
 #include "tests/support/open_object.h"
+#include "tests/support/test.h"
 #include "tests/support/test_object.h"
 #include "tests/support/video_types.h"
 

@@ -1,17 +1,9 @@
 // Films side by side in one process: each looks as it does alone, whatever else is played, made or asked meanwhile.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <atomic>
-#include <functional>
-#include <set>
-#include <thread>
-#include <utility>
-#include <vector>
 
 #include "shell/caption.h"
 #include "tests/support/host_stream.h"
 #include "tests/support/open_object.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

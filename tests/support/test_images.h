@@ -2,17 +2,11 @@
 // reading must end.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <memory>
-#include <random>
-#include <string>
-
 #include "algorithms/readable_row.h"
 #include "algorithms/working_image.h"
 #include "simd/kernel_table.h"
 #include "tests/simd/runs_here.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 

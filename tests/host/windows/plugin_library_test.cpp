@@ -1,14 +1,9 @@
 // The plug-in's own library, loaded as a host loads it.
 #include "host/plugin_library.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string>
-#include <vector>
-
 #include "host/player.h"
 #include "tests/host/error_of.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

@@ -1,12 +1,11 @@
 #include <fontconfig/fontconfig.h>
-#include <gtest/gtest.h>
 #include <stdlib.h>
 
-#include <array>
 #include <fstream>
-#include <string>
 
 #include "overlay/font_engine.h"
+
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

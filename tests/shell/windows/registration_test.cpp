@@ -1,15 +1,11 @@
 // Registration: what is asked of the registrars and in which order, failures half-way, and the keys that it leaves.
 #include "shell/windows/registration.h"
 
-#include <gtest/gtest.h>
-
-#include <optional>
-#include <string>
-
 #include "tests/shell/windows/com_apartment.h"
 #include "tests/shell/windows/fake_registrars.h"
 #include "tests/shell/windows/plugin_module.h"
 #include "tests/shell/windows/temporary_folder.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

@@ -2,12 +2,10 @@
 #include "shell/windows/slider_control.h"
 
 #include <commctrl.h>
-#include <gtest/gtest.h>
-
-#include <thread>
 
 #include "tests/shell/windows/host_windows.h"
 #include "tests/shell/windows/replaced_import.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

@@ -1,19 +1,17 @@
 // When the updater is started and with what, by objects of a copy of the DLL that has a stand-in for it beside itself.
 #include "shell/windows/update_check.h"
 
-#include <gtest/gtest.h>
 #include <tlhelp32.h>
 
 #include <ctime>
 #include <fstream>
-#include <string>
-#include <vector>
 
 #include "runtime/owned_handle.h"
 #include "tests/shell/windows/handle_count.h"
 #include "tests/shell/windows/plugin_module.h"
 #include "tests/shell/windows/temporary_folder.h"
 #include "tests/shell/windows/user_registry.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {
