@@ -4,7 +4,6 @@
 
 #include "algorithms/detail_arithmetic.h"
 #include "algorithms/readable_row.h"
-#include "algorithms/sleeping/detail_strips.h"
 #include "engine/sleeping/cross_columns.h"
 
 namespace clarivex {
@@ -43,21 +42,6 @@ template <class PlaneKind>
 PlaneKind PartOf(PlaneKind fromX, int32_t x, int32_t columns) {
     fromX.width = std::min(partColumns, columns - x);
     return fromX;
-}
-
-/// Strips are whole: spare columns to the right are read again by a pass along the rows.
-Plane StripOf(const Plane& plane, int32_t x) { return {plane.data + x, stripSize, plane.height, plane.stride}; }
-
-void RunPreStage(const Plane& source, const PreStage& preStage) {
-    if (!preStage.IsOn()) return;
-    for (int32_t x = 0; x < source.width; x += stripSize) {
-        const Plane strip = StripOf(source, x);
-        if (preStage.gated) GatedDetailColumns(strip, preStage.gains);
-        if (preStage.kernel == PreKernel::narrow)
-            NarrowDetailColumns(strip, preStage.gains);
-        else if (preStage.kernel == PreKernel::knee)
-            KneeDetailColumns(strip, preStage.gains);
-    }
 }
 
 }  // namespace
@@ -107,10 +91,13 @@ void ColumnScaler::ScalePart(int32_t x, int32_t endRow) {
 void ScaleLumaStrips(const Plane& target, const SourcePlane& source, const ColumnStages& stages, ColumnScratch& scratch,
                      const KernelTable& kernels) {
     if (source.plane.height < smallestHeight) return;
-    RunPreStage(source.writable, stages.preStage);
+    const SleepingColumnStages& sleeping = stages.sleeping;
+    if (sleeping.preStage.IsOn()) SmoothColumnStrips(source.writable, sleeping.preStage);
     ColumnScaler(target, source, stages.taps, scratch, kernels).Advance(source.plane.height);
-    if (stages.crossOn)
-        for (int32_t x = 0; x < source.plane.width; x += stripSize) CrossColumns(StripOf(target, x), stages.cross);
+    if (sleeping.crossOn) {  // spare columns too: a pass along the rows reads them
+        const int32_t columns = (source.plane.width + stripSize - 1) & ~(stripSize - 1);
+        CrossColumns({target.data, columns, target.height, target.stride}, sleeping.cross);
+    }
 }
 
 }  // namespace clarivex

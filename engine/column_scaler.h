@@ -5,18 +5,17 @@
 #include <cstdint>
 
 #include "algorithms/filter_design.h"
+#include "algorithms/readable_row.h"
 #include "algorithms/slack_row.h"
-#include "engine/cross_stage.h"
-#include "engine/row_scaler.h"
+#include "engine/sleeping/column_stages.h"
+#include "simd/kernel_table.h"
 
 namespace clarivex {
 
 /// What runs in a pass down the columns.
 struct ColumnStages {
     ThreeHalvesTaps taps;
-    PreStage preStage;  ///< works in place on the source, which then has to be writable
-    bool crossOn = false;
-    CrossGains cross;
+    SleepingColumnStages sleeping;
 };
 
 /// Working memory of the pass, kept between frames.

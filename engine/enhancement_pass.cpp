@@ -101,7 +101,8 @@ private:
     RowStages Rows() const {
         RowStages rows = plan.rows;
         rows.taps = state.taps.horizontal;
-        if (rows.scale == AxisScale::twofold) rows.twofoldTaps = DesignTwofoldTaps(state.taps.horizontalResponse);
+        if (rows.scale == AxisScale::twofold)
+            rows.sleeping.twofoldTaps = DesignTwofoldTaps(state.taps.horizontalResponse);
         return rows;
     }
 

@@ -116,9 +116,9 @@ private:
     void PlanStrips() {
         plan.rows = PlanRowStages(settings, gains, plan.postFilter);
         plan.rows.scale = plan.modes.horizontal;
-        plan.rows.preStage = PlanRowPreStage(fusedRows);
-        plan.columns.preStage = PlanColumnPreStage(fusedColumns);
-        if (plan.rows.scale == twofold) plan.rows.rankStage = settings.detail.columnRankMode;
+        plan.rows.sleeping.preStage = PlanRowPreStage(fusedRows);
+        plan.columns.sleeping.preStage = PlanColumnPreStage(fusedColumns);
+        if (plan.rows.scale == twofold) plan.rows.sleeping.rankStage = settings.detail.columnRankMode;
         if (plan.kind == PassKind::rowsOnly) {
             plan.rows.crossOn = IsSharpenActive(gains.postNarrowV);
             plan.rows.cross = DeriveCrossGains(gains.postNarrowV);

@@ -87,18 +87,20 @@ const char* FilterOf(const DetailTaps& taps) {
 
 void TellRows(const RowStages& rows, Words& words) {
     words.Line("rows by %s", NameOf(rows.scale));
-    words.Stage("smooth in strips", rows.preStage.IsOn(), KernelsOf(rows.preStage.gated, rows.preStage.kernel).c_str());
+    words.Stage("smooth in strips", rows.sleeping.preStage.IsOn(),
+                KernelsOf(rows.sleeping.preStage.gated, rows.sleeping.preStage.kernel).c_str());
     words.Stage("limit edges", rows.edgeStage != EdgeStage::none, EdgesOf(rows));
-    words.Stage("detail", rows.detailOn, "knee");
+    words.Stage("detail", rows.sleeping.detailOn, "knee");
     words.Stage("post filter", rows.postFilterOn, FilterOf(rows.postTaps));
-    words.Stage("booster", rows.boosterOn, "on");
+    words.Stage("booster", rows.sleeping.boosterOn, "on");
     words.Stage("cross", rows.crossOn, "down the columns");
-    words.Stage("rank", rows.rankStage != RankStage::none, rows.rankStage == RankStage::smaller ? "smaller" : "larger");
+    words.Stage("rank", rows.sleeping.rankStage != RankStage::none,
+                rows.sleeping.rankStage == RankStage::smaller ? "smaller" : "larger");
 }
 
 void TellColumns(const PassPlan& plan, Words& words) {
     words.Line("columns by %s", NameOf(plan.modes.vertical));
-    const PreStage& preStage = plan.columns.preStage;
+    const PreStage& preStage = plan.columns.sleeping.preStage;
     words.Stage("smooth in strips", preStage.IsOn(), KernelsOf(preStage.gated, preStage.kernel).c_str());
 }
 

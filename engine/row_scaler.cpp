@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "algorithms/sleeping/detail_strips.h"
+#include "algorithms/detail_arithmetic.h"
 
 namespace clarivex {
 namespace {
@@ -59,26 +59,19 @@ RowScaler::RowScaler(const Plane& target, const SourcePlane& source, const RowSt
       taps(PhaseAfterPhase(stages.taps)) {}
 
 void RowScaler::ScaleStrip(int32_t y) {
-    RunPreStage(y);
+    const SleepingRowStages& sleeping = stages.sleeping;
+    if (sleeping.preStage.IsOn()) SmoothRowStrip(StripOf(source.writable, y), sleeping.preStage);
     for (int32_t row = y; row < std::min(y + stripSize, height); ++row) ScaleRow(row);
-    RunStripStages(StripOf(target, y));
+    const bool filterWaits = stages.postFilterOn && PostFilterWaits(sleeping, form);
+    RunSleepingStages(StripOf(target, y), sleeping, filterWaits ? &stages.postTaps : nullptr, kernels,
+                      {rows.enlarged, rows.words});
     if (stages.crossOn) cross.Run(target, y);
-}
-
-void RowScaler::RunPreStage(int32_t y) {
-    if (!stages.preStage.IsOn()) return;
-    const Plane strip = StripOf(source.writable, y);
-    if (stages.preStage.gated) GatedDetailRows(strip, stages.preStage.gains, RowDither::byRow);
-    if (stages.preStage.kernel == PreKernel::narrow)
-        NarrowDetailRows(strip, stages.preStage.gains);
-    else if (stages.preStage.kernel == PreKernel::knee)
-        KneeDetailRows(strip, stages.preStage.gains, RowDither::byRow);
 }
 
 /// The stages that need no other row: resampler, edge limiter and, where nothing stands between, the post filter.
 void RowScaler::ScaleRow(int32_t y) {
     if (stages.scale == AxisScale::twofold)
-        DoubleSourceRow(y);
+        DoubleRow(source.plane, y, columns / 2, stages.sleeping.twofoldTaps.a, {rows.source, rows.enlarged}, kernels);
     else
         EnlargeSourceRow(y);
     const uint8_t* limited = LimitRow();
@@ -91,21 +84,6 @@ void RowScaler::ScaleRow(int32_t y) {
 void RowScaler::EnlargeSourceRow(int32_t y) {
     SplitSourceRow(y);
     kernels.enlargeRow(rows.even, rows.odd, taps.data(), rows.enlarged, groups * groupSamples / 2);
-}
-
-void RowScaler::DoubleSourceRow(int32_t y) {
-    constexpr int32_t reach = 4;
-    const int32_t count = columns / 2;  // spare columns too
-    const uint8_t* row = source.plane.Row(y);
-    std::memset(rows.source - reach, row[0], reach);
-    std::memcpy(rows.source, row, static_cast<size_t>(width));
-    std::memset(rows.source + width, row[width - 1], static_cast<size_t>(count - width + reach));
-    const TapSet& phase = stages.twofoldTaps.a;
-    kernels.doubleRow(rows.source, phase.data(), rows.enlarged, count);
-    // All taps before the row stand on its first sample, but the third is left out and the first counts twice.
-    int32_t first = (2 * phase[0] + phase[1] + phase[3] + phase[4]) * row[0] + 8192;
-    for (size_t k = 5; k < phase.size(); ++k) first += phase[k] * row[k - reach];
-    rows.enlarged[0] = static_cast<uint8_t>(std::clamp(first >> 14, 0, 255));
 }
 
 void RowScaler::SplitSourceRow(int32_t y) {
@@ -124,7 +102,7 @@ const uint8_t* RowScaler::LimitRow() {
     switch (stages.edgeStage) {
         case EdgeStage::none: break;
         case EdgeStage::simple:
-            LimitEdgesSimple({rows.enlarged, target.width, 1, target.stride}, stages.simpleLimits);
+            LimitEdgesSimple({rows.enlarged, target.width, 1, target.stride}, stages.sleeping.simpleLimits);
             break;
         case EdgeStage::full:
             kernels.limitEdges(rows.enlarged, rows.limited, target.width, stages.edgeLimits);
@@ -135,27 +113,7 @@ const uint8_t* RowScaler::LimitRow() {
     return rows.enlarged;
 }
 
-bool RowScaler::PostFilterOnRow() const {
-    const bool onePass = form == DetailFirForm::general || stages.evenFilterPasses < 3;
-    return stages.postFilterOn && onePass && !stages.detailOn;
-}
-
-void RowScaler::RunStripStages(const Plane& strip) {
-    if (stages.detailOn) KneeDetailRows(strip, stages.detailGains, RowDither::checkerboard);
-    if (stages.postFilterOn && !PostFilterOnRow())
-        DetailFir(strip, stages.postTaps, stages.evenFilterPasses, kernels, {rows.enlarged, rows.words});
-    if (stages.boosterOn) BoostSmallSignals(strip, stages.booster);
-    if (stages.rankStage != RankStage::none) RankRows(strip);
-}
-
-void RowScaler::RankRows(const Plane& strip) const {
-    for (int32_t y = 0; y < strip.height; ++y) {
-        uint8_t* row = strip.Row(y);
-        for (int32_t x = 0; x + 1 < strip.width; ++x)
-            row[x] =
-                stages.rankStage == RankStage::smaller ? std::min(row[x], row[x + 1]) : std::max(row[x], row[x + 1]);
-    }
-}
+bool RowScaler::PostFilterOnRow() const { return stages.postFilterOn && !PostFilterWaits(stages.sleeping, form); }
 
 void ScaleLumaStrips(const Plane& target, const SourcePlane& source, const RowStages& stages, RowScratch& scratch,
                      const KernelTable& kernels) {

@@ -11,43 +11,23 @@
 #include "algorithms/slack_row.h"
 #include "engine/cross_stage.h"
 #include "engine/scale_modes.h"
-#include "engine/sleeping/detail_stages.h"
+#include "engine/sleeping/row_stages.h"
 #include "engine/stage_kinds.h"
 #include "simd/kernel_table.h"
 
 namespace clarivex {
 
-/// The shortest row that has a twofold form.
-constexpr int32_t shortestDoubledRow = 9;
-
-/// The detail kernels in front of a scaler: the gated one, then narrow or knee.
-struct PreStage {
-    bool gated = false;
-    PreKernel kernel = PreKernel::none;
-    SharpenCoefficients gains;
-
-    bool IsOn() const { return gated || kernel != PreKernel::none; }
-};
-
 /// What runs on each strip, and with which values.
 struct RowStages {
     AxisScale scale = AxisScale::threeHalves;  ///< or twofold
     ThreeHalvesTaps taps;
-    TwofoldTaps twofoldTaps;
-    PreStage preStage;  ///< works in place on the source, which then has to be writable
     EdgeStage edgeStage = EdgeStage::full;
     EdgeLimits edgeLimits;
-    SimpleLimits simpleLimits;
-    bool detailOn = false;
-    SharpenCoefficients detailGains;
     bool postFilterOn = false;
     DetailTaps postTaps{};
-    int32_t evenFilterPasses = 2;
-    bool boosterOn = false;
-    BoosterGains booster;
     bool crossOn = false;
     CrossGains cross;
-    RankStage rankStage = RankStage::none;
+    SleepingRowStages sleeping;
 };
 
 /// Working rows of the scaler, kept between frames.
@@ -91,15 +71,11 @@ private:
         int16_t* words;
     };
 
-    void RunPreStage(int32_t y);
     void ScaleRow(int32_t y);
     void EnlargeSourceRow(int32_t y);
-    void DoubleSourceRow(int32_t y);
     void SplitSourceRow(int32_t y);
     const uint8_t* LimitRow();
     bool PostFilterOnRow() const;
-    void RunStripStages(const Plane& strip);
-    void RankRows(const Plane& strip) const;
 
     Plane target;
     SourcePlane source;

@@ -50,14 +50,15 @@ RowStages PlanRowStages(const EngineSettings& settings, const DetailGains& gains
     RowStages plan;
     plan.edgeStage = edges.edgeStageMode;
     plan.edgeLimits = FullLimits(edges);
-    plan.simpleLimits = {Word(edges.edgeGain), Word(EdgeDeadZone(edges)), Word(edges.edgeNeighbourWeight)};
-    plan.detailOn = DetailStageOn(detail, gains);
-    plan.detailGains = DetailCoefficients(detail, gains);
     plan.postFilterOn = filter.on;
     plan.postTaps = filter.taps;
-    plan.evenFilterPasses = detail.evenFilterPasses;
-    plan.boosterOn = BoosterOn(detail);
-    plan.booster = DeriveBoosterGains(detail.detailBoostA, detail.detailBoostB);
+    SleepingRowStages& sleeping = plan.sleeping;
+    sleeping.simpleLimits = {Word(edges.edgeGain), Word(EdgeDeadZone(edges)), Word(edges.edgeNeighbourWeight)};
+    sleeping.detailOn = DetailStageOn(detail, gains);
+    sleeping.detailGains = DetailCoefficients(detail, gains);
+    sleeping.evenFilterPasses = detail.evenFilterPasses;
+    sleeping.boosterOn = BoosterOn(detail);
+    sleeping.booster = DeriveBoosterGains(detail.detailBoostA, detail.detailBoostB);
     return plan;
 }
 

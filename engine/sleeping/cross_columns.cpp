@@ -20,14 +20,14 @@ uint8_t FilterDown(uint8_t above, uint8_t sample, uint8_t below, const CrossGain
 
 }  // namespace
 
-void CrossColumns(const Plane& strip, const CrossGains& gains) {
-    for (int32_t x = 0; x < strip.width; ++x) {
-        uint8_t above = strip.data[x];
-        for (int32_t y = 0; y < strip.height; ++y) {
-            const uint8_t sample = strip.Row(y)[x];
-            const uint8_t below = strip.Row(std::min(y + 1, strip.height - 1))[x];
+void CrossColumns(const Plane& plane, const CrossGains& gains) {
+    for (int32_t x = 0; x < plane.width; ++x) {
+        uint8_t above = plane.data[x];
+        for (int32_t y = 0; y < plane.height; ++y) {
+            const uint8_t sample = plane.Row(y)[x];
+            const uint8_t below = plane.Row(std::min(y + 1, plane.height - 1))[x];
             const int32_t rounding = ((x ^ y) & 1) == 0 ? roundingHigh : roundingLow;
-            strip.Row(y)[x] = FilterDown(above, sample, below, gains, rounding);
+            plane.Row(y)[x] = FilterDown(above, sample, below, gains, rounding);
             above = sample;
         }
     }

@@ -5,8 +5,8 @@
 
 namespace clarivex {
 
-/// Filters the strip's columns over their whole height with two dead zones in a row, in place. Above the strip row 0 is
+/// Filters the columns of a plane over their whole height with two dead zones in a row, in place. Above the plane row 0 is
 /// repeated, below it the last row.
-void CrossColumns(const Plane& strip, const CrossGains& gains);
+void CrossColumns(const Plane& plane, const CrossGains& gains);
 
 }  // namespace clarivex

@@ -93,7 +93,7 @@ public:
     PlainPass(const PassPlan& passPlan, const FilterTaps& filterTaps, const SourceImage& from, const ImagePlanes& to)
         : plan(passPlan), taps(filterTaps), source(from), target(to) {
         rows.taps = taps.horizontal;
-        rows.twofoldTaps = DesignTwofoldTaps(taps.horizontalResponse);
+        rows.sleeping.twofoldTaps = DesignTwofoldTaps(taps.horizontalResponse);
         columns.taps = taps.vertical;
     }
 

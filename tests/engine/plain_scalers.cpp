@@ -141,7 +141,8 @@ void RunPostFilter(const Plane& plane, const RowStages& stages) {
     const int32_t group = even ? 8 : 4;
     const int32_t end = group + std::max(plane.width - 2 * group, 0) / group * group;
     const int32_t rounding = std::count(taps.begin(), taps.begin() + 4, 0) == 4 ? 6 : 7;
-    for (int32_t pass = 0; pass < (even && stages.evenFilterPasses >= 3 ? stages.evenFilterPasses : 1); ++pass)
+    for (int32_t pass = 0;
+         pass < (even && stages.sleeping.evenFilterPasses >= 3 ? stages.sleeping.evenFilterPasses : 1); ++pass)
         FilterRows(plane, [&](const uint8_t* in, uint8_t* out) {
             if (even)
                 plainKernels.firEven(in, out, {plane.width, group, end}, taps.data(), rounding);
@@ -151,7 +152,7 @@ void RunPostFilter(const Plane& plane, const RowStages& stages) {
 }
 
 void RunEdgeStage(const Plane& plane, const RowStages& stages) {
-    if (stages.edgeStage == EdgeStage::simple) LimitEdgesSimple(plane, stages.simpleLimits);
+    if (stages.edgeStage == EdgeStage::simple) LimitEdgesSimple(plane, stages.sleeping.simpleLimits);
     if (stages.edgeStage == EdgeStage::full)
         FilterRows(plane, [&](const uint8_t* in, uint8_t* out) {
             plainKernels.limitEdges(in, out, plane.width, stages.edgeLimits);
@@ -167,20 +168,22 @@ void RunCrossStage(const Plane& plane, const CrossGains& gains) {
 }  // namespace
 
 void PlainScaleRows(const Plane& target, const SourcePlane& source, const RowStages& stages) {
-    if (stages.preStage.gated) GatedDetailRows(source.writable, stages.preStage.gains, RowDither::byRow);
-    if (stages.preStage.kernel == PreKernel::narrow) NarrowDetailRows(source.writable, stages.preStage.gains);
-    if (stages.preStage.kernel == PreKernel::knee)
-        KneeDetailRows(source.writable, stages.preStage.gains, RowDither::byRow);
+    if (stages.sleeping.preStage.gated)
+        GatedDetailRows(source.writable, stages.sleeping.preStage.gains, RowDither::byRow);
+    if (stages.sleeping.preStage.kernel == PreKernel::narrow)
+        NarrowDetailRows(source.writable, stages.sleeping.preStage.gains);
+    if (stages.sleeping.preStage.kernel == PreKernel::knee)
+        KneeDetailRows(source.writable, stages.sleeping.preStage.gains, RowDither::byRow);
     if (stages.scale == AxisScale::twofold)
-        DoubleRows(target, source.plane, stages.twofoldTaps);
+        DoubleRows(target, source.plane, stages.sleeping.twofoldTaps);
     else
         EnlargeRows(target, source, stages.taps);
     RunEdgeStage(target, stages);
-    if (stages.detailOn) KneeDetailRows(target, stages.detailGains, RowDither::checkerboard);
+    if (stages.sleeping.detailOn) KneeDetailRows(target, stages.sleeping.detailGains, RowDither::checkerboard);
     if (stages.postFilterOn) RunPostFilter(target, stages);
-    if (stages.boosterOn) BoostSmallSignals(target, stages.booster);
+    if (stages.sleeping.boosterOn) BoostSmallSignals(target, stages.sleeping.booster);
     if (stages.crossOn) RunCrossStage(target, stages.cross);
-    RankRows(target, stages.rankStage);
+    RankRows(target, stages.sleeping.rankStage);
 }
 
 void PlainScaleColumns(const Plane& target, const SourcePlane& source, const ColumnStages& stages) {
@@ -188,9 +191,11 @@ void PlainScaleColumns(const Plane& target, const SourcePlane& source, const Col
     if (height < 4) return;
     for (int32_t x = 0; x < width; x += 16) {
         const Plane strip{source.writable.data + x, 16, height, source.writable.stride};
-        if (stages.preStage.gated) GatedDetailColumns(strip, stages.preStage.gains);
-        if (stages.preStage.kernel == PreKernel::narrow) NarrowDetailColumns(strip, stages.preStage.gains);
-        if (stages.preStage.kernel == PreKernel::knee) KneeDetailColumns(strip, stages.preStage.gains);
+        if (stages.sleeping.preStage.gated) GatedDetailColumns(strip, stages.sleeping.preStage.gains);
+        if (stages.sleeping.preStage.kernel == PreKernel::narrow)
+            NarrowDetailColumns(strip, stages.sleeping.preStage.gains);
+        if (stages.sleeping.preStage.kernel == PreKernel::knee)
+            KneeDetailColumns(strip, stages.sleeping.preStage.gains);
     }
     for (int32_t out = 0; out < 3 * height / 2; ++out)
         for (int32_t x = 0; x < (width + 7) / 8 * 8; ++x) {
@@ -203,7 +208,8 @@ void PlainScaleColumns(const Plane& target, const SourcePlane& source, const Col
             }
             target.Row(out)[x] = Limited(std::clamp(sum + 0x2000, -32768, 32767) >> 6);
         }
-    if (stages.crossOn) CrossColumns({target.data, width, target.height, target.stride}, stages.cross);
+    if (stages.sleeping.crossOn)
+        CrossColumns({target.data, width, target.height, target.stride}, stages.sleeping.cross);
 }
 
 void PlainScaleBothTwice(const Plane& target, const PlaneView& source, const WideStages& stages) {

@@ -22,7 +22,7 @@ void ScaleRows(PictureScaler& scaler, const ImagePlanes& target, const SourceIma
     RowStages stages;
     stages.scale = scale;
     stages.taps = UsualTaps();
-    stages.twofoldTaps = UsualTwofoldTaps();
+    stages.sleeping.twofoldTaps = UsualTwofoldTaps();
     scaler.ScaleHorizontal(target, source, stages, false, lumaPlane);
 }
 
