@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "algorithms/edge_sharpeners.h"
+#include "algorithms/sleeping/edge_sharpeners.h"
 #include "tests/algorithms/plain_unscaled.h"
 #include "tests/engine/plain_chroma.h"
 #include "tests/engine/plain_scalers.h"
