@@ -2,14 +2,14 @@
 #pragma once
 
 #include "overlay/element.h"
+#include "overlay/sleeping/compose_limits.h"
 
 namespace clarivex {
 
 /// How one composition differs from the plain one.
 struct ComposeOptions {
-    bool releaseWhenEmpty = false;        ///< give the target's memory back while no element has content
-    const Region* extraDamage = nullptr;  ///< to be repainted too
-    const Region* clip = nullptr;         ///< limits what is repainted
+    bool releaseWhenEmpty = false;  ///< give the target's memory back while no element has content
+    ComposeLimits limits = {};
 };
 
 /// Both inside the target.

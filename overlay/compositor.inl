@@ -1,23 +1,13 @@
 // The passes behind Compose: sizes, updates from top to bottom, then painting from bottom to top.
 #pragma once
 
-#include <memory>
 #include <utility>
 
 #include "overlay/element.h"
 #include "overlay/region.h"
-#include "runtime/memory.h"
+#include "overlay/sleeping/occlusion.h"
 
 namespace clarivex {
-
-/// What opaque elements above hide of an element: noted by the update pass, taken by the paint pass. Records form a stack,
-/// which is empty and takes no memory as long as nothing is hidden.
-template <class Target>
-struct ClipRecord {
-    const Element<Target>* element = nullptr;
-    Region hidden;
-    std::unique_ptr<ClipRecord> below;
-};
 
 /// One composition of a group; made for it and gone after it.
 template <class Target>
@@ -35,7 +25,6 @@ private:
     void UpdateGroup(Group<Target>& group, bool groupShown);
     void UpdateElement(Element<Target>& element, bool groupShown);
     void AddDamage(const Element<Target>& element, const Region& oldContent, const Region& newContent);
-    void NoteClip(const Element<Target>& element, const Region& newContent);
 
     void LimitDamage();
     void ReleaseTarget();
@@ -43,18 +32,16 @@ private:
 
     void PaintGroup(Group<Target>& group);
     void PaintElement(Element<Target>& element);
-    Region TakeClip(const Element<Target>& element);
 
     Group<Target>& root;
     Target& target;
     const ComposeFrame& frame;
     const ComposeOptions& options;
 
-    Region whole;                               // the target
-    Region opaque;                              // of the elements updated so far, that is, above those to come
-    Region content;                             // of the elements updated so far
-    Region damage;                              // what has to be painted anew
-    std::unique_ptr<ClipRecord<Target>> clips;  // the lowest element's first, in the order of painting
+    Region whole;         // the target
+    Region content;       // of the elements updated so far
+    Region damage;        // what has to be painted anew
+    Occlusion occlusion;  // by the elements updated so far, that is, above those to come
 };
 
 template <class Target>
@@ -65,6 +52,7 @@ Composition Compositor<Target>::Run(int32_t width, int32_t height, float aspect)
     content = RegionIntersect(content, whole);
     if (resized) damage = whole;
     LimitDamage();
+    const ComposeLimits::Guard guard(options.limits);
     if (options.releaseWhenEmpty && content.IsEmpty()) {
         ReleaseTarget();
     } else if (!damage.IsEmpty()) {
@@ -94,14 +82,9 @@ void Compositor<Target>::SizeGroup(Group<Target>& group, int32_t width, int32_t 
 
 template <class Target>
 void Compositor<Target>::UpdateGroup(Group<Target>& group, bool groupShown) {
-    for (int32_t index = group.children.Count() - 1; index >= 0; --index) {
-        Element<Target>& child = *group.children[index];
-        UpdateElement(child, groupShown);
-        if (child.removed) {
-            group.children.RemoveAt(index);
-            child.linked = false;
-        }
-    }
+    for (int32_t index = group.children.Count() - 1; index >= 0; --index)
+        UpdateElement(*group.children[index], groupShown);
+    SceneUpkeep<Target>::TakeOutRemoved(group);
 }
 
 /// Updates an element with its group. What the group's elements cover lies above the element itself.
@@ -117,8 +100,7 @@ void Compositor<Target>::UpdateElement(Element<Target>& element, bool groupShown
     const Region& newContent = element.shown ? element.content : nothing;
     const bool stands = !updated && wasShown && element.shown && element.painted && element.changed.IsEmpty();
     if (!stands) AddDamage(element, oldContent, newContent);
-    NoteClip(element, newContent);
-    opaque = RegionUnion(opaque, RegionIntersect(newContent, element.opaque));
+    occlusion.Cover(&element, newContent, element.opaque);
     content = RegionUnion(content, newContent);
 }
 
@@ -127,25 +109,12 @@ template <class Target>
 void Compositor<Target>::AddDamage(const Element<Target>& element, const Region& oldContent, const Region& newContent) {
     const Region repainted = RegionIntersect(element.changed, newContent);
     const Region differing = RegionUnion(repainted, RegionXor(oldContent, newContent));
-    damage = RegionUnion(damage, RegionSubtract(differing, opaque));
-}
-
-template <class Target>
-void Compositor<Target>::NoteClip(const Element<Target>& element, const Region& newContent) {
-    Region hidden = RegionIntersect(opaque, newContent);
-    if (hidden.IsEmpty()) return;
-    auto record = WaitForMemory([] { return std::make_unique<ClipRecord<Target>>(); });
-    record->element = &element;
-    record->hidden = std::move(hidden);
-    record->below = std::move(clips);
-    clips = std::move(record);
+    damage = RegionUnion(damage, RegionSubtract(differing, occlusion.Opaque()));
 }
 
 template <class Target>
 void Compositor<Target>::LimitDamage() {
-    if (options.clip) damage = RegionIntersect(damage, *options.clip);
-    if (options.extraDamage) damage = RegionUnion(damage, *options.extraDamage);
-    damage = RegionIntersect(damage, whole);
+    damage = RegionIntersect(options.limits.Apply(std::move(damage)), whole);
 }
 
 /// Nobody's paint is left in a target without pixels, so whatever comes back is painted anew.
@@ -166,7 +135,7 @@ void Compositor<Target>::PrepareTarget() {
         LimitDamage();
         return;
     }
-    const Region cleared = RegionSubtract(damage, opaque);
+    const Region cleared = RegionSubtract(damage, occlusion.Opaque());
     for (const Rectangle rectangle : RegionRects(cleared)) target.ClearRectangle(rectangle);
 }
 
@@ -178,7 +147,7 @@ void Compositor<Target>::PaintGroup(Group<Target>& group) {
 /// Paints an element and then what stands in its group.
 template <class Target>
 void Compositor<Target>::PaintElement(Element<Target>& element) {
-    const Region hidden = TakeClip(element);
+    const Region hidden = occlusion.TakeHidden(&element);
     element.painted = element.shown;
     if (element.shown) {
         Region region = RegionSubtract(RegionIntersect(damage, element.content), hidden);
@@ -187,15 +156,6 @@ void Compositor<Target>::PaintElement(Element<Target>& element) {
         if (!region.IsEmpty()) element.Paint(target, region, frame);
     }
     if (Group<Target>* inner = element.GetGroup()) PaintGroup(*inner);
-}
-
-/// What is hidden of the element. Without a record of its own it leaves the next element's where it is.
-template <class Target>
-Region Compositor<Target>::TakeClip(const Element<Target>& element) {
-    if (!clips || clips->element != &element) return {};
-    Region hidden = std::move(clips->hidden);
-    clips = std::move(clips->below);
-    return hidden;
 }
 
 template <class Target>

@@ -5,6 +5,7 @@
 
 #include "overlay/growing_array.h"
 #include "overlay/region.h"
+#include "overlay/sleeping/scene_calls.h"
 
 namespace clarivex {
 
@@ -24,7 +25,7 @@ class Group;
 /// Something that paints into a kind of target. It tells the compositor where it puts anything (content), where it hides
 /// what lies below (opaque, inside content) and what its last update changed (changed); all in pixels of the target.
 template <class Target>
-class Element {
+class Element : public SceneCalls {
 public:
     Element() = default;
     Element(const Element&) = delete;
@@ -51,9 +52,6 @@ public:
 
     void SetVisible(bool on) { visible = on; }
 
-    /// Hides the element and has it taken out of its group by the next composition.
-    void Remove() { removed = true; }
-
 protected:
     Region content;
     Region opaque;
@@ -64,15 +62,16 @@ private:
     friend class Group;
     template <class>
     friend class Compositor;
+    template <class>
+    friend class SceneUpkeep;
 
     bool visible = true;   // wants to be shown
     bool shown = false;    // it, and all above it, were visible in the last update
     bool painted = false;  // the target holds its last paint
-    bool removed = false;
-    bool linked = false;  // stands in a group
+    bool linked = false;   // stands in a group
 };
 
-/// Children of one target kind, first to last from bottom to top. Owns none of them.
+/// Children of one target kind, first to last from bottom to top. Owns none of those that AddChild adds.
 template <class Target>
 class Group {
 public:
@@ -83,6 +82,8 @@ public:
 private:
     template <class>
     friend class Compositor;
+    template <class>
+    friend class SceneUpkeep;
 
     static void ForgetPaint(Element<Target>& element);
     void ForgetPaint();
@@ -90,6 +91,7 @@ private:
     int32_t width = 0;  // of the target when the group was last composed; a group inside another has none of its own
     int32_t height = 0;
     GrowingArray<Element<Target>*> children;
+    OwnedElements<Target> owned;
 };
 
 template <class Target>

@@ -23,6 +23,8 @@ public:
     /// Every rectangle begins with the same dither in its first row.
     void Paint(OverlayTiles& tiles, const Region& region, const ComposeFrame& frame) override;
 
+    void Broadcast(intptr_t message) override { SceneUpkeep<YuvaImage>::Broadcast(images, message); }
+
 private:
     ImageGroup images;
     YuvaImage image;

@@ -31,6 +31,7 @@ public:
     void SetSize(int32_t newWidth, int32_t newHeight, float newAspect) override;
     bool Update(const ComposeFrame& frame) override;
     void Paint(YuvaImage& image, const Region& region, const ComposeFrame& frame) override;
+    void Broadcast(intptr_t message) override { SceneUpkeep<MaskBitmap>::Broadcast(maskGroup, message); }
 
 private:
     bool ShowsNothing() const { return colour.IsGone() || text.Length() == 1; }

@@ -46,12 +46,24 @@ Region RegionOf(const Rectangle& rectangle) {
     return Region::OfRectangle(rectangle.left, rectangle.top, rectangle.Width(), rectangle.Height());
 }
 
+/// By this thread.
+bool IsHeld(FastLock& lock) {
+    if (!lock.Acquire()) return true;
+    lock.Release();
+    return false;
+}
+
 /// A rectangle with a part that hides what is below; the rest mixes with it. Painting a pixel twice shows.
 class Box : public Element<Grid> {
 public:
     explicit Box(uint32_t colour = 1, const Rectangle& place = {}) : place(place), colour(colour) {}
 
+    ~Box() override {
+        if (whenDeleted != nullptr) *whenDeleted += 1;
+    }
+
     Group<Grid>* GetGroup() override { return &group; }
+    void Broadcast(intptr_t message) override { messages.push_back(message * 10 + colour); }
     void SetSize(int32_t newWidth, int32_t newHeight, float) override { size = {0, 0, newWidth, newHeight}; }
 
     bool Update(const ComposeFrame&) override {
@@ -64,6 +76,7 @@ public:
     void Paint(Grid& target, const Region& region, const ComposeFrame&) override {
         EXPECT_EQ(size, (Rectangle{0, 0, target.AllocatedWidth(), target.AllocatedHeight()}));
         painted = RegionUnion(painted, region);
+        if (watched != nullptr) paintedUnderLock = IsHeld(*watched);
         for (const Rectangle part : RegionRects(region))
             for (int32_t y = part.top; y < part.bottom; ++y)
                 for (int32_t x = part.left; x < part.right; ++x) PaintPixel(target.At(x, y), x, y);
@@ -80,12 +93,78 @@ public:
     Rectangle cover;
     uint32_t colour;
     bool dirty = false;
+    int32_t* whenDeleted = nullptr;
+    FastLock* watched = nullptr;
+    bool paintedUnderLock = false;
+    static inline std::vector<intptr_t> messages;  // each with its taker's colour as the last digit
     Group<Grid> group;
 
 private:
     Rectangle size;
     Region painted;
 };
+
+constexpr int32_t width = 40;
+constexpr int32_t height = 30;
+
+struct Stage {
+    Composition Step(const ComposeOptions& options = {}, int32_t newWidth = width, int32_t newHeight = height) {
+        return Compose(group, grid, newWidth, newHeight, 1.0F, ComposeFrame{.kernels = scalarKernels}, options);
+    }
+
+    Group<Grid> group;
+    Grid grid;
+};
+
+TEST(Compositor, OwnedElementsEndWhenTheyAreTakenOutOrWithTheirGroup) {
+    int32_t deleted = 0;
+    {
+        Stage stage;
+        std::array<Box*, 3> boxes;
+        for (Box*& box : boxes) {
+            auto owned = std::make_unique<Box>(1, Rectangle{0, 0, 10, 10});
+            owned->whenDeleted = &deleted;
+            box = owned.get();
+            SceneUpkeep<Grid>::AddOwned(stage.group, std::move(owned));
+        }
+        stage.Step();
+        boxes[1]->Remove();
+        EXPECT_EQ(deleted, 0);
+        EXPECT_EQ(stage.Step().damage, RegionOf({0, 0, 10, 10}));
+        EXPECT_EQ(deleted, 1);
+        EXPECT_EQ(stage.grid.At(3, 3), 31U + 1U) << "two are left";
+    }
+    EXPECT_EQ(deleted, 3);
+}
+
+TEST(Compositor, MessagesReachVisibleElementsFromTopToBottom) {
+    Stage stage;
+    Box low(1), holder(2), inner(3), innermost(4), hidden(5), below(6), top(7);
+    for (Box* box : {&low, &holder, &hidden, &top}) stage.group.AddChild(*box);
+    holder.group.AddChild(inner);
+    inner.group.AddChild(innermost);
+    hidden.group.AddChild(below);
+    hidden.SetVisible(false);
+    Box::messages.clear();
+    SceneUpkeep<Grid>::Broadcast(stage.group, 9);
+    EXPECT_EQ(Box::messages, (std::vector<intptr_t>{97, 94, 93, 92, 91}));
+}
+
+TEST(Compositor, CallersWidenNarrowAndGuardWhatIsRepainted) {
+    Stage stage;
+    Box box(1, {0, 0, 20, 20});
+    stage.group.AddChild(box);
+    stage.Step();
+    FastLock lock;
+    const Region clip = RegionOf({10, 0, 100, 100}), extra = RegionOf({0, 15, 5, 100});
+    box.dirty = true;
+    box.watched = &lock;
+    const ComposeOptions options{.limits = {.extraDamage = &extra, .clip = &clip, .lock = &lock}};
+    EXPECT_EQ(stage.Step(options).damage, RegionUnion(RegionOf({10, 0, 20, 20}), RegionOf({0, 15, 5, height})));
+    EXPECT_TRUE(box.paintedUnderLock);
+    EXPECT_FALSE(IsHeld(lock));
+    EXPECT_EQ(stage.Step(options).damage, RegionOf({0, 15, 5, height}));
+}
 
 /// A tree of boxes that anything may happen to.
 class Walk {
