@@ -116,6 +116,17 @@ struct Stage {
     Grid grid;
 };
 
+TEST(Compositor, WhatIsHiddenIsNotPainted) {
+    Stage stage;
+    Box bottom(1, {0, 0, 20, 10}), middle(2, {10, 0, 30, 10}), top(3, {5, 0, 15, 10});
+    top.cover = {5, 0, 12, 10};
+    for (Box* box : {&bottom, &middle, &top}) stage.group.AddChild(*box);
+    stage.Step();
+    EXPECT_EQ(bottom.TakePainted(), RegionSubtract(RegionOf(bottom.place), RegionOf(top.cover)));
+    EXPECT_EQ(middle.TakePainted(), RegionSubtract(RegionOf(middle.place), RegionOf(top.cover)));
+    EXPECT_EQ(top.TakePainted(), RegionOf(top.place));
+}
+
 TEST(Compositor, OwnedElementsEndWhenTheyAreTakenOutOrWithTheirGroup) {
     int32_t deleted = 0;
     {
