@@ -38,7 +38,6 @@ public:
     ~GrowingArray() = default;
 
     int32_t Count() const { return count; }
-    int32_t Capacity() const { return capacity; }
     bool IsEmpty() const { return count == 0; }
 
     Element& operator[](int32_t index) { return storage[static_cast<size_t>(index)]; }

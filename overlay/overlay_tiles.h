@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 
 #include "overlay/rectangle.h"
 #include "runtime/memory.h"
@@ -50,16 +49,13 @@ public:
     /// Bytes from one row to the next.
     int32_t Stride() const { return stride; }
 
-    /// Entry y is the store's row for picture row y, or emptyRow.
-    std::span<const int32_t> RowTable() const { return {rowTable.get(), static_cast<size_t>(rowCount)}; }
-
 private:
     SampleBlock data;
     int32_t groupsPerRow = 0;
     int32_t stride = 0;
     int32_t allocatedWidth = 0;
     int32_t allocatedHeight = 0;
-    AlignedArray<int32_t> rowTable;
+    AlignedArray<int32_t> rowTable;  // entry y is the store's row for picture row y, or emptyRow
     int32_t rowCount = 0;
     int32_t width = 0;
     int32_t height = 0;

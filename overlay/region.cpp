@@ -84,12 +84,6 @@ Rectangle RegionBounds(const Region& region) {
     return bounds;
 }
 
-void RegionAddRect(Region& region, const Rectangle& rectangle) {
-    const int16_t width = Limited(int64_t{rectangle.right} - rectangle.left);
-    const int16_t height = Limited(int64_t{rectangle.bottom} - rectangle.top);
-    region = RegionUnion(region, Region::OfRectangle(rectangle.left, rectangle.top, width, height));
-}
-
 void RegionTranslate(Region& region, int32_t dx, int32_t dy) {
     const auto moved = [](RegionEntry entry, int64_t by) { return LimitedEntry(entry.from + by, entry.to + by); };
     region = Mapped(

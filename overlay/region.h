@@ -52,9 +52,6 @@ public:
     /// All entries, sentinels included.
     std::span<const RegionEntry> Entries() const { return {Data(), static_cast<size_t>(count)}; }
 
-    int32_t Capacity() const { return capacity; }
-    bool IsInline() const { return heap == nullptr; }
-
     /// Makes the region empty; keeps its storage.
     void Clear() { count = 0; }
 
@@ -123,9 +120,6 @@ public:
 private:
     std::span<const RegionEntry> entries;
 };
-
-/// Adds a rectangle, with the limits of Region::OfRectangle.
-void RegionAddRect(Region& region, const Rectangle& rectangle);
 
 /// Moves the region; every coordinate is limited to ±coordinateLimit, so what moves beyond is lost.
 void RegionTranslate(Region& region, int32_t dx, int32_t dy);

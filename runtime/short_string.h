@@ -29,7 +29,6 @@ public:
 
     /// Bytes with the terminator.
     int32_t Length() const { return length; }
-    bool IsInline() const { return isInline; }
 
 private:
     static constexpr int32_t inlineBytes = 25;

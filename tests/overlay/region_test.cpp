@@ -2,6 +2,7 @@
 
 #include <bitset>
 
+#include "overlay/sleeping/region_add_rect.h"
 #include "tests/support/memory_count.h"
 #include "tests/support/test.h"
 
@@ -106,7 +107,7 @@ TEST(Region, HoldsMoreThanWasExpectedOfTheSources) {
     EXPECT_EQ(RegionXor(both, a), b);
 }
 
-TEST(Region, StorageFollowsTheCapacityRuleAndRectanglesNeedNone) {
+TEST(Region, BlocksAreTakenOnlyToGrowAndRectanglesNeedNone) {
     {
         const MemoryCount memory;
         Region region = Region::OfRectangle(10, 10, 20, 20);
@@ -121,12 +122,16 @@ TEST(Region, StorageFollowsTheCapacityRuleAndRectanglesNeedNone) {
     RegionAddRect(two, {2, 0, 3, 1});
     const Region three = RegionUnion(two, Region::OfRectangle(4, 4, 1, 1));
     Region region;
-    for (const auto& [next, capacity] :
-         {std::pair{two, 5}, {three, 8 + 1 + 32}, {rectangle, 41}, {{}, 0}, {rectangle, 4}}) {
-        region = next;
-        EXPECT_EQ(region, next);
-        EXPECT_EQ(region.Capacity(), capacity);
-        EXPECT_EQ(region.IsInline(), capacity <= 4);
+    for (const auto& [next, blocks] : {std::pair<const Region*, int>{&two, 1},
+                                       {&three, 1},
+                                       {&rectangle, 0},
+                                       {&three, 0},
+                                       {&rectangle, 0},
+                                       {&two, 0}}) {
+        const MemoryCount memory;
+        region = *next;
+        EXPECT_EQ(region, *next);
+        EXPECT_EQ(MemoryCount::Attempts(), blocks);
     }
     const Region taken = std::move(two);
     EXPECT_TRUE(two.IsEmpty());
