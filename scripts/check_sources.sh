@@ -16,10 +16,14 @@ while read -r source; do
     [ -f "$source" ] || continue
     folder=${source%%/*}
     name=$(basename "$source" .cpp)
-    # A build file beside the source names it alone, the floor's with the folders between; kernels and fuzzers go by name.
+    # A build file beside the source names it alone, the floor's with the folders between. Fuzzers go by name, and what is
+    # compiled for every set of kernels goes by the set's.
+    set=${name#kernels_}
+    set=${set#lanes_}
     names "${source#"$folder"/}" "$folder"/CMakeLists.txt "$folder"/*.cmake ||
         names "$name.cpp" "$(dirname "$source")/CMakeLists.txt" ||
-        names "add_(kernels|fuzzer)\\(${name#kernels_}" "$folder/CMakeLists.txt" || {
+        names "add_fuzzer\\($name" "$folder/CMakeLists.txt" ||
+        { [ "$set" != "$name" ] && names "add_kernels\\($set" simd/CMakeLists.txt; } || {
         echo "$source is not built: name it in $folder/CMakeLists.txt" >&2
         bad=1
     }
