@@ -104,8 +104,10 @@ RawTaps DealPhase(const std::array<double, 12>& samples, int32_t phase) {
     return taps;
 }
 
-/// Adds the same amount to all taps so that their centre comes to `target`; divisor is 4 + 8 · target.
-void MoveCentre(RawTaps& taps, double target, double divisor) {
+/// Adds the same amount to all taps so that their centre comes to `target`: eight taps at −4 … 3 gain eight times the
+/// amount of sum and lose four times the amount of moment.
+void MoveCentre(RawTaps& taps, double target) {
+    const double divisor = 4.0 + 8.0 * target;
     const double shift = SumOf(taps) * (CentreOf(taps) - target) / divisor;
     for (double& tap : taps) tap += shift;
 }
@@ -115,8 +117,11 @@ void NormaliseSum(RawTaps& taps) {
     for (double& tap : taps) tap /= sum;
 }
 
+/// Sum of the taps of a phase of three halves.
+constexpr int32_t unitGain = 255 * 64;
+
 TapSet Quantise(const RawTaps& taps) {
-    constexpr double fullScale = 16320.2490234375;
+    constexpr double fullScale = unitGain + 0.249F;  // what rounding makes of it is put right by RepairSum
     TapSet quantised{};
     for (size_t k = 0; k < taps.size(); ++k)
         quantised[k] = static_cast<int16_t>(RoundToNearest(static_cast<float>(fullScale * taps[k])));
@@ -127,7 +132,6 @@ void Add(int16_t& tap, int32_t amount) { tap = static_cast<int16_t>(tap + amount
 
 /// Gives what the sum lacks to the larger of the two inner taps, or half to each.
 void RepairSum(TapSet& taps) {
-    constexpr int32_t unitGain = 16320;
     const int32_t missing = unitGain - std::accumulate(taps.begin(), taps.end(), 0);
     const int32_t left = std::abs(taps[3]);
     const int32_t right = std::abs(taps[4]);
@@ -171,14 +175,15 @@ RawTaps SampleQuarters(const PrototypeKernel& table) {
 }
 
 TapSet QuantiseTwofold(const RawTaps& taps) {
-    constexpr int32_t unitGain = 16384;
+    constexpr int32_t twofoldGain = 16384;
     TapSet quantised{};
-    for (size_t k = 0; k < taps.size(); ++k) quantised[k] = static_cast<int16_t>(RoundToNearest(unitGain * taps[k]));
-    Add(quantised[4], unitGain - std::accumulate(quantised.begin(), quantised.end(), 0));
+    for (size_t k = 0; k < taps.size(); ++k) quantised[k] = static_cast<int16_t>(RoundToNearest(twofoldGain * taps[k]));
+    Add(quantised[4], twofoldGain - std::accumulate(quantised.begin(), quantised.end(), 0));
     return quantised;
 }
 
-/// Unlike RepairMoment this doubles the moment's error of a few units instead of taking it away: pictures depend on it.
+/// Unlike RepairMoment this doubles the moment's error of a few units instead of taking it away: kept so
+/// that pictures stay identical between releases.
 void ShiftTwofoldMoment(TapSet& taps) {
     Trace("Moment 200 (int) : %.6f", CentreOf(taps));
     const int32_t excess = RoundToNearest((CentreOf(taps) - twofoldTarget) * SumOf(taps));
@@ -219,24 +224,22 @@ void NormalisePrototype(PrototypeKernel& table) {
 }
 
 ThreeHalvesTaps DesignThreeHalvesTaps(const PrototypeKernel& table) {
-    // The targets and divisors are single-precision constants.
-    constexpr double targetA = -0.1666666716337204;
-    constexpr double targetB = -0.5;
-    constexpr double targetC = -0.8333333134651184;
-    constexpr double divisorA = 2.666666626930237;
-    constexpr double divisorC = -2.6666665077209473;
+    // Sixths rounded to single precision: kept so that taps, and pictures, stay identical between releases.
+    constexpr double targetA = -1.0F / 6.0F;
+    constexpr double targetB = -3.0F / 6.0F;
+    constexpr double targetC = -5.0F / 6.0F;
 
     const std::array<double, 12> samples = SampleThirds(table);
     RawTaps a = DealPhase(samples, 0);
     RawTaps c = DealPhase(samples, 2);
-    MoveCentre(a, targetA, divisorA);
-    MoveCentre(c, targetC, divisorC);
+    MoveCentre(a, targetA);
+    MoveCentre(c, targetC);
     return {FinishPhase(a, targetA), FinishPhase(DealPhase(samples, 1), targetB), FinishPhase(c, targetC)};
 }
 
 TwofoldTaps DesignTwofoldTaps(const PrototypeKernel& table) {
     RawTaps raw = SampleQuarters(table);
-    MoveCentre(raw, twofoldTarget, 4.0 + 8.0 * twofoldTarget);
+    MoveCentre(raw, twofoldTarget);
     Trace("Moment 200 (float) : %.6f", CentreOf(raw));
     NormaliseSum(raw);
     TwofoldTaps taps{QuantiseTwofold(raw), {}};

@@ -7,6 +7,7 @@
 #include <numeric>
 
 #include "algorithms/rounding.h"
+#include "runtime/ticks.h"
 #include "simd/kernel_table.h"
 
 namespace clarivex {
@@ -108,7 +109,7 @@ double TotalOf(const LevelCounts& counts) { return std::accumulate(counts.begin(
 
 /// Levels that hardly occur would move the edges.
 void RemoveNoiseFloor(LevelCounts& counts) {
-    constexpr double floorShare = 3.90625e-7;
+    constexpr double floorShare = 1e-4 / levelCount;  // of all levels together a ten-thousandth
     const auto noiseFloor = static_cast<uint32_t>(RoundToNearest(TotalOf(counts) * floorShare));
     for (uint32_t& count : counts) count -= std::min(count, noiseFloor);
 }
@@ -133,21 +134,25 @@ LevelPair<float> FindEdges(const LevelCounts& counts) {
     return {FindEdge(counts, lowShare * total, 0.0F), FindEdge(counts, highShare * total, 255.0F)};
 }
 
-/// Sets the white above the highest edge, so that highlights keep some room, and never on or below the black.
+/// Sets the white so that highlights keep some room: 25 of 28 parts of the way from the black to a little above the
+/// highest edge, and never on or below the black.
 float StretchWhite(const LevelPair<float>& edges) {
-    constexpr double share = 0.8928571428571429;
+    constexpr double share = 25.0 / 28.0;
+    constexpr double headroom = 4.0;
     const double black = edges.black;
-    const auto white = static_cast<float>(black + (edges.white + 4.0 - black) * share);
+    const auto white = static_cast<float>(black + (edges.white + headroom - black) * share);
     return black < white ? white : edges.black + 1.0F;
 }
 
 /// Black stays within 16 … 128, white within 185 … 235, and the two at least 132 apart.
 LevelPair<float> LimitLevels(float black, float white) {
+    constexpr float darkestBlack = 16.0F, lightestBlack = 128.0F;
+    constexpr float darkestWhite = 185.0F, lightestWhite = 235.0F;
     constexpr float leastSpan = 132.0F;
-    black = std::min(std::max(black, 16.0F), 128.0F);
-    white = std::max(white, 185.0F);
+    black = std::min(std::max(black, darkestBlack), lightestBlack);
+    white = std::max(white, darkestWhite);
     white = std::max(white, black + leastSpan);
-    white = std::min(white, 235.0F);
+    white = std::min(white, lightestWhite);
     if (white < black + leastSpan) black = white - leastSpan;
     return {black, white};
 }
@@ -161,7 +166,7 @@ LevelPair<float> EstimateLevels(const PictureView& planes, const KernelTable& ke
 
 // A scale in which differences near black and near white weigh more.
 constexpr double warpExponent = 1.06;
-constexpr double unwarpExponent = 0.9433962264150942;
+constexpr double unwarpExponent = 1.0 / warpExponent;
 
 LevelPair<double> Warp(double black, double white) {
     return {std::pow(black, warpExponent), 256.0 - std::pow(256.0 - white, warpExponent)};
@@ -176,15 +181,25 @@ void Store(LightingState& state, const LevelPair<double>& levels) {
     state.trackedWhite = static_cast<float>(levels.white);
 }
 
+/// How much of the old level goes with a warped step: `loss` of it for a step of `range`, which bears the step's sign, and
+/// `leak` of it with every frame.
+struct Pace {
+    double loss;
+    double range;
+
+    double Kept(double step, double leak) const { return std::clamp(1.0 - step * loss / range - leak, 0.0, 1.0); }
+};
+
 /// The part of the old levels that is kept, from the warped steps to the new ones. Black falls fast and rises slowly,
 /// white the other way round.
 LevelPair<double> RetentionFor(double blackStep, double whiteStep, int64_t elapsed) {
-    constexpr double ticksPerSecond = 1e7;
-    constexpr double longGap = 4.99;
+    constexpr Pace blackRises{.loss = 0.004, .range = 70.0}, blackFalls{.loss = 0.22, .range = -40.0};
+    constexpr Pace whiteRises{.loss = 0.13, .range = 40.0}, whiteFalls{.loss = 0.001, .range = -70.0};
+    constexpr double blackLeak = 0.0031, whiteLeak = 0.0015;
+    constexpr double longGap = 4.99;  // seconds after which nothing of the old levels counts
     if (static_cast<double>(elapsed) / ticksPerSecond >= longGap) return {0.0, 0.0};
-    const double black = blackStep > 0.0 ? 1.0 + blackStep * 0.004 / -70.0 : 1.0 + blackStep * 0.22 / 40.0;
-    const double white = whiteStep > 0.0 ? 1.0 + whiteStep * 0.13 / -40.0 : 1.0 + whiteStep * 0.001 / 70.0;
-    return {std::clamp(black - 0.0031, 0.0, 1.0), std::clamp(white - 0.0015, 0.0, 1.0)};
+    return {(blackStep > 0.0 ? blackRises : blackFalls).Kept(blackStep, blackLeak),
+            (whiteStep > 0.0 ? whiteRises : whiteFalls).Kept(whiteStep, whiteLeak)};
 }
 
 /// Moves the tracker towards a frame's levels. Both make a round trip through the warped scale, rounded to single
@@ -202,17 +217,23 @@ void Track(LightingState& state, const LevelPair<float>& levels, int64_t elapsed
 
 /// Maps the tracked levels to 16 and 235; chroma follows at 77 per cent, reduced as the black rises.
 LightingCorrection CorrectionFor(const LightingState& state) {
+    constexpr double videoBlack = 16.0, videoSpan = 219.0, neutralChroma = 128.0;
+    constexpr double levelsOfVideo = videoSpan + 1.0;  // chroma is stretched over them, luma over the steps between
+    constexpr double saturation = 1.04F;               // single precision, as pictures have always had it
+    constexpr double chromaShare = 0.77;
+
     const double black = state.trackedBlack;
     const double span = state.trackedWhite - black;
-    const double darkShare = 1.0 - (black - 16.0) / 219.0;
-    const double chromaStretch = 220.0 * (darkShare * 1.0399999618530273) / span;
-    const double chromaGain = 0.77 * (chromaStretch - 1.0) + 1.0;
+    const double darkShare = 1.0 - (black - videoBlack) / videoSpan;
+    const double chromaStretch = levelsOfVideo * (darkShare * saturation) / span;
+    const double chromaGain = chromaShare * (chromaStretch - 1.0) + 1.0;
 
     LightingCorrection correction;
-    correction.lumaGain = static_cast<float>(219.0 / span);
-    correction.lumaOffset = static_cast<float>(16.0 - 219.0 * black / span);
+    correction.lumaGain = static_cast<float>(videoSpan / span);
+    correction.lumaOffset = static_cast<float>(videoBlack - videoSpan * black / span);
     correction.chromaGainU = correction.chromaGainV = static_cast<float>(chromaGain);
-    correction.chromaOffsetU = correction.chromaOffsetV = static_cast<float>(128.0 - 128.0 * chromaGain);
+    correction.chromaOffsetU = correction.chromaOffsetV =
+        static_cast<float>(neutralChroma - neutralChroma * chromaGain);
     return correction;
 }
 
