@@ -19,7 +19,10 @@ TextColour Faded(int32_t red, int32_t green, int32_t blue, int32_t opacity) {
 /// To the nearest, ties to even.
 int64_t Round(double value) { return std::llrint(value); }
 
-/// What is told in 1/65536 pixel, in 1/256 pixel.
+/// The em is worked out in 1/65536 pixel, places in 1/256 pixel.
+constexpr double emFraction = 65536.0;
+
+/// Of 1/65536 pixel in 1/256 pixel.
 int32_t SubpixelsOf(double value) { return static_cast<int32_t>(Round(value) >> 8); }
 
 double UsableAspect(float pixelAspect) {
@@ -29,18 +32,23 @@ double UsableAspect(float pixelAspect) {
 
 /// Of a letter's em in 1/65536 pixel. Below 3:2 the letters shrink with the picture's shape, to two thirds.
 int32_t EmSize(int32_t width, int32_t height, double pixelAspect) {
+    constexpr double cellShare = 0.085;  // a line of text takes this much of the height
+    constexpr double fullShape = 1.5, leastShrink = 0.67;
+    constexpr double spacing = 1.02, emShare = 0.8;  // of a cell; two factors, each of which rounds
     const double h = height;
     const double shape = width / h / pixelAspect;
-    double cell = h * 0.085;
-    if (shape < 1.5) cell *= std::max(shape / 1.5, 0.67);
-    return static_cast<int32_t>(Round(static_cast<float>(cell * 1.02 * 0.8 * 65536.0)));
+    double cell = h * cellShare;
+    if (shape < fullShape) cell *= std::max(shape / fullShape, leastShrink);
+    return static_cast<int32_t>(Round(static_cast<float>(cell * spacing * emShare * emFraction)));
 }
 
 }  // namespace
 
 int32_t CaptionOpacity(int32_t frame) {
-    const double t = frame / 24.0;
-    const double fade = std::clamp(std::max(1.0 - t / 3.0, (t - 6.0) / 5.5), 0.0, 1.0);
+    constexpr double framesPerSecond = 24.0;  // a nominal rate: the caption counts frames, whatever the video's rate is
+    constexpr double fadeIn = 3.0, fadeOutAt = 6.0, fadeOut = 5.5;  // seconds
+    const double t = frame / framesPerSecond;
+    const double fade = std::clamp(std::max(1.0 - t / fadeIn, (t - fadeOutAt) / fadeOut), 0.0, 1.0);
     return opaque - static_cast<int32_t>(Round(fade * opaque));
 }
 
@@ -52,18 +60,21 @@ CaptionColours ColoursOf(int32_t frame) {
 }
 
 CaptionPlacement PlaceCaption(int32_t width, int32_t height, float pixelAspect) {
+    constexpr double letterWidth = 0.95, narrowing = 0.8736, letterHeight = 0.96;  // of the em
+    constexpr double leftMargin = 0.1, bottomMargin = 0.3;                         // of the em
+    constexpr int32_t shadowStep = 15;                                             // 1/256 em
     const double aspect = UsableAspect(pixelAspect);
     const int32_t em = EmSize(width, height, aspect);
     OutlineTransform text;
-    text.scaleX = SubpixelsOf(static_cast<double>(Round(0.95 * aspect * em)) * 0.8736);
-    text.scaleY = SubpixelsOf(0.96 * em);
-    text.translateX = SubpixelsOf(0.1 * em * aspect);
-    text.translateY = (height << 8) - SubpixelsOf(0.3 * em);
+    text.scaleX = SubpixelsOf(static_cast<double>(Round(letterWidth * aspect * em)) * narrowing);
+    text.scaleY = SubpixelsOf(letterHeight * em);
+    text.translateX = SubpixelsOf(leftMargin * em * aspect);
+    text.translateY = (height << 8) - SubpixelsOf(bottomMargin * em);
 
     OutlineTransform shadow = text;
-    const double emPixels = em * 1.52587890625e-05;
-    shadow.translateX += static_cast<int32_t>(Round(aspect * emPixels * 15));
-    shadow.translateY += static_cast<int32_t>(Round(emPixels * 15));
+    const double emPixels = em / emFraction;
+    shadow.translateX += static_cast<int32_t>(Round(aspect * emPixels * shadowStep));
+    shadow.translateY += static_cast<int32_t>(Round(emPixels * shadowStep));
     return {text, shadow};
 }
 

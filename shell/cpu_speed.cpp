@@ -58,7 +58,9 @@ int64_t MeasureRound(uint32_t milliseconds) {
     const int priority = GetThreadPriority(thread);
     const BOOL raised = SetThreadPriority(thread, THREAD_PRIORITY_TIME_CRITICAL);
     const Interval interval = TimeSleep(milliseconds);
-    SetThreadPriority(thread, raised);  // near normal while the rest is worked out
+    // A BOOL as a priority: just above normal, or normal where none was raised. Kept so that the host's threads meet the
+    // same measurement between releases.
+    SetThreadPriority(thread, raised);
     const double ratio = static_cast<double>(interval.stamps) / static_cast<double>(interval.counts);
     const int64_t hertz = RoundHertz(static_cast<double>(sources.performanceFrequency()) * ratio);
     SetThreadPriority(thread, priority);
@@ -84,7 +86,10 @@ float MeasureCpuSpeed() {
 }
 
 double SpeedScore(float speedGHz, int64_t area) {
-    return static_cast<double>(speedGHz) / (static_cast<double>(area) / 100000.0) * 1.64 * 0.92 * 1.024 * 1.0563;
+    // Pixels that a clock rate of 1 GHz is good for are this many times the four factors. Their product is never formed:
+    // each of them rounds, and streams stay enlarged or not as they were between releases.
+    constexpr double areaUnit = 100000.0;
+    return static_cast<double>(speedGHz) / (static_cast<double>(area) / areaUnit) * 1.64 * 0.92 * 1.024 * 1.0563;
 }
 
 int64_t LargestAutomaticArea(float speedGHz) {
