@@ -33,7 +33,7 @@ double PeakBytes() {
     return 1024 * static_cast<double>(usage.ru_maxrss);
 }
 
-// Where the system does not let a process forget its peak, it stays that of the largest frames so far.
+/// Where the system does not let a process forget its peak, it stays that of the largest frames so far.
 void ForgetPeak() {
     malloc_trim(0);  // what earlier streams have freed is not to count as resident
     std::ofstream("/proc/self/clear_refs") << "5";

@@ -29,7 +29,7 @@ Number Read(Bytes bytes, size_t position) {
     return number;
 }
 
-// 16.16 fixed point pixels, y upward.
+/// 16.16 fixed point pixels, y upward.
 struct GlyphPoint {
     int32_t x;
     int32_t y;
@@ -41,15 +41,15 @@ GlyphPoint ReadPoint(Bytes points, size_t index) { return Read<GlyphPoint>(point
 
 int32_t Middle(int32_t a, int32_t b) { return static_cast<int32_t>((static_cast<int64_t>(a) + b) >> 1); }
 
-// A coordinate of the quadratic spline from a through control b to c, at t from 0 to 1.
+/// A coordinate of the quadratic spline from a through control b to c, at t from 0 to 1.
 int64_t SplineAt(double t, int64_t a, int64_t b, int64_t c) {
     const double value =
         static_cast<double>(a) + t * t * static_cast<double>(a - 2 * b + c) + t * static_cast<double>(2 * (b - a));
     return std::llrint(static_cast<float>(value));
 }
 
-// Draws contours into an outline, with the origin of the glyph at the pen. `current` is the end of what was drawn; it
-// is appended by what follows.
+/// Draws contours into an outline, with the origin of the glyph at the pen. `current` is the end of what was drawn; it
+/// is appended by what follows.
 class ContourPen {
 public:
     ContourPen(PointList& outline, int32_t penX, int32_t penY) : outline(outline), penX(penX), penY(penY) {}
@@ -84,7 +84,7 @@ private:
     GlyphPoint current = {};
 };
 
-// Between two control points the curve passes through their middle; only the last point lies on it as it stands.
+/// Between two control points the curve passes through their middle; only the last point lies on it as it stands.
 void DrawSplines(ContourPen& pen, Bytes points, size_t count) {
     for (size_t i = 0; i + 1 < count; ++i) {
         const GlyphPoint control = ReadPoint(points, i);
@@ -101,7 +101,7 @@ void DrawCurve(ContourPen& pen, uint16_t type, Bytes points, size_t count) {
         DrawSplines(pen, points, count);
 }
 
-// False when a curve reaches beyond the end.
+/// False when a curve reaches beyond the end.
 bool DrawCurves(ContourPen& pen, Bytes curves) {
     while (!curves.empty()) {
         if (curves.size() < curveHeaderBytes) return false;
@@ -115,7 +115,7 @@ bool DrawCurves(ContourPen& pen, Bytes curves) {
     return true;
 }
 
-// One record, a contour. False when a curve reaches beyond it.
+/// One record, a contour. False when a curve reaches beyond it.
 bool DrawContour(ContourPen& pen, Bytes record) {
     pen.Begin(Read<GlyphPoint>(record, 8));
     const bool isPolygon = Read<uint32_t>(record, 4) == polygonType;

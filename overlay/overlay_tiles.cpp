@@ -8,7 +8,7 @@ namespace {
 
 int32_t GroupsFor(int32_t pixels) { return (pixels + OverlayTiles::groupPixels - 1) / OverlayTiles::groupPixels; }
 
-// Whole blocks of 8 rows and one row more, with room for a wide store behind the last group.
+/// Whole blocks of 8 rows and one row more, with room for a wide store behind the last group.
 size_t StoreBytes(int32_t stride, int32_t rows) {
     if (stride == 0 || rows == 0) return 0;
     constexpr uint64_t spareBytes = 32;

@@ -8,17 +8,17 @@ namespace {
 
 constexpr int64_t cellSide = 256;  // a pixel in the rasteriser's units
 
-// Four million pixels: nobody sees what lies beyond, and the product of two distances still fits in 64 bits.
+/// Four million pixels: nobody sees what lies beyond, and the product of two distances still fits in 64 bits.
 constexpr int64_t farthest = int64_t{1} << 30;
 
-// In 1/256 pixel of the mask.
+/// In 1/256 pixel of the mask.
 struct MaskPoint {
     int64_t x;
     int64_t y;
 };
 
-// A straight line that is not horizontal. Every crossing comes from its own two ends, however little of it is painted,
-// so that neighbouring rows and cells meet in the same point.
+/// A straight line that is not horizontal. Every crossing comes from its own two ends, however little of it is painted,
+/// so that neighbouring rows and cells meet in the same point.
 struct Line {
     MaskPoint from;
     MaskPoint to;
@@ -29,7 +29,7 @@ struct Line {
     int64_t Bottom() const { return std::max(from.y, to.y); }
 };
 
-// A row of the mask that takes the terms of a line: lines that go up add, lines that go down take away.
+/// A row of the mask that takes the terms of a line: lines that go up add, lines that go down take away.
 struct MaskRow {
     uint8_t* cells;
     int32_t width;
@@ -37,8 +37,8 @@ struct MaskRow {
 
     void Add(int64_t cell, int64_t term) { cells[cell] = static_cast<uint8_t>(cells[cell] + direction * term); }
 
-    // A piece of a line inside one cell. `share`, of 256, of its height takes effect in the cell itself, the rest from
-    // the next one on.
+    /// A piece of a line inside one cell. `share`, of 256, of its height takes effect in the cell itself, the rest from
+    /// the next one on.
     void Deposit(int64_t cell, int64_t height, int64_t share) {
         const int64_t own = (share * height) >> 8;
         Add(cell, own);
@@ -56,12 +56,12 @@ MaskPoint ToMask(const OutlineTransform& transform, OutlinePoint point) {
             ToMask(point.y, transform.scaleY, transform.translateY, transform.offsetY)};
 }
 
-// The y of a row as coverage: 255 from its upper to its lower edge. Heights are differences of levels, so those of
-// neighbouring cells add up to the height of all of them.
+/// The y of a row as coverage: 255 from its upper to its lower edge. Heights are differences of levels, so those of
+/// neighbouring cells add up to the height of all of them.
 int64_t Level(int64_t y) { return (y * 255) >> 8; }
 
-// The mean distance from the piece of a line in a cell to the cell's right edge, for a line from `left` to `right` in
-// one row.
+/// The mean distance from the piece of a line in a cell to the cell's right edge, for a line from `left` to `right` in
+/// one row.
 int64_t Share(int64_t cell, int64_t left, int64_t right) {
     const int64_t cellLeft = cell * cellSide;
     const bool begins = left >= cellLeft;
@@ -72,8 +72,8 @@ int64_t Share(int64_t cell, int64_t left, int64_t right) {
     return cellSide / 2;
 }
 
-// Adds what a line has inside one row, whose upper edge is at `rowTop`: the part from `top` to `bottom`. Cells are
-// visited from left to right, whichever way the line goes.
+/// Adds what a line has inside one row, whose upper edge is at `rowTop`: the part from `top` to `bottom`. Cells are
+/// visited from left to right, whichever way the line goes.
 void RasteriseRow(const Line& line, int64_t rowTop, MaskPoint top, MaskPoint bottom, MaskRow row) {
     const bool goesRight = top.x <= bottom.x;
     const auto [left, right] = goesRight ? std::pair(top, bottom) : std::pair(bottom, top);
@@ -106,7 +106,7 @@ void RasteriseContours(const OutlineTransform& transform, std::span<const Outlin
     }
 }
 
-// Turns the terms of a row into coverage, from column `left` up to but not including `right`.
+/// Turns the terms of a row into coverage, from column `left` up to but not including `right`.
 void SumRow(uint8_t* row, int32_t left, int32_t right) {
     uint8_t sum = 0;
     for (int32_t x = left; x < right; ++x) row[x] = sum = static_cast<uint8_t>(sum + row[x]);

@@ -14,13 +14,13 @@ int16_t Limited(int64_t coordinate) {
 
 RegionEntry LimitedEntry(int64_t from, int64_t to) { return {Limited(from), Limited(to)}; }
 
-// The two ends of a size that counts from an origin, backward when it is negative.
+/// The two ends of a size that counts from an origin, backward when it is negative.
 RegionEntry Extent(int32_t origin, int32_t size) {
     const int64_t end = int64_t{origin} + Limited(size);
     return LimitedEntry(std::min<int64_t>(origin, end), std::max<int64_t>(origin, end));
 }
 
-// The region with all rows and all columns mapped, in an order that the mapping keeps.
+/// The region with all rows and all columns mapped, in an order that the mapping keeps.
 template <class MapRows, class MapColumns>
 Region Mapped(const Region& region, MapRows mapRows, MapColumns mapColumns) {
     if (region.IsEmpty()) return {};

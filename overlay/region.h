@@ -103,7 +103,7 @@ public:
         bool operator==(std::default_sentinel_t /*end*/) const { return entry == nullptr; }
 
     private:
-        // A band holds at least one span. Behind the last band stands a sentinel.
+        /// A band holds at least one span. Behind the last band stands a sentinel.
         void EnterBand() {
             if (entry == nullptr) return;
             rows = *entry;

@@ -67,10 +67,10 @@ public:
     }
 
 private:
-    // Most results, every rectangle among them, need no block until they are stored.
+    /// Most results, every rectangle among them, need no block until they are stored.
     static constexpr int32_t localEntries = 64;
 
-    // More is not taken in advance: what could become of two ragged regions is far more than what does.
+    /// More is not taken in advance: what could become of two ragged regions is far more than what does.
     static constexpr int64_t largestExpectation = 65536;
 
     void Push(RegionEntry entry) {

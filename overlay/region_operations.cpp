@@ -9,7 +9,7 @@
 namespace clarivex {
 namespace {
 
-// Whether a pixel belongs to the result, as bit 2 · (it is in a) + (it is in b).
+/// Whether a pixel belongs to the result, as bit 2 · (it is in a) + (it is in b).
 enum class TruthTable : uint8_t { either = 0b1110, both = 0b1000, justOne = 0b0110, firstOnly = 0b0100 };
 
 bool IsInside(TruthTable table, bool inA, bool inB) {
@@ -23,7 +23,7 @@ const RegionEntry* NextBand(const RegionEntry* band) {
     return band + 1;
 }
 
-// Walks the beginnings and ends of one region's bands, or of one band's spans, in their order.
+/// Walks the beginnings and ends of one region's bands, or of one band's spans, in their order.
 template <const RegionEntry* (*next)(const RegionEntry*)>
 class EdgeWalk {
 public:
@@ -61,7 +61,7 @@ void MergeSpans(const RegionEntry* spansA, const RegionEntry* spansB, TruthTable
     }
 }
 
-// Neither region may be empty.
+/// Neither region may be empty.
 Region Combine(const Region& regionA, const Region& regionB, TruthTable table, int64_t expectedEntries) {
     RegionBuilder out(expectedEntries);
     EdgeWalk<NextBand> a(regionA.Entries().data());
@@ -79,18 +79,18 @@ Region Combine(const Region& regionA, const Region& regionB, TruthTable table, i
 
 int64_t EntryCount(const Region& region) { return static_cast<int64_t>(region.Entries().size()); }
 
-// An intersection never needs more: where bands of s and t spans meet, at most s + t + 1 entries come of it, which is
-// at most (s + 2)(t + 2) / 3.
+/// An intersection never needs more: where bands of s and t spans meet, at most s + t + 1 entries come of it, which is
+/// at most (s + 2)(t + 2) / 3.
 int64_t EntriesOfIntersection(const Region& a, const Region& b) {
     return (EntryCount(a) - 1) * (EntryCount(b) - 1) / 3 + 2;
 }
 
-// Nearly always enough; a band of many spans that small ones cut into many needs more.
+/// Nearly always enough; a band of many spans that small ones cut into many needs more.
 int64_t EntriesOfCombination(const Region& a, const Region& b) {
     return EntryCount(a) + EntryCount(b) + (EntryCount(a) - 1) * (EntryCount(b) - 1) / 2;
 }
 
-// Where both entries overlap; the end may come before the beginning.
+/// Where both entries overlap; the end may come before the beginning.
 RegionEntry Overlap(RegionEntry a, RegionEntry b) { return {std::max(a.from, b.from), std::min(a.to, b.to)}; }
 
 }  // namespace

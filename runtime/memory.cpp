@@ -24,7 +24,7 @@ bool PauseForEver(size_t /*bytes*/, uint32_t /*waitedMilliseconds*/) {
 
 MemoryWait memoryWait = PauseForEver;
 
-// Stands just before the bytes of a block. `raw` comes last: it is the word that AlignedFree looks for.
+/// Stands just before the bytes of a block. `raw` comes last: it is the word that AlignedFree looks for.
 struct BlockHeader {
     size_t size;
     void* raw;
@@ -32,7 +32,7 @@ struct BlockHeader {
 
 constexpr size_t smallestAlignment = sizeof(void*);
 
-// More than this no allocator can give: the size, its header and its alignment must fit the address space.
+/// More than this no allocator can give: the size, its header and its alignment must fit the address space.
 constexpr size_t largestRequest = std::numeric_limits<size_t>::max() - sizeof(BlockHeader) - blockAlignment;
 
 BlockHeader* HeaderOf(void* pointer) {

@@ -34,7 +34,7 @@ void ShortString::Format(const char* format, ...) {
     Assign(formatted.get());
 }
 
-// Puts `bytes` characters of `text` behind the first `keep` of the present ones.
+/// Puts `bytes` characters of `text` behind the first `keep` of the present ones.
 void ShortString::Store(const char* text, size_t bytes, size_t keep) {
     if (bytes > static_cast<size_t>(std::numeric_limits<int32_t>::max()) - keep - 1)
         throw "QMemAlloc : realloc() failed";

@@ -43,7 +43,7 @@ private:
     const Creator create;
 };
 
-// The module keeps its factories without being kept loaded by them.
+/// The module keeps its factories without being kept loaded by them.
 using CachedFactory = PlainObject<CVXClassFactory, NoLock>;
 
 struct FactoryReleaser {
@@ -58,7 +58,7 @@ const ObjectMapEntry* FindEntry(REFCLSID classId) {
 
 class FactoryCache {
 public:
-    // Null when memory is short.
+    /// Null when memory is short.
     CachedFactory* FactoryOf(const ObjectMapEntry& entry) {
         const CriticalSectionGuard guard(creation);
         OwnedFactory& factory = factories[static_cast<size_t>(&entry - ObjectMap().data())];

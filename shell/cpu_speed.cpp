@@ -32,7 +32,7 @@ constinit SpeedSources sources = {.timeStamp = ReadTimeStamp,
                                   .sleep = SleepFor};
 constinit std::atomic<float> knownGHz = 0.0F;
 
-// Counts of both clocks across a sleep.
+/// Counts of both clocks across a sleep.
 struct Interval {
     int64_t stamps = 0;
     int64_t counts = 0;
@@ -47,7 +47,7 @@ Interval TimeSleep(uint32_t milliseconds) {
     return {static_cast<int64_t>(stampAfter - stampBefore), countAfter - countBefore};
 }
 
-// Nearest whole number; 0 for what no clock rate can be.
+/// Nearest whole number; 0 for what no clock rate can be.
 int64_t RoundHertz(double hertz) {
     constexpr double limit = 9.0e18;
     return std::abs(hertz) < limit ? static_cast<int64_t>(std::nearbyint(hertz)) : 0;

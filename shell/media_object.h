@@ -127,7 +127,7 @@ protected:
     StreamState& Stream() { return pipeline.Stream(); }
 
 private:
-    // Times of the held buffer, in ticks of 100 ns.
+    /// Times of the held buffer, in ticks of 100 ns.
     struct BufferTimes {
         bool hasTime = false;
         bool hasLength = false;
@@ -138,8 +138,8 @@ private:
         void PassOn(DMO_OUTPUT_DATA_BUFFER& target) const;
     };
 
-    // One stream's type; none while the pointer is null. A type that is stored is never changed, so that whoever holds it
-    // can read it after another has taken its place.
+    /// One stream's type; none while the pointer is null. A type that is stored is never changed, so that whoever holds it
+    /// can read it after another has taken its place.
     struct StreamType {
         std::shared_ptr<const MediaType> type;
         uint32_t imageBytes = 0;  // of the last type stored
@@ -148,26 +148,26 @@ private:
         DMO_MEDIA_TYPE Get() const { return type != nullptr ? type->Get() : DMO_MEDIA_TYPE{}; }
     };
 
-    // What the offer of an output type settled, and the input type it was made for.
+    /// What the offer of an output type settled, and the input type it was made for.
     struct Negotiated {
         StreamPlan plan;
         ImageFormat source;
     };
 
-    // All that is settled of a stream.
+    /// All that is settled of a stream.
     struct StreamTerms {
         StreamType input;
         StreamType output;
         Negotiated negotiated;
     };
 
-    // The buffer that waits for ProcessOutput.
+    /// The buffer that waits for ProcessOutput.
     struct HeldInput {
         ComPointer<IMediaBuffer> buffer;
         BufferTimes times;
     };
 
-    // What a frame begins with and goes on with. It holds the input itself, so that nobody frees that while the frame runs.
+    /// What a frame begins with and goes on with. It holds the input itself, so that nobody frees that while the frame runs.
     struct TakenFrame {
         bool inputHeld = false;
         HeldInput input;
@@ -197,8 +197,8 @@ private:
     CriticalSection hostLock;  // of IMediaObject::Lock
     PluginSettings settings;
 
-    // Guards what stands from here on, but for the pipeline. Nothing of a host is called under it: its buffers and types
-    // are asked, copied and released outside.
+    /// Guards what stands from here on, but for the pipeline. Nothing of a host is called under it: its buffers and types
+    /// are asked, copied and released outside.
     mutable CriticalSection stateLock;
     StreamType input;
     StreamType output;

@@ -8,7 +8,7 @@ namespace {
 
 constexpr DWORD allTimesValid = DMO_OUTPUT_DATA_BUFFERF_TIME | DMO_OUTPUT_DATA_BUFFERF_TIMELENGTH;
 
-// What GetBufferAndLength gives.
+/// What GetBufferAndLength gives.
 struct BufferContent {
     BYTE* data = nullptr;
     DWORD length = 0;
@@ -18,7 +18,7 @@ HRESULT GetContent(IMediaBuffer& buffer, BufferContent& content) {
     return buffer.GetBufferAndLength(&content.data, &content.length);
 }
 
-// How many bytes of a buffer may be touched; `otherwise` where it does not say.
+/// How many bytes of a buffer may be touched; `otherwise` where it does not say.
 size_t CapacityOf(IMediaBuffer& buffer, DWORD otherwise) {
     DWORD capacity = 0;
     return buffer.GetMaxLength(&capacity) == S_OK ? capacity : otherwise;

@@ -11,7 +11,7 @@
 namespace clarivex {
 namespace {
 
-// Answers what most methods ask of their arguments first.
+/// Answers what most methods ask of their arguments first.
 HRESULT CheckStream(DWORD index, bool pointersGiven) {
     if (index != 0) return DMO_E_INVALIDSTREAMINDEX;
     return pointersGiven ? S_OK : E_POINTER;
@@ -22,7 +22,7 @@ HRESULT CheckTypeIndex(DWORD index, DWORD typeIndex) {
     return typeIndex < offeredSubtypes.size() ? S_OK : DMO_E_NO_MORE_ITEMS;
 }
 
-// The stream infos test their pointer before the index.
+/// The stream infos test their pointer before the index.
 HRESULT GiveFlags(DWORD index, DWORD* target, DWORD flags) {
     if (target == nullptr) return E_POINTER;
     if (index != 0) return DMO_E_INVALIDSTREAMINDEX;

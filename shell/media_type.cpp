@@ -11,7 +11,7 @@
 namespace clarivex {
 namespace {
 
-// A format block need not be aligned for its header, so headers are copied in and out.
+/// A format block need not be aligned for its header, so headers are copied in and out.
 template <class Header>
 std::optional<Header> CopyHeader(const DMO_MEDIA_TYPE& type) {
     if (type.pbFormat == nullptr || type.cbFormat < sizeof(Header)) return std::nullopt;

@@ -12,7 +12,7 @@
 namespace clarivex {
 namespace {
 
-// Built when the module loads, before anything of it can be called.
+/// Built when the module loads, before anything of it can be called.
 ProcessState processState;
 
 InstructionSets RunnableSets() {

@@ -10,7 +10,7 @@ namespace {
 
 constexpr float positionsPerSharpness = 2.0F;
 
-// The sharpness in steps of the edge slider, counted from "Soft". Any setting may hold any number.
+/// The sharpness in steps of the edge slider, counted from "Soft". Any setting may hold any number.
 int32_t EdgeSteps(float sharpness) {
     constexpr float farOff = 1000.0F;
     const float steps = sharpness * positionsPerSharpness;

@@ -13,7 +13,7 @@ namespace {
 constexpr int64_t highDefinitionArea = 1024 * 576;
 constexpr int32_t smallestSide = 16;
 
-// A side as the target rectangle clips it; an edge beyond the picture counts as unset.
+/// A side as the target rectangle clips it; an edge beyond the picture counts as unset.
 int32_t ClippedSide(int32_t side, int32_t targetEnd) { return targetEnd != 0 && side >= targetEnd ? targetEnd : side; }
 
 float PictureAspect(const VideoHeader& header) {
@@ -34,7 +34,7 @@ bool WantsScaling(const PlanSettings& settings, int64_t area) {
     }
 }
 
-// Turns the input's header into the one that is offered. The target rectangle keeps the source's size.
+/// Turns the input's header into the one that is offered. The target rectangle keeps the source's size.
 void OfferPicture(const FrameSize& picture, VideoHeader& header) {
     header.target.left = 0;
     header.target.top = 0;

@@ -5,7 +5,7 @@
 namespace clarivex {
 namespace {
 
-// True when the share given up was the last one.
+/// True when the share given up was the last one.
 bool DropShare(std::atomic<int32_t>& refCount) { return refCount.fetch_sub(1) < 2; }
 
 }  // namespace

@@ -19,7 +19,7 @@ struct TemplateFacts {
     wchar_t face[LF_FACESIZE] = {};  // cut short where a font's name may not be as long
 };
 
-// Words of a template one after the other; behind the end there are zeros.
+/// Words of a template one after the other; behind the end there are zeros.
 class TemplateReader {
 public:
     explicit TemplateReader(std::span<const std::byte> bytes) : rest(bytes) {}
@@ -33,7 +33,7 @@ public:
         return value;
     }
 
-    // What of a text has room in `kept`; the rest is passed over.
+    /// What of a text has room in `kept`; the rest is passed over.
     void TakeText(std::span<wchar_t> kept = {}) {
         for (wchar_t letter = Take<wchar_t>(); letter != L'\0'; letter = Take<wchar_t>()) {
             if (!kept.empty()) {
@@ -43,7 +43,7 @@ public:
         }
     }
 
-    // Menu and window class stand as a text or as a number behind a mark.
+    /// Menu and window class stand as a text or as a number behind a mark.
     void SkipTextOrNumber() {
         constexpr WORD numberMark = 0xFFFF;
         WORD first = 0;
@@ -100,7 +100,7 @@ OwnedFont MakeFont(HDC context, const TemplateFacts& facts) {
     return OwnedFont(CreateFontIndirectW(&font));
 }
 
-// Width of an average letter and height of a line, in pixels.
+/// Width of an average letter and height of a line, in pixels.
 SIZE MeasureFont(HDC context, HFONT font) {
     constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
     constexpr int letters = sizeof alphabet - 1;

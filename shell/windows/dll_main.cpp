@@ -19,7 +19,7 @@ HRESULT WithoutExceptions(HRESULT (*work)()) {
 
 }  // namespace
 
-// The class factories are released with the other static objects, when the system lets the module go.
+/// The class factories are released with the other static objects, when the system lets the module go.
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
     if (reason == DLL_PROCESS_ATTACH) {
         clarivex::ThisModule().instance = instance;

@@ -19,14 +19,14 @@ HINSTANCE Resources() { return ThisModule().instance; }
 
 bool IsBetween(UINT message, UINT first, UINT last) { return message >= first && message <= last; }
 
-// Lies in the module; empty when it has no such text.
+/// Lies in the module; empty when it has no such text.
 std::wstring_view TextOf(UINT id) {
     const wchar_t* text = nullptr;
     const int length = LoadStringW(Resources(), id, reinterpret_cast<LPWSTR>(&text), 0);
     return {text, length > 0 ? static_cast<size_t>(length) : 0};
 }
 
-// In memory that the caller of an interface method frees; null when memory is short.
+/// In memory that the caller of an interface method frees; null when memory is short.
 LPOLESTR CopyForCaller(std::wstring_view text) {
     auto* copy = static_cast<LPOLESTR>(CoTaskMemAlloc((text.size() + 1) * sizeof(wchar_t)));
     if (copy != nullptr) {
@@ -36,7 +36,7 @@ LPOLESTR CopyForCaller(std::wstring_view text) {
     return copy;
 }
 
-// Track bars are a class of their own library, which a host need not have asked for.
+/// Track bars are a class of their own library, which a host need not have asked for.
 void RegisterTrackBars() {
     const INITCOMMONCONTROLSEX classes = {sizeof classes, ICC_BAR_CLASSES};
     InitCommonControlsEx(&classes);

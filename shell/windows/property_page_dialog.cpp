@@ -23,7 +23,7 @@ PageChoices StoredChoices() {
     return ChoicesIn(stored);
 }
 
-// What was not touched keeps the value that is saved by now.
+/// What was not touched keeps the value that is saved by now.
 void Store(const PageChoices& chosen, const TouchedChoices& touched) {
     PluginSettings settings;
     LoadSettings(settings);
@@ -42,7 +42,7 @@ INT_PTR CALLBACK CVXPropertyPage::DialogProcedure(HWND dialog, UINT message, WPA
     return page != nullptr && page->OnMessage(message, wParam, lParam) ? TRUE : FALSE;
 }
 
-// Whether the message was taken.
+/// Whether the message was taken.
 bool CVXPropertyPage::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_INITDIALOG: InitDialog(); return false;  // the focus stays where the host has it
@@ -65,7 +65,7 @@ bool CVXPropertyPage::OnCommand(WORD control, WORD notification) {
     return notification == EN_CHANGE && control == CVX_PAGE_SCALE_FACTOR;
 }
 
-// However a host changes the dialog's style, the tab key finds the way to its controls.
+/// However a host changes the dialog's style, the tab key finds the way to its controls.
 bool CVXPropertyPage::OnStyleChanging(WPARAM which, STYLESTRUCT& styles) const {
     if (static_cast<int>(which) != GWL_EXSTYLE) return false;
     styles.styleNew |= WS_EX_CONTROLPARENT;
@@ -78,7 +78,7 @@ void CVXPropertyPage::OnSlider() {
     if (CountsAsChanged(choices, Positions())) MarkDirty();
 }
 
-// Also when the host's window takes the dialog with it.
+/// Also when the host's window takes the dialog with it.
 void CVXPropertyPage::OnDestroyed() {
     SetWindowLongPtrA(window, DWLP_USER, 0);
     window = nullptr;
@@ -105,7 +105,7 @@ void CVXPropertyPage::ShowScaleFactor() {
     SetDlgItemTextA(window, CVX_PAGE_SCALE_FACTOR, ScaleFactorText(scaleFactor).Text());
 }
 
-// What the object does not tell stays as an object starts.
+/// What the object does not tell stays as an object starts.
 PageChoices CVXPropertyPage::ObjectsChoices() const {
     PageChoices found;
     unsigned mode = found.mode;
@@ -164,7 +164,7 @@ double CVXPropertyPage::ShownScaleFactor() const {
     return ScaleFactorIn(text);
 }
 
-// While the message stands the page may be closed and given another object.
+/// While the message stands the page may be closed and given another object.
 void CVXPropertyPage::HandToObject(PageChoices chosen, double scaleFactor) const {
     const auto object = ReferenceTo(settings.get());
     if (object == nullptr) return;

@@ -46,7 +46,7 @@ std::wstring Widen(const std::string& text) {
     return wide;
 }
 
-// A text of the module's string table; null when there is none.
+/// A text of the module's string table; null when there is none.
 OwnedText LoadText(UINT id) {
     char text[512];
     const int length = LoadStringA(ThisModule().instance, id, text, static_cast<int>(std::size(text)));
@@ -54,7 +54,7 @@ OwnedText LoadText(UINT id) {
     return OwnedText(SysAllocString(Widen(std::string(text, static_cast<size_t>(length))).c_str()));
 }
 
-// A program's own path is told in its short form, where it has one.
+/// A program's own path is told in its short form, where it has one.
 HRESULT ShortenProgramPath(std::string& path) {
     char shortPath[longestModulePath];
     const DWORD length = GetShortPathNameA(path.c_str(), shortPath, longestModulePath);
@@ -75,7 +75,7 @@ HRESULT FindModulePath(std::wstring& path) {
     return S_OK;
 }
 
-// Registry scripts stand texts between single quotes.
+/// Registry scripts stand texts between single quotes.
 std::wstring DoubleQuotes(const std::wstring& text) {
     std::wstring doubled;
     for (const wchar_t letter : text) doubled.append(letter == L'\'' ? 2 : 1, letter);

@@ -15,7 +15,7 @@ constexpr char productsKeyPath[] = R"(Software\Tessel Works\Applications\)";
 constexpr char nextCheckName[] = "Next Check";
 constexpr DWORD longestModulePath = 1024;
 
-// A running updater holds the mutex.
+/// A running updater holds the mutex.
 bool UpdaterRuns() {
     HANDLE mutex = CreateMutexA(nullptr, FALSE, updaterMutexName);
     const DWORD error = GetLastError();
