@@ -89,7 +89,7 @@ public:
     /// The last step of making an object: the user's stored settings. Gives S_OK.
     HRESULT Complete();
 
-    /// The icon that the player shows, as platform/resources.h tells.
+    /// The icon that the player shows, with the results of LoadIconStream in platform/resources.h.
     virtual HRESULT LoadIconStream(IStream** stream);
 
     // IWMPPluginEnable.

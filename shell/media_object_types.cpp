@@ -22,7 +22,7 @@ HRESULT CheckTypeIndex(DWORD index, DWORD typeIndex) {
     return typeIndex < offeredSubtypes.size() ? S_OK : DMO_E_NO_MORE_ITEMS;
 }
 
-/// The stream infos test their pointer before the index.
+/// The stream infos test their pointer before the index: kept so that hosts get the same answers between releases.
 HRESULT GiveFlags(DWORD index, DWORD* target, DWORD flags) {
     if (target == nullptr) return E_POINTER;
     if (index != 0) return DMO_E_INVALIDSTREAMINDEX;

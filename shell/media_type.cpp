@@ -38,6 +38,8 @@ bool IsOfferedSubtype(const GUID& subtype) {
 
 int64_t HeightOf(const BITMAPINFOHEADER& bitmap) { return std::abs(int64_t{bitmap.biHeight}); }
 
+/// Only YV12 in the first header is held to its bits a pixel: kept so that types are taken or refused as they were in
+/// earlier releases.
 bool HasExpectedBits(const DMO_MEDIA_TYPE& type, const VideoHeader& header) {
     constexpr WORD planarBits = 12;
     return !IsEqualGUID(type.subtype, mediaSubtypeYv12) || header.kind != HeaderKind::videoInfo ||

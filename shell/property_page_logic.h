@@ -34,7 +34,8 @@ SliderPositions PositionsFor(const PageChoices& choices);
 ///
 /// known  the choices as they were shown or applied last
 /// edge   the position counts from "Hard", the sharpness from "Soft", and the two are compared as they are: the middle is
-///        no change from 1.0, while a slider that rests elsewhere may count as changed.
+///        no change from 1.0, while a slider that rests elsewhere may count as changed. Kept so that hosts are told of a
+///        change when they were in earlier releases; at worst one is stored that is none.
 bool CountsAsChanged(const PageChoices& known, const SliderPositions& positions);
 
 /// What the page's controls mean.

@@ -7,7 +7,8 @@ namespace clarivex {
 
 // NOLINTBEGIN(readability-identifier-naming): properties are named the way COM names them.
 /// Read and written from any thread; the next frame or negotiation sees the new value. Operations give S_OK. A null
-/// pointer writes nothing and gives S_OK too, but for get_ScaleFactor, which gives E_POINTER. Slots stand in this order.
+/// pointer writes nothing and gives S_OK too, but for get_ScaleFactor, which gives E_POINTER: kept for the hosts that
+/// know it so. Slots stand in this order.
 struct ICVXSettings : public IUnknown {
     /// Kept for callers and used for nothing.
     virtual HRESULT STDMETHODCALLTYPE get_ScaleFactor(double* value) = 0;

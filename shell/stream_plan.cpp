@@ -58,7 +58,7 @@ bool PlanStream(const PlanSettings& settings, VideoHeader& header, StreamPlan& p
 
     plan.hdAccepted = settings.allowHd || area < highDefinitionArea;
     if (!plan.hdAccepted) return false;
-    const bool scaling = WantsScaling(settings, area);
+    const bool scaling = WantsScaling(settings, area);  // may measure the processor, even for what is refused next
     if (picture.width < smallestSide || picture.height < smallestSide) return false;
     plan.scalingOn = scaling;
     plan.pixelAspect = PixelAspect(PictureAspect(header), picture);

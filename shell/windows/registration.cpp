@@ -54,12 +54,13 @@ OwnedText LoadText(UINT id) {
     return OwnedText(SysAllocString(Widen(std::string(text, static_cast<size_t>(length))).c_str()));
 }
 
-/// A program's own path is told in its short form, where it has one.
+/// A program's own path is entered in its short form, where it has one.
 HRESULT ShortenProgramPath(std::string& path) {
     char shortPath[longestModulePath];
     const DWORD length = GetShortPathNameA(path.c_str(), shortPath, longestModulePath);
     if (length >= longestModulePath) return E_OUTOFMEMORY;
-    // A length of 87 is taken for the error of that number, as registrars commonly do: the long path serves as well.
+    // A short path of 87 characters is taken for the error of that number and the long one entered in its place. Kept so
+    // that registrations stay identical between releases; both paths lead to the program.
     if (length != 0 && length != ERROR_INVALID_PARAMETER) path.assign(shortPath, length);
     return S_OK;
 }
