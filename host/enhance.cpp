@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "engine/scale_modes.h"
 #include "host/byte_stream.h"
 #include "host/caption.h"
 #include "host/naming.h"
@@ -13,6 +14,7 @@
 #include "host/plugin_library.h"
 #include "host/progress.h"
 #include "host/y4m.h"
+#include "pipeline/frame_geometry.h"
 #include "platform/console.h"
 #include "shell/caption.h"
 #include "shell/instruction_set.h"
@@ -100,19 +102,15 @@ std::string Enhancement::OutputHeader() const {
     return Y4mHeaderLine(reader.Header(), OutputSize(), fullHeightChroma);
 }
 
-/// The plug-in enlarges such pictures on one axis or none.
-bool IsTooLargeToEnlarge(const PictureSize& size) {
-    return int64_t{size.width} * size.height >= 1238400 || size.width >= 2048 || size.height >= 1022;
-}
-
 void Enhancement::NoteLimits() {
+    const PictureSize& size = reader.Header().size;
     if (options.caption.value_or(false) && !HasCaptionFont()) Note(options, noFontText);
     if (bypassed)
         Note(options, "high definition is bypassed: the pictures pass unchanged (--hd allow enhances them)");
-    else if (reader.Header().size.width < smallestEnhancedWidth)
-        Note(options, "pictures less than " + std::to_string(smallestEnhancedWidth) +
+    else if (size.width < smallestWidth)
+        Note(options, "pictures less than " + std::to_string(smallestWidth) +
                           " wide are not enhanced: they stand at the upper left of the output");
-    else if (IsTooLargeToEnlarge(reader.Header().size) && OutputSize().width > reader.Header().size.width)
+    else if (OutputSize().width > size.width && !IsEnlargedInFull({size.width, size.height}))
         Note(options,
              "pictures this large are not enlarged in both directions: they stand at the upper left of the "
              "output (--mode never keeps their size)");

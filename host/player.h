@@ -23,8 +23,7 @@ struct PlayerSettings {
     bool allowHd = true;
 };
 
-constexpr int32_t smallestSide = 16;           ///< the media object refuses smaller pictures
-constexpr int32_t smallestEnhancedWidth = 32;  ///< narrower ones come back as they are
+constexpr int32_t smallestSide = 16;  ///< the media object refuses smaller pictures
 
 /// What came out of the talk about types.
 enum class Negotiated {
