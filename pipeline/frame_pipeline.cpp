@@ -21,17 +21,6 @@ constexpr int32_t litSaturation = 47;
 
 bool IsPacked(const FrameRequest& request) { return request.format == PixelFormat::yuy2; }
 
-ToneSettings ToneSettingsOf(const EngineSettings& settings) {
-    const ToneCurveSettings& tone = settings.tone;
-    return {.active = tone.toneEnabled && !tone.toneSuspended,
-            .colourBiasA = tone.colourBiasA,
-            .colourBiasB = tone.colourBiasB,
-            .colourBiasC = tone.colourBiasC,
-            .blackSlope = tone.toneBlackSlope,
-            .whiteSlope = tone.toneWhiteSlope,
-            .lightingEnabled = settings.frame.lightingEnabled};
-}
-
 }  // namespace
 
 float StrengthOfSlider(float sharpness) {
@@ -81,7 +70,7 @@ void FramePipeline::ApplySettings(const FrameRequest& request, const FrameLayout
     frame.sharpness = StrengthOfSlider(request.sharpness);
     frame.ditherGain = 0.0F;
     frame.lightingEnabled = request.enableLighting;
-    ToneCurveSettings& tone = stream.settings.tone;
+    ToneSettings& tone = stream.settings.tone;
     tone.colourBiasA = neutralBias;
     tone.colourBiasB = request.enableLighting ? litBrightness : neutralBias;
     tone.colourBiasC = request.enableLighting ? litSaturation : neutralBias;
@@ -140,7 +129,7 @@ PictureView FramePipeline::Complete(const FrameRequest& request, const SourceIma
 }
 
 void FramePipeline::Tone(LightingCorrection& correction) const {
-    ToneCurve(ToneSettingsOf(stream.settings), correction);
+    ToneCurve(stream.settings.tone, stream.settings.frame.lightingEnabled, correction);
 }
 
 void FramePipeline::MakeNoise(float amplitude) {

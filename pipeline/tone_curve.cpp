@@ -45,13 +45,14 @@ Cubic ContrastCurve(double blackSlope, double whiteSlope) {
     return {.f3 = blackSlope + whiteSlope, .f2 = -2 * blackSlope - whiteSlope, .f1 = blackSlope + 1, .f0 = 0};
 }
 
-ToneShape ShapeOf(const ToneSettings& settings) {
-    const double p = settings.active ? settings.colourBiasA : neutralBias;
-    const double r = settings.active ? settings.colourBiasB : neutralBias;
-    const double q = settings.active ? settings.colourBiasC : neutralBias;
-    const bool sloped = settings.active && settings.lightingEnabled;
-    const double blackSlope = sloped ? settings.blackSlope : 0;
-    const double whiteSlope = sloped ? settings.whiteSlope : 0;
+ToneShape ShapeOf(const ToneSettings& settings, bool lightingEnabled) {
+    const bool active = settings.toneEnabled && !settings.toneSuspended;
+    const double p = active ? settings.colourBiasA : neutralBias;
+    const double r = active ? settings.colourBiasB : neutralBias;
+    const double q = active ? settings.colourBiasC : neutralBias;
+    const bool sloped = active && lightingEnabled;
+    const double blackSlope = sloped ? settings.toneBlackSlope : 0;
+    const double whiteSlope = sloped ? settings.toneWhiteSlope : 0;
 
     const double v = BrightnessBias(r);
     double gain = RangeGain(p, v);
@@ -103,8 +104,8 @@ void ScaleChroma(double saturation, float& gain, float& offset) {
 
 }  // namespace
 
-void ToneCurve(const ToneSettings& settings, LightingCorrection& correction) {
-    const ToneShape shape = ShapeOf(settings);
+void ToneCurve(const ToneSettings& settings, bool lightingEnabled, LightingCorrection& correction) {
+    const ToneShape shape = ShapeOf(settings, lightingEnabled);
     StoreLuma(Compose(shape.curve, correction), shape, correction);
     ScaleChroma(shape.saturation, correction.chromaGainU, correction.chromaOffsetU);
     ScaleChroma(shape.saturation, correction.chromaGainV, correction.chromaOffsetV);

@@ -4,15 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <tuple>
 
 #include "pipeline/output_constants.h"
 
 namespace clarivex {
 namespace {
 
-// What the driver sets with lighting control on, and without.
-constexpr ToneSettings lit = {.colourBiasB = 42, .colourBiasC = 47, .lightingEnabled = true};
-constexpr ToneSettings unlit = {.lightingEnabled = false};
+/// What frames have with lighting on, and without.
+constexpr ToneSettings lit = {.colourBiasB = 42, .colourBiasC = 47};
+constexpr ToneSettings unlit = {.toneBlackSlope = 0, .toneWhiteSlope = 0};
 
 LightingCorrection Linear(float gain, float offset, float chromaGain, float chromaOffset) {
     LightingCorrection correction;
@@ -24,7 +25,7 @@ LightingCorrection Linear(float gain, float offset, float chromaGain, float chro
 }
 
 LightingCorrection After(const ToneSettings& settings, LightingCorrection correction) {
-    ToneCurve(settings, correction);
+    ToneCurve(settings, true, correction);
     return correction;
 }
 
@@ -39,6 +40,15 @@ TEST(ToneCurve, MeasuredCorrectionsGiveTheKnownConstants) {
     };
     for (const auto& test : cases) EXPECT_EQ(MakeOutputConstants(After(lit, test.correction)), test.expected);
     EXPECT_EQ(MakeOutputConstants(After(unlit, {})), OutputConstants{});
+    for (const auto& [enabled, suspended, lighting] :
+         {std::tuple(false, false, true), {true, true, true}, {true, false, false}}) {
+        ToneSettings settings = lighting ? lit : ToneSettings{};
+        settings.toneEnabled = enabled;
+        settings.toneSuspended = suspended;
+        LightingCorrection correction;
+        ToneCurve(settings, lighting, correction);
+        EXPECT_EQ(MakeOutputConstants(correction), OutputConstants{}) << "off, suspended, without lighting";
+    }
 }
 
 TEST(ToneCurve, KeepsIncomingCurvesOnlyWhileItsOwnIsStraight) {
