@@ -1,4 +1,3 @@
-// Chooses the form of the post filter and runs it on rows and strips.
 #include "algorithms/detail_fir.h"
 
 #include <algorithm>
@@ -14,31 +13,19 @@ DetailFirForm ChooseDetailFirForm(const DetailTaps& taps) {
     return DetailFirForm::symmetric8;
 }
 
-void DetailFirRow(const uint8_t* in, uint8_t* out, int32_t columns, int32_t width, const DetailTaps& taps,
-                  DetailFirForm form, const KernelTable& kernels, int16_t* words) {
-    if (form == DetailFirForm::general) {
+void DetailFirRow(const uint8_t* in, uint8_t* out, const FirRowLength& row, const DetailFirFilter& filter,
+                  int16_t* words, const KernelTable& kernels) {
+    if (filter.form == DetailFirForm::general) {
         constexpr int32_t first = 4;
         constexpr int32_t firstTap = 5;
-        const int32_t groups = std::max((width - 2 * first) >> 2, 0);
-        kernels.fir7(in, out, {columns, first, first + 4 * groups}, &taps[firstTap], words);
+        const int32_t groups = std::max((row.width - 2 * first) >> 2, 0);
+        kernels.fir7(in, out, {row.columns, first, first + 4 * groups}, &filter.taps[firstTap], words);
     } else {
         constexpr int32_t first = 8;
-        const int32_t groups = std::max((width - 2 * first) >> 3, 0);
-        const int32_t rounding = form == DetailFirForm::symmetric8 ? 6 : 7;
-        kernels.firEven(in, out, {columns, first, first + 8 * groups}, taps.data(), rounding);
+        const int32_t groups = std::max((row.width - 2 * first) >> 3, 0);
+        const int32_t rounding = filter.form == DetailFirForm::symmetric8 ? 6 : 7;
+        kernels.firEven(in, out, {row.columns, first, first + 8 * groups}, filter.taps.data(), rounding);
     }
-}
-
-void DetailFir(const Plane& strip, const DetailTaps& taps, int32_t evenFilterPasses, const KernelTable& kernels,
-               const DetailFirScratch& scratch) {
-    const DetailFirForm form = ChooseDetailFirForm(taps);
-    const int32_t passes = form == DetailFirForm::general || evenFilterPasses < 3 ? 1 : evenFilterPasses;
-    for (int32_t y = 0; y < strip.height; ++y)
-        for (int32_t pass = 0; pass < passes; ++pass) {
-            // The kernels read beyond their row and must not filter in place.
-            std::copy_n(strip.Row(y), strip.width, scratch.samples);
-            DetailFirRow(scratch.samples, strip.Row(y), strip.width, strip.width, taps, form, kernels, scratch.words);
-        }
 }
 
 }  // namespace clarivex

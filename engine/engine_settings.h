@@ -93,15 +93,15 @@ struct NoiseReductionSettings {
     bool forceDetailB = false;
 };
 
-/// What the tone curve follows from. The biases are centred on 50.
-struct ToneCurveSettings {
+/// What the tone curve follows from. The biases are centred on 50; switched off or suspended, all count as 50.
+struct ToneSettings {
     bool toneEnabled = true;
     bool toneSuspended = false;
-    int32_t colourBiasA = 50;    ///< contrast: below 50 it lowers the white end
-    int32_t colourBiasB = 50;    ///< brightness: above 50 it raises the black end
-    int32_t colourBiasC = 50;    ///< saturation
-    int32_t toneBlackSlope = 9;  ///< hundredths added to a slope of 1 at black, with lighting on
-    int32_t toneWhiteSlope = 36;
+    int32_t colourBiasA = 50;     ///< contrast: below 50 it lowers the white end
+    int32_t colourBiasB = 50;     ///< brightness: above 50 it raises the black end
+    int32_t colourBiasC = 50;     ///< saturation
+    int32_t toneBlackSlope = 9;   ///< hundredths added to the curve's slope of 1 at black, with lighting on
+    int32_t toneWhiteSlope = 36;  ///< the same at white
 };
 
 /// Values for rows that are doubled.
@@ -121,7 +121,7 @@ struct EngineSettings {
     EdgeSettings edges;
     DetailSettings detail;
     NoiseReductionSettings noise;
-    ToneCurveSettings tone;
+    ToneSettings tone;
     OrderSettings order;
 };
 

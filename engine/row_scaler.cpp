@@ -48,7 +48,7 @@ RowScaler::RowScaler(const Plane& target, const SourcePlane& source, const RowSt
       kernels(kernels),
       groups((width + groupSamples - 1) / groupSamples),
       columns((target.width + storedGroup - 1) & ~(storedGroup - 1)),
-      form(stages.postFilterOn ? ChooseDetailFirForm(stages.postTaps) : DetailFirForm::general),
+      postFilter(stages.postTaps),
       cross(stages.cross, stages.crossOn ? scratch.line.Prepare(target.width + groupSamples) : nullptr),
       rows{scratch.source.Prepare(groups * groupSamples),
            scratch.even.Prepare(groups * groupSamples / 2),
@@ -62,7 +62,7 @@ void RowScaler::ScaleStrip(int32_t y) {
     const SleepingRowStages& sleeping = stages.sleeping;
     if (sleeping.preStage.IsOn()) SmoothRowStrip(StripOf(source.writable, y), sleeping.preStage);
     for (int32_t row = y; row < std::min(y + stripSize, height); ++row) ScaleRow(row);
-    const bool filterWaits = stages.postFilterOn && PostFilterWaits(sleeping, form);
+    const bool filterWaits = stages.postFilterOn && PostFilterWaits(sleeping, postFilter.form);
     RunSleepingStages(StripOf(target, y), sleeping, filterWaits ? &stages.postTaps : nullptr, kernels,
                       {rows.enlarged, rows.words});
     if (stages.crossOn) cross.Run(target, y);
@@ -76,7 +76,7 @@ void RowScaler::ScaleRow(int32_t y) {
         EnlargeSourceRow(y);
     const uint8_t* limited = LimitRow();
     if (PostFilterOnRow())
-        DetailFirRow(limited, target.Row(y), columns, target.width, stages.postTaps, form, kernels, rows.words);
+        DetailFirRow(limited, target.Row(y), {columns, target.width}, postFilter, rows.words, kernels);
     else
         std::memcpy(target.Row(y), limited, static_cast<size_t>(columns));
 }
@@ -113,7 +113,9 @@ const uint8_t* RowScaler::LimitRow() {
     return rows.enlarged;
 }
 
-bool RowScaler::PostFilterOnRow() const { return stages.postFilterOn && !PostFilterWaits(stages.sleeping, form); }
+bool RowScaler::PostFilterOnRow() const {
+    return stages.postFilterOn && !PostFilterWaits(stages.sleeping, postFilter.form);
+}
 
 void ScaleLumaStrips(const Plane& target, const SourcePlane& source, const RowStages& stages, RowScratch& scratch,
                      const KernelTable& kernels) {

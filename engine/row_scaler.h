@@ -85,7 +85,7 @@ private:
     const KernelTable& kernels;
     int32_t groups;
     int32_t columns;
-    DetailFirForm form;
+    DetailFirFilter postFilter;
     CrossStage cross;
     Rows rows;
     std::array<int16_t, 24> taps;

@@ -6,9 +6,9 @@
 
 #include <cstdint>
 
-#include "algorithms/detail_fir.h"
 #include "algorithms/sharpen_params.h"
 #include "algorithms/sleeping/detail_strips.h"
+#include "algorithms/sleeping/strip_fir.h"
 #include "runtime/planes.h"
 
 namespace clarivex {

@@ -1,8 +1,8 @@
 // Stages along enlarged rows that the plug-in never switches on, and rows of double length.
 #pragma once
 
-#include "algorithms/detail_fir.h"
 #include "algorithms/filter_design.h"
+#include "algorithms/sleeping/strip_fir.h"
 #include "engine/sleeping/detail_stages.h"
 #include "engine/sleeping/pre_stages.h"
 #include "engine/stage_kinds.h"
