@@ -56,7 +56,7 @@ TEST(NoiseTable, ScalesAndWrapsTheGeneratorsPlanes) {
     NoiseTable table(generator);
     for (const float level : {0.75F, 0.0F, 3.0F, 1000.0F, std::numeric_limits<float>::infinity()}) {
         table.Build(level);
-        table.offsets = {INT32_MAX - 100, INT32_MAX - 40};  // 24 … 31 columns and 41 rows before they wrap
+        table.offsets = {INT32_MAX - 96, INT32_MAX - 40};  // columns go by eight; 41 rows before they wrap
         for (int32_t y = 0; y < side + 60; ++y) {
             const GrainRow luma = table.LumaGrain(y), chroma = table.ChromaGrain(y);
             ASSERT_EQ(luma.firstColumn, 152);

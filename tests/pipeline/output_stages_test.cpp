@@ -209,15 +209,20 @@ protected:
             [&](uint8_t* data) { PackedOutputStage(target(data).plane, target(data).end, picture, inputs); });
     }
 
-    /// The buffer ends with the last chroma sample or some bytes behind it.
+    /// Luma comes first or last; the buffer ends with the last sample or some bytes behind it.
     void ComparePlanar(const OutputStageInputs& inputs) {
         const DecodedPicture source(size.width, size.height, size.width + size.stride % 5, Texture::hard, round);
         const int32_t stride = size.stride / 2, chromaStride = stride / 2;
         const int32_t columns = (size.targetWidth + 1) / 2, rows = (size.targetHeight + 1) / 2;
-        const int32_t second = stride * size.targetHeight, third = second + chromaStride * (size.targetHeight / 2);
-        const int32_t bytes = third + chromaStride * (rows - 1) + columns + size.missing % 4;
+        const bool lumaLast = round % 4 == 0;
+        const int32_t second = lumaLast ? 0 : stride * size.targetHeight;
+        const int32_t third = second + chromaStride * (size.targetHeight / 2);
+        const int32_t luma = lumaLast ? third + chromaStride * rows : 0;
+        const int32_t end = lumaLast ? luma + stride * (size.targetHeight - 1) + size.targetWidth
+                                     : third + chromaStride * (rows - 1) + columns;
+        const int32_t bytes = end + size.missing % 4;
         const auto target = [&](uint8_t* data) -> ImagePlanes {
-            return {.luma = {data, size.targetWidth, size.targetHeight, stride},
+            return {.luma = {data + luma, size.targetWidth, size.targetHeight, stride},
                     .second = {data + second, columns, rows, chromaStride},
                     .third = {data + third, columns, rows, chromaStride}};
         };

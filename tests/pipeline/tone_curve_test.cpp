@@ -101,6 +101,8 @@ TEST(NeedsWork, OnlyThePackedStageOverlooksWhatRoundsAway) {
     nearly.lumaOffset = 6.6e-07F;
     EXPECT_FALSE(PackedNeedsWork(nearly, 0.0F));
     EXPECT_TRUE(PlanarNeedsWork(nearly, 0.0F));
+    EXPECT_FALSE(PackedNeedsWork({}, 0.00005F));
+    EXPECT_TRUE(PackedNeedsWork({}, 0.0002F));
     nearly.chromaOffsetV = 0.1F;
     EXPECT_TRUE(PackedNeedsWork(nearly, 0.0F));
 }

@@ -24,13 +24,15 @@ constexpr int32_t SignedRepeat(int32_t byte) { return 256 * (byte - 128) + ((byt
 template <KernelLanes Lanes>
 class LaneChecker {
 public:
-    LaneChecker(const LaneSamples& samples, ReportLaneFault report)
-        : p(samples.words[0]),
-          q(samples.words[1]),
-          x(samples.bytes[0]),
-          y(samples.bytes[1]),
-          samples(samples),
-          report(report) {}
+    /// Takes the samples from lane `first` on.
+    LaneChecker(const LaneSamples& samples, int32_t first, ReportLaneFault report)
+        : samples(samples),
+          first(first),
+          report(report),
+          p(Row(0)),
+          q(Row(1)),
+          x(samples.bytes[0] + 2 * first),
+          y(samples.bytes[1] + 2 * first) {}
 
     void CheckAll() {
         CheckWords();
@@ -46,6 +48,8 @@ private:
     using U8 = typename Lanes::U8;
     using Pair = typename Lanes::Pair;
     using Sums = typename Lanes::Sums;
+
+    const int16_t* Row(int32_t row) const { return samples.words[row] + first; }
 
     void CheckWords() {
         const I16 a = Lanes::Load(p), b = Lanes::Load(q);
@@ -103,32 +107,27 @@ private:
 
     void CheckPairs() {
         const U8 a = Lanes::LoadBytes(x), b = Lanes::LoadBytes(y);
-        const int32_t first = p[0] & 127, second = Limit(q[0] % 128, -128, 127 - first);
+        const int32_t weightA = p[0] & 127, weightB = Limit(q[0] % 128, -128, 127 - weightA);
         Unpacked("Unpack", Lanes::Unpack(a), [&](int32_t i) { return x[i]; });
         Unpacked("Sum", Lanes::Sum(a, b), [&](int32_t i) { return x[i] + y[i]; });
-        Unpacked("WeighSum", Lanes::WeighSum(a, b, Lanes::MakeWeights(first, second)),
-                 [&](int32_t i) { return x[i] * first + y[i] * second; });
+        Unpacked("WeighSum", Lanes::WeighSum(a, b, Lanes::MakeWeights(weightA, weightB)),
+                 [&](int32_t i) { return x[i] * weightA + y[i] * weightB; });
         const Pair sides = Lanes::Sum(a, b);
         const auto limited = [&](int32_t offset) {
             const I16 less = Lanes::Set(static_cast<int16_t>(offset));
             return Lanes::PackUnpacked({Lanes::SubWrap(sides.low, less), Lanes::SubWrap(sides.high, less)});
         };
         Bytes("PackUnpacked", limited(127), [&](int32_t i) { return LimitToByte(x[i] + y[i] - 127); });
-        const auto pair = [&](int32_t row) -> Pair {
-            return {Lanes::Load(samples.words[row]), Lanes::Load(samples.words[row + 1])};
-        };
+        const auto pair = [&](int32_t row) -> Pair { return {Lanes::Load(Row(row)), Lanes::Load(Row(row + 1))}; };
         Stored<uint8_t, 6 * width>(
             "StoreTriples", [&](uint8_t* out) { Lanes::StoreTriples(out, pair(0), pair(2), pair(4)); },
-            [&](int32_t i) {
-                const int32_t row = 2 * (i % 3) + i / 3 / width;
-                return LimitToByte(samples.words[row][i / 3 % width]);
-            });
+            [&](int32_t i) { return LimitToByte(Row(2 * (i % 3) + i / 3 / width)[i / 3 % width]); });
     }
 
     void CheckSums() {
         const I16 a = Lanes::Load(p), b = Lanes::Load(q);
-        const int16_t tapA = samples.words[2][0], tapB = samples.words[3][0];
-        const int32_t start = 65536 * samples.words[4][0];
+        const int16_t tapA = *Row(2), tapB = *Row(3);
+        const int32_t start = 65536 * *Row(4);
         const auto made = [&](int32_t i) { return Wide(int64_t{start} + int64_t{p[i]} * tapA + int64_t{q[i]} * tapB); };
         const auto product = [&](int32_t i) { return p[i] * tapB; };
         const Sums s = Lanes::AddProducts(Lanes::SetSums(start), a, b, Lanes::MakeTapPair(tapA, tapB));
@@ -194,17 +193,19 @@ private:
         }
     }
 
+    const LaneSamples& samples;
+    int32_t first;
+    ReportLaneFault report;
     const int16_t* p;
     const int16_t* q;
     const uint8_t* x;
     const uint8_t* y;
-    const LaneSamples& samples;
-    ReportLaneFault report;
 };
 
 template <KernelLanes Lanes>
 void CheckLanes(const LaneSamples& samples, ReportLaneFault report) {
-    LaneChecker<Lanes>(samples, report).CheckAll();
+    for (int32_t first = 0; first < LaneSamples::mostLanes; first += Lanes::width)
+        LaneChecker<Lanes>(samples, first, report).CheckAll();
 }
 
 }  // namespace
