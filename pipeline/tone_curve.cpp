@@ -8,7 +8,7 @@ constexpr double videoBlack = 16;
 constexpr double videoRange = 219;
 constexpr double perRange = static_cast<float>(1 / videoRange);  // to normalised luma
 
-// f[3]·x³ + f[2]·x² + f[1]·x + f[0]
+/// f[3]·x³ + f[2]·x² + f[1]·x + f[0]
 struct Cubic {
     double f3 = 0;
     double f2 = 0;
@@ -16,7 +16,7 @@ struct Cubic {
     double f0 = 0;
 };
 
-// The shape of the curve, worked out from the settings.
+/// The shape of the curve, worked out from the settings.
 struct ToneShape {
     double whiteBias;   // below 50 it lowers the white end
     double blackBias;   // above 50 it raises the black end
@@ -24,23 +24,29 @@ struct ToneShape {
     Cubic curve;        // on normalised luma; keeps 0 and 1
 };
 
+/// Keeps −1, 0 and 1, and is flatter around 0.
 double SoftCube(double x) { return 0.334 * x * x * x + 0.666 * x; }
 
-// (50 − bias) times the slope of its side
-double BiasSlope(double bias, double slopeAbove, double slopeBelow) {
-    const double below = neutralBias - bias;
-    return below * (below < 0 ? slopeAbove : slopeBelow);
-}
+/// What a bias of either side of 50 is multiplied by.
+struct SideSlopes {
+    double above;
+    double below;
+
+    double Of(double bias) const { return bias > neutralBias ? above : below; }
+};
+constexpr SideSlopes brightnessSlopes{0.6, 1.1};  // brightening is held back
+constexpr SideSlopes whiteBends{1.4, 0.16};       // hundredths of the curve's slope at white
+constexpr SideSlopes blackBends{0.2, 1.4};        // and at black
 
 double BrightnessBias(double bias) {
     const double t = (0.6 * SoftCube(bias / 50 - 1) + 1) * 50;
-    return (t - neutralBias) * (t > neutralBias ? 0.6 : 1.1) + neutralBias;
+    return (t - neutralBias) * brightnessSlopes.Of(t) + neutralBias;
 }
 
-// 1 at biases of 50 and 50.
+/// 1 at biases of 50 and 50.
 double RangeGain(double whiteBias, double blackBias) { return ((whiteBias + 50) / 100) * ((150 - blackBias) / 100); }
 
-// Normalised luma with slope 1 + blackSlope at 0 and 1 + whiteSlope at 1.
+/// Normalised luma with slope 1 + blackSlope at 0 and 1 + whiteSlope at 1.
 Cubic ContrastCurve(double blackSlope, double whiteSlope) {
     return {.f3 = blackSlope + whiteSlope, .f2 = -2 * blackSlope - whiteSlope, .f1 = blackSlope + 1, .f0 = 0};
 }
@@ -59,15 +65,15 @@ ToneShape ShapeOf(const ToneSettings& settings, bool lightingEnabled) {
     gain = gain > 1 ? (gain - 1) * 0.2 + 1 : gain;  // gains above 1 are held back
     const double saturation = (SoftCube(q / 50 - 1) + 1) * 50 * gain;
 
-    const double whiteBend = BiasSlope(p, 1.4, 0.16);
-    const double blackBend = -BiasSlope(v, 0.2, 1.4);
+    const double whiteBend = (neutralBias - p) * whiteBends.Of(p);
+    const double blackBend = -((neutralBias - v) * blackBends.Of(v));
     return {.whiteBias = static_cast<float>(p < neutralBias ? p : neutralBias),
             .blackBias = v > neutralBias ? v : neutralBias,
             .saturation = static_cast<float>(saturation) / neutralBias,
             .curve = ContrastCurve((blackSlope + 2 * blackBend) * 0.01, (whiteSlope + 2 * whiteBend) * 0.01)};
 }
 
-// The curve applied to corrected luma, as a cubic of the sample.
+/// The curve applied to corrected luma, as a cubic of the sample.
 Cubic Compose(const Cubic& curve, const LightingCorrection& correction) {
     const double c1 = static_cast<float>(correction.lumaGain * perRange);
     const double c0 = static_cast<float>(correction.lumaOffset * perRange - videoBlack / videoRange);

@@ -9,6 +9,10 @@
 namespace clarivex {
 namespace {
 
+/// By how much a step of chroma brightens a vote, in 256ths of a level.
+constexpr int16_t firstChromaRise = 730;
+constexpr int16_t secondChromaRise = 870;
+
 /// Level and votes of one register of column pairs.
 template <class Lanes>
 struct Votes {
@@ -28,8 +32,8 @@ Votes<Lanes> CountVotes(typename Lanes::U8 lumaPairs, typename Lanes::I16 first,
         return Lanes::MulHigh(Lanes::template ShiftLeft<8>(distance), Lanes::Set(factor));
     };
     return {level, Lanes::AddWrap(level, Lanes::template ShiftRight<3>(eighths)),
-            Lanes::Max(level, Lanes::AddWrap(level, rise(d1, 730))),
-            Lanes::Max(level, Lanes::AddWrap(level, rise(d2, 870)))};
+            Lanes::Max(level, Lanes::AddWrap(level, rise(d1, firstChromaRise))),
+            Lanes::Max(level, Lanes::AddWrap(level, rise(d2, secondChromaRise)))};
 }
 
 template <class Lanes>

@@ -51,7 +51,7 @@ struct Avx2Lanes {
         return _mm256_srli_epi16(a, n);
     }
 
-    // The rounding multiply divides by 2^15, so a gain of at most 31 is kept 2^10 times as large.
+    /// The rounding multiply divides by 2^15, so a gain of at most 31 is kept 2^10 times as large.
     static I16 GainFactor(int16_t gain) { return Set(static_cast<int16_t>(gain << 10)); }
     static I16 GainOver32(I16 a, I16 factor) { return _mm256_mulhrs_epi16(a, factor); }
 
@@ -132,7 +132,7 @@ struct Avx2Lanes {
         StoreBytes(p + 64, _mm256_permute2x128_si256(r1, r2, 0x31));
     }
 
-    // Unpacking and its reverse keep to the halves of a register, which is all that is needed between the two.
+    /// Unpacking and its reverse keep to the halves of a register, which is all that is needed between the two.
     static Weights MakeWeights(int32_t a, int32_t b) {
         return _mm256_set1_epi16(static_cast<int16_t>((b << 8) | (a & 0xFF)));
     }
@@ -146,7 +146,7 @@ struct Avx2Lanes {
     }
     static U8 PackUnpacked(Pair words) { return _mm256_packus_epi16(words.low, words.high); }
 
-    // Sums stand in the order of unpacked words, and packing undoes it.
+    /// Sums stand in the order of unpacked words, and packing undoes it.
     struct Sums {
         __m256i low, high;
     };

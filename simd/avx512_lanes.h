@@ -56,7 +56,7 @@ struct Avx512Lanes {
         return _mm512_srli_epi16(a, n);
     }
 
-    // The rounding multiply divides by 2^15, so a gain of at most 31 is kept 2^10 times as large.
+    /// The rounding multiply divides by 2^15, so a gain of at most 31 is kept 2^10 times as large.
     static I16 GainFactor(int16_t gain) { return Set(static_cast<int16_t>(gain << 10)); }
     static I16 GainOver32(I16 a, I16 factor) { return _mm512_mulhrs_epi16(a, factor); }
 
@@ -134,7 +134,7 @@ struct Avx512Lanes {
         StoreBytes(p + 128, _mm512_permutex2var_epi64(r2, Qwords(2, 3, 13, 4, 5, 15, 6, 7), r1));
     }
 
-    // Unpacking and its reverse keep to the halves of a register, which is all that is needed between the two.
+    /// Unpacking and its reverse keep to the halves of a register, which is all that is needed between the two.
     static Weights MakeWeights(int32_t a, int32_t b) {
         return _mm512_set1_epi16(static_cast<int16_t>((b << 8) | (a & 0xFF)));
     }
@@ -148,7 +148,7 @@ struct Avx512Lanes {
     }
     static U8 PackUnpacked(Pair words) { return _mm512_packus_epi16(words.low, words.high); }
 
-    // Sums stand in the order of unpacked words, and packing undoes it.
+    /// Sums stand in the order of unpacked words, and packing undoes it.
     struct Sums {
         __m512i low, high;
     };
@@ -192,7 +192,7 @@ private:
     static __m512i Qwords(int a, int b, int c, int d, int e, int f, int g, int h) {
         return _mm512_setr_epi64(a, b, c, d, e, f, g, h);
     }
-    // Puts the lower half's eight-byte pieces first in each quarter, so that unpacking gives memory order.
+    /// Puts the lower half's eight-byte pieces first in each quarter, so that unpacking gives memory order.
     static U8 Spread(U8 v) { return _mm512_permutexvar_epi64(Qwords(0, 4, 1, 5, 2, 6, 3, 7), v); }
 };
 static_assert(KernelLanes<Avx512Lanes>);

@@ -14,7 +14,7 @@ struct BiasPattern {
     int16_t words[patternLength];
 };
 
-// 127.5 × 32, the mid-grey that centring took away, plus and minus 8.
+/// 127.5 × 32, the mid-grey that centring took away, plus and minus 8.
 constexpr BiasPattern MakeOrderedBias() {
     BiasPattern pattern{};
     for (int32_t x = 0; x < patternLength; ++x) pattern.words[x] = x % 2 == 0 ? 4088 : 4072;

@@ -10,7 +10,7 @@
 
 namespace clarivex {
 
-// What an operation of the lanes L gives.
+/// What an operation of the lanes L gives.
 template <class T, class L>
 concept GivesWords = std::same_as<T, typename L::I16>;
 template <class T, class L>

@@ -174,7 +174,7 @@ private:
         return Lanes::AddWrap(average, Lanes::template ShiftRight<7>(offset));
     }
 
-    // Dithers of luma; those of the keep factor are exchanged.
+    /// Dithers of luma; those of the keep factor are exchanged.
     int16_t lumaEven, lumaOdd;
 };
 

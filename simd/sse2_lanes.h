@@ -127,7 +127,7 @@ struct Sse2Lanes {
     }
     static U8 PackUnpacked(Pair words) { return Pack(words.low, words.high); }
 
-    // Sums stand in the order of unpacked words, and packing undoes it.
+    /// Sums stand in the order of unpacked words, and packing undoes it.
     struct Sums {
         __m128i low, high;
     };
@@ -174,7 +174,7 @@ private:
     static __m128i MinWide(__m128i a, __m128i b) { return Choose(_mm_cmpgt_epi32(b, a), a, b); }
     static __m128i MaxWide(__m128i a, __m128i b) { return Choose(_mm_cmpgt_epi32(a, b), a, b); }
 
-    // Four 32-bit lanes of three bytes each, moved together to twelve bytes.
+    /// Four 32-bit lanes of three bytes each, moved together to twelve bytes.
     static U8 CloseTriples(U8 v) {
         const U8 evenMask = _mm_set_epi32(0, 0xFFFFFF, 0, 0xFFFFFF);
         const U8 sixes = _mm_or_si128(_mm_and_si128(v, evenMask), _mm_srli_epi64(_mm_andnot_si128(evenMask, v), 8));
