@@ -165,22 +165,19 @@ void PlainPlanar(const ImagePlanes& planes, const uint8_t* end, const PictureVie
 class OutputStages : public testing::Test {
 protected:
     int32_t Any(int32_t low, int32_t high) { return low + UpTo(random, high - low); }
+
     /// Neutral in a third of all cases, else any, some so strong that words wrap.
     LightingCorrection AnyCorrection() {
         if (Any(0, 2) == 0) return {};
-        LightingCorrection params;
         const float strength = std::array{0.01F, 1.0F, 40.0F}[random() % 3];
         const auto about = [&](float middle, float range) {
             return middle + range * strength * static_cast<float>(Any(-1000, 1000)) / 1000;
         };
-        params.square = about(0, 0.002F);
-        params.lumaGain = about(1, 0.2F);
-        params.lumaOffset = about(0, 20);
+        LightingCorrection params;
         params.cubic = about(0, 1e-5F);
-        params.chromaGainU = about(1, 0.2F);
-        params.chromaOffsetU = about(0, 30);
-        params.chromaGainV = about(1, 0.2F);
-        params.chromaOffsetV = about(0, 30);
+        params.square = about(0, 0.002F);
+        for (float* gain : {&params.lumaGain, &params.chromaGainU, &params.chromaGainV}) *gain = about(1, 0.2F);
+        for (float* offset : {&params.lumaOffset, &params.chromaOffsetU, &params.chromaOffsetV}) *offset = about(0, 30);
         return params;
     }
 
