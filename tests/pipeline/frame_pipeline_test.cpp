@@ -215,15 +215,20 @@ TEST(RunFrame, StreamsOfAProcessShareItsNoiseItsCaptionAndItsFirstLighting) {
     EXPECT_EQ(process.AdvanceCaption(), 7);
 }
 
-TEST(RunFrame, LeavesTheOutputOfTooSmallPicturesAlone) {
-    for (const auto& [width, height] : {std::pair{31, 100}, {40, 7}}) {
-        Process process;
-        SyntheticVideo video(PixelFormat::yv12, width, height, true);
-        const std::vector<uint8_t> before(video.output.size(), 0xA5);
-        video.output = before;
-        EXPECT_EQ(process.pipeline.RunFrame(video.request, video.Output(), video.Input()), S_OK);
-        EXPECT_EQ(video.output, before);
-    }
+// Planes show the source over black where a picture is too large, whatever the buffer held; all else stays as it was.
+TEST(RunFrame, LeavesPicturesAloneThatAreTooSmallOrTooLarge) {
+    for (const FrameSize& size : {FrameSize{31, 100}, {40, 7}, {1440, 860}})
+        for (const PixelFormat format : formats) {
+            Process process;
+            SyntheticVideo video(format, size.width, size.height, true);
+            video.request.enableLighting = false;
+            video.NextFrame();
+            const std::vector<uint8_t> shown = video.output, before(video.output.size(), 0xA5);
+            const bool shows = size.width > 1000 && format != PixelFormat::yuy2;
+            video.output = before;
+            EXPECT_EQ(process.pipeline.RunFrame(video.request, video.Output(), video.Input()), S_OK);
+            EXPECT_TRUE(video.output == (shows ? shown : before)) << size.width << " x " << size.height;
+        }
 }
 
 }  // namespace
