@@ -29,38 +29,6 @@ protected:
     WorkingImage image;
 };
 
-TEST_F(Pass, LeavesTheTargetOfPlanesThatAreNotWritten) {
-    const DecodedPicture picture(8, 12, 8, Texture::soft, 1);
-    settings.frame.horizontalMode = AxisScale::twofold;
-    for (const bool columnsFirst : {false, true}) {
-        settings.order.verticalFirst = columnsFirst;
-        image = TestImage(16, 18, Texture::hard, 2);
-        const WorkingImage before = TestImage(16, 18, Texture::hard, 2);
-        EXPECT_TRUE(Run(picture).planesWritten);
-        EXPECT_TRUE(SameSamples(image.Planes().luma, before.Planes().luma));
-        EXPECT_FALSE(SameSamples(image.Planes().third, before.Planes().third));
-    }
-}
-
-TEST_F(Pass, WritesThePlanesNamedUnlessOneAxisIsScaled) {
-    const DecodedPicture picture(40, 20, 40, Texture::soft, 1);
-    settings.frame.sharpness = -1.0F;
-    request.planes = secondPlane;
-    for (const auto& [modes, whole] : {std::pair{ScaleModes{}, false},
-                                       {ScaleModes{AxisScale::threeHalves, AxisScale::threeHalves}, false},
-                                       {ScaleModes{AxisScale::threeHalves, AxisScale::none}, true}}) {
-        settings.frame.horizontalMode = modes.horizontal;
-        settings.frame.verticalMode = modes.vertical;
-        const int32_t width = Scaled(40, modes.horizontal), height = Scaled(20, modes.vertical);
-        image = TestImage(width, height, Texture::hard, 2);
-        const WorkingImage before = TestImage(width, height, Texture::hard, 2);
-        Run(picture);
-        EXPECT_EQ(!SameSamples(image.Planes().luma, before.Planes().luma), whole);
-        EXPECT_FALSE(SameSamples(image.Planes().second, before.Planes().second));
-        EXPECT_EQ(!SameSamples(image.Planes().third, before.Planes().third), whole);
-    }
-}
-
 TEST_F(Pass, AnalysesAFrameOnce) {
     const DecodedPicture picture(200, 150, 200, Texture::soft, 1);
     const float followed = (Run(picture), state.lighting.trackedWhite);
@@ -268,7 +236,8 @@ uint32_t ExpectPlainPass(std::mt19937& random, const KernelTable& kernels, uint3
     PlainPass plain(plan, state.taps, source, expected.Planes());
     plain.Run();
     EXPECT_TRUE(SamePictures(actual.Planes(), expected.Planes())) << kernels.name << ":\n" << TellPlan(plan);
-    EXPECT_EQ(result.correction.lumaGain, plain.correction.lumaGain);
+    EXPECT_EQ(std::tuple(result.planesWritten, result.aspect, result.noiseAmplitude, result.correction.lumaGain),
+              std::tuple(plan.Writes(), plan.aspect, plan.noiseAmplitude, plain.correction.lumaGain));
     EXPECT_EQ(picture.Bytes(), decoded);
     for (const Plane& plane : {actual.Planes().luma, actual.Planes().second, actual.Planes().third})
         digest = Crc32(plane, digest);

@@ -219,20 +219,4 @@ void PlainScaleBothTwice(const Plane& target, const PlaneView& source, const Wid
     for (int32_t y = 0; y < both.height; ++y) plainKernels.narrowRow(both.Row(y), target.Row(y), both.width);
 }
 
-ThreeHalvesTaps UsualTaps() {
-    return {{-1, 149, -925, 4093, 12929, 241, -223, 57},
-            {8, 142, -1202, 9212, 9212, -1202, 142, 8},
-            {57, -223, 241, 12929, 4093, -925, 149, -1}};
-}
-
-TwofoldTaps UsualTwofoldTaps() {
-    PrototypeDesign design;
-    design.combWeightA = 0.38;
-    design.combWeightB = -0.26;
-    PrototypeKernel kernel;
-    DesignPrototype(kernel, design);
-    NormalisePrototype(kernel);
-    return DesignTwofoldTaps(kernel);
-}
-
 }  // namespace clarivex

@@ -17,8 +17,4 @@ void PlainScaleColumns(const Plane& target, const SourcePlane& source, const Col
 /// Luma on both axes through wide samples.
 void PlainScaleBothTwice(const Plane& target, const PlaneView& source, const WideStages& stages);
 
-/// Tap sets of ordinary strength.
-ThreeHalvesTaps UsualTaps();
-TwofoldTaps UsualTwofoldTaps();
-
 }  // namespace clarivex

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
+#include "engine/filter_plan.h"
 #include "engine/picture_scaler.h"
-#include "tests/engine/plain_scalers.h"
 #include "tests/support/test_images.h"
 
 namespace clarivex {
@@ -17,18 +17,20 @@ struct SplitView {
     int32_t targetColumn;  // and where that goes
 };
 
+const FilterTaps usualTaps = DesignTaps({});
+
 template <AxisScale scale>
 void ScaleRows(PictureScaler& scaler, const ImagePlanes& target, const SourceImage& source) {
     RowStages stages;
     stages.scale = scale;
-    stages.taps = UsualTaps();
-    stages.sleeping.twofoldTaps = UsualTwofoldTaps();
+    stages.taps = usualTaps.horizontal;
+    stages.sleeping.twofoldTaps = DesignTwofoldTaps(usualTaps.horizontalResponse);
     scaler.ScaleHorizontal(target, source, stages, false, lumaPlane);
 }
 
 void ScaleColumns(PictureScaler& scaler, const ImagePlanes& target, const SourceImage& source) {
     ColumnStages stages;
-    stages.taps = UsualTaps();
+    stages.taps = usualTaps.vertical;
     scaler.ScaleVertical(target, source, stages, lumaPlane);
 }
 
