@@ -20,7 +20,10 @@ int32_t MulHigh(int32_t a, int32_t b) { return (a * b) >> 16; }
 int32_t Core(int32_t x, int32_t threshold) { return x - std::clamp(x, -threshold, threshold); }
 
 void SplitRow(const uint8_t* row, int16_t* even, int16_t* odd, int32_t count) {
-    for (int32_t i = 0; i < count; ++i) (i % 2 == 0 ? even : odd)[i / 2] = static_cast<int16_t>(PlainCentred(row[i]));
+    for (int32_t i = 0; i < count; ++i) {
+        int16_t* words = i % 2 == 0 ? even : odd;
+        words[i / 2] = static_cast<int16_t>(PlainCentred(row[i]));
+    }
 }
 
 void EnlargeRow(const int16_t* even, const int16_t* odd, const int16_t* taps, uint8_t* out, int32_t pairs) {
@@ -163,7 +166,8 @@ void LightingVotes(const uint8_t* luma, const uint8_t* firstChroma, const uint8_
 void SplitPackedRow(const uint8_t* packed, uint8_t* luma, uint8_t* u, uint8_t* v, int32_t pairs) {
     for (int32_t i = 0; i < 2 * pairs; ++i) {
         luma[i] = packed[2 * i];
-        if (u != nullptr) (i % 2 == 0 ? u : v)[i / 2] = packed[2 * i + 1];
+        uint8_t* chroma = i % 2 == 0 ? u : v;
+        if (chroma != nullptr) chroma[i / 2] = packed[2 * i + 1];
     }
 }
 

@@ -86,7 +86,7 @@ private:
               [&](int32_t i) { return x[i] < 128 ? x[i] : LimitToByte(x[i] + 1); });
         Stored<uint8_t, 4 * width>(
             "StoreInterleaved2", [&](uint8_t* out) { Lanes::StoreInterleaved2(out, a, b); },
-            [&](int32_t i) { return (i % 2 == 0 ? x : y)[i / 2]; });
+            [&](int32_t i) { return i % 2 == 0 ? x[i / 2] : y[i / 2]; });
     }
 
     void CheckConversions() {
@@ -102,7 +102,7 @@ private:
         Words("CentredRepeatHigh", Lanes::CentredRepeatHigh(v), [&](int32_t i) { return 257 * x[width + i] - 32768; });
         Bytes("Pack", Lanes::Pack(a, b), [&](int32_t i) { return LimitToByte(i < width ? p[i] : q[i - width]); });
         Bytes("PackInterleaved", Lanes::PackInterleaved(a, b),
-              [&](int32_t i) { return LimitToByte((i % 2 == 0 ? p : q)[i / 2]); });
+              [&](int32_t i) { return LimitToByte(i % 2 == 0 ? p[i / 2] : q[i / 2]); });
     }
 
     void CheckPairs() {
@@ -144,7 +144,7 @@ private:
               [&](int32_t i) { return LimitToWord(made(i) >> 14); });
         Stored<int16_t, 2 * width>(
             "StoreInterleavedWords", [&](int16_t* out) { Lanes::StoreInterleavedWords(out, a, b); },
-            [&](int32_t i) { return (i % 2 == 0 ? p : q)[i / 2]; });
+            [&](int32_t i) { return i % 2 == 0 ? p[i / 2] : q[i / 2]; });
     }
 
     template <class Plain>
