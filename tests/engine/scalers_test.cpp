@@ -35,9 +35,9 @@ void ScaleColumns(PictureScaler& scaler, const ImagePlanes& target, const Source
 }
 
 constexpr SplitView splitViews[] = {
-    {200, ScaleRows<AxisScale::threeHalves>, 96, 144},
-    {200, ScaleRows<AxisScale::twofold>, 96, 192},
-    {200, ScaleColumns, 96, 96},
+    {236, ScaleRows<AxisScale::threeHalves>, 96, 144},
+    {236, ScaleRows<AxisScale::twofold>, 112, 224},
+    {236, ScaleColumns, 112, 112},
     {4, ScaleRows<AxisScale::threeHalves>, 0, 0},  // too narrow to be split
 };
 
