@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <span>
 #include <stdexcept>
 
 #include "platform/win32.h"
@@ -33,18 +32,17 @@ public:
 
 private:
     static uintptr_t* SlotOf(HMODULE module, FARPROC imported) {
-        auto* base = reinterpret_cast<uint8_t*>(module);
         const IMAGE_DATA_DIRECTORY& table = HeaderOf(module).DataDirectory[IMAGE_DIRECTORY_ENTRY_IAT];
-        const std::span slots(reinterpret_cast<uintptr_t*>(base + table.VirtualAddress), table.Size / sizeof imported);
-        const auto found = std::ranges::find(slots, reinterpret_cast<uintptr_t>(imported));
-        if (found == slots.end()) throw std::runtime_error("the module does not import this function");
-        return &*found;
+        auto* slot = reinterpret_cast<uintptr_t*>(reinterpret_cast<uint8_t*>(module) + table.VirtualAddress);
+        uintptr_t* const end = slot + table.Size / sizeof *slot;
+        slot = std::find(slot, end, reinterpret_cast<uintptr_t>(imported));
+        if (slot == end) throw std::runtime_error("the module does not import this function");
+        return slot;
     }
     void Put(uintptr_t address) const {
-        DWORD protection = 0;
-        VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &protection);
+        DWORD before = 0;
+        VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &before);
         *slot = address;
-        VirtualProtect(slot, sizeof *slot, protection, &protection);
     }
 
     uintptr_t* const slot;
