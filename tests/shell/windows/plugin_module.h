@@ -20,9 +20,9 @@ public:
 
     HMODULE Handle() const { return library.get(); }
 
+    /// Of a door without parameters.
+    HRESULT Call(const char* door) const { return Export<HRESULT(WINAPI*)()>(door)(); }
     HRESULT CanUnload() const { return Call("DllCanUnloadNow"); }
-    HRESULT Register() const { return Call("DllRegisterServer"); }
-    HRESULT Unregister() const { return Call("DllUnregisterServer"); }
 
     Owned<IClassFactory> Factory(REFCLSID classId = clsidMediaObject) const {
         void* out = nullptr;
@@ -32,9 +32,9 @@ public:
     }
 
     template <class Interface>
-    Owned<Interface> Make(REFIID iid, IUnknown* outer = nullptr) const {
+    Owned<Interface> Make(REFIID iid, REFCLSID classId = clsidMediaObject) const {
         void* out = nullptr;
-        Require(Factory()->CreateInstance(outer, iid, &out), "no media object");
+        Require(Factory(classId)->CreateInstance(nullptr, iid, &out), "no object");
         return Owned<Interface>(static_cast<Interface*>(out));
     }
 
@@ -47,7 +47,6 @@ private:
     Function Export(const char* name) const {
         return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library.get(), name)));
     }
-    HRESULT Call(const char* name) const { return Export<HRESULT(WINAPI*)()>(name)(); }
 
     std::unique_ptr<std::remove_pointer_t<HMODULE>, Freer> library;
 };
