@@ -2,21 +2,35 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <span>
+#include <tuple>
 
 #include "platform/win32.h"
+#include "shell/windows/settings_store.h"
 #include "tests/support/test_object.h"
 
 namespace clarivex {
+
+constexpr char settingsKey[] = R"(Software\Tessel Works\Clarivex WMP)";
+constexpr const char* settingNames[] = {"Sharpness", "CVXMode", "AllowHD", "EnableLighting", "ScaleFactor"};
+
+/// What settings come to: sharpness, mode, allowHd, enableLighting, scaleFactor.
+using SettingValues = std::tuple<float, uint32_t, bool, bool, double>;
+
+/// What is saved, over the defaults.
+inline SettingValues SavedSettings() {
+    PluginSettings settings;
+    LoadSettings(settings);
+    return {settings.Sharpness(), settings.mode, settings.allowHd, settings.enableLighting, settings.scaleFactor};
+}
 
 /// While it lives, HKEY_CURRENT_USER of this process is an empty key.
 class UserRegistry {
 public:
     UserRegistry() {
         RegDeleteTreeA(HKEY_CURRENT_USER, place);
-        Check(RegCreateKeyA(HKEY_CURRENT_USER, place, &root));
-        Check(RegOverridePredefKey(HKEY_CURRENT_USER, root));
+        RegCreateKeyA(HKEY_CURRENT_USER, place, &root);
+        Require(RegOverridePredefKey(HKEY_CURRENT_USER, root), "no registry of the test's own");
     }
     ~UserRegistry() {
         RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
@@ -27,25 +41,14 @@ public:
     UserRegistry& operator=(const UserRegistry&) = delete;
 
     void Set(const char* key, const char* name, DWORD type, std::span<const uint8_t> bytes) const {
-        Check(RegSetKeyValueA(root, key, name, type, bytes.data(), static_cast<DWORD>(bytes.size())));
+        Require(RegSetKeyValueA(root, key, name, type, bytes.data(), static_cast<DWORD>(bytes.size())), name);
     }
     void SetNumber(const char* key, const char* name, uint32_t number) const {
         Set(key, name, REG_DWORD, {reinterpret_cast<const uint8_t*>(&number), sizeof number});
     }
 
-    /// A value of type REG_DWORD.
-    std::optional<uint32_t> Number(const char* key, const char* name) const {
-        uint32_t number = 0;
-        DWORD size = sizeof number;
-        const LSTATUS status = RegGetValueA(root, key, name, RRF_RT_REG_DWORD, nullptr, &number, &size);
-        return status == ERROR_SUCCESS ? std::optional(number) : std::nullopt;
-    }
-
 private:
     static constexpr char place[] = R"(Software\Clarivex Tests)";
-
-    static void Check(LSTATUS status) { Require(HRESULT_FROM_WIN32(static_cast<DWORD>(status)), "registry"); }
-
     HKEY root = nullptr;
 };
 
