@@ -2,24 +2,19 @@
 #pragma once
 
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 
 #include "platform/win32.h"
 
 namespace clarivex {
 
-/// The folder of the running test program. Windows only.
-inline std::filesystem::path ProgramFolder() {
-    char path[MAX_PATH] = {};
-    GetModuleFileNameA(nullptr, path, MAX_PATH);
-    return std::filesystem::path(path).parent_path();
-}
-
 /// A folder of a new name beside the test program, removed with all that is in it. Windows only.
 class TemporaryFolder {
 public:
-    explicit TemporaryFolder(const std::string& name) : path(ProgramFolder() / name) {
+    explicit TemporaryFolder(const std::string& name) {
+        char program[MAX_PATH] = {};
+        GetModuleFileNameA(nullptr, program, MAX_PATH);
+        path = std::filesystem::path(program).parent_path() / name;
         std::filesystem::remove_all(path);
         std::filesystem::create_directories(path);
     }
@@ -30,15 +25,15 @@ public:
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    /// Copies a file of the program's folder into this one and returns the copy's full path.
-    std::string Copy(const std::filesystem::path& source) const {
-        const std::filesystem::path target = path / source.filename();
-        std::filesystem::copy_file(ProgramFolder() / source, target);
+    /// Copies a file that lies beside the program into this folder and returns the copy's full path.
+    std::string Copy(const std::string& file, const std::string& newName = "") const {
+        const std::filesystem::path target = path / (newName.empty() ? file : newName);
+        std::filesystem::copy_file(path.parent_path() / file, target);
         return target.string();
     }
 
 private:
-    const std::filesystem::path path;
+    std::filesystem::path path;
 };
 
 }  // namespace clarivex
