@@ -1,12 +1,10 @@
 // The DLL as a host loads it: its doors, what it carries, and the way out.
-#include <gtest/gtest.h>
-
-#include <vector>
 
 #include "host/bitmap.h"
 #include "tests/host/memory_stream.h"
 #include "tests/shell/windows/plugin_module.h"
 #include "tests/shell/windows/replaced_import.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

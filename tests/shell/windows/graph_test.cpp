@@ -1,13 +1,9 @@
 // The plug-in between two DirectShow pins, inside the system's own wrapper for media objects: what comes out of the
 // graph is what the object gives when it is driven by hand.
-#include <gtest/gtest.h>
 
 #include <dshow.h>
 
 #include <dmodshow.h>
-
-#include <array>
-#include <thread>
 
 #include "host/buffer_layout.h"
 #include "host/player.h"
@@ -16,6 +12,7 @@
 #include "tests/shell/windows/user_registry.h"
 #include "tests/support/counted_fake.h"
 #include "tests/support/synthetic_video.h"
+#include "tests/support/test.h"
 #include "tests/support/video_types.h"
 
 namespace clarivex {

@@ -2,11 +2,7 @@
 #include "shell/windows/property_page.h"
 
 #include <commctrl.h>
-#include <gtest/gtest.h>
 #include <olectl.h>
-
-#include <cstdlib>
-#include <functional>
 
 #include "host/bitmap.h"
 #include "shell/windows/page_ids.h"
@@ -17,6 +13,7 @@
 #include "tests/shell/windows/user_registry.h"
 #include "tests/support/fake_buffers.h"
 #include "tests/support/fake_settings.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

@@ -2,18 +2,12 @@
 // failures half-way.
 #include "shell/windows/registration.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <span>
-#include <string>
-#include <vector>
-
 #include "platform/windows/registrars.h"
 #include "tests/shell/windows/plugin_module.h"
 #include "tests/shell/windows/replaced_import.h"
 #include "tests/shell/windows/temporary_folder.h"
 #include "tests/support/counted_fake.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

@@ -1,14 +1,10 @@
 // Settings in the registry: their names and formats, odd values, and the way there and back.
 #include "shell/windows/settings_store.h"
 
-#include <gtest/gtest.h>
-
-#include <random>
-#include <vector>
-
 #include "shell/windows/registry_key.h"
 #include "tests/shell/windows/handle_count.h"
 #include "tests/shell/windows/user_registry.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {

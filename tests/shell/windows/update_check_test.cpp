@@ -1,12 +1,8 @@
 // When the updater is started and with what, by objects of a copy of the DLL that has a program of that name beside it.
 #include "shell/windows/update_check.h"
 
-#include <gtest/gtest.h>
-
 #include <ctime>
 #include <filesystem>
-#include <string>
-#include <vector>
 
 #include "runtime/owned_handle.h"
 #include "tests/shell/windows/handle_count.h"
@@ -14,6 +10,7 @@
 #include "tests/shell/windows/replaced_import.h"
 #include "tests/shell/windows/temporary_folder.h"
 #include "tests/shell/windows/user_registry.h"
+#include "tests/support/test.h"
 
 namespace clarivex {
 namespace {
