@@ -8,17 +8,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
+#include <cstring>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <random>
-#include <span>
-#include <string>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
@@ -41,70 +38,60 @@ size_t Below(size_t bound) { return bound == 0 ? 0 : random() % bound; }
 
 /// One of the changes that reach odd places: bytes put in or taken out, the end of another seed, telling values.
 void Mutate(Bytes& input, const Bytes& other) {
-    const auto at = [&](size_t offset) { return input.begin() + static_cast<std::ptrdiff_t>(offset); };
-    const size_t place = Below(input.size()), change = input.empty() ? 0 : Below(7);
+    const size_t place = Below(input.size()), left = input.size() - place;
+    const auto at = input.begin() + static_cast<std::ptrdiff_t>(place);
     const uint8_t telling = tellingBytes[Below(std::size(tellingBytes))];
-    if (change == 0) input.insert(at(place), 1 + Below(16), telling);
-    if (change == 1) input.erase(at(place), at(place + 1 + Below(Below(input.size() - place))));
-    if (change == 2) {
-        input.resize(place);
-        input.insert(input.end(), other.end() - static_cast<std::ptrdiff_t>(Below(other.size() + 1)), other.end());
+    switch (input.empty() ? 0 : Below(6)) {
+        case 0: input.insert(at, 1 + Below(16), telling); break;
+        case 1: input.erase(at, at + 1 + static_cast<std::ptrdiff_t>(Below(Below(left)))); break;
+        case 2:
+            input.insert(input.erase(at, input.end()), other.begin() + static_cast<std::ptrdiff_t>(Below(other.size())),
+                         other.end());
+            break;
+        case 3: std::memcpy(&*at, &tellingWords[Below(std::size(tellingWords))], std::min<size_t>(4, left)); break;
+        case 4: *at ^= static_cast<uint8_t>(1 << Below(8)); break;
+        default: *at = Below(2) != 0 ? telling : static_cast<uint8_t>(random());
     }
-    uint32_t word = tellingWords[Below(std::size(tellingWords))];
-    for (size_t i = place; change == 3 && i < std::min(place + 4, input.size()); ++i, word >>= 8)
-        input[i] = static_cast<uint8_t>(word);
-    if (change == 4) input[place] ^= static_cast<uint8_t>(1 << Below(8));
-    if (change == 5) input[place] = telling;
-    if (change == 6) input[place] = static_cast<uint8_t>(random());
 }
 
-std::string keptPath;
-std::span<const uint8_t> inputAtWork;
+Bytes inputAtWork;  // of exactly the input's size, so that the address sanitizer notices any read past it
 
 /// The process may be broken when the input is kept; it ends right behind that, whatever comes of it.
-void KeepInputWhenDying() {
-    for (const int signal : {SIGABRT, SIGILL, SIGTRAP, SIGALRM})
-        std::signal(signal, [](int caught) {
-            std::ofstream(keptPath, std::ios::binary)
-                .write(reinterpret_cast<const char*>(inputAtWork.data()), std::ssize(inputAtWork));
-            std::cerr << "the input is kept in " << keptPath << '\n';
-            std::_Exit(128 + caught);
-        });
+void KeepInputAndEnd(int signal) {
+    const std::string keptPath = std::string(program_invocation_short_name) + ".input";
+    std::ofstream(keptPath, std::ios::binary) << std::string(inputAtWork.begin(), inputAtWork.end());
+    std::cerr << "the input is kept in " << keptPath << '\n';
+    std::_Exit(128 + signal);
 }
 
-/// The target sees a heap block of exactly the input's size, so that the address sanitizer notices any read past it.
 void Try(const Bytes& input) {
     constexpr unsigned mostSeconds = 60;
-    const Bytes exact(input.begin(), input.end());
-    inputAtWork = exact;
+    inputAtWork = Bytes(input.begin(), input.end());
     alarm(mostSeconds);
-    LLVMFuzzerTestOneInput(exact.data(), exact.size());
-    inputAtWork = {};
+    LLVMFuzzerTestOneInput(inputAtWork.data(), inputAtWork.size());
+}
+
+[[noreturn]] void Refuse(const std::string& what) {
+    std::cerr << what << '\n';
+    std::exit(2);
 }
 
 Bytes ReadFile(const char* path) {
     std::ifstream file(path, std::ios::binary);
-    if (!file) {
-        std::cerr << path << ": cannot be read\n";
-        std::exit(2);
-    }
+    if (!file) Refuse(path + std::string(": cannot be read"));
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 3) {
-        std::cerr << "usage: " << argv[0] << " RUNS SECONDS [SEED_FILE…]\n";
-        return 2;
-    }
+    if (argc < 3) Refuse("usage: " + std::string(argv[0]) + " RUNS SECONDS [SEED_FILE…]");
     std::vector<Bytes> seeds{{}};
     std::transform(argv + 3, argv + argc, std::back_inserter(seeds), ReadFile);
-    keptPath = std::filesystem::path(argv[0]).filename().string() + ".input";
     const long mostRuns = std::strtol(argv[1], nullptr, 10);
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(std::strtol(argv[2], nullptr, 10));
 
-    KeepInputWhenDying();
+    for (const int signal : {SIGABRT, SIGILL, SIGTRAP, SIGALRM}) std::signal(signal, KeepInputAndEnd);
     for (const Bytes& seed : seeds) Try(seed);
     long runs = 0;
     for (; runs < mostRuns && std::chrono::steady_clock::now() < end; ++runs) {
