@@ -1,14 +1,11 @@
 // Media types, rectangles and capacities as the input has them: a layout that is given lies inside both buffers. Each
 // buffer is a block of exactly its capacity, one that the input asks for or the smallest that is accepted, and every byte
 // of the layout is touched.
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
 #include <memory>
+#include <numeric>
 #include <optional>
 
-#include "fuzz/support/demand.h"
-#include "fuzz/support/input_numbers.h"
+#include "fuzz/support/target.h"
 #include "pipeline/frame_geometry.h"
 
 namespace clarivex {
@@ -42,31 +39,25 @@ FrameRequest AnyRequest(InputNumbers& numbers) {
     return request;
 }
 
-/// Reads or writes every byte of the plane's rows; gives the end of the last one.
-const uint8_t* Touch(const Plane& plane, int32_t rowBytes, bool writes) {
-    volatile uint8_t read = 0;
-    for (int32_t y = 0; y < plane.height; ++y)
-        for (int32_t x = 0; x < rowBytes; ++x) {
-            if (writes) plane.Row(y)[x] = 1;
-            read = plane.Row(y)[x];
-        }
-    static_cast<void>(read);
+/// Reads every byte of the plane's rows, as wide and high as they must be, and writes them where it may; gives the end of the last one.
+template <class AnyPlane>
+const uint8_t* Touch(const AnyPlane& plane, FrameSize size, int32_t rowBytes) {
+    static volatile uint32_t sum = 0;
+    Demand(plane.width == size.width && plane.height == size.height, "a plane has another size than the picture");
+    for (int32_t y = 0; y < plane.height; ++y) {
+        if constexpr (std::is_same_v<AnyPlane, Plane>) std::fill_n(plane.Row(y), rowBytes, uint8_t{1});
+        sum = std::accumulate(plane.Row(y), plane.Row(y) + rowBytes, sum);
+    }
     return plane.Row(plane.height - 1) + rowBytes;
 }
 
 /// Bytes of the buffer up to the last one that the picture has.
-size_t TouchPicture(const ImagePlanes& planes, bool packed, FrameSize size, const uint8_t* buffer, bool writes) {
-    const auto isOf = [](const Plane& plane, int32_t width, int32_t height) {
-        return plane.width == width && plane.height == height;
-    };
-    const int32_t pairs = (size.width + 1) / 2;
-    Demand(isOf(planes.luma, size.width, size.height), "luma has another size than the picture");
-    const uint8_t* end = Touch(planes.luma, packed ? 4 * pairs : size.width, writes);
-    for (const Plane& chroma : {planes.second, planes.third}) {
-        if (packed) continue;
-        Demand(isOf(chroma, pairs, (size.height + 1) / 2), "chroma has another size than the picture");
-        end = std::max(end, Touch(chroma, pairs, writes));
-    }
+template <class Picture>
+size_t TouchPicture(const Picture& planes, bool packed, FrameSize size, const uint8_t* buffer) {
+    const FrameSize half{(size.width + 1) / 2, (size.height + 1) / 2};
+    const uint8_t* end = Touch(planes.luma, size, packed ? 4 * half.width : size.width);
+    if (!packed)
+        for (const auto& chroma : {planes.second, planes.third}) end = std::max(end, Touch(chroma, half, half.width));
     return static_cast<size_t>(end - buffer);
 }
 
@@ -84,9 +75,8 @@ std::optional<Capacities> Try(const FrameRequest& request, Capacities bytes) {
     Demand(layout.inputEnd == input.get() + bytes.input && layout.outputEnd == output.get() + bytes.output,
            "the ends are not the buffers'");
     const bool packed = request.format == PixelFormat::yuy2;
-    return Capacities{
-        TouchPicture(layout.input, packed, {layout.width, layout.height}, input.get(), false),
-        TouchPicture(layout.output, packed, {layout.outputWidth, layout.outputHeight}, output.get(), true)};
+    return Capacities{TouchPicture(layout.input, packed, {layout.width, layout.height}, input.get()),
+                      TouchPicture(layout.output, packed, {layout.outputWidth, layout.outputHeight}, output.get())};
 }
 
 }  // namespace

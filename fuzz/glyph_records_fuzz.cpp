@@ -1,12 +1,6 @@
 // A font that says anything of its glyphs: whatever its contour records hold, an outline comes out whose length is
 // bounded by theirs and whose contours are closed.
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <string>
-
-#include "fuzz/support/demand.h"
-#include "fuzz/support/input_numbers.h"
+#include "fuzz/support/target.h"
 #include "overlay/glyph_outline.h"
 #include "overlay/sleeping/styled_text.h"
 #include "tests/overlay/fake_fonts.h"
@@ -30,22 +24,6 @@ void CheckOutline(const PointList& outline, size_t mostPoints) {
         Demand(IsPosition(point) || point == ContourBreak, "half a break stands for a position");
 }
 
-FakeGlyph AnyGlyph(InputNumbers& numbers) {
-    FakeGlyph glyph;
-    glyph.advance = numbers.Any<int16_t>();
-    for (int64_t& claimed : glyph.bytesClaimed)
-        if (numbers.Below(8) == 7) claimed = numbers.Any<int32_t>();
-    return glyph;
-}
-
-void AppendOne(FakeFontEngine& fonts, int32_t penX, int32_t penY) {
-    PointList outline;
-    const int16_t advance = fonts.glyphs['a'].advance;
-    const int32_t moved = AppendGlyph(outline, *fonts.MakeFont({}), 'a', penX, penY);
-    Demand(moved == advance * (emUnits / Font::cellHeight), "the advance is not the font's");
-    CheckOutline(outline, MostPoints(fonts.glyphs['a']));
-}
-
 }  // namespace
 }  // namespace clarivex
 
@@ -55,15 +33,21 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     StyledText content;
     content.align = numbers.Below(4);
     content.markup = numbers.Below(2) != 0;
-    const auto penX = numbers.Any<int32_t>();
-    const auto penY = numbers.Any<int32_t>();
+    auto penX = numbers.Any<int32_t>();
+    auto penY = numbers.Any<int32_t>();
     FakeFontEngine fonts;
-    FakeGlyph glyph = AnyGlyph(numbers);
+    FakeGlyph& glyph = fonts.glyphs['a'];
+    glyph.advance = numbers.Any<int16_t>();
+    for (int64_t& claimed : glyph.bytesClaimed)
+        if (numbers.Below(8) == 7) claimed = numbers.Any<int32_t>();
     std::string text = "a<b>a\na</b>";  // and what the input adds
     for (uint32_t left = numbers.Below(12); left > 0; --left) text += static_cast<char>(1 + numbers.Below(255));
     glyph.records.assign(numbers.Rest().begin(), numbers.Rest().end());
-    fonts.glyphs['a'] = glyph;
-    AppendOne(fonts, penX, penY);
+
+    PointList letter;
+    const int32_t moved = AppendGlyph(letter, *fonts.MakeFont({}), 'a', penX, penY);
+    Demand(moved == glyph.advance * (emUnits / Font::cellHeight), "the advance is not the font's");
+    CheckOutline(letter, MostPoints(glyph));
 
     content.text = ShortString(text.c_str());
     OutlineHandle outline;

@@ -1,11 +1,8 @@
 // Two media objects under calls in any order: two clumsy players take turns, and now and then one of them is let go with
 // what it holds. What was counted before stands there after.
-#include <cstddef>
-#include <cstdint>
 #include <optional>
 
-#include "fuzz/support/demand.h"
-#include "fuzz/support/input_numbers.h"
+#include "fuzz/support/target.h"
 #include "tests/support/negotiation_walk.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -15,14 +12,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     constexpr int mostSteps = 60;
     {
         std::optional<NegotiationWalk> walks[2];
-        for (int step = 0; step < mostSteps && numbers.AreLeft(); ++step) {
+        for (int step = 0; step < mostSteps && !numbers.Rest().empty(); ++step) {
             auto& walk = walks[numbers.Below(2)];
             if (!walk) walk.emplace(source);
             Demand(walk->Step());
-            if (numbers.Below(16) == 0) {
-                Demand(walk->Finish());
-                walk.reset();
-            }
+            if (numbers.Below(16) != 0) continue;
+            Demand(walk->Finish());
+            walk.reset();
         }
         for (auto& walk : walks) Demand(walk ? walk->Finish() : "");
     }
