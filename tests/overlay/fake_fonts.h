@@ -22,24 +22,21 @@ struct FontPixel {
 
 /// Writes contour records. Tests spoil `bytes` as they like.
 struct RecordWriter {
-    static constexpr uint16_t line = 1;
-    static constexpr uint16_t spline = 2;
+    static constexpr uint32_t line = 1;
+    static constexpr uint32_t spline = 2;
 
     std::vector<uint8_t> bytes;
 
     RecordWriter& Contour(FontPixel start) {
         contour = bytes.size();
-        Put<uint32_t>(0);
-        Put<uint32_t>(24);
-        PutPoint(start);
-        return CloseRecord();
+        Put(0);
+        Put(24);
+        return Points({start});
     }
 
-    RecordWriter& Curve(uint16_t type, std::initializer_list<FontPixel> points) {
-        Put(type);
-        Put(static_cast<uint16_t>(points.size()));
-        for (const FontPixel point : points) PutPoint(point);
-        return CloseRecord();
+    RecordWriter& Curve(uint32_t type, std::initializer_list<FontPixel> points) {
+        Put(type | static_cast<uint32_t>(points.size()) << 16);
+        return Points(points);
     }
 
     template <class Number>
@@ -48,18 +45,14 @@ struct RecordWriter {
     }
 
 private:
-    template <class Number>
-    void Put(Number value) {
-        bytes.resize(bytes.size() + sizeof(value));
-        Patch(bytes.size() - sizeof(value), value);
+    void Put(uint32_t word) {
+        bytes.resize(bytes.size() + sizeof(word));
+        Patch(bytes.size() - sizeof(word), word);
     }
 
-    void PutPoint(FontPixel point) {
-        Put(point.x * 65536);
-        Put(point.y * 65536);
-    }
-
-    RecordWriter& CloseRecord() {
+    RecordWriter& Points(std::initializer_list<FontPixel> points) {
+        for (const FontPixel point : points)
+            for (const int32_t coordinate : {point.x, point.y}) Put(static_cast<uint32_t>(coordinate) << 16);
         Patch(contour, static_cast<uint32_t>(bytes.size() - contour));
         return *this;
     }
@@ -89,11 +82,10 @@ class FakeFontEngine : public FontEngine {
 public:
     std::map<int32_t, FakeGlyph> glyphs = {{' ', {{}, 64}}};
     std::vector<FontStyle> made;  ///< the styles that were asked for, in order
-    bool hasFonts = true;
 
     std::unique_ptr<Font> MakeFont(FontStyle style) override {
         made.push_back(style);
-        return hasFonts ? std::make_unique<FakeFont>(*this) : nullptr;
+        return std::make_unique<FakeFont>(*this);
     }
 
 private:
