@@ -31,17 +31,14 @@ Bitmap Read(const std::string& bytes) {
 TEST(Bitmap, ReadsBothDepthsAndBothRowOrders) {
     const std::vector<uint8_t> topRowFirst = {'a', 'b', 'c', 'd', 'e', 'f', 'g', 'h', 'i',
                                               'j', 'k', 'l', 'm', 'n', 'o', 'p', 'q', 'r'};
-    const std::string top24 = "abcdefghi...";  // padded to 12 bytes
-    const std::string bottom24 = "jklmnopqr...";
-    const std::string top32 = "abc.def.ghi.";
-    const std::string bottom32 = "jkl.mno.pqr.";
+    const std::string top24 = "abcdefghi...", bottom24 = "jklmnopqr...";  // padded to 12 bytes
+    const std::string top32 = "abc.def.ghi.", upwards32 = "jkl.mno.pqr." + top32;
     const uint32_t topDown = static_cast<uint32_t>(-2);
-    std::string longHeader = Headers(3, 2, 32, 3, 68) + usualMasks + std::string(56, '\0') + bottom32 + top32;
+    std::string longHeader = Headers(3, 2, 32, 3, 68) + usualMasks + std::string(56, '\0') + upwards32;
     longHeader[14] = 108;
-    for (const std::string& file : {Headers(3, 2, 24) + bottom24 + top24, Headers(3, topDown, 24) + top24 + bottom24,
-                                    Headers(3, 2, 32) + bottom32 + top32, Headers(3, topDown, 32) + top32 + bottom32,
+    for (const std::string& file : {Headers(3, topDown, 24) + top24 + bottom24, Headers(3, 2, 32) + upwards32,
                                     Headers(3, 2, 24, 0, 7) + "palette" + bottom24 + top24 + "and more",
-                                    Headers(3, 2, 32, 3, 12) + usualMasks + bottom32 + top32, longHeader}) {
+                                    Headers(3, 2, 32, 3, 12) + usualMasks + upwards32, longHeader}) {
         const Bitmap bitmap = Read(file);
         EXPECT_EQ(bitmap.size, (PictureSize{3, 2}));
         EXPECT_EQ(bitmap.pixels, topRowFirst);
@@ -62,10 +59,7 @@ TEST(Bitmap, WritesWhatTheReaderReads) {
 }
 
 TEST(Bitmap, ErrorsNameTheFieldAndWhatWouldBeRight) {
-    const auto says = [](const std::string& bytes, const char* words) {
-        const std::string error = ErrorOf([&] { Read(bytes); });
-        EXPECT_NE(error.find(words), std::string::npos) << error;
-    };
+    const auto says = [](const std::string& bytes, const char* words) { ExpectError(words, [&] { Read(bytes); }); };
     says("", "is not a Windows bitmap; ffmpeg");
     says("BM12345", "ends inside its first header");
     says(Headers(0, 1, 24), "width is 0: it must be 1 to 8192");

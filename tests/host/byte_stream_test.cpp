@@ -58,13 +58,12 @@ TEST_F(Files, AreReplacedWholeOrNotAtAll) {
     FileReplacement(Path("file")).Fill(write("half"));
     EXPECT_EQ(Text("file"), "old and longer");
     FileReplacement replacement(Path("file"));
-    EXPECT_NE(ErrorOf([&] { FileReplacement second(Path("file")); }).find("file.part is in its way"),
-              std::string::npos);
+    ExpectError("file.part is in its way", [&] { FileReplacement second(Path("file")); });
     replacement.Fill(write("new"));
     replacement.TakePlace();
     EXPECT_EQ(Text("file"), "new");
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1) << "nothing stays beside it";
-    EXPECT_NE(ErrorOf([&] { FileReplacement none(folder); }).find("it is a folder"), std::string::npos);
+    ExpectError("it is a folder", [&] { FileReplacement none(folder); });
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // What an action complains about.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <stdexcept>
 #include <string>
 
@@ -15,6 +17,13 @@ std::string ErrorOf(Action action) {
         return error.what();
     }
     return "";
+}
+
+/// Looks for words in what an action complains about.
+template <class Action>
+void ExpectError(const std::string& words, Action action) {
+    const std::string error = ErrorOf(action);
+    EXPECT_NE(error.find(words), std::string::npos) << '"' << error << "\" instead of " << words;
 }
 
 }  // namespace clarivex
