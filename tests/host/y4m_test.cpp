@@ -9,8 +9,8 @@
 namespace clarivex {
 namespace {
 
-std::string HeaderError(std::string_view line) {
-    return ErrorOf([=] { ParseY4mHeader(line); });
+std::string HeaderError(const std::string& tags) {
+    return ErrorOf([&] { ParseY4mHeader("YUV4MPEG2 " + tags); });
 }
 
 TEST(Y4mHeader, ReadsSizeRateAndAspectWhichMayBeMissing) {
@@ -35,25 +35,23 @@ TEST(Y4mHeader, EveryTagButTheSizeIsKept) {
 
 TEST(Y4mHeader, OnlyEightBitHalfChromaIsTaken) {
     for (const char* good : {"C420", "C420jpeg", "C420mpeg2", "C420paldv", "XYSCSS=420JPEG", "C420 XYSCSS=444"})
-        EXPECT_EQ(HeaderError(std::string("YUV4MPEG2 W64 H64 ") + good), "") << good;
-    for (const char* bad : {"C422", "C444", "C420p10", "Cmono", "C411", "C444alpha", "C", "XYSCSS=444"}) {
-        const std::string error = HeaderError(std::string("YUV4MPEG2 W64 H64 ") + bad);
-        EXPECT_NE(error.find(std::string("chroma format ") + bad + " is not supported"), std::string::npos) << error;
-    }
+        EXPECT_EQ(HeaderError(std::string("W64 H64 ") + good), "") << good;
+    for (const std::string bad : {"C422", "C444", "C420p10", "Cmono", "C411", "C444alpha", "C", "XYSCSS=444"})
+        EXPECT_TRUE(HeaderError("W64 H64 " + bad).starts_with("chroma format " + bad + " is not supported")) << bad;
 }
 
 TEST(Y4mHeader, AbsurdNumbersAndMissingPartsAreNamed) {
-    for (const char* side : {"W0", "W8193", "W4294967360", "W-64", "W", "W6x4", "W99999999999999999999"})
-        EXPECT_EQ(HeaderError(std::string("YUV4MPEG2 H64 ") + side),
-                  std::string("header tag ") + side + ": the width must be 1 to 8192");
-    for (const char* tag : {"F25", "F:", "F25:", "F-1:1", "F1:4294967296", "F1:3601", "F1000001:1", "A4", "A4:3:2"})
-        EXPECT_NE(HeaderError(std::string("YUV4MPEG2 W64 H64 ") + tag), "") << tag;
-    EXPECT_EQ(HeaderError("YUV4MPEG2 W64 H1000000"), "header tag H1000000: the height must be 1 to 8192");
-    EXPECT_EQ(HeaderError("YUV4MPEG2 W8192 H8192 F4294967295:4294967295"), "");
-    EXPECT_NE(HeaderError("YUV4MPEG2 H64").find("no width"), std::string::npos);
-    EXPECT_NE(HeaderError("YUV4MPEG2 W64").find("no height"), std::string::npos);
-    EXPECT_NE(HeaderError("YUV4MPEG2 W64 H64 C\x1b]0;x\x07").find("C?]0;x? is not"), std::string::npos);
-    EXPECT_NE(HeaderError("YUV4MPEG22 W64 H64").find("not a Y4M"), std::string::npos);
+    for (const std::string side : {"W0", "W8193", "W4294967360", "W-64", "W", "W6x4", "W99999999999999999999"})
+        EXPECT_EQ(HeaderError("H64 " + side), "header tag " + side + ": the width must be 1 to 8192");
+    for (const std::string tag :
+         {"F25", "F:", "F25:", "F-1:1", "F1:4294967296", "F1:3601", "F1000001:1", "A4", "A4:3:2"})
+        EXPECT_TRUE(HeaderError("W64 H64 " + tag).starts_with("header tag " + tag)) << tag;
+    EXPECT_EQ(HeaderError("W64 H1000000"), "header tag H1000000: the height must be 1 to 8192");
+    EXPECT_EQ(HeaderError("W8192 H8192 F4294967295:4294967295"), "");
+    EXPECT_TRUE(HeaderError("H64").starts_with("the Y4M header has no width"));
+    EXPECT_TRUE(HeaderError("W64").starts_with("the Y4M header has no height"));
+    EXPECT_TRUE(HeaderError("W64 H64 C\x1b]0;x\x07").starts_with("chroma format C?]0;x? is not"));
+    ExpectError("not a Y4M", [] { ParseY4mHeader("YUV4MPEG22 W64 H64"); });
 }
 
 TEST(Y4mReader, CountsFramesToTheEnd) {
@@ -86,15 +84,13 @@ TEST(Y4mReader, CutsAndDamageAreToldWithTheirFrame) {
         {begin + "FRAME " + endless + "\nabcdef", damaged},
         {"YUV4MPEG2 W2 H2", "no line end"},
         {"YUV4MPEG2 " + endless + " W2 H2\n", "no line end"}};
-    for (const auto& [stream, words] : cases) {
-        const std::string error = ErrorOf([&] {
-            MemorySource source(stream);
+    for (const auto& [stream, words] : cases)
+        ExpectError(words, [&text = stream] {
+            MemorySource source(text);
             Y4mReader reader(source);
             Y4mFrame frame;
             while (reader.ReadFrame(frame)) continue;
         });
-        EXPECT_NE(error.find(words), std::string::npos) << error;
-    }
 }
 
 }  // namespace
