@@ -1,18 +1,16 @@
 // Media buffer layouts against their plain description, for even and odd sizes, with a guard page behind every buffer.
 #include "host/buffer_layout.h"
 
+#include <gtest/gtest.h>
+
+#include <numeric>
+#include <utility>
+
 #include "tests/support/guarded_pages.h"
 #include "tests/support/test.h"
 
 namespace clarivex {
 namespace {
-
-std::vector<uint8_t> RandomBytes(size_t count, uint32_t seed) {
-    std::mt19937 random(seed);
-    std::vector<uint8_t> bytes(count);
-    for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random());
-    return bytes;
-}
 
 /// A sample of a Y4M plane of this width.
 uint8_t At(std::span<const uint8_t> plane, int32_t width, int32_t x, int32_t y) {
@@ -81,7 +79,8 @@ void ExpectPlane(const FilledBuffer& filled, SampleFormat format, const PlanarPi
 TEST(BufferLayout, PicturesStandAtTheUpperLeftOverBlackAndNothingIsTouchedOutside) {
     for (const auto& [size, large] : sizes)
         for (const SampleFormat format : {SampleFormat::yv12, SampleFormat::iyuv, SampleFormat::yuy2}) {
-            const std::vector<uint8_t> samples = RandomBytes(size.PlanarBytes(), 5);
+            std::vector<uint8_t> samples(size.PlanarBytes());
+            std::iota(samples.begin(), samples.end(), uint8_t{1});
             const PlanarPicture picture{size, samples};
             const FilledBuffer filled(format, large, picture);
             const bool overlaps = format != SampleFormat::yuy2 && large.width % 2 != 0;
