@@ -25,7 +25,6 @@ public:
     // What the test looks at.
     int discontinuities = 0;
     VIDEOINFOHEADER2 inputHeader = {};
-    GUID inputSubtype = {};
     std::vector<int64_t> starts, lengths;
     std::vector<DWORD> inputFlags;
     DWORD outputLengthBefore = 1;
@@ -38,7 +37,6 @@ public:
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE SetInputType(DWORD index, const DMO_MEDIA_TYPE* type, DWORD flags) override {
-        inputSubtype = type->subtype;
         std::memcpy(&inputHeader, type->pbFormat, sizeof inputHeader);
         return CVXMediaObject::SetInputType(index, type, flags);
     }
