@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace clarivex {
 namespace {
 
-TEST(ImageRef, CountsEveryHolderOnceAndDetachMakesABodyThatNobodyShares) {
+TEST(ImageRef, CountsEveryHolderOnceAndDetachesFromTheOthers) {
     ImageRef first, second;
     EXPECT_EQ(first.Get(), nullptr);
     first.Detach();
@@ -16,8 +18,7 @@ TEST(ImageRef, CountsEveryHolderOnceAndDetachMakesABodyThatNobodyShares) {
     EXPECT_EQ(first.Get(), body) << "it is not shared yet";
     second.Detach();
     second = first;
-    const ImageRef& same = second;
-    second = same;
+    second = std::as_const(second);
     EXPECT_EQ(first->refCount, 2);
     second.Detach();
     EXPECT_EQ(second->planes.luma.data, nullptr);
