@@ -6,13 +6,12 @@ namespace clarivex {
 namespace {
 
 TEST(FastLock, LetsOneThreadInAtATime) {
-    constexpr int threadCount = 4;
     constexpr int rounds = 5000;
     FastLock lock;
     int counter = 0;  // plain on purpose: only the lock orders its accesses
-    std::vector<std::thread> threads;
-    for (int i = 0; i < threadCount; ++i) {
-        threads.emplace_back([&] {
+    std::vector<std::thread> threads(4);
+    for (std::thread& thread : threads)
+        thread = std::thread([&] {
             for (int round = 0; round < rounds; ++round) {
                 const FastLockGuard guard(lock);
                 { const FastLockGuard inner(lock); }  // leaves the lock to the outer one
@@ -21,9 +20,8 @@ TEST(FastLock, LetsOneThreadInAtATime) {
                 counter = seen + 1;
             }
         });
-    }
     for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(counter, threadCount * rounds);
+    EXPECT_EQ(counter, 4 * rounds);
 }
 
 }  // namespace

@@ -9,29 +9,25 @@ namespace {
 constexpr uint8_t untouched = 0xEE;
 
 // A plane at an offset from 64-byte alignment, with room behind its rows; source samples tell their place.
-class TestPlane {
-public:
+struct TestPlane {
     TestPlane(int32_t width, int32_t height, int32_t stride, size_t offset = 0)
-        : bytes(Capacity(height, stride) + offset), block(MakeAlignedArray<uint8_t>(bytes)) {
+        : bytes(static_cast<size_t>(height * stride + 64) + offset),
+          block(MakeAlignedArray<uint8_t>(bytes)),
+          plane{block.get() + offset, width, height, stride} {
         std::fill_n(block.get(), bytes, untouched);
-        plane = {block.get() + offset, width, height, stride};
     }
 
     void Number() {
         for (size_t i = 0; i < bytes; ++i) block[i] = static_cast<uint8_t>(i % 199);
     }
 
-    size_t TouchedBytes() const {
-        return bytes - static_cast<size_t>(std::count(block.get(), block.get() + bytes, untouched));
+    int64_t TouchedBytes() const {
+        return std::count_if(block.get(), block.get() + bytes, [](uint8_t byte) { return byte != untouched; });
     }
-
-    Plane plane;
-
-private:
-    static size_t Capacity(int32_t height, int32_t stride) { return static_cast<size_t>(height * stride + 64); }
 
     size_t bytes;
     SampleBlock block;
+    Plane plane;
 };
 
 // Bytes copied for three rows.
@@ -39,7 +35,8 @@ TEST(CopyPlane, CopiesExactlyTheBytesOfEachCase) {
     const struct {
         const char* name;
         int32_t width, targetStride, sourceStride;
-        size_t sourceOffset, copiedBytes;
+        size_t sourceOffset;
+        int64_t copiedBytes;
     } cases[] = {
         {"touching rows go as one run", 50, 66, 66, 0, 3 * 66},
         {"rows wider apart go one by one", 50, 67, 67, 0, 3 * 50},
@@ -71,10 +68,10 @@ TEST(CopyPlane, CropsToTheSmallerPlaneAndFollowsRowsUpwards) {
     CopyPlane(target.plane, source.plane);
     CopyPlane({target.plane.data, 0, 2, 80}, source.plane);
     CopyPlane({target.plane.data, 33, -1, 80}, source.plane);
-    EXPECT_EQ(target.TouchedBytes(), 2U * 33);
+    EXPECT_EQ(target.TouchedBytes(), 2 * 33);
     const TestPlane upwards(40, 5, 70);
     CopyPlane({upwards.plane.Row(4), 40, 5, -70}, {source.plane.Row(4), 40, 5, -70});
-    EXPECT_EQ(upwards.TouchedBytes(), 5U * 40);
+    EXPECT_EQ(upwards.TouchedBytes(), 5 * 40);
     EXPECT_EQ(upwards.plane.Row(0)[39], source.plane.Row(0)[39]);
 }
 
