@@ -5,19 +5,6 @@
 namespace clarivex {
 namespace {
 
-TEST(WorkingImage, KeepsItsBlockWhileTheSizeStays) {
-    WorkingImage image;
-    image.Resize(40, 20);
-    uint8_t* spareRow = image.Planes().luma.Row(20);
-    *spareRow = 99;
-    image.Resize(40, 20);
-    EXPECT_EQ(image.Planes().luma.Row(20), spareRow);
-    EXPECT_EQ(*spareRow, 99);
-    image.Resize(42, 21);
-    EXPECT_EQ(*image.Planes().luma.Row(21), 0);
-    EXPECT_EQ(image.Planes().third.height, 11);
-}
-
 TEST(PrepareWorkingImage, ReadsNothingBehindTheSourcesBuffer) {
     // Rows wide enough apart to be copied in whole units of 64, in a buffer that ends with the last visible sample.
     constexpr size_t bytes = 128 + 100;
