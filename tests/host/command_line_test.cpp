@@ -27,7 +27,9 @@ TEST(CommandLine, OptionsArriveAmongTheFiles) {
     EXPECT_EQ(options.input + options.output, "---help");
     EXPECT_EQ(Parse({"enhance", "--plugin", "x.dll", "a", "b"}).enhance.plugin, "x.dll");
     EXPECT_EQ(Parse({"enhance", "--simd", "sse2", "a", "b"}).enhance.simd, "sse2");
-    EXPECT_EQ(Parse({"caption", "out.y4m", "--aspect", "64:45"}).caption.sampleAspect, (Ratio{64, 45}));
+    const CaptionOptions caption = Parse({"caption", "out.y4m", "--size", "1x8192", "--aspect", "64:45"}).caption;
+    EXPECT_EQ(caption.size, (PictureSize{1, 8192}));
+    EXPECT_EQ(caption.sampleAspect, (Ratio{64, 45}));
     const TuningOptions tuning = Parse({"tune", "--seed=4294967295", "--scale", "2", "a.bmp"}).tune.tuning;
     EXPECT_EQ(tuning.seed, UINT32_MAX);
     EXPECT_EQ(tuning.scale, TuningScale::twofold);
