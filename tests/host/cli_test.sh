@@ -46,7 +46,6 @@ echo "$header" >no_frames.y4m
 
 # Wrong use is code 2, streams that cannot be enhanced are code 1; neither makes an output file.
 expect 2 'a command is missing.*--help'
-expect 2 '--attempts 0: the value must be a whole number from 1' tune --attempts 0 target.bmp
 expect 2 '--plugin works in the Windows program only' enhance --plugin some.dll clip.y4m out.y4m
 expect 1 'missing.y4m: cannot be opened for reading' enhance missing.y4m out.y4m
 expect 1 ': cannot be opened for reading: it is a folder' enhance . out.y4m

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <algorithm>
-#include <cstring>
 #include <span>
 #include <string>
 #include <string_view>
@@ -20,7 +19,7 @@ public:
 
     size_t Read(std::span<uint8_t> bytes) override {
         const size_t count = std::min(bytes.size(), rest.size());
-        if (count > 0) std::memcpy(bytes.data(), rest.data(), count);
+        std::copy_n(rest.begin(), count, bytes.begin());
         rest = rest.subspan(count);
         return count;
     }

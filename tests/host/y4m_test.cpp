@@ -61,11 +61,10 @@ TEST(Y4mReader, CountsFramesToTheEnd) {
     Y4mReader reader(source);
     Y4mFrame got;
     EXPECT_EQ(reader.FramesIn(stream.size()), 2u);
-    ASSERT_TRUE(reader.ReadFrame(got));
-    EXPECT_EQ(got.parameters, "");
-    ASSERT_TRUE(reader.ReadFrame(got));
-    EXPECT_EQ(got.parameters, " Ip XQ=1");
-    EXPECT_EQ(got.samples, std::vector<uint8_t>(6, 'a'));
+    for (const char* parameters : {"", " Ip XQ=1"}) {
+        ASSERT_TRUE(reader.ReadFrame(got));
+        EXPECT_EQ(got.parameters, parameters);
+    }
     EXPECT_FALSE(reader.ReadFrame(got));
 }
 
