@@ -27,17 +27,5 @@ TEST(FreeTypeFonts, ASystemWithoutFontsOrConfigurationGivesNoneSilently) {
     EXPECT_FALSE(FindsAFontWith(testing::TempDir() + "not_there.conf"));
 }
 
-// Told by the letter's bytes, where the system has a slanted form of the font that it would take.
-TEST(FreeTypeFonts, ItalicLettersAreSlantedOnes) {
-    if (std::system("fc-match -f '%{slant}' Tahoma,sans-serif:italic | grep -q '[1-9]'") != 0)
-        GTEST_SKIP() << "no slanted font is installed";
-    const auto records = [](FontStyle style) {
-        std::array<uint8_t, 4096> bytes{};
-        MakeSystemFontEngine()->MakeFont(style)->GlyphOutline('l', bytes);
-        return bytes;
-    };
-    EXPECT_NE(records({.italic = true}), records({}));
-}
-
 }  // namespace
 }  // namespace clarivex
