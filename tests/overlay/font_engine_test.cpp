@@ -7,6 +7,14 @@
 namespace clarivex {
 namespace {
 
+using Bytes = std::vector<uint8_t>;
+
+Bytes RecordsOf(Font& font, int32_t character) {
+    Bytes bytes(static_cast<size_t>(std::max<int64_t>(font.GlyphOutline(character, {}).bytes, 0)));
+    font.GlyphOutline(character, bytes);
+    return bytes;
+}
+
 PointList OutlineOf(Font& font, int8_t character) {
     PointList outline;
     int32_t penX = 0, penY = 0;
@@ -14,18 +22,19 @@ PointList OutlineOf(Font& font, int8_t character) {
     return outline;
 }
 
-/// Square pixels inside clockwise contours less those inside the others.
-double ClockwiseArea(const PointList& outline) {
-    int64_t area = 0;
-    OutlinePoint start = ContourBreak, last = ContourBreak;
-    for (const OutlinePoint& point : outline) {
-        if (last == ContourBreak)
-            start = point;
-        else if (point != ContourBreak)
-            area += int64_t{last.x - start.x} * (point.y - start.y) - int64_t{last.y - start.y} * (point.x - start.x);
-        last = point;
-    }
-    return static_cast<double>(area) / 2 / 65536;
+/// Pixels that a letter covers, of 256 by 256: clockwise contours less those inside them that run the other way.
+int32_t PixelsOf(const PointList& outline) {
+    constexpr int32_t side = 256;
+    MaskBitmap mask;
+    mask.Reallocate(side, side);
+    mask.ClearRectangle({0, 0, side, side});
+    PaintOutline({.scaleX = 65536, .scaleY = 65536, .offsetY = 224}, {outline.begin(), outline.end()}, mask,
+                 Region::OfRectangle(0, 0, side, side));
+    int32_t covered = 0;
+    for (int32_t y = 0; y < side; ++y)
+        covered +=
+            static_cast<int32_t>(std::count_if(mask.Row(y), mask.Row(y) + side, [](uint8_t c) { return c > 127; }));
+    return covered;
 }
 
 class SystemFonts : public testing::Test {
@@ -59,7 +68,8 @@ TEST_F(SystemFonts, LettersAreClockwiseContoursInsideTheCell) {
 TEST_F(SystemFonts, BoldIsHeavierAndASpaceHasOnlyAnAdvance) {
     const auto regular = engine->MakeFont({});
     const auto bold = engine->MakeFont({.bold = true});  // the same again where a system has only that
-    EXPECT_GE(ClockwiseArea(OutlineOf(*bold, 'C')), ClockwiseArea(OutlineOf(*regular, 'C')));
+    for (const int8_t letter : {'C', 'l', 'a'})
+        EXPECT_GE(PixelsOf(OutlineOf(*bold, letter)), PixelsOf(OutlineOf(*regular, letter))) << letter;
     const Font::Glyph letter = regular->GlyphOutline('a', {});
     const Font::Glyph space = regular->GlyphOutline(' ', {});
     EXPECT_LT(space.bytes, 1);
@@ -70,13 +80,13 @@ TEST_F(SystemFonts, BoldIsHeavierAndASpaceHasOnlyAnAdvance) {
 
 TEST_F(SystemFonts, WritesTheRecordsWholeOrNotAtAll) {
     const auto font = engine->MakeFont({});
-    const int64_t bytes = font->GlyphOutline('C', {}).bytes;
-    ASSERT_GT(bytes, 0);
-    for (const bool fits : {false, true}) {
-        std::vector<uint8_t> buffer(static_cast<size_t>(fits ? bytes + 7 : bytes - 1), 0xA5);
-        EXPECT_EQ(font->GlyphOutline('C', buffer).bytes, bytes);
-        const auto end = buffer.begin() + (fits ? bytes : 0);
-        EXPECT_EQ(std::count(end, buffer.end(), 0xA5), buffer.end() - end) << "behind the records";
+    const Bytes records = RecordsOf(*font, 'C');
+    ASSERT_FALSE(records.empty());
+    for (const size_t size : {records.size() - 1, records.size() + 7}) {
+        Bytes buffer(size, 0xA5), expected = buffer;
+        if (size > records.size()) std::ranges::copy(records, expected.begin());
+        EXPECT_EQ(font->GlyphOutline('C', buffer).bytes, std::ssize(records));
+        EXPECT_EQ(buffer, expected);
     }
 }
 
