@@ -97,8 +97,8 @@ void PlainPacked(const PlainTarget& target, const PictureView& source, const Out
         const int32_t other = leaning < 0 || leaning >= (height + 1) / 2 ? y / 2 : leaning;
         for (int32_t x = 0; x < width && target.Holds(y, 2 * x + 1); ++x) {
             const PlaneView& plane = x % 2 == 0 ? source.third : source.second;
-            const int32_t near = plane.Row(y / 2)[x / 2];
-            int32_t chroma = ((near + plane.Row(other)[x / 2] + 1) / 2 + near + 1) / 2;
+            const int32_t own = plane.Row(y / 2)[x / 2];
+            int32_t chroma = ((own + plane.Row(other)[x / 2] + 1) / 2 + own + 1) / 2;
             int32_t luma = source.luma.Row(y)[x];
             if (const uint8_t* overlay = tone.Overlay(y)) {
                 luma = tone.LumaUnder(overlay, luma, x, y);
