@@ -99,8 +99,8 @@ TEST(GlyphOutline, TrustsNoSizeThatTheFontTells) {
 }
 
 TEST(GlyphOutline, FarPointsAreNeverTakenForBreaks) {
-    const auto far = RecordWriter().Contour({-32768, -32768}).Curve(RecordWriter::spline, {{}, {32767, 0}});
-    const Points outline = Outline({far.bytes}, {INT32_MIN + 8, INT32_MAX});
+    const auto spline = RecordWriter().Contour({-32768, -32768}).Curve(RecordWriter::spline, {{}, {32767, 0}});
+    const Points outline = Outline({spline.bytes}, {INT32_MIN + 8, INT32_MAX});
     EXPECT_EQ(outline[0], (OutlinePoint{INT32_MIN + 1, INT32_MAX}));
     EXPECT_EQ(std::ranges::count(outline, ContourBreak), 1);
 }
