@@ -116,8 +116,8 @@ TEST(Rasteriser, LinesEqualThePlainForm) {
         if (run % 8 == 0) to.x = from.x + UpTo(random, 6) - 3;  // truncation puts crossings into other rows
         RasteriseLine(asItIs, *actual, from, to);
         PlainRasteriser(*expected, from, to).Run();
-        const auto bytes = static_cast<size_t>(actual->Stride()) * static_cast<size_t>(height);
-        ASSERT_EQ(std::memcmp(actual->Row(0), expected->Row(0), bytes), 0)
+        const int32_t bytes = actual->Stride() * height;  // none without columns, and then no memory
+        ASSERT_TRUE(std::equal(actual->Row(0), actual->Row(0) + bytes, expected->Row(0)))
             << from.x << ", " << from.y << " to " << to.x << ", " << to.y << " in " << width << " by " << height;
     }
 }

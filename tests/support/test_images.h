@@ -35,6 +35,7 @@ inline size_t BytesOf(const WorkingImage& image) { return static_cast<size_t>(im
 inline WorkingImage TestImage(int32_t width, int32_t height, Texture texture, uint32_t seed) {
     WorkingImage image;
     image.Resize(width, height);
+    if (width == 0) return image;
     FillTexture(image.Planes().luma.data, BytesOf(image), image.Planes().luma.stride, texture, seed);
     return image;
 }
