@@ -218,5 +218,17 @@ TEST(PassPlan, FollowsEachRuleOfItsStages) {
     }
 }
 
+TEST(PassPlan, FoldedWideGainsApplyFromZeroOn) {
+    for (const WideDetail mode : {WideDetail::aboveKnee, WideDetail::fromZero}) {
+        EngineSettings settings;
+        settings.detail.curveSharpening = true;
+        settings.frame.sharpness = -5.0F;
+        settings.detail.wideDetailMode = mode;
+        const SharpenCoefficients gains = MakePassPlan(settings, usual, {}).rows.sleeping.detailGains;
+        EXPECT_EQ(gains.wideKnee == 0, mode == WideDetail::fromZero);
+        EXPECT_EQ(gains.wideBase == 0, mode == WideDetail::fromZero);
+    }
+}
+
 }  // namespace
 }  // namespace clarivex
