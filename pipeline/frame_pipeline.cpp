@@ -88,8 +88,8 @@ SourceImage FramePipeline::Load(const FrameRequest& request, const FrameLayout& 
     return SourceOf(split);
 }
 
-/// Media times do not reach the engine, which sees 24 frames a second. The aspect of planar pictures does not either: it
-/// would only move the caption.
+/// Media times do not reach the engine, which sees 24 frames a second. Planar pictures count as of square pixels, packed
+/// ones do not: kept so that the caption stands where it did in both.
 PassRequest FramePipeline::AskPass(const FrameRequest& request) {
     PassRequest ask;
     ask.planes = request.scalingOn ? allPlanes : lumaPlane;
