@@ -14,8 +14,10 @@ bool IsSide(int32_t side) { return side >= 1 && side <= largestPictureSide; }
 void DemandRanges(const CommandLine& line) {
     const EnhanceOptions& enhance = line.enhance;
     const CaptionOptions& caption = line.caption;
-    Demand(enhance.sharpness >= 0.0f && enhance.sharpness <= 2.0f && enhance.frames > 0, "a range of enhance");
-    Demand(enhance.plugin.empty() || (enhance.simd == "auto" && !enhance.caption), "a plug-in and its own options");
+    Demand(enhance.picture.sharpness >= 0.0f && enhance.picture.sharpness <= 2.0f && enhance.part.frames > 0,
+           "a range of enhance");
+    Demand(enhance.picture.plugin.empty() || (enhance.picture.simd == "auto" && !enhance.picture.caption),
+           "a plug-in and its own options");
     Demand(caption.frame >= 1 && caption.frame <= largestCaptionFrame, "the caption's frame");
     Demand(IsSide(caption.size.width) && IsSide(caption.size.height) && caption.sampleAspect.Known(), "its size");
     Demand(line.tune.tuning.attempts >= 1 && line.tune.tuning.attempts <= mostTuningAttempts, "a number of attempts");

@@ -47,12 +47,12 @@ std::optional<Number> ParseWhole(Value value) {
 }
 
 void SetFormat(EnhanceOptions& options, Value value) {
-    options.format = Choose<SampleFormat>(
+    options.picture.format = Choose<SampleFormat>(
         "--format", value, {{"yv12", SampleFormat::yv12}, {"iyuv", SampleFormat::iyuv}, {"yuy2", SampleFormat::yuy2}});
 }
 
 void SetMode(EnhanceOptions& options, Value value) {
-    options.mode = Choose<EnlargeMode>(
+    options.picture.mode = Choose<EnlargeMode>(
         "--mode", value,
         {{"never", EnlargeMode::never}, {"auto", EnlargeMode::automatic}, {"always", EnlargeMode::always}});
 }
@@ -61,15 +61,15 @@ void SetSharpness(EnhanceOptions& options, Value value) {
     const auto sharpness = ParseWhole<float>(value);
     if (!sharpness || !(*sharpness >= 0.0f && *sharpness <= 2.0f))
         ThrowBadValue("--sharpness", value, "a number from 0 to 2");
-    options.sharpness = *sharpness;
+    options.picture.sharpness = *sharpness;
 }
 
 void SetHd(EnhanceOptions& options, Value value) {
-    options.allowHd = Choose<bool>("--hd", value, {{"allow", true}, {"bypass", false}});
+    options.picture.allowHd = Choose<bool>("--hd", value, {{"allow", true}, {"bypass", false}});
 }
 
 void SetSimd(EnhanceOptions& options, Value value) {
-    options.simd = Choose<std::string>(
+    options.picture.simd = Choose<std::string>(
         "--simd", value,
         {{"scalar", "scalar"}, {"sse2", "sse2"}, {"avx2", "avx2"}, {"avx512", "avx512"}, {"auto", "auto"}});
 }
@@ -77,7 +77,7 @@ void SetSimd(EnhanceOptions& options, Value value) {
 void SetFrames(EnhanceOptions& options, Value value) {
     const auto frames = ParseWhole<uint64_t>(value);
     if (!frames || *frames == 0) ThrowBadValue("--frames", value, "a whole number from 1");
-    options.frames = *frames;
+    options.part.frames = *frames;
 }
 
 void SetFrame(CaptionOptions& options, Value value) {
@@ -134,7 +134,7 @@ void SetScale(TuneOptions& options, Value value) {
 
 void SetPlugin(EnhanceOptions& options, Value value) {
     if (value.empty()) ThrowBadValue("--plugin", value, "the path of a plug-in library");
-    options.plugin = value;
+    options.picture.plugin = value;
 }
 
 template <class Options>
@@ -148,11 +148,12 @@ constexpr std::array<Option<EnhanceOptions>, 11> enhanceOptions = {{
     {"--format", true, SetFormat},
     {"--mode", true, SetMode},
     {"--sharpness", true, SetSharpness},
-    {"--lighting", true, [](EnhanceOptions& o, Value value) { o.lighting = ChooseSwitch("--lighting", value); }},
+    {"--lighting", true,
+     [](EnhanceOptions& o, Value value) { o.picture.lighting = ChooseSwitch("--lighting", value); }},
     {"--hd", true, SetHd},
     {"--simd", true, SetSimd},
     {"--frames", true, SetFrames},
-    {"--caption", true, [](EnhanceOptions& o, Value value) { o.caption = ChooseSwitch("--caption", value); }},
+    {"--caption", true, [](EnhanceOptions& o, Value value) { o.picture.caption = ChooseSwitch("--caption", value); }},
     {"--plugin", true, SetPlugin},
     {"--quiet", false, [](EnhanceOptions& o, Value) { o.quiet = true; }},
     {"--timing", false, [](EnhanceOptions& o, Value) { o.timing = true; }},
@@ -227,10 +228,10 @@ void CheckFileCount(const std::vector<std::string_view>& files, size_t wanted, c
 }
 
 void CheckTogether(const EnhanceOptions& options) {
-    if (options.plugin.empty()) return;
-    if (options.simd != "auto")
+    if (options.picture.plugin.empty()) return;
+    if (options.picture.simd != "auto")
         throw UsageError("--simd and --plugin exclude each other: a loaded plug-in chooses for itself");
-    if (options.caption)
+    if (options.picture.caption)
         throw UsageError("--caption and --plugin exclude each other: a loaded plug-in always shows it");
 }
 
@@ -239,7 +240,7 @@ EnhanceOptions ParseEnhance(WordReader& rest) {
     const auto files = ReadWords<EnhanceOptions>(rest, enhanceOptions, options);
     CheckFileCount(files, 2, "enhance needs two files, IN and OUT (- for a pipe)");
     CheckTogether(options);
-    options.input = files[0];
+    options.inputs = {std::string(files[0])};
     options.output = files[1];
     return options;
 }

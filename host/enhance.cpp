@@ -44,7 +44,8 @@ VideoFormat FormatOf(const Y4mHeader& header, SampleFormat pixelFormat) {
 }
 
 PlayerSettings SettingsOf(const EnhanceOptions& options) {
-    return {static_cast<uint32_t>(options.mode), options.sharpness, options.lighting, options.allowHd};
+    return {static_cast<uint32_t>(options.picture.mode), options.picture.sharpness, options.picture.lighting,
+            options.picture.allowHd};
 }
 
 /// One run of the command. The members' order is the order in which they are needed.
@@ -61,7 +62,7 @@ private:
     PictureSize OutputSize() const { return bypassed ? reader.Header().size : player.OutputSize(); }
     void CopyFrames(Progress& progress);
     bool ReadFrame() {
-        return Naming(InputName(options.input), [this] { return reader.ReadFrame(frame); });
+        return Naming(InputName(options.inputs.front()), [this] { return reader.ReadFrame(frame); });
     }
     void WriteFrame();
     void Report(const Progress& progress) const;
@@ -79,12 +80,13 @@ private:
 
 Enhancement::Enhancement(const EnhanceOptions& given)
     : options(given),
-      plugin(LoadPlugin(given.plugin)),
-      source(Naming(InputName(given.input), [&] { return FileSource(given.input); })),
-      reader(Naming(InputName(given.input), [this] { return Y4mReader(source); })),
-      player(plugin ? plugin->MakeMediaObject() : MakeLinkedMediaObject(), FormatOf(reader.Header(), given.format),
-             SettingsOf(given)),
-      bypassed(Naming(InputName(given.input), [this] { return player.Negotiate() == Negotiated::bypassedForHd; })),
+      plugin(LoadPlugin(given.picture.plugin)),
+      source(Naming(InputName(given.inputs.front()), [&] { return FileSource(given.inputs.front()); })),
+      reader(Naming(InputName(given.inputs.front()), [this] { return Y4mReader(source); })),
+      player(plugin ? plugin->MakeMediaObject() : MakeLinkedMediaObject(),
+             FormatOf(reader.Header(), given.picture.format), SettingsOf(given)),
+      bypassed(
+          Naming(InputName(given.inputs.front()), [this] { return player.Negotiate() == Negotiated::bypassedForHd; })),
       sink(OpenOutput()),
       writer(Naming(OutputName(given.output), [this] { return Y4mWriter(sink, OutputHeader()); })) {
     NoteLimits();
@@ -92,19 +94,19 @@ Enhancement::Enhancement(const EnhanceOptions& given)
 }
 
 FileSink Enhancement::OpenOutput() const {
-    if (SameFile(options.input, options.output))
+    if (SameFile(options.inputs.front(), options.output))
         throw RunError(OutputName(options.output) + ": is the input file too; name another output");
     return Naming(OutputName(options.output), [this] { return FileSink(options.output); });
 }
 
 std::string Enhancement::OutputHeader() const {
-    const bool fullHeightChroma = !bypassed && options.format == SampleFormat::yuy2;
+    const bool fullHeightChroma = !bypassed && options.picture.format == SampleFormat::yuy2;
     return Y4mHeaderLine(reader.Header(), OutputSize(), fullHeightChroma);
 }
 
 void Enhancement::NoteLimits() {
     const PictureSize& size = reader.Header().size;
-    if (options.caption.value_or(false) && !HasCaptionFont()) Note(options, noFontText);
+    if (options.picture.caption.value_or(false) && !HasCaptionFont()) Note(options, noFontText);
     if (bypassed)
         Note(options, "high definition is bypassed: the pictures pass unchanged (--hd allow enhances them)");
     else if (size.width < smallestWidth)
@@ -118,8 +120,8 @@ void Enhancement::NoteLimits() {
 
 std::optional<uint64_t> Enhancement::ExpectedFrames() const {
     const auto size = source.Size();
-    if (size) return std::min(reader.FramesIn(*size), options.frames);
-    return options.frames == UINT64_MAX ? std::nullopt : std::optional(options.frames);
+    if (size) return std::min(reader.FramesIn(*size), options.part.frames);
+    return options.part.frames == UINT64_MAX ? std::nullopt : std::optional(options.part.frames);
 }
 
 void Enhancement::Run() {
@@ -133,7 +135,7 @@ void Enhancement::Run() {
 
 void Enhancement::CopyFrames(Progress& progress) {
     try {
-        while (progress.Count() < options.frames && ReadFrame()) {
+        while (progress.Count() < options.part.frames && ReadFrame()) {
             WriteFrame();
             progress.OneDone();
         }
@@ -160,9 +162,9 @@ void Enhancement::Report(const Progress& progress) const {
 }  // namespace
 
 void RunEnhance(const EnhanceOptions& options) {
-    if (options.plugin.empty()) {
-        ChooseSimd(options.simd);
-        ShowCaption(options.caption.value_or(false));
+    if (options.picture.plugin.empty()) {
+        ChooseSimd(options.picture.simd);
+        ShowCaption(options.picture.caption.value_or(false));
     }
     Enhancement(options).Run();
 }

@@ -20,13 +20,13 @@ TEST(CommandLine, OptionsArriveAmongTheFiles) {
     const EnhanceOptions options = Parse({"enhance", "--format=iyuv", "-", "--mode", "auto", "--sharpness", "1.75",
                                           "--lighting", "off", "--", "--help"})
                                        .enhance;
-    EXPECT_EQ(options.format, SampleFormat::iyuv);
-    EXPECT_EQ(options.mode, EnlargeMode::automatic);
-    EXPECT_EQ(options.sharpness, 1.75f);
-    EXPECT_FALSE(options.lighting);
-    EXPECT_EQ(options.input + options.output, "---help");
-    EXPECT_EQ(Parse({"enhance", "--plugin", "x.dll", "a", "b"}).enhance.plugin, "x.dll");
-    EXPECT_EQ(Parse({"enhance", "--simd", "sse2", "a", "b"}).enhance.simd, "sse2");
+    EXPECT_EQ(options.picture.format, SampleFormat::iyuv);
+    EXPECT_EQ(options.picture.mode, EnlargeMode::automatic);
+    EXPECT_EQ(options.picture.sharpness, 1.75f);
+    EXPECT_FALSE(options.picture.lighting);
+    EXPECT_EQ(options.inputs.front() + options.output, "---help");
+    EXPECT_EQ(Parse({"enhance", "--plugin", "x.dll", "a", "b"}).enhance.picture.plugin, "x.dll");
+    EXPECT_EQ(Parse({"enhance", "--simd", "sse2", "a", "b"}).enhance.picture.simd, "sse2");
     const CaptionOptions caption = Parse({"caption", "out.y4m", "--size", "1x8192", "--aspect", "64:45"}).caption;
     EXPECT_EQ(caption.size, (PictureSize{1, 8192}));
     EXPECT_EQ(caption.sampleAspect, (Ratio{64, 45}));
