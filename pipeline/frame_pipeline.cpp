@@ -74,7 +74,8 @@ void FramePipeline::ApplySettings(const FrameRequest& request, const FrameLayout
     tone.colourBiasA = neutralBias;
     tone.colourBiasB = request.enableLighting ? litBrightness : neutralBias;
     tone.colourBiasC = request.enableLighting ? litSaturation : neutralBias;
-    const FrameShape shape{layout.width, layout.height, request.scalingOn};
+    stream.settings.order.liftSizeLimits = request.liftSizeLimits;
+    const FrameShape shape{layout.width, layout.height, request.scalingOn, request.liftSizeLimits};
     if (shape != stream.lastShape) RenewFilters();
     stream.lastShape = shape;
 }

@@ -17,6 +17,7 @@ struct FrameShape {
     int32_t width = 0;
     int32_t height = 0;
     bool scalingOn = false;
+    bool liftSizeLimits = false;
 
     bool operator==(const FrameShape&) const = default;
 };

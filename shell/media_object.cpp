@@ -4,6 +4,7 @@
 #include "platform/resources.h"
 #include "shell/class_ids.h"
 #include "shell/process_objects.h"
+#include "shell/size_limits.h"
 #include "shell/start_up.h"
 
 namespace clarivex {
@@ -28,7 +29,10 @@ std::span<const InterfaceEntry<CVXMediaObject>> CVXMediaObject::Interfaces() {
     return interfaces;
 }
 
-CVXMediaObject::CVXMediaObject() : pipeline(MakeProcessPipeline()) { CheckForUpdate(); }
+CVXMediaObject::CVXMediaObject() : pipeline(MakeProcessPipeline()) {
+    settings.liftSizeLimits = SizeLimitsLifted();
+    CheckForUpdate();
+}
 
 CVXMediaObject::~CVXMediaObject() = default;
 

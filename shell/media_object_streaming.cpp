@@ -163,6 +163,7 @@ FrameRequest CVXMediaObject::RequestFor(const StreamTerms& terms) {
     request.settingsDirty = settings.TakeSharpnessChange();
     request.enabled = settings.enabled != 0;
     request.enableLighting = settings.enableLighting;
+    request.liftSizeLimits = settings.liftSizeLimits;
     request.sharpness = settings.Sharpness();
     return request;
 }

@@ -31,6 +31,7 @@ public:
     std::atomic<uint32_t> mode = modeAuto;
     std::atomic<bool> allowHd = false;
     std::atomic<bool> enableLighting = true;
+    std::atomic<bool> liftSizeLimits = false;  ///< enhance and enlarge pictures of every size
     std::atomic<double> scaleFactor = 0.0;
     std::atomic<int32_t> enabled = 1;  ///< the player's switch; 0 copies frames as they are
 

@@ -7,6 +7,7 @@
 #include "overlay/font_engine.h"
 #include "runtime/cpu_features.h"
 #include "shell/instruction_set.h"
+#include "shell/size_limits.h"
 #include "simd/kernel_table.h"
 
 namespace clarivex {
@@ -21,6 +22,8 @@ InstructionSets RunnableSets() {
 }
 
 std::atomic<const KernelTable*> kernels = &SelectKernels(RunnableSets());
+
+std::atomic<bool> sizeLimitsLifted = false;
 
 }  // namespace
 
@@ -54,5 +57,9 @@ bool UseInstructionSet(std::string_view name) {
 }
 
 std::string_view InstructionSetInUse() { return kernels.load()->name; }
+
+void LiftSizeLimits(bool lifted) { sizeLimitsLifted.store(lifted); }
+
+bool SizeLimitsLifted() { return sizeLimitsLifted.load(); }
 
 }  // namespace clarivex

@@ -1,7 +1,9 @@
 // The media object while frames run through it: its two states, times, buffers good and bad.
 
+#include "shell/size_limits.h"
 #include "tests/support/fake_buffers.h"
 #include "tests/support/guarded_pages.h"
+#include "tests/support/host_stream.h"
 #include "tests/support/open_object.h"
 #include "tests/support/test.h"
 #include "tests/support/test_object.h"
@@ -234,6 +236,27 @@ TEST_F(Streaming, AFrameIsAskedForAsItWasNegotiatedAndSet) {
     const FrameRequest last = open->NextRequest();
     EXPECT_EQ(std::tuple(98, 80, 1.0F, false),
               std::tuple(last.sourceWidth, last.sourceHeight, last.pixelAspect, last.sourceIsVih2WithoutBitrate));
+}
+
+// A flat picture, of which one that is too large stands in the corner of a black one.
+TEST(SizeLimits, AreThoseOfTheMomentAnObjectWasMade) {
+    LiftSizeLimits(true);
+    TestObject lifted;
+    LiftSizeLimits(false);
+    TestObject limited;
+    for (const HostSize& size : {HostSize{2048, 16}, {32, 1022}, {1440, 860}}) {
+        const auto lastSample = [&](TestObject& object) {
+            object.settings->put_AllowHD(1);
+            object.settings->put_EnableLighting(0);
+            const auto offered = clarivex::Negotiate(object, mediaSubtypeYv12, size, alwaysEnlarged);
+            FakeBuffer in(static_cast<size_t>(size.width * size.height * 3 / 2), 150);
+            FakeBuffer out(static_cast<size_t>(offered.biWidth * offered.biHeight * 3 / 2), 7);
+            EXPECT_EQ(S_OK, PlayFrame(object, in, out));
+            return out.Bytes()[static_cast<size_t>(offered.biWidth * offered.biHeight - 1)];
+        };
+        EXPECT_GT(lastSample(lifted), 120) << size.width << " x " << size.height;
+        EXPECT_LT(lastSample(limited), 40) << size.width << " x " << size.height;
+    }
 }
 
 }  // namespace

@@ -59,6 +59,7 @@ public:
     }
 
     FrameRequest request;
+    int32_t left = 0, top = 0;  ///< where in the endless picture this one begins; both even
     std::vector<uint8_t> input;
     std::vector<uint8_t> output;
 
@@ -80,8 +81,8 @@ private:
     [[nodiscard]] uint8_t SourceSample(int32_t plane, int32_t x, int32_t y) const {
         if (x >= 2 * ColumnsOf(1, size) / (plane == 0 ? 1 : 2) || y >= RowsOf(plane, size))
             return plane == 0 ? 16 : 128;
-        if (plane == 0) return SyntheticSample(0, std::min(x, size.width - 1), y, frame);
-        return SyntheticSample(PlaceOfChroma(plane), x, IsPacked() ? y / 2 : y, frame);
+        if (plane == 0) return SyntheticSample(0, left + std::min(x, size.width - 1), top + y, frame);
+        return SyntheticSample(PlaceOfChroma(plane), left / 2 + x, top / 2 + (IsPacked() ? y / 2 : y), frame);
     }
 
     void WriteSource(std::vector<uint8_t>& buffer, const FrameSize& of) const {
