@@ -1,6 +1,7 @@
-// Files and pipes through the C library's streams: frames pass in one piece, short reads are joined.
+// Files and pipes past the C library's buffers: frames pass in one piece, short reads are joined.
 #include "host/byte_stream.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -56,21 +57,36 @@ void FileCloser::operator()(std::FILE* file) const {
 }
 
 FileSource::FileSource(const std::string& path)
-    : file(Open(path, "rb", stdin, "reading")), size(RegularFileSize(path)) {
-    std::setvbuf(file.get(), nullptr, _IOFBF, bufferBytes);
+    : file(Open(path, "rb", stdin, "reading")), size(RegularFileSize(path)), buffer(bufferBytes) {
+    EnlargePipe(file.get());
 }
 
 size_t FileSource::Read(std::span<uint8_t> bytes) {
     size_t count = 0;
-    for (;;) {
-        count += std::fread(bytes.data() + count, 1, bytes.size() - count, file.get());
-        if (count == bytes.size() || !std::ferror(file.get())) return count;
-        if (!WaitForInput(file.get()))
-            throw RunError(std::string("cannot be read any further: ") + std::strerror(errno));
+    while (count < bytes.size()) {
+        const size_t more = ReadSome(bytes.subspan(count));
+        if (more == 0) break;
+        count += more;
     }
+    return count;
 }
 
-FileSink::FileSink(const std::string& path) : file(Open(path, "wb", stdout, "writing")) {}
+/// What was read ahead, or what the system has: small pieces by way of the buffer.
+size_t FileSource::ReadSome(std::span<uint8_t> bytes) {
+    const auto fromSystem = [this](std::span<uint8_t> target) {
+        const auto count = ReadBytes(file.get(), target);
+        if (!count) throw RunError(std::string("cannot be read any further: ") + std::strerror(errno));
+        return *count;
+    };
+    if (ahead.empty() && bytes.size() >= buffer.size()) return fromSystem(bytes);
+    if (ahead.empty()) ahead = std::span(buffer).first(fromSystem(buffer));
+    const size_t count = std::min(bytes.size(), ahead.size());
+    std::copy_n(ahead.begin(), count, bytes.begin());
+    ahead = ahead.subspan(count);
+    return count;
+}
+
+FileSink::FileSink(const std::string& path) : file(Open(path, "wb", stdout, "writing")) { EnlargePipe(file.get()); }
 
 void FileSink::Write(std::span<const uint8_t> bytes) {
     if (waiting.size() + bytes.size() > bufferBytes) Flush();

@@ -20,6 +20,9 @@ public:
     /// Fills `bytes` from the stream. The result is below bytes.size() only at the end of the stream. Throws RunError
     /// when the system cannot read.
     virtual size_t Read(std::span<uint8_t> bytes) = 0;
+
+    /// Whether another program may be filling the stream.
+    virtual bool MayBePiped() const { return false; }
 };
 
 class ByteSink {
@@ -38,7 +41,8 @@ struct FileCloser {
 };
 using OwnedFile = std::unique_ptr<std::FILE, FileCloser>;
 
-/// A file opened for reading, or standard input for "-".
+/// A file opened for reading, or standard input for "-". Once a signal is noted (platform/console.h) the stream ends where
+/// it would have to wait for more.
 class FileSource : public ByteSource {
 public:
     /// Throws RunError when the path cannot be opened.
@@ -46,12 +50,18 @@ public:
 
     size_t Read(std::span<uint8_t> bytes) override;
 
+    bool MayBePiped() const override { return !size; }
+
     /// Bytes of the whole file; nothing for a pipe or a device.
     std::optional<uint64_t> Size() const { return size; }
 
 private:
+    size_t ReadSome(std::span<uint8_t> bytes);
+
     OwnedFile file;
     std::optional<uint64_t> size;
+    std::vector<uint8_t> buffer;
+    std::span<const uint8_t> ahead;  // of the buffer, read but not yet given out
 };
 
 /// A file opened anew for writing, or standard output for "-". What is neither flushed nor closed may not arrive.

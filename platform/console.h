@@ -19,4 +19,12 @@ void FillStandardStreams();
 /// ending the process. Call once at start.
 void ReportFailedWrites();
 
+/// Has the first SIGINT or SIGTERM noted instead of ending the process, on Windows the first Ctrl-C or Ctrl-Break. ReadBytes
+/// then no longer waits for input, on whichever thread. The second one ends the process at once, as it would without this
+/// call; what the process was started to ignore stays ignored. Call once at start.
+void NoteSignals();
+
+/// The signal that was noted, SIGINT or SIGTERM; 0 while none has come. For any thread.
+int NotedSignal();
+
 }  // namespace clarivex

@@ -28,8 +28,14 @@ std::optional<FileIdentity> IdentityOf(const std::string& path);
 /// says why.
 size_t WriteBytes(std::FILE* stream, std::span<const uint8_t> bytes);
 
-/// For a read that failed just now, errno telling why. If there was only nothing yet to read, waits until there is or the
-/// stream ends, and gives true: reading goes on.
-bool WaitForInput(std::FILE* stream);
+/// Reads what there is, past the stream's own buffer, which must be empty; waits until there is something, even where the
+/// stream was opened not to wait. What there is comes even after a signal, but it is no longer waited for.
+///
+/// result  bytes read; 0 at the stream's end, and where NoteSignals in platform/console.h has a signal noted while nothing is
+///         there. Nothing when the system cannot read, and errno says why.
+std::optional<size_t> ReadBytes(std::FILE* stream, std::span<uint8_t> bytes);
+
+/// Has a pipe hold up to 1 MiB, as far as the system allows; without effect on what is no pipe.
+void EnlargePipe(std::FILE* stream);
 
 }  // namespace clarivex

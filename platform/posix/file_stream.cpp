@@ -1,11 +1,14 @@
 // Files and pipes on POSIX systems.
 #include "platform/file_stream.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+
+#include "platform/posix/signal_pipe.h"
 
 namespace clarivex {
 
@@ -16,12 +19,19 @@ std::optional<FileIdentity> RegularFile(int result, const struct stat& status) {
     return FileIdentity{status.st_dev, status.st_ino};
 }
 
-/// Whether the last call may be made again; waits until then.
-bool WaitUntilReady(std::FILE* stream, short event) {
+/// Whether the last write may be made again; waits until then.
+bool WaitForRoom(std::FILE* stream) {
     if (errno == EINTR) return true;
     if (errno != EAGAIN) return false;
-    pollfd waited{fileno(stream), event, 0};
+    pollfd waited{fileno(stream), POLLOUT, 0};
     return poll(&waited, 1, -1) > 0 || errno == EINTR;
+}
+
+/// Waits until there is something to read or the stream's end, which is worth a read; false when a signal has come first.
+bool WaitForInput(std::FILE* stream) {
+    pollfd waited[] = {{fileno(stream), POLLIN, 0}, {SignalPipe(), POLLIN, 0}};
+    while (poll(waited, 2, -1) < 0 && errno == EINTR) continue;
+    return waited[0].revents != 0 || waited[1].revents == 0;
 }
 
 }  // namespace
@@ -44,15 +54,24 @@ size_t WriteBytes(std::FILE* stream, std::span<const uint8_t> bytes) {
             written += static_cast<size_t>(count);
         else if (count == 0)
             errno = EIO;  // nothing taken and nothing said: it would go on for ever
-        if (count == 0 || (count < 0 && !WaitUntilReady(stream, POLLOUT))) break;
+        if (count == 0 || (count < 0 && !WaitForRoom(stream))) break;
     }
     return written;
 }
 
-bool WaitForInput(std::FILE* stream) {
-    if (!WaitUntilReady(stream, POLLIN)) return false;
-    std::clearerr(stream);
-    return true;
+std::optional<size_t> ReadBytes(std::FILE* stream, std::span<uint8_t> bytes) {
+    while (WaitForInput(stream)) {
+        const ssize_t count = read(fileno(stream), bytes.data(), bytes.size());
+        if (count >= 0) return static_cast<size_t>(count);
+        if (errno != EINTR && errno != EAGAIN) return std::nullopt;
+    }
+    return 0;
+}
+
+void EnlargePipe(std::FILE* stream) {
+    const int present = fcntl(fileno(stream), F_GETPIPE_SZ);
+    if (present < 0) return;
+    for (int bytes = 1 << 20; bytes > present && fcntl(fileno(stream), F_SETPIPE_SZ, bytes) < 0; bytes /= 2) continue;
 }
 
 }  // namespace clarivex

@@ -5,11 +5,15 @@
 
 #include <algorithm>
 
+#include "platform/console.h"
 #include "platform/win32.h"
+#include "platform/windows/wakeable_read.h"
 
 namespace clarivex {
 
 namespace {
+
+constexpr size_t mostAtOnce = 1 << 30;  // bytes that one call takes
 
 std::optional<FileIdentity> IdentityOfHandle(HANDLE handle) {
     BY_HANDLE_FILE_INFORMATION file = {};
@@ -35,7 +39,6 @@ std::optional<FileIdentity> IdentityOf(const std::string& path) {
 }
 
 size_t WriteBytes(std::FILE* stream, std::span<const uint8_t> bytes) {
-    constexpr size_t mostAtOnce = 1 << 30;
     size_t written = 0;
     while (written < bytes.size()) {
         const size_t asked = std::min(bytes.size() - written, mostAtOnce);
@@ -46,6 +49,13 @@ size_t WriteBytes(std::FILE* stream, std::span<const uint8_t> bytes) {
     return written;
 }
 
-bool WaitForInput(std::FILE*) { return false; }  // streams always wait here
+std::optional<size_t> ReadBytes(std::FILE* stream, std::span<uint8_t> bytes) {
+    const WakeableRead wakeable;
+    const int count = _read(_fileno(stream), bytes.data(), static_cast<unsigned>(std::min(bytes.size(), mostAtOnce)));
+    if (count >= 0) return static_cast<size_t>(count);
+    return NotedSignal() != 0 ? std::optional<size_t>(0) : std::nullopt;
+}
+
+void EnlargePipe(std::FILE*) {}  // whoever makes a pipe decides here
 
 }  // namespace clarivex

@@ -40,6 +40,14 @@ TEST_F(Files, PiecesOfAllSizesArriveInTheirOrder) {
     }
     sink.Close();
     EXPECT_TRUE(Text("pieces") == whole);
+    std::string read;
+    FileSource source(Path("pieces"));
+    for (const size_t size : {1, 65536, 7, 0, 65537, 2, 131072, 65535, 300000}) {  // the last is more than is left
+        std::vector<uint8_t> piece(size);
+        const size_t count = source.Read(piece);
+        read.append(piece.begin(), piece.begin() + static_cast<ptrdiff_t>(count));
+    }
+    EXPECT_TRUE(read == whole);
 }
 
 TEST_F(Files, AreKnownByAnyName) {
