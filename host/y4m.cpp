@@ -167,7 +167,8 @@ std::string Y4mHeaderLine(const Y4mHeader& input, PictureSize size, bool fullHei
 Y4mReader::Y4mReader(ByteSource& stream) : source(stream) {
     const Line line = ReadLine(source);
     if (!line.complete && line.text.empty())
-        throw RunError(std::string("is empty, a Y4M stream is needed; ") + conversion);
+        throw RunError(std::string("is empty, a Y4M stream is needed; ") +
+                       (source.MayBePiped() ? "the program before it in the pipe may have failed; " : "") + conversion);
     if (!line.complete && line.text.starts_with(streamMagic))
         throw RunError("the Y4M header has no line end within " + std::to_string(longestY4mLine) + " bytes; " +
                        conversion);
