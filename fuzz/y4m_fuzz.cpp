@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
         if (header.size.PlanarBytes() > size) return 0;  // no frame can be whole; its memory is not worth taking
         Y4mFrame frame;
         while (reader.ReadFrame(frame)) Demand(frame.samples.size() == header.size.PlanarBytes(), "a frame in part");
-        std::string line = Y4mHeaderLine(header, header.size, false);
+        std::string line = Y4mHeaderLine(header, {.size = header.size});
         line.pop_back();
         const Y4mHeader again = ParseY4mHeader(line);
         Demand(again.size == header.size && again.tags.size() == header.tags.size(), "the header comes back changed");

@@ -1,6 +1,5 @@
 #include "host/caption.h"
 
-#include <string>
 #include <vector>
 
 #include "host/byte_stream.h"
@@ -12,16 +11,6 @@ namespace clarivex {
 
 const char* const noFontText = "there is no sans-serif font on this system, so no caption; install one, such as DejaVu";
 
-namespace {
-
-std::string HeaderLine(const CaptionOptions& options) {
-    const auto ratio = [](const Ratio& r) { return std::to_string(r.numerator) + ":" + std::to_string(r.denominator); };
-    return "YUV4MPEG2 W" + std::to_string(options.size.width) + " H" + std::to_string(options.size.height) +
-           " F24:1 Ip A" + ratio(options.sampleAspect) + " C420jpeg XCOLORRANGE=LIMITED\n";
-}
-
-}  // namespace
-
 void RunCaption(const CaptionOptions& options) {
     if (!HasCaptionFont()) throw RunError(noFontText);
     const float pixelAspect =
@@ -30,7 +19,7 @@ void RunCaption(const CaptionOptions& options) {
         DrawCaption(options.frame, options.size.width, options.size.height, pixelAspect);
     Naming(OutputName(options.output), [&] {
         FileSink sink(options.output);
-        Y4mWriter writer(sink, HeaderLine(options));
+        Y4mWriter writer(sink, Y4mHeaderLine({options.size, {24, 1}, options.sampleAspect}));
         writer.WriteFrame("", PlanarPicture{options.size, picture}.Planes());
         sink.Close();
     });

@@ -101,7 +101,7 @@ FileSink Enhancement::OpenOutput() const {
 
 std::string Enhancement::OutputHeader() const {
     const bool fullHeightChroma = !bypassed && options.picture.format == SampleFormat::yuy2;
-    return Y4mHeaderLine(reader.Header(), OutputSize(), fullHeightChroma);
+    return Y4mHeaderLine(reader.Header(), {.size = OutputSize(), .fullHeightChroma = fullHeightChroma});
 }
 
 void Enhancement::NoteLimits() {

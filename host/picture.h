@@ -44,6 +44,14 @@ struct Ratio {
 /// The sample layouts that the media object takes.
 enum class SampleFormat { yv12, iyuv, yuy2 };
 
+/// Where a 4:2:0 chroma sample stands among its four luma samples: in their middle, between the two on the left, or on the
+/// upper left one.
+enum class ChromaSite { center, left, topLeft };
+
+/// Which levels are black and white: 0 and 255, or 16 and 235 in luma and 16 … 240 in chroma. Video range where a stream
+/// says nothing.
+enum class ColourRange { video, full };
+
 /// Luma, U and V of one picture, each without gaps between its rows.
 using PicturePlanes = std::array<std::span<const uint8_t>, 3>;
 

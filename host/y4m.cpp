@@ -2,7 +2,6 @@
 #include "host/y4m.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <optional>
 
@@ -15,7 +14,21 @@ namespace {
 constexpr std::string_view streamMagic = "YUV4MPEG2";
 constexpr std::string_view frameMagic = "FRAME";
 constexpr std::string_view subsamplingTag = "XYSCSS=";  // an older way to name the chroma format
+constexpr std::string_view rangeTag = "XCOLORRANGE=";
+constexpr std::string_view lengthTag = "XLENGTH=";
 constexpr const char* conversion = "ffmpeg -i CLIP -pix_fmt yuv420p -f yuv4mpegpipe makes a stream that works";
+constexpr const char* deinterlacing =
+    "ffmpeg -i CLIP -vf bwdif -pix_fmt yuv420p -f yuv4mpegpipe - makes whole frames of it";
+
+struct ChromaFormat {
+    std::string_view name;
+    ChromaSite site;
+};
+
+constexpr ChromaFormat chromaFormats[] = {{"420", ChromaSite::center},
+                                          {"420jpeg", ChromaSite::center},
+                                          {"420mpeg2", ChromaSite::left},
+                                          {"420paldv", ChromaSite::topLeft}};
 
 std::span<const uint8_t> BytesOf(std::string_view text) {
     return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
@@ -82,10 +95,26 @@ void CheckFrameRate(const std::string& tag, Ratio rate) {
                        ": the frame rate must be from one an hour to a million a second");
 }
 
-void CheckChroma(std::string_view format, const std::string& tag) {
-    constexpr std::array<std::string_view, 4> known = {"420", "420jpeg", "420mpeg2", "420paldv"};
-    if (std::find(known.begin(), known.end(), format) == known.end())
-        throw RunError("chroma format " + Printable(tag) + " is not supported: 8-bit 4:2:0 is needed; " + conversion);
+ChromaSite ParseChroma(std::string_view format, const std::string& tag) {
+    for (const ChromaFormat& known : chromaFormats)
+        if (format == known.name) return known.site;
+    throw RunError("chroma format " + Printable(tag) + " is not supported: 8-bit 4:2:0 is needed; " + conversion);
+}
+
+/// The name that leaves nothing open.
+std::string_view NameOf(ChromaSite site) {
+    switch (site) {
+        case ChromaSite::left: return "420mpeg2";
+        case ChromaSite::topLeft: return "420paldv";
+        default: return "420jpeg";
+    }
+}
+
+/// Letters that nobody knows count as progressive.
+Interlacing ParseInterlacing(std::string_view letters) {
+    if (letters == "t") return Interlacing::topFieldFirst;
+    if (letters == "b") return Interlacing::bottomFieldFirst;
+    return letters == "m" ? Interlacing::mixed : Interlacing::progressive;
 }
 
 std::string LowerCase(std::string_view text) {
@@ -102,24 +131,43 @@ void ReadTag(const std::string& tag, Y4mHeader& header) {
     switch (tag[0]) {
         case 'W': header.size.width = ParseSide(tag, "width"); break;
         case 'H': header.size.height = ParseSide(tag, "height"); break;
-        case 'C': CheckChroma(std::string_view(tag).substr(1), tag); break;
+        case 'C': header.chromaSite = ParseChroma(std::string_view(tag).substr(1), tag); break;
+        case 'I': header.interlacing = ParseInterlacing(std::string_view(tag).substr(1)); break;
         case 'A': header.sampleAspect = ParseRatio(tag, "sample aspect"); break;
         case 'F':
             header.frameRate = ParseRatio(tag, "frame rate");
             CheckFrameRate(tag, header.frameRate);
             break;
-        default: break;  // interlacing, comments and whatever comes later pass through
+        case 'X':
+            if (tag.starts_with(rangeTag))
+                header.range = tag.substr(rangeTag.size()) == "FULL" ? ColourRange::full : ColourRange::video;
+            break;
+        default: break;  // whatever comes later passes through
     }
 }
 
-void CheckWhole(const Y4mHeader& header) {
+void CheckSize(const Y4mHeader& header) {
     if (header.size.width == 0 || header.size.height == 0)
         throw RunError(std::string("the Y4M header has no ") + (header.size.width == 0 ? "width (W)" : "height (H)") +
                        "; " + conversion);
-    if (!HasTag(header, 'C'))
-        for (const std::string& tag : header.tags)
-            if (tag.starts_with(subsamplingTag))
-                CheckChroma(LowerCase(std::string_view(tag).substr(subsamplingTag.size())), tag);
+}
+
+/// The older tag counts where the other is missing.
+void ReadOlderChroma(Y4mHeader& header) {
+    if (HasTag(header, 'C')) return;
+    for (const std::string& tag : header.tags)
+        if (tag.starts_with(subsamplingTag))
+            header.chromaSite = ParseChroma(LowerCase(std::string_view(tag).substr(subsamplingTag.size())), tag);
+}
+
+/// A tag of the input as it stands in the output; "" where it does not.
+std::string ChangedTag(const std::string& tag, const Y4mChanges& changes) {
+    if (tag[0] == 'W') return "W" + std::to_string(changes.size.width);
+    if (tag[0] == 'H') return "H" + std::to_string(changes.size.height);
+    if (changes.fullHeightChroma && tag[0] == 'C') return "C422";
+    if (changes.fullHeightChroma && tag.starts_with(subsamplingTag)) return std::string(subsamplingTag) + "422";
+    if (changes.toVideoRange && tag.starts_with(rangeTag)) return std::string(rangeTag) + "LIMITED";
+    return changes.otherLength && tag.starts_with(lengthTag) ? "" : tag;
 }
 
 bool BeginsWithWord(std::string_view line, std::string_view word) {
@@ -143,25 +191,41 @@ Y4mHeader ParseY4mHeader(std::string_view line) {
     Y4mHeader header;
     header.tags = Words(line.substr(streamMagic.size()));
     for (const std::string& tag : header.tags) ReadTag(tag, header);
-    CheckWhole(header);
+    CheckSize(header);
+    ReadOlderChroma(header);
     return header;
 }
 
-std::string Y4mHeaderLine(const Y4mHeader& input, PictureSize size, bool fullHeightChroma) {
+std::string InterlacingWarning(const Y4mHeader& header) {
+    const auto warning = [](const char* tag, const char* meaning) {
+        return std::string("the Y4M header says ") + tag + ": frames of two fields, " + meaning +
+               ", enhanced as if each were one picture; " + deinterlacing;
+    };
+    switch (header.interlacing) {
+        case Interlacing::topFieldFirst: return warning("It", "the upper one first");
+        case Interlacing::bottomFieldFirst: return warning("Ib", "the lower one first");
+        case Interlacing::mixed: return warning("Im", "some of them");
+        default: return "";
+    }
+}
+
+std::string Y4mHeaderLine(const Y4mHeader& input, const Y4mChanges& changes) {
     std::string line(streamMagic);
     for (const std::string& tag : input.tags)
-        if (tag[0] == 'W')
-            line += " W" + std::to_string(size.width);
-        else if (tag[0] == 'H')
-            line += " H" + std::to_string(size.height);
-        else if (fullHeightChroma && tag[0] == 'C')
-            line += " C422";
-        else if (fullHeightChroma && tag.starts_with(subsamplingTag))
-            line += " " + std::string(subsamplingTag) + "422";
-        else
-            line += " " + tag;
-    if (fullHeightChroma && !HasTag(input, 'C')) line += " C422";
+        if (const std::string changed = ChangedTag(tag, changes); !changed.empty()) line += " " + changed;
+    if (changes.fullHeightChroma && !HasTag(input, 'C')) line += " C422";
     return line + "\n";
+}
+
+std::string Y4mHeaderLine(const Y4mFormat& format) {
+    const auto ratio = [](const Ratio& r) { return std::to_string(r.numerator) + ":" + std::to_string(r.denominator); };
+    std::string line(streamMagic);
+    line += " W" + std::to_string(format.size.width) + " H" + std::to_string(format.size.height);
+    if (format.frameRate.Known()) line += " F" + ratio(format.frameRate);
+    line += " Ip";
+    if (format.sampleAspect.Known()) line += " A" + ratio(format.sampleAspect);
+    line += " C" + std::string(format.fullHeightChroma ? "422" : NameOf(format.chromaSite));
+    return line + " " + std::string(rangeTag) + "LIMITED\n";
 }
 
 Y4mReader::Y4mReader(ByteSource& stream) : source(stream) {

@@ -13,11 +13,17 @@ namespace clarivex {
 
 constexpr size_t longestY4mLine = 2048;  ///< of a stream's or a frame's header, in bytes
 
+/// In which order a stream's frames show their two fields; a stream that does not say counts as progressive.
+enum class Interlacing { progressive, topFieldFirst, bottomFieldFirst, mixed };
+
 /// What the first line of a stream tells.
 struct Y4mHeader {
     PictureSize size;
-    Ratio frameRate;                ///< frames a second
-    Ratio sampleAspect;             ///< width to height of one sample
+    Ratio frameRate;     ///< frames a second
+    Ratio sampleAspect;  ///< width to height of one sample
+    Interlacing interlacing = Interlacing::progressive;
+    ChromaSite chromaSite = ChromaSite::center;  ///< also where the header says just 4:2:0, or nothing
+    ColourRange range = ColourRange::video;
     std::vector<std::string> tags;  ///< every word behind the magic one, as it came
 };
 
@@ -25,9 +31,33 @@ struct Y4mHeader {
 /// sides of 1 … largestPictureSide, or whose numbers cannot be read.
 Y4mHeader ParseY4mHeader(std::string_view line);
 
-/// The first line of a stream like `input` but with another size, line end included. Tags for rate, aspect, interlacing
-/// and colour are kept. With `fullHeightChroma` it is a 4:2:2 stream.
-std::string Y4mHeaderLine(const Y4mHeader& input, PictureSize size, bool fullHeightChroma);
+/// What a person is to know of a stream whose frames are not progressive: what its header says, and a command that makes
+/// it so. "" for a progressive one.
+std::string InterlacingWarning(const Y4mHeader& header);
+
+/// In what a stream differs from the one it is made of.
+struct Y4mChanges {
+    PictureSize size;
+    bool fullHeightChroma = false;  ///< it is a 4:2:2 stream
+    bool otherLength = false;       ///< it may have another number of frames, so that none is stated
+    bool toVideoRange = false;      ///< its levels are those of video range now
+};
+
+/// The first line of a stream made of `input`, line end included. What does not change is kept as it came: tags for rate,
+/// aspect, interlacing and colour, and those that nobody here knows.
+std::string Y4mHeaderLine(const Y4mHeader& input, const Y4mChanges& changes);
+
+/// A stream of progressive frames in video range that was no Y4M before. What is not known of rate and aspect is left open.
+struct Y4mFormat {
+    PictureSize size;
+    Ratio frameRate;
+    Ratio sampleAspect;
+    ChromaSite chromaSite = ChromaSite::center;  ///< of a 4:2:0 stream
+    bool fullHeightChroma = false;
+};
+
+/// Its first line, line end included.
+std::string Y4mHeaderLine(const Y4mFormat& format);
 
 /// One frame as it stands in the stream. Kept from frame to frame, so that its memory is used again.
 struct Y4mFrame {

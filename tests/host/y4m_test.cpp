@@ -25,12 +25,58 @@ TEST(Y4mHeader, ReadsSizeRateAndAspectWhichMayBeMissing) {
     }
 }
 
-TEST(Y4mHeader, EveryTagButTheSizeIsKept) {
-    const Y4mHeader header = ParseY4mHeader("YUV4MPEG2 W352 H288 F25:1 Ib A12:11 C420jpeg XYSCSS=420JPEG Qnew");
-    EXPECT_EQ(Y4mHeaderLine(header, {528, 432}, false),
-              "YUV4MPEG2 W528 H432 F25:1 Ib A12:11 C420jpeg XYSCSS=420JPEG Qnew\n");
-    EXPECT_EQ(Y4mHeaderLine(header, {528, 432}, true), "YUV4MPEG2 W528 H432 F25:1 Ib A12:11 C422 XYSCSS=422 Qnew\n");
-    EXPECT_EQ(Y4mHeaderLine(ParseY4mHeader("YUV4MPEG2 W2 H2"), {3, 3}, true), "YUV4MPEG2 W3 H3 C422\n");
+TEST(Y4mHeader, TellsHowSamplesAreMeant) {
+    using enum Interlacing;
+    using enum ChromaSite;
+    const struct {
+        const char* tags;
+        Interlacing interlacing;
+        ChromaSite site;
+        bool full;
+    } cases[] = {{"", progressive, center, false},
+                 {"Ip C420jpeg XCOLORRANGE=LIMITED", progressive, center, false},
+                 {"It C420mpeg2 XCOLORRANGE=FULL", topFieldFirst, left, true},
+                 {"Ib C420paldv XCOLORRANGE=", bottomFieldFirst, topLeft, false},
+                 {"Im C420", mixed, center, false},
+                 {"I? XSCALE=FULL XYSCSS=420MPEG2", progressive, left, false},
+                 {"C420paldv XYSCSS=420MPEG2", progressive, topLeft, false}};
+    for (const auto& [tags, interlacing, site, full] : cases) {
+        const Y4mHeader header = ParseY4mHeader("YUV4MPEG2 W2 H2 " + std::string(tags));
+        EXPECT_EQ(std::tuple(header.interlacing, header.chromaSite, header.range == ColourRange::full),
+                  std::tuple(interlacing, site, full))
+            << tags;
+        EXPECT_EQ(InterlacingWarning(header).find("bwdif") != std::string::npos, interlacing != progressive) << tags;
+    }
+}
+
+TEST(Y4mHeader, EveryTagThatDoesNotChangeIsKept) {
+    const struct {
+        std::string input;
+        Y4mChanges changes;
+        std::string output;
+    } cases[] = {{"W352 H288 F25:1 Ib A12:11 C420jpeg XYSCSS=420JPEG XCOLORRANGE=FULL XLENGTH=7 Qnew",
+                  {.size = {528, 432}},
+                  "W528 H432 F25:1 Ib A12:11 C420jpeg XYSCSS=420JPEG XCOLORRANGE=FULL XLENGTH=7 Qnew"},
+                 {"H288 W352 C420jpeg XYSCSS=420JPEG Qnew", {{528, 432}, true}, "H432 W528 C422 XYSCSS=422 Qnew"},
+                 {"W2 H2", {{3, 3}, true}, "W3 H3 C422"},
+                 {"W2 XLENGTH=7 H2 XLENGTHS=7", {{2, 2}, false, true}, "W2 H2 XLENGTHS=7"},
+                 {"W2 H2 XCOLORRANGE=FULL A0:0", {{2, 2}, false, false, true}, "W2 H2 XCOLORRANGE=LIMITED A0:0"}};
+    for (const auto& [input, changes, output] : cases)
+        EXPECT_EQ(Y4mHeaderLine(ParseY4mHeader("YUV4MPEG2 " + input), changes), "YUV4MPEG2 " + output + "\n");
+}
+
+TEST(Y4mHeader, OfANewStreamSaysWhatIsKnown) {
+    EXPECT_EQ(Y4mHeaderLine({{3, 4}, {25, 1}, {}, ChromaSite::center, true}),
+              "YUV4MPEG2 W3 H4 F25:1 Ip C422 XCOLORRANGE=LIMITED\n");
+    for (const ChromaSite site : {ChromaSite::center, ChromaSite::left, ChromaSite::topLeft}) {
+        std::string line = Y4mHeaderLine({{528, 432}, {30000, 1001}, {12, 11}, site});
+        line.pop_back();
+        const Y4mHeader read = ParseY4mHeader(line);
+        EXPECT_EQ(read.size, (PictureSize{528, 432}));
+        EXPECT_EQ(read.frameRate, (Ratio{30000, 1001}));
+        EXPECT_EQ(read.sampleAspect, (Ratio{12, 11}));
+        EXPECT_EQ(read.chromaSite, site);
+    }
 }
 
 TEST(Y4mHeader, OnlyEightBitHalfChromaIsTaken) {
