@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
+#include "host/studio_range.h"
 #include "tests/host/error_of.h"
 #include "tests/host/memory_stream.h"
 
@@ -136,6 +139,18 @@ TEST(Y4mReader, CutsAndDamageAreToldWithTheirFrame) {
             Y4mFrame frame;
             while (reader.ReadFrame(frame)) continue;
         });
+}
+
+TEST(ToVideoRange, IsTheNearestLevelOfEveryLevel) {
+    const PictureSize size{32, 32};
+    std::vector<uint8_t> samples(size.PlanarBytes());
+    for (size_t i = 0; i < samples.size(); ++i) samples[i] = static_cast<uint8_t>(i);
+    const std::vector<uint8_t> full = samples;
+    ToVideoRange(size, samples);
+    for (size_t i = 0; i < samples.size(); ++i) {
+        const double exact = i < size.LumaBytes() ? 16 + 219 * full[i] / 255.0 : 128 + 224 * (full[i] - 128) / 255.0;
+        ASSERT_LT(std::abs(samples[i] - exact), 0.5) << i;
+    }
 }
 
 }  // namespace
