@@ -245,6 +245,15 @@ EnhanceOptions ParseEnhance(WordReader& rest) {
     return options;
 }
 
+CompareOptions ParseCompare(WordReader& rest) {
+    CompareOptions options;
+    const auto files = ReadWords<CompareOptions>(rest, {}, options);
+    CheckFileCount(files, 2, "compare needs two files, IN and OUT.png");
+    options.input = files[0];
+    options.output = files[1];
+    return options;
+}
+
 CaptionOptions ParseCaption(WordReader& rest) {
     CaptionOptions options;
     const auto files = ReadWords<CaptionOptions>(rest, captionOptions, options);
@@ -285,6 +294,9 @@ CommandLine ParseCommandLine(std::span<const char* const> words) {
     if (command == "enhance") {
         result.command = Command::enhance;
         result.enhance = ParseEnhance(rest);
+    } else if (command == "compare") {
+        result.command = Command::compare;
+        result.compare = ParseCompare(rest);
     } else if (command == "caption") {
         result.command = Command::caption;
         result.caption = ParseCaption(rest);

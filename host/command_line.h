@@ -7,11 +7,12 @@
 
 namespace clarivex {
 
-enum class Command { enhance, caption, tune, info, help, version };
+enum class Command { enhance, compare, caption, tune, info, help, version };
 
 struct CommandLine {
     Command command = Command::help;
     EnhanceOptions enhance;
+    CompareOptions compare;
     CaptionOptions caption;
     TuneOptions tune;
 };

@@ -11,6 +11,7 @@
 #include "host/byte_stream.h"
 #include "host/caption.h"
 #include "host/command_line.h"
+#include "host/compare.h"
 #include "host/enhance.h"
 #include "host/errors.h"
 #include "host/info.h"
@@ -33,6 +34,7 @@ void CloseOutput() {
 void Run(const CommandLine& commandLine) {
     switch (commandLine.command) {
         case Command::enhance: RunEnhance(commandLine.enhance); break;
+        case Command::compare: RunCompare(commandLine.compare); break;
         case Command::caption: RunCaption(commandLine.caption); break;
         case Command::tune: RunTune(commandLine.tune); break;
         case Command::info: PrintResult(InfoText()); break;
