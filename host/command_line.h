@@ -2,6 +2,7 @@
 #pragma once
 
 #include <span>
+#include <string>
 
 #include "host/options.h"
 
@@ -9,19 +10,22 @@ namespace clarivex {
 
 enum class Command { enhance, compare, caption, tune, info, help, version };
 
+/// What help is asked for.
+struct HelpTopic {
+    std::string command;  ///< its name; empty for an overview of all
+};
+
 struct CommandLine {
     Command command = Command::help;
     EnhanceOptions enhance;
     CompareOptions compare;
     CaptionOptions caption;
     TuneOptions tune;
+    HelpTopic help;
 };
 
 /// Parses the words behind the program's name. Options may stand anywhere behind the command, as "--name value" or
-/// "--name=value"; "--" ends them; "-" is a file. `--help` and `--version` win over what follows. Throws UsageError.
+/// "--name=value"; "--" ends them; "-" is a file. `--help` and `--version` win over all else. Throws UsageError.
 CommandLine ParseCommandLine(std::span<const char* const> words);
-
-/// What `--help` prints.
-extern const char* const helpText;
 
 }  // namespace clarivex

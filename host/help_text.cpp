@@ -1,49 +1,100 @@
-// What --help prints.
-#include "host/command_line.h"
+// The tables of commands and options laid out for a terminal.
+#include "host/help_text.h"
+
+#include <utility>
+#include <vector>
+
+#include "host/command_tables.h"
 
 namespace clarivex {
 
-const char* const helpText =
-    R"(clarivex: sharpens, corrects and enlarges video by 3/2, as the plug-in does in a player
+namespace {
 
-  clarivex enhance [options] IN OUT    enhance a Y4M video (8-bit 4:2:0)
-  clarivex caption [options] OUT       the opening caption alone, over grey: a Y4M video of one frame
-  clarivex tune [options] TARGET       look for engine settings that restore a reduced bitmap best; for development
-  clarivex info                        version, processor, instruction set and speed
-  clarivex --help | --version
+constexpr size_t lineLetters = 80;
+constexpr size_t summaryColumn = 12;
+constexpr size_t meaningColumn = 26;
 
-IN, OUT and TARGET are files; - is standard input or output.
+/// The text broken between words into lines of at most so many letters; a longer word has a line of its own.
+std::vector<std::string> BrokenInto(size_t letters, std::string_view text) {
+    std::vector<std::string> lines;
+    while (!text.empty()) {
+        const size_t space = text.find(' ');
+        const std::string_view word = text.substr(0, space);
+        if (lines.empty() || lines.back().size() + 1 + word.size() > letters)
+            lines.emplace_back(word);
+        else
+            lines.back().append(" ").append(word);
+        text.remove_prefix(space == std::string_view::npos ? text.size() : space + 1);
+    }
+    return lines;
+}
 
-Options of enhance:
-  --format yv12|iyuv|yuy2    samples handed to the plug-in; yuy2 writes 4:2:2; default yv12
-  --mode never|auto|always   when to enlarge; auto: if the processor is fast enough; default always
-  --sharpness 0..2           crispness of edges; default 1
-  --lighting on|off          automatic lighting control; default on
-  --hd allow|bypass          bypass: pictures of 589824 samples (1024x576) or more pass unchanged; default allow
-  --simd scalar|sse2|avx2|avx512|auto
-                             instruction set of the kernels; default auto
-  --frames N                 stop after N frames
-  --caption on|off           the plug-in's opening caption over the first 276 frames; default off
-  --plugin PATH              Windows: go through this library instead of the code linked in
-  --timing                   print the time spent inside ProcessOutput
-  --quiet                    no notes, no progress, no summary
+/// `label`, then `text` from `column` on; a label that reaches the column has its own line.
+std::string Entry(std::string label, std::string_view text, size_t column) {
+    std::string laidOut;
+    const auto endLine = [&] { laidOut += std::exchange(label, "") + "\n"; };
+    if (text.empty() || (!label.empty() && label.size() + 2 > column)) endLine();
+    for (const std::string& line : BrokenInto(lineLetters - column, text)) {
+        label.resize(column, ' ');
+        label += line;
+        endLine();
+    }
+    return laidOut;
+}
 
-Options of caption:
-  --frame N                  frame of the stream: it fades in until 72, out from 144, and is gone at 276; default 100
-  --size WxH                 size of the picture; default 960x720
-  --aspect N:D               width to height of a sample; 1:64 to 64:1; default 1:1
+std::string Paragraph(std::string_view text) { return Entry("", text, 0); }
 
-Options of tune, which prints the error of each attempt that improves, then the settings, and leaves in.bmp (the picture
-reduced) and out.bmp (enlarged again with the best settings) in the current folder, in place of any that are there:
-  --attempts N               number of attempts; default 200
-  --seed S                   another seed makes other attempts; default 1
-  --scale 1|3/2|2            enlargement that is tuned; default 3/2
-  --quiet                    no progress, no summary
+std::string OptionEntry(const Option& option) {
+    std::string label = "  ";
+    if (!option.alias.empty()) label += option.alias + ", ";
+    label += option.name;
+    if (option.TakesValue()) label += " " + option.value;
+    return Entry(label, MeaningOf(option), meaningColumn);
+}
 
-Exit codes: 0 done, 1 the run failed, 2 wrong use.
+std::string Overview() {
+    CommandLine defaults;
+    std::string text = Paragraph("clarivex: " + std::string(programSummary)) + "\nclarivex COMMAND [options] [files]\n";
+    for (const CommandTable& command : MakeCommandTables(defaults))
+        text += Entry("  " + command.name, command.summary, summaryColumn);
+    text += "\nclarivex help COMMAND lists the options of a command. Without one:\n";
+    for (const Option& option : GeneralOptions()) text += OptionEntry(option);
+    for (const auto& [title, paragraphs] : CommonSections()) {
+        text += "\n" + std::string(title) + ":\n";
+        for (const std::string_view paragraph : paragraphs) text += Entry("", paragraph, 2);
+    }
+    text += "\nExamples:\n";
+    for (const auto& [purpose, command] : Examples()) text += "  " + std::string(command) + "\n";
+    return text;
+}
 
-In a pipe:
-  ffmpeg -i IN -pix_fmt yuv420p -f yuv4mpegpipe - | clarivex enhance - - | ffmpeg -i - OUT
-)";
+std::string CommandHelp(const CommandTable& command) {
+    std::string text = Paragraph("clarivex " + command.name + ": " + command.summary) + "\n";
+    for (const std::string& use : command.uses)
+        text += Paragraph("clarivex " + command.name + (use.empty() ? "" : " " + use));
+    for (const std::string& paragraph : command.about) text += "\n" + Paragraph(paragraph);
+    for (const auto& [title, options] : command.groups) {
+        text += "\n" + (title.empty() ? "Options" : title) + ":\n";
+        for (const Option& option : options) text += OptionEntry(option);
+    }
+    return text;
+}
+
+}  // namespace
+
+const std::string_view programSummary = "sharpens, corrects and enlarges video by 3/2, as the plug-in does in a player";
+
+std::string MeaningOf(const Option& option) {
+    std::string text = option.help;
+    if (!option.range.empty()) text += "; " + option.range;
+    if (!option.standard.empty()) text += "; default " + option.standard;
+    return text;
+}
+
+std::string HelpText(const HelpTopic& topic) {
+    if (topic.command.empty()) return Overview();
+    CommandLine defaults;
+    return CommandHelp(FindCommand(MakeCommandTables(defaults), topic.command));
+}
 
 }  // namespace clarivex

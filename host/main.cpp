@@ -14,6 +14,7 @@
 #include "host/compare.h"
 #include "host/enhance.h"
 #include "host/errors.h"
+#include "host/help_text.h"
 #include "host/info.h"
 #include "host/tune.h"
 #include "platform/console.h"
@@ -38,7 +39,7 @@ void Run(const CommandLine& commandLine) {
         case Command::caption: RunCaption(commandLine.caption); break;
         case Command::tune: RunTune(commandLine.tune); break;
         case Command::info: PrintResult(InfoText()); break;
-        case Command::help: PrintResult(helpText); break;
+        case Command::help: PrintResult(HelpText(commandLine.help)); break;
         case Command::version: PrintResult(std::string("clarivex ") + versionText + "\n"); break;
     }
 }

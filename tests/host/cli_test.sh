@@ -191,10 +191,11 @@ expect 1 'cut.y4m: frame 2 is cut short: 4608 bytes expected, 1000 found; 2 whol
 begins $((first_bytes + 2 * enlarged_bytes)) good.y4m cut_out.y4m || fail 'the whole frames before a cut'
 
 # What needs no video. The system's own list of the processor's features is the measure of ours.
-run --help 2>errors | grep -q -- '--caption on|off' || fail '--help'
-run info >info 2>errors || fail 'info'
+run enhance -h 2>errors | grep -q -- '--caption on|off' || fail 'the help of a command'
+run --help 2>>errors | grep -q '^  enhance  ' || fail 'the overview'
+run info >info 2>>errors || fail 'info'
 [ ! -s errors ] || fail 'info speaks on standard error'
-[ "clarivex $(sed -n 's/^version: *//p' info)" = "$(run --version)" ] || fail 'info tells another version'
+[ "clarivex $(sed -n 's/^version: *//p' info)" = "$(run -V)" ] || fail 'info tells another version'
 for feature in cmov mmx sse sse2 avx2 avx512bw; do
     [ "$(grep -c "^processor:.* $feature\(,\|$\)" info)" = "$(grep -m 1 ^flags /proc/cpuinfo | grep -cw $feature)" ] ||
         fail "info is wrong about $feature"
