@@ -4,20 +4,45 @@
 #include "fuzz/support/target.h"
 #include "host/command_line.h"
 #include "host/errors.h"
+#include "host/help_text.h"
+#include "host/option_values.h"
 
 namespace clarivex {
 namespace {
 
 bool IsSide(int32_t side) { return side >= 1 && side <= largestPictureSide; }
 
+void DemandRanges(const EnhanceOptions& enhance) {
+    const PictureOptions& picture = enhance.picture;
+    Demand(picture.sharpness >= 0.0f && picture.sharpness <= 2.0f && enhance.part.frames > 0, "a range of enhance");
+    Demand(
+        picture.plugin.empty() || (picture.simd == "auto" && !picture.caption && picture.limits == SizeLimits::plugin),
+        "a plug-in and its own options");
+    Demand(enhance.part.start >= 0 && enhance.part.start <= longestTime && enhance.part.duration > 0, "a time");
+    const FilmOptions& film = enhance.film;
+    Demand(!film.lossless || (film.encoder.empty() && !film.quality), "an encoder without loss");
+    Demand(!film.quality || (*film.quality >= 0 && *film.quality <= 10000), "a quality");
+    Demand(!enhance.inputs.empty() && (enhance.folder.empty() ? enhance.inputs.size() == 1 : enhance.output.empty()) &&
+               (enhance.folder.empty() || std::ranges::count(enhance.inputs, "-") == 0),
+           "files and a folder");
+}
+
+void DemandRanges(const CompareOptions& compare) {
+    Demand(compare.zoom >= 1 && compare.zoom <= largestZoom && compare.at.value_or(0) >= 0, "a range of compare");
+    Demand(compare.output.size() >= 4, "a picture without its ending");
+    if (!compare.crop) return;
+    const auto [size, x, y] = *compare.crop;
+    Demand(size.width >= 1 && size.height >= 1 && x >= 0 && y >= 0 && x + size.width <= largestEnlargedSide &&
+               y + size.height <= largestEnlargedSide,
+           "a part outside every picture");
+}
+
 /// Whatever was taken is within the ranges that the commands rely on.
 void DemandRanges(const CommandLine& line) {
-    const EnhanceOptions& enhance = line.enhance;
     const CaptionOptions& caption = line.caption;
-    Demand(enhance.picture.sharpness >= 0.0f && enhance.picture.sharpness <= 2.0f && enhance.part.frames > 0,
-           "a range of enhance");
-    Demand(enhance.picture.plugin.empty() || (enhance.picture.simd == "auto" && !enhance.picture.caption),
-           "a plug-in and its own options");
+    if (line.command == Command::enhance) DemandRanges(line.enhance);
+    if (line.command == Command::compare) DemandRanges(line.compare);
+    if (line.command == Command::help) Demand(!HelpText(line.help).empty(), "no help");
     Demand(caption.frame >= 1 && caption.frame <= largestCaptionFrame, "the caption's frame");
     Demand(IsSide(caption.size.width) && IsSide(caption.size.height) && caption.sampleAspect.Known(), "its size");
     Demand(line.tune.tuning.attempts >= 1 && line.tune.tuning.attempts <= mostTuningAttempts, "a number of attempts");
