@@ -190,7 +190,7 @@ std::vector<TextSection> CommonSections() {
           "Y4M video (8-bit 4:2:0), from and to files named .y4m and pipes, passes exactly: no sample changes but by "
           "the enhancement. Films of all other kinds need the Linux program, which reads and writes them through "
           "FFmpeg's libraries; the Windows program takes Y4M only."}},
-        {"Exit codes",
+        {"Exit status",
          {"0: all was done.", "1: the run failed; frames already written stay whole.", "2: wrong use.",
           "130 and 143: ended by an interrupt or by SIGTERM; what was finished of a film is kept under its name "
           "with .part behind it."}}};
