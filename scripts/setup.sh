@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that are missing, and does nothing when none is: setup.sh [native | all | fuzz | lint | format]
+# Installs the Debian packages that are missing, and does nothing when none is: setup.sh [native | all | package | fuzz | lint | format]
 #   native  builds, tests, benches and the demo on Linux
 #   all     native, and both Windows builds and their tests under Wine, and emulated older processors
+#   package native, and what packs and checks the Debian package
 #   fuzz    native, and clang with its fuzzing engine
 #   lint    native, and the formatter and the linter
 #   format  the formatter alone
@@ -15,11 +16,12 @@ all)
     packages+=(g++-mingw-w64-i686-posix binutils-mingw-w64-i686 g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64)
     packages+=(wine wine64 wine32:i386 xvfb xauth qemu-user)
     ;;
+package) packages+=(dpkg-dev lintian groff-base) ;;
 fuzz) packages+=(clang libclang-rt-dev) ;;
 lint) packages+=(clang-format clang-tidy) ;;
 format) packages=(clang-format) ;;
 *)
-    echo "setup.sh: unknown argument '$1'; use native, all, fuzz, lint or format" >&2
+    echo "setup.sh: unknown argument '$1'; use native, all, package, fuzz, lint or format" >&2
     exit 2
     ;;
 esac

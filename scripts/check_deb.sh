@@ -1,0 +1,72 @@
+#!/usr/bin/env bash
+# Installs a package into an empty root as a system would, uses what is there, and removes it again: check_deb.sh FILE.deb
+# Needs dpkg, groff and what the package depends on; changes nothing outside a temporary folder.
+set -eu
+package=$(realpath "$1")
+root=$(mktemp -d)
+trap 'rm -rf "$root"' EXIT
+
+fail() {
+    echo "check_deb.sh: ${package##*/}: $*" >&2
+    exit 1
+}
+# A root that knows no other packages and belongs to whoever runs this.
+in_root() {
+    PATH=$PATH:/usr/sbin:/sbin dpkg --root="$root" --log="$root/var/log" --force-not-root --force-depends \
+        --no-triggers "$@" >"$root/var/said" 2>&1 || { cat "$root/var/said" >&2 && fail "dpkg $1 does not end well"; }
+}
+installed() { (cd "$root" && find . -mindepth 1 -path ./var -prune -o "$@" -print | sort); }
+
+mkdir -p "$root/var/lib/dpkg/updates" "$root/var/lib/dpkg/info"
+touch "$root/var/lib/dpkg/status"
+in_root --install "$package"
+diff - <(installed -type f) <<'END' || fail 'other files than these (<) are installed (>)'
+./usr/bin/clarivex
+./usr/share/bash-completion/completions/clarivex
+./usr/share/doc/clarivex/CHANGELOG.md
+./usr/share/doc/clarivex/README.md
+./usr/share/doc/clarivex/changelog.gz
+./usr/share/doc/clarivex/copyright
+./usr/share/man/man1/clarivex.1.gz
+END
+
+# The program runs, and is the one that the package says it is.
+clarivex=$root/usr/bin/clarivex
+version=$(dpkg-deb --field "$package" Version)
+[ "$("$clarivex" --version)" = "clarivex $version" ] || fail 'the program tells another version'
+"$clarivex" caption --size 96x64 - | "$clarivex" enhance --quiet - - | head -n 1 | grep -q ' W144 H96 ' ||
+    fail 'the program does not enhance'
+
+# The manual page is laid out without a complaint, and tells the options of every command.
+said=$(gzip -dc "$root/usr/share/man/man1/clarivex.1.gz" | groff -man -Tutf8 -ww 2>&1 >"$root/var/page")
+[ -z "$said" ] || fail "the manual page: $said"
+for command in enhance compare caption tune; do
+    "$clarivex" help "$command" | grep -oE '^  (-., )?--[a-z-]+' | grep -oE -- '--.*' | while read -r option; do
+        sed 's/\x1b\[[0-9;]*m//g; s/.\x08//g' "$root/var/page" | grep -q -- "$option" || fail "the manual page lacks $option"
+    done
+done
+
+# completes TO WORD…: what the last word, which may be empty, is completed to. The shell makes "=" a word of its own.
+completes() {
+    local expected=$1
+    shift
+    local got
+    got=$(bash -c 'compopt() { :; }; . "$0" && COMP_WORDS=(clarivex "$@") COMP_CWORD=$# && _clarivex && echo "${COMPREPLY[*]}"' \
+        "$root/usr/share/bash-completion/completions/clarivex" "$@")
+    [ "$got" = "$expected" ] || fail "'$*' is completed to '$got' instead of '$expected'"
+}
+cd "$root/usr"
+completes 'enhance' enh
+completes '--mode' enhance --mo
+completes 'never auto always' enhance a.mp4 --mode ''
+completes 'never auto always' enhance --mode =
+completes 'auto always' enhance --mode = a
+completes '--layout --lighting --limits' compare --l
+completes '1 3/2 2' tune --scale ''
+completes 'bin' enhance b
+completes 'share' enhance --into s
+completes '' enhance --quality ''
+completes 'compare caption' help c
+
+in_root --purge clarivex
+[ -z "$(installed)" ] || fail "removal leaves $(installed)"
