@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "host/errors.h"
+#include "host/words.h"
 #include "platform/guids.h"
 #include "runtime/ticks.h"
 #include "shell/settings.h"
@@ -54,8 +55,6 @@ bool TakesItAsHd(IMediaObject& object) {
     return SettingsOf(object)->put_AllowHD(1) == S_OK && object.GetOutputType(0, 0, &type) == S_OK;
 }
 
-std::string SizeText(PictureSize size) { return std::to_string(size.width) + "x" + std::to_string(size.height); }
-
 [[noreturn]] void ThrowRefused(PictureSize size) {
     if (size.width < smallestSide || size.height < smallestSide)
         throw RunError("a picture of " + SizeText(size) + " is too small: width and height must be at least " +
@@ -100,7 +99,6 @@ Negotiated Player::Negotiate() {
         ThrowRefused(video.size);
     }
     outputLayout = BufferLayout(video.pixelFormat, outputSize);
-    MakeBuffers();
     Check(object->AllocateStreamingResources(), "AllocateStreamingResources");
     return Negotiated::playing;
 }
@@ -117,40 +115,52 @@ bool Player::OfferOutput(PictureSize& size) {
     return true;
 }
 
-void Player::MakeBuffers() {
-    DWORD inputBytes = 0, outputBytes = 0, lookahead = 0, alignment = 0;
-    Check(object->GetInputSizeInfo(0, &inputBytes, &lookahead, &alignment), "GetInputSizeInfo");
-    Check(object->GetOutputSizeInfo(0, &outputBytes, &alignment), "GetOutputSizeInfo");
-    input = MakeBuffer(inputBytes, inputLayout);
-    output = MakeBuffer(outputBytes, outputLayout);
+ComPointer<MediaBuffer> Player::MakeInput() const {
+    DWORD bytes = 0, lookahead = 0, alignment = 0;
+    Check(object->GetInputSizeInfo(0, &bytes, &lookahead, &alignment), "GetInputSizeInfo");
+    return MakeBuffer(bytes, inputLayout);
+}
+
+ComPointer<MediaBuffer> Player::MakeOutput() const {
+    DWORD bytes = 0, alignment = 0;
+    Check(object->GetOutputSizeInfo(0, &bytes, &alignment), "GetOutputSizeInfo");
+    return MakeBuffer(bytes, outputLayout);
+}
+
+void Player::Play(MediaBuffer& source, MediaBuffer& target, const std::optional<FrameTimes>& times) {
+    FeedInput(source, times);
+    TakeOutput(target);
+    ++framesPlayed;
 }
 
 PicturePlanes Player::Play(std::span<const uint8_t> samples) {
+    if (!input) input = MakeInput();
+    if (!output) output = MakeOutput();
     const PlanarPicture picture{video.size, samples};
     inputLayout.Put(picture, input->Bytes());
     outputLayout.Put(picture, output->Bytes());  // the object may write nothing, or only a part
-    FeedInput();
-    TakeOutput();
-    ++framesPlayed;
+    Play(*input, *output, TimesByRate());
     return outputLayout.Get(output->Bytes(), unpacked);
 }
 
-void Player::FeedInput() {
-    DWORD flags = DMO_INPUT_DATA_BUFFERF_SYNCPOINT;
-    int64_t start = 0, length = 0;
-    if (video.frameRate.Known()) {
-        flags |= DMO_INPUT_DATA_BUFFERF_TIME | DMO_INPUT_DATA_BUFFERF_TIMELENGTH;
-        start = FrameStart(framesPlayed, video.frameRate);
-        length = FrameStart(framesPlayed + 1, video.frameRate) - start;
-    }
-    Check(input->SetLength(static_cast<DWORD>(input->Bytes().size())), "SetLength");
-    Check(object->ProcessInput(0, input.get(), flags, start, length), "ProcessInput");
+std::optional<FrameTimes> Player::TimesByRate() const {
+    if (!video.frameRate.Known()) return std::nullopt;
+    const int64_t start = FrameStart(framesPlayed, video.frameRate);
+    return FrameTimes{start, FrameStart(framesPlayed + 1, video.frameRate) - start};
 }
 
-void Player::TakeOutput() {
-    Check(output->SetLength(0), "SetLength");
+void Player::FeedInput(MediaBuffer& source, const std::optional<FrameTimes>& times) {
+    constexpr DWORD timed = DMO_INPUT_DATA_BUFFERF_TIME | DMO_INPUT_DATA_BUFFERF_TIMELENGTH;
+    const FrameTimes shown = times.value_or(FrameTimes{});
+    const DWORD flags = DMO_INPUT_DATA_BUFFERF_SYNCPOINT | (times ? timed : 0);
+    Check(source.SetLength(static_cast<DWORD>(source.Bytes().size())), "SetLength");
+    Check(object->ProcessInput(0, &source, flags, shown.start, shown.length), "ProcessInput");
+}
+
+void Player::TakeOutput(MediaBuffer& target) {
+    Check(target.SetLength(0), "SetLength");
     DMO_OUTPUT_DATA_BUFFER data = {};
-    data.pBuffer = output.get();
+    data.pBuffer = &target;
     DWORD status = 0;
     const auto before = Clock::now();
     const HRESULT code = object->ProcessOutput(0, 1, &data, &status);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -31,6 +32,12 @@ enum class Negotiated {
     bypassedForHd,  ///< refused as high definition, which the settings ask for: the video plays without the plug-in
 };
 
+/// When a picture is shown, in ticks.
+struct FrameTimes {
+    int64_t start = 0;
+    int64_t length = 0;
+};
+
 class Player {
 public:
     /// Hands the settings to the object. Throws RunError when it does not take them.
@@ -46,9 +53,22 @@ public:
 
     PictureSize OutputSize() const { return outputLayout.Size(); }
 
-    /// Plays one 4:2:0 picture (Y, U, V; the format's size) and gives the picture that comes out, 4:2:2 for YUY2 and
-    /// 4:2:0 otherwise. Samples that the object leaves unwritten are the source's at the same place, and black beyond
-    /// it. The planes are valid until the next call. Throws RunError when the object reports a failure.
+    /// Where the samples stand in the buffers that MakeInput and MakeOutput make. Valid behind Negotiate, for any thread.
+    const BufferLayout& InputLayout() const { return inputLayout; }
+    const BufferLayout& OutputLayout() const { return outputLayout; }
+
+    /// Buffers for Play of the sizes that the object asks for, any number of them. Throw RunError when it asks for
+    /// nonsense.
+    ComPointer<MediaBuffer> MakeInput() const;
+    ComPointer<MediaBuffer> MakeOutput() const;
+
+    /// Plays the picture in `source` into `target`, in which samples that the object leaves unwritten keep their values.
+    /// Without times the picture carries none. Throws RunError when the object reports a failure.
+    void Play(MediaBuffer& source, MediaBuffer& target, const std::optional<FrameTimes>& times);
+
+    /// Plays one 4:2:0 picture (Y, U, V; the format's size), timed by the format's rate, and gives the picture that comes
+    /// out, 4:2:2 for YUY2 and 4:2:0 otherwise. Samples that the object leaves unwritten are the source's at the same
+    /// place, and black beyond it. The planes are valid until the next call. Throws RunError as the other does.
     PicturePlanes Play(std::span<const uint8_t> samples);
 
     /// Tells the object that the stream has ended.
@@ -60,9 +80,9 @@ public:
 
 private:
     bool OfferOutput(PictureSize& size);
-    void MakeBuffers();
-    void FeedInput();
-    void TakeOutput();
+    void FeedInput(MediaBuffer& source, const std::optional<FrameTimes>& times);
+    void TakeOutput(MediaBuffer& target);
+    std::optional<FrameTimes> TimesByRate() const;
 
     ComPointer<IMediaObject> object;
     VideoFormat video;
