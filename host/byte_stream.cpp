@@ -71,19 +71,32 @@ size_t FileSource::Read(std::span<uint8_t> bytes) {
     return count;
 }
 
+size_t FileSource::ReadFromSystem(std::span<uint8_t> bytes) {
+    const auto count = ReadBytes(file.get(), bytes);
+    if (!count) throw RunError(std::string("cannot be read any further: ") + std::strerror(errno));
+    return *count;
+}
+
 /// What was read ahead, or what the system has: small pieces by way of the buffer.
 size_t FileSource::ReadSome(std::span<uint8_t> bytes) {
-    const auto fromSystem = [this](std::span<uint8_t> target) {
-        const auto count = ReadBytes(file.get(), target);
-        if (!count) throw RunError(std::string("cannot be read any further: ") + std::strerror(errno));
-        return *count;
-    };
-    if (ahead.empty() && bytes.size() >= buffer.size()) return fromSystem(bytes);
-    if (ahead.empty()) ahead = std::span(buffer).first(fromSystem(buffer));
+    if (ahead.empty() && bytes.size() >= buffer.size()) return ReadFromSystem(bytes);
+    if (ahead.empty()) ahead = std::span(buffer).first(ReadFromSystem(buffer));
     const size_t count = std::min(bytes.size(), ahead.size());
     std::copy_n(ahead.begin(), count, bytes.begin());
     ahead = ahead.subspan(count);
     return count;
+}
+
+std::span<const uint8_t> FileSource::Peek(size_t count) {
+    std::copy(ahead.begin(), ahead.end(), buffer.begin());  // to the front: there is room behind for all that is asked
+    size_t there = ahead.size();
+    while (there < count) {
+        const size_t more = ReadFromSystem(std::span(buffer).subspan(there));
+        if (more == 0) break;
+        there += more;
+    }
+    ahead = std::span(buffer).first(there);
+    return ahead.first(std::min(count, there));
 }
 
 FileSink::FileSink(const std::string& path) : file(Open(path, "wb", stdout, "writing")) { EnlargePipe(file.get()); }

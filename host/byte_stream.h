@@ -52,11 +52,16 @@ public:
 
     bool MayBePiped() const override { return !size; }
 
+    /// What the stream goes on with, still to be read: `count` bytes, fewer only where it ends before. Valid until the
+    /// next read. count at most 4096. Throws RunError when the system cannot read.
+    std::span<const uint8_t> Peek(size_t count);
+
     /// Bytes of the whole file; nothing for a pipe or a device.
     std::optional<uint64_t> Size() const { return size; }
 
 private:
     size_t ReadSome(std::span<uint8_t> bytes);
+    size_t ReadFromSystem(std::span<uint8_t> bytes);
 
     OwnedFile file;
     std::optional<uint64_t> size;

@@ -1,172 +1,211 @@
-// Reads, plays and writes frame by frame; every error gets the name of the stream it belongs to.
+// Sends videos through the media object: read, enhanced and written at once, on three threads.
 #include "host/enhance.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <optional>
-#include <string>
+#include <filesystem>
+#include <set>
+#include <vector>
 
-#include "engine/scale_modes.h"
 #include "host/byte_stream.h"
-#include "host/caption.h"
+#include "host/film.h"
 #include "host/naming.h"
-#include "host/player.h"
-#include "host/plugin_library.h"
+#include "host/picture_player.h"
 #include "host/progress.h"
-#include "host/y4m.h"
-#include "pipeline/frame_geometry.h"
+#include "host/run_figures.h"
+#include "host/three_stages.h"
+#include "host/video_files.h"
 #include "platform/console.h"
-#include "shell/caption.h"
-#include "shell/instruction_set.h"
 
 namespace clarivex {
 
 namespace {
 
-void Note(const EnhanceOptions& options, const std::string& text) {
-    if (!options.quiet) std::fprintf(stderr, "clarivex: note: %s\n", text.c_str());
+constexpr size_t framesUnderWay = 4;  // on each side of the media object
+
+/// The video that comes out: the same with other pictures.
+VideoInfo EnhancedInfo(const VideoInfo& source, PictureSize size) {
+    VideoInfo enhanced = source;
+    enhanced.size = size;
+    return enhanced;
 }
 
-void ChooseSimd(const std::string& name) {
-    if (UseInstructionSet(name)) return;
-    std::string runnable;
-    for (const std::string_view one : RunnableInstructionSets())
-        runnable += (runnable.empty() ? "" : ", ") + std::string(one);
-    throw RunError("--simd " + name + ": this processor cannot run it; it runs " + runnable);
-}
-
-std::optional<PluginLibrary> LoadPlugin(const std::string& path) {
-    return path.empty() ? std::nullopt : std::optional<PluginLibrary>(path);
-}
-
-VideoFormat FormatOf(const Y4mHeader& header, SampleFormat pixelFormat) {
-    return {pixelFormat, header.size, header.frameRate, header.sampleAspect};
-}
-
-PlayerSettings SettingsOf(const EnhanceOptions& options) {
-    return {static_cast<uint32_t>(options.picture.mode), options.picture.sharpness, options.picture.lighting,
-            options.picture.allowHd};
-}
-
-/// One run of the command. The members' order is the order in which they are needed.
+/// One video. The members' order is the order in which they are needed.
 class Enhancement {
 public:
-    explicit Enhancement(const EnhanceOptions& given);
+    Enhancement(const EnhanceOptions& given, const std::string& inputPath, const std::string& outputPath);
     void Run();
 
 private:
-    void NoteLimits();
-    std::optional<uint64_t> ExpectedFrames() const;
-    FileSink OpenOutput() const;
-    std::string OutputHeader() const;
-    PictureSize OutputSize() const { return bypassed ? reader.Header().size : player.OutputSize(); }
-    void CopyFrames(Progress& progress);
-    bool ReadFrame() {
-        return Naming(InputName(options.inputs.front()), [this] { return reader.ReadFrame(frame); });
-    }
-    void WriteFrame();
-    void Report(const Progress& progress) const;
+    void CopyFrames();
+    bool Read(SourceFrame& source);
+    void Write(EnhancedFrame& enhanced);
+    void Finish();
+    [[noreturn]] void BreakOff(const std::string& reason);
+    [[noreturn]] void EndInterrupted();
+    std::string WhatIsLeft();
+    void TellFigures();
 
     const EnhanceOptions& options;
-    std::optional<PluginLibrary> plugin;
-    FileSource source;
-    Y4mReader reader;
-    Player player;
-    bool bypassed;
-    FileSink sink;
-    Y4mWriter writer;
-    Y4mFrame frame;
+    const std::string input;
+    const std::string output;
+    Report report;
+    std::unique_ptr<VideoReader> reader;
+    PicturePlayer player;
+    std::unique_ptr<VideoWriter> writer;
+    Progress progress;
 };
 
-Enhancement::Enhancement(const EnhanceOptions& given)
+Enhancement::Enhancement(const EnhanceOptions& given, const std::string& inputPath, const std::string& outputPath)
     : options(given),
-      plugin(LoadPlugin(given.picture.plugin)),
-      source(Naming(InputName(given.inputs.front()), [&] { return FileSource(given.inputs.front()); })),
-      reader(Naming(InputName(given.inputs.front()), [this] { return Y4mReader(source); })),
-      player(plugin ? plugin->MakeMediaObject() : MakeLinkedMediaObject(),
-             FormatOf(reader.Header(), given.picture.format), SettingsOf(given)),
-      bypassed(
-          Naming(InputName(given.inputs.front()), [this] { return player.Negotiate() == Negotiated::bypassedForHd; })),
-      sink(OpenOutput()),
-      writer(Naming(OutputName(given.output), [this] { return Y4mWriter(sink, OutputHeader()); })) {
-    NoteLimits();
+      input(inputPath),
+      output(outputPath),
+      report(given.quiet),
+      reader(OpenVideo(input, given.part, given.film.deinterlacing, !IsY4mOutput(output), report)),
+      player(Naming(InputName(input), [&] { return PicturePlayer(given.picture, reader->Info(), report); })),
+      writer(MakeVideo(output, input, EnhancedInfo(reader->Info(), player.OutputSize()), player.GivesFullHeightChroma(),
+                       given, report)),
+      progress(report, reader->Info().frames, reader->Info().seconds) {
     if (options.timing) player.NoteTimes();
 }
 
-FileSink Enhancement::OpenOutput() const {
-    if (SameFile(options.inputs.front(), options.output))
-        throw RunError(OutputName(options.output) + ": is the input file too; name another output");
-    return Naming(OutputName(options.output), [this] { return FileSink(options.output); });
-}
-
-std::string Enhancement::OutputHeader() const {
-    const bool fullHeightChroma = !bypassed && options.picture.format == SampleFormat::yuy2;
-    return Y4mHeaderLine(reader.Header(), {.size = OutputSize(), .fullHeightChroma = fullHeightChroma});
-}
-
-void Enhancement::NoteLimits() {
-    const PictureSize& size = reader.Header().size;
-    if (options.picture.caption.value_or(false) && !HasCaptionFont()) Note(options, noFontText);
-    if (bypassed)
-        Note(options, "high definition is bypassed: the pictures pass unchanged (--hd allow enhances them)");
-    else if (size.width < smallestWidth)
-        Note(options, "pictures less than " + std::to_string(smallestWidth) +
-                          " wide are not enhanced: they stand at the upper left of the output");
-    else if (OutputSize().width > size.width && !IsEnlargedInFull({size.width, size.height}))
-        Note(options,
-             "pictures this large are not enlarged in both directions: they stand at the upper left of the "
-             "output (--mode never keeps their size)");
-}
-
-std::optional<uint64_t> Enhancement::ExpectedFrames() const {
-    const auto size = source.Size();
-    if (size) return std::min(reader.FramesIn(*size), options.part.frames);
-    return options.part.frames == UINT64_MAX ? std::nullopt : std::optional(options.part.frames);
-}
-
 void Enhancement::Run() {
-    Progress progress(!options.quiet && IsTerminal(stderr), ExpectedFrames());
-    CopyFrames(progress);
-    if (!bypassed) player.Finish();
-    Naming(OutputName(options.output), [this] { sink.Close(); });
-    progress.Wipe();
-    Report(progress);
-}
-
-void Enhancement::CopyFrames(Progress& progress) {
     try {
-        while (progress.Count() < options.part.frames && ReadFrame()) {
-            WriteFrame();
-            progress.OneDone();
-        }
+        CopyFrames();
+        if (NotedSignal() == 0) Finish();
     } catch (const RunError& error) {
-        const uint64_t written = progress.Count();
-        throw RunError(std::string(error.what()) + "; " + std::to_string(written) +
-                       (written == 1 ? " whole frame was written" : " whole frames were written"));
+        BreakOff(error.what());
     }
+    if (NotedSignal() != 0) EndInterrupted();
+    report.WipeProgress();
+    TellFigures();
 }
 
-void Enhancement::WriteFrame() {
-    const PicturePlanes planes =
-        bypassed ? PlanarPicture{reader.Header().size, frame.samples}.Planes() : player.Play(frame.samples);
-    Naming(OutputName(options.output), [&] { writer.WriteFrame(frame.parameters, planes); });
+void Enhancement::CopyFrames() {
+    std::vector<SourceFrame> sources;
+    std::vector<EnhancedFrame> enhanced;
+    for (size_t i = 0; i < framesUnderWay; ++i) {
+        sources.push_back(player.MakeSource());
+        enhanced.push_back(player.MakeEnhanced());
+    }
+    RunThreeStages(
+        sources, enhanced, [this](SourceFrame& frame) { return Read(frame); },
+        [this](SourceFrame& source, EnhancedFrame& target) {
+            Naming(InputName(input), [&] { player.Play(source, target); });
+        },
+        [this](EnhancedFrame& frame) { Write(frame); }, WakeReaders);
 }
 
-void Enhancement::Report(const Progress& progress) const {
-    if (!options.quiet)
-        std::fprintf(stderr, "clarivex: %s\n",
-                     SummaryText(progress.Count(), reader.Header().size, OutputSize(), progress.Seconds()).c_str());
+bool Enhancement::Read(SourceFrame& source) {
+    if (NotedSignal() != 0) return false;
+    const bool more = Naming(InputName(input), [&] { return reader->Read(source.frame); });
+    if (more) player.Load(source);
+    return more && NotedSignal() == 0;
+}
+
+void Enhancement::Write(EnhancedFrame& enhanced) {
+    const PicturePlanes planes = player.PlanesOf(enhanced);
+    Naming(OutputName(output), [&] { writer->Write(enhanced.frame, planes); });
+    if (planes[0].empty()) return;
+    const Ratio base = reader->Info().timeBase;
+    const auto steps = static_cast<double>(enhanced.frame.start + enhanced.frame.length);
+    progress.OneDone(base.Known() ? steps * base.numerator / base.denominator : 0.0);
+}
+
+void Enhancement::Finish() {
+    player.Finish();
+    Naming(OutputName(output), [this] { writer->Finish(); });
+}
+
+void Enhancement::BreakOff(const std::string& reason) {
+    report.WipeProgress();
+    throw RunError(reason + "; " + WhatIsLeft());
+}
+
+void Enhancement::EndInterrupted() {
+    report.WipeProgress();
+    throw Interruption(NotedSignal(), OutputName(output) + ": interrupted; " + WhatIsLeft());
+}
+
+std::string Enhancement::WhatIsLeft() {
+    const std::string left = writer->Abandon();
+    const uint64_t written = progress.Count();
+    const std::string count = std::to_string(written) + (written == 1 ? " whole frame was" : " whole frames were");
+    return count + " written" + (left.empty() || left == output ? "" : " and stand in " + PrintablePath(left));
+}
+
+void Enhancement::TellFigures() {
+    const RunFigures figures{InputName(input),   OutputName(output),      writer->Description(),
+                             progress.Count(),   reader->Info().size,     player.OutputSize(),
+                             progress.Seconds(), progress.VideoSeconds(), reader->DamagedPlaces()};
+    report.Tell(SummaryText(figures));
     if (options.timing) std::fprintf(stderr, "clarivex: %s\n", TimingText(player.ProcessTimes()).c_str());
+    if (options.json) PrintFigures(JsonText(figures), output == "-");
+    if (figures.damagedPlaces == 0) return;
+    const std::string damage = InputName(input) + ": " + DamageText(figures.damagedPlaces);
+    if (options.film.strict) throw RunError(damage + "; --strict makes that an error");
+    report.Warn(damage);
+}
+
+void EnhanceOne(const EnhanceOptions& options, const std::string& input, const std::string& output) {
+    Enhancement(options, input, output).Run();
+}
+
+namespace files = std::filesystem;
+
+/// Where the output of an input goes: beside the others in the folder, in the same kind of file if such a film can be
+/// written.
+std::string OutputIn(const EnhanceOptions& options, const std::string& input) {
+    const files::path path(input);
+    std::string extension = path.extension().string();
+    const std::set<std::string> kept = {".y4m", ".mkv", ".mp4", ".m4v", ".mov", ".webm"};
+    if (!kept.contains(extension)) extension = ".mkv";
+    return (files::path(options.folder) / (path.stem().string() + options.suffix + extension)).string();
+}
+
+/// Two inputs of one name would write over each other.
+std::vector<std::string> OutputsIn(const EnhanceOptions& options) {
+    std::vector<std::string> outputs;
+    std::set<std::string> names;
+    for (const std::string& input : options.inputs) {
+        outputs.push_back(OutputIn(options, input));
+        if (!names.insert(outputs.back()).second)
+            throw UsageError(InputName(input) + ": another input would be written to " + OutputName(outputs.back()) +
+                             " too; enhance them one by one");
+    }
+    return outputs;
+}
+
+void EnhanceMany(const EnhanceOptions& options) {
+    const std::vector<std::string> outputs = OutputsIn(options);
+    std::error_code error;
+    files::create_directories(options.folder, error);
+    if (!files::is_directory(options.folder, error))
+        throw RunError(PrintablePath(options.folder) + ": cannot be made: name a folder that can be written to");
+    std::string failed;
+    size_t failures = 0;
+    for (size_t i = 0; i < options.inputs.size(); ++i) {
+        try {
+            EnhanceOne(options, options.inputs[i], outputs[i]);
+        } catch (const Interruption&) {
+            throw;
+        } catch (const RunError& failure) {
+            std::fprintf(stderr, "clarivex: %s\n", failure.what());
+            failed += (failures++ == 0 ? "" : ", ") + InputName(options.inputs[i]);
+        }
+    }
+    if (failures > 0)
+        throw RunError(std::to_string(failures) + " of " + std::to_string(options.inputs.size()) +
+                       " failed: " + failed);
 }
 
 }  // namespace
 
 void RunEnhance(const EnhanceOptions& options) {
-    if (options.picture.plugin.empty()) {
-        ChooseSimd(options.picture.simd);
-        ShowCaption(options.picture.caption.value_or(false));
-    }
-    Enhancement(options).Run();
+    if (options.folder.empty())
+        EnhanceOne(options, options.inputs.front(), options.output);
+    else
+        EnhanceMany(options);
 }
 
 }  // namespace clarivex

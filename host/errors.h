@@ -19,6 +19,16 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// A signal ended the run before its end; exit code 128 and the signal's number.
+class Interruption : public RunError {
+public:
+    Interruption(int signalNumber, const std::string& what) : RunError(what), number(signalNumber) {}
+    int Signal() const { return number; }
+
+private:
+    int number;
+};
+
 /// Text from a stranger, fit for one line on a terminal: at most 40 letters, unprintable ones as '?'; "(empty)"
 /// where there is none.
 std::string Printable(std::string_view text);

@@ -55,7 +55,7 @@ std::string WithItsCause(const std::string& failure) {
            " seconds; smaller pictures need less";
 }
 
-int Fail(ExitCode code, const char* what, const char* remedy = "") {
+int Fail(int code, const char* what, const char* remedy = "") {
     std::fprintf(stderr, "clarivex: %s%s\n", what, remedy);
     return code;
 }
@@ -65,6 +65,7 @@ int Fail(ExitCode code, const char* what, const char* remedy = "") {
 int main(int argumentCount, char** arguments) {
     FillStandardStreams();
     ReportFailedWrites();
+    NoteSignals();
     GiveUpOnMemoryAfter(1000 * memoryPatienceSeconds);
     try {
         Run(ParseCommandLine(
@@ -73,6 +74,8 @@ int main(int argumentCount, char** arguments) {
         return done;
     } catch (const UsageError& error) {
         return Fail(wrongUse, error.what(), "; clarivex --help shows the use");
+    } catch (const Interruption& interruption) {
+        return Fail(128 + interruption.Signal(), interruption.what());
     } catch (const std::bad_alloc&) {
         return Fail(runFailed, "not enough memory for pictures of this size");
     } catch (const std::exception& error) {

@@ -46,7 +46,7 @@ enum class SampleFormat { yv12, iyuv, yuy2 };
 
 /// Where a 4:2:0 chroma sample stands among its four luma samples: in their middle, between the two on the left, or on the
 /// upper left one.
-enum class ChromaSite { center, left, topLeft };
+enum class ChromaSite { unknown, center, left, topLeft };
 
 /// Which levels are black and white: 0 and 255, or 16 and 235 in luma and 16 … 240 in chroma. Video range where a stream
 /// says nothing.

@@ -6,26 +6,16 @@
 #include <cstdio>
 #include <vector>
 
+#include "host/words.h"
+
 namespace clarivex {
 
 namespace {
 
 constexpr Clock::duration showEvery = std::chrono::milliseconds(200);
 
-std::string Fixed(double value, int digits) {
-    char text[64];
-    std::snprintf(text, sizeof text, "%.*f", digits, value);
-    return text;
-}
-
-std::string Plural(const char* unit) { return std::string(" ") + unit + "s"; }
-
 std::string CountASecond(uint64_t count, double seconds, const char* unit) {
     return Fixed(seconds > 0.0 ? static_cast<double>(count) / seconds : 0.0, 1) + Plural(unit) + "/s";
-}
-
-std::string CountText(uint64_t count, const char* unit) {
-    return std::to_string(count) + (count == 1 ? std::string(" ") + unit : Plural(unit));
 }
 
 /// Hours only where there are any: 0:04, 1:02:03.
@@ -41,24 +31,30 @@ std::string ClockTime(double seconds) {
     return text;
 }
 
-std::string SizeText(PictureSize size) { return std::to_string(size.width) + "x" + std::to_string(size.height); }
+/// 0 … 1, and 0 where the whole is not known.
+double PartDone(const Advance& advance) {
+    if (advance.total && *advance.total >= advance.count)
+        return static_cast<double>(advance.count) / static_cast<double>(*advance.total);
+    return advance.videoTotal && *advance.videoTotal > 0.0
+               ? std::clamp(advance.videoSeconds / *advance.videoTotal, 0.0, 1.0)
+               : 0.0;
+}
 
 double Milliseconds(Clock::duration time) { return std::chrono::duration<double, std::milli>(time).count(); }
 
 }  // namespace
 
-std::string ProgressText(uint64_t count, std::optional<uint64_t> total, double seconds, const char* unit) {
-    if (!total || *total < count) return CountText(count, unit) + ", " + CountASecond(count, seconds, unit);
-    std::string text =
-        std::to_string(count) + " of " + CountText(*total, unit) + ", " + CountASecond(count, seconds, unit);
-    if (count > 0)
-        text += ", " + ClockTime(seconds / static_cast<double>(count) * static_cast<double>(*total - count)) + " left";
+std::string ProgressText(const Advance& advance, const char* unit) {
+    const bool counts = advance.total && *advance.total >= advance.count;
+    std::string text = counts ? std::to_string(advance.count) + " of " + CountText(*advance.total, unit)
+                              : CountText(advance.count, unit);
+    const double done = PartDone(advance);
+    if (done > 0.0) text += ", " + Fixed(100.0 * done, 0) + " %";
+    text += ", " + CountASecond(advance.count, advance.seconds, unit);
+    if (advance.videoSeconds > 0.0 && advance.seconds > 0.0)
+        text += ", " + Fixed(advance.videoSeconds / advance.seconds, 1) + " x real time";
+    if (done > 0.0) text += ", " + ClockTime(advance.seconds / done * (1.0 - done)) + " left";
     return text;
-}
-
-std::string SummaryText(uint64_t frames, PictureSize from, PictureSize to, double seconds) {
-    return CountText(frames, "frame") + ", " + SizeText(from) + " to " + SizeText(to) + ", " +
-           CountASecond(frames, seconds, "frame");
 }
 
 std::string TimingText(std::span<const Clock::duration> times) {
@@ -73,29 +69,19 @@ std::string TimingText(std::span<const Clock::duration> times) {
            " ms";
 }
 
-Progress::Progress(bool visible, std::optional<uint64_t> wholeCount, const char* counted)
-    : shown(visible), total(wholeCount), unit(counted) {}
+Progress::Progress(Report& report, std::optional<uint64_t> wholeCount, std::optional<double> wholeTime,
+                   const char* counted)
+    : shown(report), advance{.total = wholeCount, .videoTotal = wholeTime}, unit(counted) {}
 
-Progress::~Progress() { Wipe(); }
-
-void Progress::Wipe() {
-    if (lettersShown > 0) std::fprintf(stderr, "\r%*s\r", static_cast<int>(lettersShown), "");
-    lettersShown = 0;
-}
-
-void Progress::OneDone() {
-    ++count;
-    if (!shown || Clock::now() < nextShow) return;
+void Progress::OneDone(double videoSeconds) {
+    ++advance.count;
+    advance.videoSeconds = videoSeconds;
+    if (!shown.ShowsProgress() || Clock::now() < nextShow) return;
     nextShow = Clock::now() + showEvery;
-    Show(ProgressText(count, total, Seconds(), unit));
+    advance.seconds = Seconds();
+    shown.ShowProgress(ProgressText(advance, unit));
 }
 
 double Progress::Seconds() const { return std::chrono::duration<double>(Clock::now() - start).count(); }
-
-void Progress::Show(const std::string& text) {
-    lettersShown = std::max(lettersShown, text.size());  // spaces wipe what a longer line left behind
-    std::fprintf(stderr, "\r%-*s", static_cast<int>(lettersShown), text.c_str());
-    std::fflush(stderr);
-}
 
 }  // namespace clarivex

@@ -7,51 +7,51 @@
 #include <span>
 #include <string>
 
-#include "host/picture.h"
+#include "host/report.h"
 
 namespace clarivex {
 
 using Clock = std::chrono::steady_clock;
 
-/// "123 of 300 frames, 45.6 frames/s, 0:04 left"; without `total` neither "of" nor the time left. seconds at least 0.
+/// How far a run has come.
+struct Advance {
+    uint64_t count = 0;             ///< frames, or what else is counted
+    std::optional<uint64_t> total;  ///< what the count will come to
+    double seconds = 0.0;           ///< that have passed; at least 0
+    double videoSeconds = 0.0;      ///< that the frames so far play; 0 where that is not known
+    std::optional<double> videoTotal;
+};
+
+/// "123 of 300 frames, 41 %, 45.6 frames/s, 1.8 x real time, 0:04 left". What is not known is left out; percent and time
+/// left go by the video's length where the whole count is not known.
 ///
 /// unit  what is counted, in the singular
-std::string ProgressText(uint64_t count, std::optional<uint64_t> total, double seconds, const char* unit = "frame");
-
-/// "300 frames, 640x480 to 960x720, 45.6 frames/s".
-std::string SummaryText(uint64_t frames, PictureSize from, PictureSize to, double seconds);
+std::string ProgressText(const Advance& advance, const char* unit = "frame");
 
 /// Total, mean, minimum and median of the times, in milliseconds. Any number of frames, none included.
 std::string TimingText(std::span<const Clock::duration> times);
 
-/// The progress line on standard error, written over itself a few times a second and wiped at the end.
+/// The progress line of a run, brought up to date a few times a second. One thread counts.
 class Progress {
 public:
-    /// visible     off makes every call do nothing that can be seen
+    /// report      must outlive the progress
     /// wholeCount  what the count will come to, where that is known
+    /// wholeTime   seconds that the video plays, where that is known
     /// counted     in the singular
-    Progress(bool visible, std::optional<uint64_t> wholeCount, const char* counted = "frame");
-    ~Progress();
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
+    Progress(Report& report, std::optional<uint64_t> wholeCount, std::optional<double> wholeTime = {},
+             const char* counted = "frame");
 
-    /// Counts one more.
-    void OneDone();
+    /// Counts one more, up to which the video plays for `videoSeconds`.
+    void OneDone(double videoSeconds = 0.0);
 
-    /// Takes the line off the terminal, so that another can take its place.
-    void Wipe();
-
-    uint64_t Count() const { return count; }
+    uint64_t Count() const { return advance.count; }
+    double VideoSeconds() const { return advance.videoSeconds; }
     double Seconds() const;  ///< since construction
 
 private:
-    void Show(const std::string& text);
-
-    bool shown;
-    std::optional<uint64_t> total;
+    Report& shown;
+    Advance advance;
     const char* unit;
-    uint64_t count = 0;
-    size_t lettersShown = 0;
     Clock::time_point start = Clock::now();
     Clock::time_point nextShow = start;
 };

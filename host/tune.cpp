@@ -12,7 +12,6 @@
 #include "host/naming.h"
 #include "host/progress.h"
 #include "host/studio_colour.h"
-#include "platform/console.h"
 #include "shell/tuning.h"
 
 namespace clarivex {
@@ -71,10 +70,10 @@ std::string SettingsTable(const std::vector<TunedSetting>& settings) {
     return table;
 }
 
-PictureTuning Tune(const TuneOptions& options, TuningPicture target, Progress& progress) {
+PictureTuning Tune(const TuneOptions& options, TuningPicture target, Report& report, Progress& progress) {
     const auto observe = [&](const TuningAttempt& attempt) {
         if (attempt.improves) {
-            progress.Wipe();
+            report.WipeProgress();
             PrintResult(Formatted("err : %.5f\n", attempt.error));
         }
         progress.OneDone();
@@ -88,7 +87,7 @@ PictureTuning Tune(const TuneOptions& options, TuningPicture target, Progress& p
 
 std::string Summary(const PictureTuning& tuning, const Progress& progress) {
     const auto attempts = static_cast<unsigned long long>(progress.Count());
-    return Formatted("clarivex: %llu attempt%s, %dx%d to %dx%d, err %.5f to %.5f\n", attempts, attempts == 1 ? "" : "s",
+    return Formatted("%llu attempt%s, %dx%d to %dx%d, err %.5f to %.5f", attempts, attempts == 1 ? "" : "s",
                      tuning.reduced.width, tuning.reduced.height, tuning.enhanced.width, tuning.enhanced.height,
                      tuning.startError, tuning.bestError);
 }
@@ -99,12 +98,13 @@ void RunTune(const TuneOptions& options) {
     CheckTargetSurvives(options.target);
     TuningPicture target = ReadTarget(options.target);
     CheckPicturesCanBeWritten();
-    Progress progress(!options.quiet && IsTerminal(stderr), static_cast<uint64_t>(options.tuning.attempts), "attempt");
-    const PictureTuning tuning = Tune(options, std::move(target), progress);
-    progress.Wipe();
+    Report report(options.quiet);
+    Progress progress(report, static_cast<uint64_t>(options.tuning.attempts), std::nullopt, "attempt");
+    const PictureTuning tuning = Tune(options, std::move(target), report, progress);
+    report.WipeProgress();
     WritePictures(tuning);
     PrintResult(SettingsTable(tuning.settings));
-    if (!options.quiet) std::fputs(Summary(tuning, progress).c_str(), stderr);
+    report.Tell(Summary(tuning, progress));
 }
 
 }  // namespace clarivex

@@ -11,7 +11,6 @@ namespace clarivex {
 
 namespace {
 
-constexpr std::string_view streamMagic = "YUV4MPEG2";
 constexpr std::string_view frameMagic = "FRAME";
 constexpr std::string_view subsamplingTag = "XYSCSS=";  // an older way to name the chroma format
 constexpr std::string_view rangeTag = "XCOLORRANGE=";
@@ -187,9 +186,9 @@ std::string CutShort(uint64_t frame, size_t expected, size_t found) {
 }  // namespace
 
 Y4mHeader ParseY4mHeader(std::string_view line) {
-    if (!BeginsWithWord(line, streamMagic)) throw RunError(std::string("is not a Y4M stream; ") + conversion);
+    if (!BeginsWithWord(line, y4mMagic)) throw RunError(std::string("is not a Y4M stream; ") + conversion);
     Y4mHeader header;
-    header.tags = Words(line.substr(streamMagic.size()));
+    header.tags = Words(line.substr(y4mMagic.size()));
     for (const std::string& tag : header.tags) ReadTag(tag, header);
     CheckSize(header);
     ReadOlderChroma(header);
@@ -210,7 +209,7 @@ std::string InterlacingWarning(const Y4mHeader& header) {
 }
 
 std::string Y4mHeaderLine(const Y4mHeader& input, const Y4mChanges& changes) {
-    std::string line(streamMagic);
+    std::string line(y4mMagic);
     for (const std::string& tag : input.tags)
         if (const std::string changed = ChangedTag(tag, changes); !changed.empty()) line += " " + changed;
     if (changes.fullHeightChroma && !HasTag(input, 'C')) line += " C422";
@@ -219,7 +218,7 @@ std::string Y4mHeaderLine(const Y4mHeader& input, const Y4mChanges& changes) {
 
 std::string Y4mHeaderLine(const Y4mFormat& format) {
     const auto ratio = [](const Ratio& r) { return std::to_string(r.numerator) + ":" + std::to_string(r.denominator); };
-    std::string line(streamMagic);
+    std::string line(y4mMagic);
     line += " W" + std::to_string(format.size.width) + " H" + std::to_string(format.size.height);
     if (format.frameRate.Known()) line += " F" + ratio(format.frameRate);
     line += " Ip";
@@ -233,7 +232,7 @@ Y4mReader::Y4mReader(ByteSource& stream) : source(stream) {
     if (!line.complete && line.text.empty())
         throw RunError(std::string("is empty, a Y4M stream is needed; ") +
                        (source.MayBePiped() ? "the program before it in the pipe may have failed; " : "") + conversion);
-    if (!line.complete && line.text.starts_with(streamMagic))
+    if (!line.complete && line.text.starts_with(y4mMagic))
         throw RunError("the Y4M header has no line end within " + std::to_string(longestY4mLine) + " bytes; " +
                        conversion);
     header = ParseY4mHeader(line.text);

@@ -11,7 +11,8 @@
 
 namespace clarivex {
 
-constexpr size_t longestY4mLine = 2048;  ///< of a stream's or a frame's header, in bytes
+constexpr std::string_view y4mMagic = "YUV4MPEG2";  ///< how a stream begins
+constexpr size_t longestY4mLine = 2048;             ///< of a stream's or a frame's header, in bytes
 
 /// In which order a stream's frames show their two fields; a stream that does not say counts as progressive.
 enum class Interlacing { progressive, topFieldFirst, bottomFieldFirst, mixed };

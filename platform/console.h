@@ -27,4 +27,8 @@ void NoteSignals();
 /// The signal that was noted, SIGINT or SIGTERM; 0 while none has come. For any thread.
 int NotedSignal();
 
+/// Ends every wait of ReadBytes, as if its stream ended or failed there, for a program that wants no more input. From then
+/// on none waits. Call behind NoteSignals.
+void WakeReaders();
+
 }  // namespace clarivex

@@ -23,7 +23,7 @@ void NoteSignal(int signal) {
     std::signal(SIGTERM, SIG_DFL);
     notedSignal.store(signal);
     const int interrupted = errno;  // belongs to whatever this thread was about
-    [[maybe_unused]] const ssize_t written = write(signalPipe[1], "", 1);
+    WakeReaders();
     errno = interrupted;
 }
 
@@ -59,6 +59,8 @@ void NoteSignals() {
 }
 
 int NotedSignal() { return notedSignal.load(); }
+
+void WakeReaders() { [[maybe_unused]] const ssize_t written = write(signalPipe[1], "", 1); }
 
 int SignalPipe() { return signalPipe[0]; }
 

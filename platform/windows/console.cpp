@@ -23,7 +23,7 @@ std::atomic<int> notedSignal = 0;
 std::mutex readersLock;
 std::vector<DWORD> readers;
 
-bool WakeReaders() {
+bool WakeThoseThere() {
     const std::lock_guard guard(readersLock);
     for (const DWORD reader : readers) {
         const HANDLE thread = OpenThread(THREAD_TERMINATE, FALSE, reader);
@@ -34,12 +34,12 @@ bool WakeReaders() {
     return !readers.empty();
 }
 
-/// Runs on a thread of its own. A reader may be on its way into the wait, so they are woken until none is left.
+/// Runs on a thread of its own.
 BOOL WINAPI NoteSignal(DWORD event) {
     int none = 0;
     if ((event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) || !notedSignal.compare_exchange_strong(none, SIGINT))
         return FALSE;
-    while (WakeReaders()) Sleep(10);
+    WakeReaders();
     return TRUE;
 }
 
@@ -73,5 +73,9 @@ void ReportFailedWrites() {}  // such a write returns an error here by itself
 void NoteSignals() { SetConsoleCtrlHandler(NoteSignal, TRUE); }
 
 int NotedSignal() { return notedSignal.load(); }
+
+void WakeReaders() {
+    while (WakeThoseThere()) Sleep(10);  // one may be on its way into the wait: until none is left
+}
 
 }  // namespace clarivex

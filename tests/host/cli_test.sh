@@ -50,7 +50,7 @@ expect 2 '--plugin works in the Windows program only' enhance --plugin some.dll 
 expect 1 'missing.y4m: cannot be opened for reading' enhance missing.y4m out.y4m
 expect 1 ': cannot be opened for reading: it is a folder' enhance . out.y4m
 expect 1 'standard input: is empty, .* the program before it in the pipe may have failed' enhance - out.y4m
-from=$clarivex expect 1 'standard input: is not a Y4M stream; ffmpeg' enhance - out.y4m
+from=$clarivex expect 1 'standard input: is not a Y4M stream' enhance - out.y4m
 [ ! -e out.y4m ] || fail 'a run in vain left an output file'
 
 # A good run keeps the tags and tells what it did.
@@ -93,7 +93,7 @@ run enhance --quiet long.y4m long_out.y4m
 
 # Without standard streams no file takes their place, and nothing is lost in silence.
 echo 'YUV4MPEG2 W31 H16' | run enhance - closed.y4m 2>&-
-[ "$(cat closed.y4m)" = 'YUV4MPEG2 W48 H24' ] || fail 'notes went into the video'
+[ "$(cat closed.y4m)" = 'YUV4MPEG2 W31 H16' ] || fail 'notes went into the video'
 run enhance clip.y4m - >&- 2>errors && fail 'frames went nowhere'
 
 # The input is never written over, by whatever name.
@@ -104,35 +104,43 @@ into=same.y4m expect 1 'standard output: is the input file too' enhance --frames
 from=same.y4m into=same.y4m expect 1 'standard output: is the input file too' enhance --frames 2 - -
 cmp -s clip.y4m same.y4m || fail 'the input was harmed'
 
-# One frame on both sides of each limit and of odd sizes: the size that comes out, and a note of what is not done. Enlarged
-# are pairs of columns, up to a multiple of 8, and whole pairs of rows.
+# One frame on both sides of each limit and of odd sizes: the size that comes out, and what is told of what is not done.
+# Enlarged are pairs of columns and whole pairs of rows; of what fills them up to a multiple of 8 nothing is written.
 while read -r width height options pattern; do
     { echo "YUV4MPEG2 W$width H$height F25:1" && echo FRAME &&
         yes abc | head -c $((width * height + (width + 1) / 2 * ((height + 1) / 2) * 2)); } >limits.y4m
     case $options in
-        --mode=always*) size=$((((width + 1) / 2 * 3 + 7) / 8 * 8))x$((height / 2 * 3)) ;;
+        *keep*) size=$((((width + 1) / 2 * 3 + 7) / 8 * 8))x$((height / 2 * 3)) ;;
+        --mode=always*) size=$((width * 3 / 4 * 2))x$((height / 2 * 3)) ;;
         *) size=${width}x$height ;;
     esac
     run enhance ${options//,/ } limits.y4m limits_out.y4m 2>errors || fail "${width}x$height $options"
     grep -q "1 frame, ${width}x$height to $size," errors || fail "${width}x$height $options does not come to $size"
-    [ "$(grep -c note: errors)" = "$([ "$pattern" = none ]; echo $?)" ] || fail "count of notes: ${width}x$height $options"
-    [ "$pattern" = none ] || grep -q "note: $pattern" errors || fail "no note of $pattern: ${width}x$height $options"
+    [ "$(grep -c '\(note\|warning\):' errors)" = "$([ "$pattern" = none ]; echo $?)" ] || fail "count of notes: ${width}x$height $options"
+    [ "$pattern" = none ] || grep -Eq "$pattern" errors || fail "not told '$pattern': ${width}x$height $options"
 done <<'END'
-31 16 --mode=always pictures less than 32 wide
+31 16 --padding=crop note: pictures less than 32 wide .* pass unchanged
+31 16 --mode=always,--limits=plugin warning: pictures less than 32 wide .* stand at the upper left
 32 16 --mode=always none
 33 18 --mode=always,--format=iyuv none
 34 17 --mode=always,--format=yuy2 none
+33 18 --mode=always,--padding=keep,--format=iyuv none
+34 17 --mode=always,--padding=keep,--format=yuy2 none
 65 49 --mode=never none
 65 49 --mode=never,--format=yuy2 none
-1440 859 --mode=always none
-1440 860 --mode=always pictures this large
-2047 16 --mode=always none
-2048 16 --mode=always pictures this large
-64 1021 --mode=always none
-64 1022 --mode=always pictures this large
+1440 859 --mode=always,--limits=plugin none
+1440 860 --mode=always none
+1440 860 --mode=always,--limits=plugin warning: pictures this large
+1440 860 --mode=never,--limits=plugin warning: pictures this large
+2047 16 --mode=always,--limits=plugin none
+2048 16 --mode=always none
+2048 16 --mode=always,--limits=plugin warning: pictures this large
+64 1021 --mode=always,--limits=plugin none
+64 1022 --mode=always none
+64 1022 --mode=always,--limits=plugin warning: pictures this large
 1024 575 --mode=always,--hd=bypass none
-1440 860 --hd=bypass high definition is bypassed
-1024 576 --hd=bypass high definition is bypassed
+1440 860 --hd=bypass note: high definition is bypassed
+1024 576 --hd=bypass note: high definition is bypassed
 END
 cmp -s limits.y4m limits_out.y4m || fail 'a bypassed video was changed'
 

@@ -1,0 +1,55 @@
+// Y4M streams as videos.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "host/byte_stream.h"
+#include "host/options.h"
+#include "host/report.h"
+#include "host/video_stream.h"
+#include "host/y4m.h"
+
+namespace clarivex {
+
+class Y4mVideoReader final : public VideoReader {
+public:
+    /// Reads the stream's header. Pictures in full range come in video range; notes and warnings tell of that and of
+    /// interlacing. Throws RunError for what Y4mReader refuses, and for a time to start at without a frame rate.
+    Y4mVideoReader(std::unique_ptr<FileSource> stream, const PartOptions& wanted, Report& report);
+
+    const VideoInfo& Info() const override { return info; }
+    bool Read(VideoFrame& frame) override;
+
+private:
+    void SetTimes(const PartOptions& wanted);
+
+    std::unique_ptr<FileSource> source;
+    Y4mReader reader;
+    VideoInfo info;
+    uint64_t skipped = 0;  // frames before the first that is wanted
+    uint64_t wantedFrames = UINT64_MAX;
+    uint64_t framesRead = 0;
+    Y4mFrame buffer;
+};
+
+class Y4mVideoWriter final : public VideoWriter {
+public:
+    /// Opens the path and writes the stream's header. Throws RunError.
+    ///
+    /// video  of the pictures written; the tags that it has from a Y4M stream go on
+    Y4mVideoWriter(const std::string& path, const VideoInfo& video, bool fullHeightChroma);
+
+    void Write(const VideoFrame& frame, const PicturePlanes& planes) override;
+    void Finish() override { sink.Close(); }
+
+    /// The frames written are whole as they are.
+    std::string Abandon() override { return name; }
+
+private:
+    std::string name;
+    FileSink sink;
+    Y4mWriter writer;
+};
+
+}  // namespace clarivex
