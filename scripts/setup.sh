@@ -10,6 +10,7 @@ set -eu
 cd "$(dirname "$0")/.."
 
 packages=(cmake ninja-build g++ googletest libbenchmark-dev libfreetype-dev libfontconfig-dev fonts-dejavu-core ffmpeg)
+packages+=(pkg-config libavformat-dev libavcodec-dev libavfilter-dev libswscale-dev libavutil-dev)
 case ${1:-all} in
 native) ;;
 all)

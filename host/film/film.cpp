@@ -1,0 +1,21 @@
+#include "host/film.h"
+
+#include "host/film/film_reader.h"
+#include "host/film/film_writer.h"
+
+namespace clarivex {
+
+std::unique_ptr<VideoReader> OpenFilm(const FilmRequest& request, Report& report) {
+    return std::make_unique<FilmReader>(request, report);
+}
+
+std::unique_ptr<VideoWriter> MakeFilm(const FilmTarget& target, Report& report) {
+    return std::make_unique<FilmWriter>(target, report);
+}
+
+bool IsFilmExtension(const std::string& extension) {
+    const AVOutputFormat* const container = av_guess_format(nullptr, ("film" + extension).c_str(), nullptr);
+    return container && container->video_codec != AV_CODEC_ID_NONE && (container->flags & AVFMT_NOFILE) == 0;
+}
+
+}  // namespace clarivex

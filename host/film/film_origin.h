@@ -1,0 +1,40 @@
+// An opened film: its container, the stream whose pictures are taken, and what of its time is wanted.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "host/film.h"
+#include "host/film/av_objects.h"
+
+namespace clarivex {
+
+/// Owns the container. What a writer copies from it does not change once it is open.
+struct FilmOrigin {
+    /// Opens the container and finds its best video stream. Throws RunError.
+    explicit FilmOrigin(const FilmRequest& request);
+
+    AVStream& VideoStream() const { return *container->streams[videoIndex]; }
+
+    /// Where the part begins that is wanted, in AV_TIME_BASE units of the container's own clock.
+    int64_t PartStart() const { return firstTime + partStart; }
+
+private:
+    AvPointer<AVIOContext> streamInput;  // where it is read from a stream; outlives the container
+
+public:
+    AvPointer<AVFormatContext> container;
+    int videoIndex = -1;
+    int64_t firstTime = 0;  ///< of the container, in AV_TIME_BASE units; 0 where that begins before 0
+    int64_t partStart = 0;  ///< after firstTime
+
+private:
+    void Open(const FilmRequest& request);
+    void FindVideo();
+    void SeekToPart();
+};
+
+/// A time for messages: 0:04.200, 1:02:03.000.
+std::string TimeText(double seconds);
+
+}  // namespace clarivex

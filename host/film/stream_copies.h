@@ -1,0 +1,48 @@
+// What a film holds beside its pictures, brought into the new one untouched: sound, subtitles, covers, attachments, chapters
+// and texts.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/film/film_origin.h"
+#include "host/report.h"
+
+namespace clarivex {
+
+class StreamCopies {
+public:
+    /// Adds to `output`, which holds the stream of pictures alone, all that its container takes; notes name what it does
+    /// not. `encoder` is that of the pictures. Throws std::bad_alloc.
+    StreamCopies(const FilmOrigin& from, const AVCodecContext& encoder, AVFormatContext& output, Report& report);
+
+    /// Writes the covers, behind the header. Throws RunError.
+    void WriteCovers();
+
+    /// Writes a packet of the origin, if its stream is copied. Throws RunError.
+    void Write(const AVPacket& packet);
+
+    /// "2 audio and 1 subtitle streams copied"; empty when there are none.
+    std::string Description() const;
+
+private:
+    struct Copy {
+        int source = 0;
+        int target = 0;
+        int64_t lastTime = INT64_MIN;
+    };
+
+    void AddStream(const AVStream& source);
+    void AddChapters();
+
+    const FilmOrigin& origin;
+    AVFormatContext& output;
+    std::vector<Copy> copies;
+    AvPointer<AVPacket> packet = MakeAvPacket();
+};
+
+/// Copies a film's own texts, but for those that describe a file that no longer is.
+void CopyTexts(const AVDictionary* from, AVDictionary** to);
+
+}  // namespace clarivex
