@@ -97,7 +97,7 @@ struct StopAtEnd {
 /// read             bool (Input&): fills an item, false when there is none
 /// work             void (Input&, Output&)
 /// write            void (Output&)
-/// wake             void (): called when `read` may be waiting for something that is not wanted any more
+/// wake             void (): called, on any thread, when `read` may be waiting for something that is not wanted any more
 /// throws           what the first of them to fail has thrown, once all have ended. What was read before `read` failed is
 ///                  still written; before a failure of `work` so is what it had finished.
 template <class Input, class Output, class Read, class Work, class Write, class Wake>
@@ -122,7 +122,10 @@ void RunThreeStages(std::vector<Input>& inputs, std::vector<Output>& outputs, Re
                     toWrite.GiveBack(item);
                 }
             });
+            if (!writeError) return;
             toWrite.Stop();
+            toWork.Stop();
+            wake();
         });
         workError = CaughtFrom([&] {
             for (Input* input = toWork.TakeFilled(); input; input = toWork.TakeFilled()) {
@@ -135,7 +138,7 @@ void RunThreeStages(std::vector<Input>& inputs, std::vector<Output>& outputs, Re
         });
         toWrite.End();
         writer.join();
-        if (workError || writeError) {
+        if (workError) {
             toWork.Stop();
             wake();
         }
