@@ -69,6 +69,14 @@ void BufferLayout::Put(const PlanarPicture& picture, std::span<uint8_t> buffer) 
         PutPlanar(picture, buffer);
 }
 
+std::optional<WritablePlanes> BufferLayout::PlanesIn(std::span<uint8_t> buffer) const {
+    if (format == SampleFormat::yuy2 || size.width % 2 != 0 || size.height % 2 != 0) return std::nullopt;
+    const auto earlier = buffer.subspan(EarlierChromaPlace().offset, size.ChromaBytes());
+    const auto later = buffer.subspan(LaterChromaPlace().offset, size.ChromaBytes());
+    const bool yv12 = format == SampleFormat::yv12;
+    return WritablePlanes{buffer.first(size.LumaBytes()), yv12 ? later : earlier, yv12 ? earlier : later};
+}
+
 PicturePlanes BufferLayout::Get(std::span<const uint8_t> buffer, std::vector<uint8_t>& scratch) const {
     return format == SampleFormat::yuy2 ? GetPacked(buffer, scratch) : GetPlanar(buffer, scratch);
 }

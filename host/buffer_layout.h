@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -28,6 +29,10 @@ public:
     /// the top, the earlier chroma plane before the later one; YUY2 repeats each chroma row for both rows of a pair and
     /// the last luma of an odd width. `buffer` has at least Bytes() bytes; the picture is not larger than Size().
     void Put(const PlanarPicture& picture, std::span<uint8_t> buffer) const;
+
+    /// Where in `buffer` a 4:2:0 picture of this size can be put plane by plane: nothing for YUY2 and for odd sides, whose
+    /// rows have gaps.
+    std::optional<WritablePlanes> PlanesIn(std::span<uint8_t> buffer) const;
 
     /// The picture's planes: 4:2:0 from the planar formats, 4:2:2 from YUY2. They point into `buffer` where its rows have
     /// no gaps, otherwise into `scratch`, which is resized. The last chroma row of the earlier plane, overwritten by the

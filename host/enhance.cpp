@@ -21,7 +21,12 @@ namespace clarivex {
 
 namespace {
 
-constexpr size_t framesUnderWay = 4;  // on each side of the media object
+/// How many frames may be under way on each side of the media object: a few, and of large pictures only what it takes to
+/// work at once.
+size_t FramesUnderWay(PictureSize size) {
+    constexpr size_t enoughBytes = size_t{1} << 26;
+    return std::clamp<size_t>(enoughBytes / size.PlanarBytes(), 2, 4);
+}
 
 /// The video that comes out: the same with other pictures.
 VideoInfo EnhancedInfo(const VideoInfo& source, PictureSize size) {
@@ -84,7 +89,8 @@ void Enhancement::Run() {
 void Enhancement::CopyFrames() {
     std::vector<SourceFrame> sources;
     std::vector<EnhancedFrame> enhanced;
-    for (size_t i = 0; i < framesUnderWay; ++i) {
+    const size_t count = FramesUnderWay(player.OutputSize());
+    for (size_t i = 0; i < count; ++i) {
         sources.push_back(player.MakeSource());
         enhanced.push_back(player.MakeEnhanced());
     }
@@ -98,7 +104,7 @@ void Enhancement::CopyFrames() {
 
 bool Enhancement::Read(SourceFrame& source) {
     if (NotedSignal() != 0) return false;
-    const bool more = Naming(InputName(input), [&] { return reader->Read(source.frame); });
+    const bool more = Naming(InputName(input), [&] { return reader->Read(source.frame, source.planes); });
     if (more) player.Load(source);
     return more && NotedSignal() == 0;
 }
@@ -106,7 +112,7 @@ bool Enhancement::Read(SourceFrame& source) {
 void Enhancement::Write(EnhancedFrame& enhanced) {
     const PicturePlanes planes = player.PlanesOf(enhanced);
     Naming(OutputName(output), [&] { writer->Write(enhanced.frame, planes); });
-    if (planes[0].empty()) return;
+    if (!enhanced.frame.hasPicture) return;
     const Ratio base = reader->Info().timeBase;
     const auto steps = static_cast<double>(enhanced.frame.start + enhanced.frame.length);
     progress.OneDone(base.Known() ? steps * base.numerator / base.denominator : 0.0);

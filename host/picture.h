@@ -55,16 +55,23 @@ enum class ColourRange { video, full };
 /// Luma, U and V of one picture, each without gaps between its rows.
 using PicturePlanes = std::array<std::span<const uint8_t>, 3>;
 
+/// The same where a picture is to be put.
+using WritablePlanes = std::array<std::span<uint8_t>, 3>;
+
+/// The planes of a 4:2:0 picture in one piece: Y, U, V, size.PlanarBytes() in all.
+template <class Sample>
+std::array<std::span<Sample>, 3> PlanesIn(PictureSize size, std::span<Sample> samples) {
+    const size_t luma = size.LumaBytes();
+    const size_t chroma = size.ChromaBytes();
+    return {samples.subspan(0, luma), samples.subspan(luma, chroma), samples.subspan(luma + chroma, chroma)};
+}
+
 /// A 4:2:0 picture in one piece, its planes in the order Y, U, V. Owns nothing.
 struct PlanarPicture {
     PictureSize size;
     std::span<const uint8_t> samples;  ///< size.PlanarBytes()
 
-    PicturePlanes Planes() const {
-        const size_t luma = size.LumaBytes();
-        const size_t chroma = size.ChromaBytes();
-        return {samples.subspan(0, luma), samples.subspan(luma, chroma), samples.subspan(luma + chroma, chroma)};
-    }
+    PicturePlanes Planes() const { return PlanesIn(size, samples); }
 };
 
 }  // namespace clarivex

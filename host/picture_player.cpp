@@ -89,19 +89,38 @@ void PicturePlayer::TellLimits(const PictureOptions& options, Report& report) co
         report.Warn("pictures this large are not enhanced: they pass unchanged (--limits off enhances them)");
 }
 
-SourceFrame PicturePlayer::MakeSource() const { return {{}, bypassed ? nullptr : player.MakeInput()}; }
+SourceFrame PicturePlayer::MakeSource() const {
+    SourceFrame source;
+    if (!bypassed) source.buffer = player.MakeInput();
+    const auto inBuffer = bypassed || !writesAll ? std::nullopt : player.InputLayout().PlanesIn(source.buffer->Bytes());
+    if (!inBuffer) source.samples.resize(sourceSize.PlanarBytes());
+    source.planes = inBuffer ? *inBuffer : PlanesIn<uint8_t>(sourceSize, source.samples);
+    return source;
+}
 
-EnhancedFrame PicturePlayer::MakeEnhanced() const { return {{}, bypassed ? nullptr : player.MakeOutput(), {}, {}}; }
+EnhancedFrame PicturePlayer::MakeEnhanced() const {
+    EnhancedFrame enhanced;
+    if (bypassed)
+        enhanced.passed.resize(sourceSize.PlanarBytes());
+    else
+        enhanced.buffer = player.MakeOutput();
+    return enhanced;
+}
 
 void PicturePlayer::Load(SourceFrame& source) const {
-    if (source.buffer && !source.frame.samples.empty())
-        player.InputLayout().Put({sourceSize, source.frame.samples}, source.buffer->Bytes());
+    if (!bypassed && source.frame.hasPicture && !source.samples.empty())
+        player.InputLayout().Put({sourceSize, source.samples}, source.buffer->Bytes());
 }
 
 void PicturePlayer::Play(SourceFrame& source, EnhancedFrame& target) {
     std::swap(source.frame, target.frame);
-    if (!target.buffer || target.frame.samples.empty()) return;
-    if (!writesAll) player.OutputLayout().Put({sourceSize, target.frame.samples}, target.buffer->Bytes());
+    if (!target.frame.hasPicture) return;
+    if (bypassed) {
+        std::swap(source.samples, target.passed);
+        source.planes = PlanesIn<uint8_t>(sourceSize, source.samples);
+        return;
+    }
+    if (!writesAll) player.OutputLayout().Put({sourceSize, source.samples}, target.buffer->Bytes());
     player.Play(*source.buffer, *target.buffer, TimesOf(target.frame));
 }
 
@@ -115,8 +134,8 @@ std::optional<FrameTimes> PicturePlayer::TimesOf(const VideoFrame& frame) const 
 }
 
 PicturePlanes PicturePlayer::PlanesOf(EnhancedFrame& enhanced) const {
-    if (enhanced.frame.samples.empty()) return {};
-    if (bypassed) return PlanarPicture{sourceSize, enhanced.frame.samples}.Planes();
+    if (!enhanced.frame.hasPicture) return {};
+    if (bypassed) return PlanarPicture{sourceSize, enhanced.passed}.Planes();
     const PicturePlanes planes = player.OutputLayout().Get(enhanced.buffer->Bytes(), enhanced.unpacked);
     return writtenSize == PlayedSize() ? planes : Cropped(planes, enhanced.cropped);
 }

@@ -14,11 +14,14 @@ namespace clarivex {
 /// A frame on its way to the media object, and one that comes from it. Made once, used again for frame after frame.
 struct SourceFrame {
     VideoFrame frame;
+    WritablePlanes planes;  ///< where its picture goes: in the buffer if that has no gaps, otherwise in the samples
+    std::vector<uint8_t> samples;
     ComPointer<MediaBuffer> buffer;
 };
 struct EnhancedFrame {
-    VideoFrame frame;  ///< its samples are the source's
+    VideoFrame frame;
     ComPointer<MediaBuffer> buffer;
+    std::vector<uint8_t> passed;  ///< the source's samples, where they pass unchanged
     std::vector<uint8_t> unpacked;
     std::vector<uint8_t> cropped;
 };
@@ -38,7 +41,7 @@ public:
     SourceFrame MakeSource() const;
     EnhancedFrame MakeEnhanced() const;
 
-    /// Brings the samples of a frame into its buffer.
+    /// Brings a frame that was read into its planes to where the media object reads it.
     void Load(SourceFrame& source) const;
 
     /// Enhances a frame; what comes with it changes hands. Throws RunError when the object reports a failure.

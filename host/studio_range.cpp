@@ -28,9 +28,10 @@ void Replace(std::span<uint8_t> samples, const LevelTable& levels) {
 
 }  // namespace
 
-void ToVideoRange(PictureSize size, std::span<uint8_t> samples) {
-    Replace(samples.first(size.LumaBytes()), lumaLevels);
-    Replace(samples.subspan(size.LumaBytes()), chromaLevels);
+void ToVideoRange(const WritablePlanes& planes) {
+    Replace(planes[0], lumaLevels);
+    Replace(planes[1], chromaLevels);
+    Replace(planes[2], chromaLevels);
 }
 
 }  // namespace clarivex

@@ -32,7 +32,7 @@ public:
     }
 
     const VideoInfo& Info() const override { return film->Info(); }
-    bool Read(VideoFrame& frame) override { return film->Read(frame); }
+    bool Read(VideoFrame& frame, const WritablePlanes& planes) override { return film->Read(frame, planes); }
     uint64_t DamagedPlaces() const override { return film->DamagedPlaces(); }
 
 private:

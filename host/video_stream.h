@@ -31,12 +31,12 @@ struct VideoInfo {
     bool isPart = false;                   ///< not all of the video's frames are read
 };
 
-/// One picture and what comes with it. Kept from frame to frame, so that its memory is used again.
+/// What comes with a picture. Kept from frame to frame, so that its memory is used again.
 struct VideoFrame {
-    std::vector<uint8_t> samples;  ///< Y, U, V without gaps; empty: there is no picture, only what comes with it
-    int64_t start = 0;             ///< in steps of the time base
-    int64_t length = 0;            ///< in steps of the time base; 0 where it is not known
-    std::string parameters;        ///< of a Y4M frame's own header: "" or words that begin with a space
+    bool hasPicture = false;  ///< without one there is only what comes with it
+    int64_t start = 0;        ///< in steps of the time base
+    int64_t length = 0;       ///< in steps of the time base; 0 where it is not known
+    std::string parameters;   ///< of a Y4M frame's own header: "" or words that begin with a space
     std::vector<std::shared_ptr<AVPacket>> companions;  ///< of a film's other streams, read before the picture
 };
 
@@ -46,9 +46,9 @@ public:
 
     virtual const VideoInfo& Info() const = 0;
 
-    /// Reads the next frame into `frame`. False at the end of the video. Throws RunError, without the video's name, when
-    /// nothing more can be read.
-    virtual bool Read(VideoFrame& frame) = 0;
+    /// Reads the next frame, its picture into `planes`, which have the video's size. False at the end of the video. Throws
+    /// RunError, without the video's name, when nothing more can be read.
+    virtual bool Read(VideoFrame& frame, const WritablePlanes& planes) = 0;
 
     /// How many places of the video could not be read and were left out or mended so far.
     virtual uint64_t DamagedPlaces() const { return 0; }

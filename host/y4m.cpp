@@ -240,6 +240,11 @@ Y4mReader::Y4mReader(ByteSource& stream) : source(stream) {
 }
 
 bool Y4mReader::ReadFrame(Y4mFrame& frame) {
+    frame.samples.resize(header.size.PlanarBytes());
+    return ReadFrame(frame.parameters, PlanesIn<uint8_t>(header.size, frame.samples));
+}
+
+bool Y4mReader::ReadFrame(std::string& parameters, const WritablePlanes& planes) {
     const Line line = ReadLine(source);
     if (!line.complete && line.text.empty()) return false;
     const size_t expected = header.size.PlanarBytes();
@@ -248,9 +253,9 @@ bool Y4mReader::ReadFrame(Y4mFrame& frame) {
         throw RunError("frame " + std::to_string(framesRead) +
                        " does not begin with a line that says FRAME: the stream "
                        "is damaged or its header states another size");
-    frame.parameters = line.text.substr(frameMagic.size());
-    frame.samples.resize(expected);
-    const size_t found = source.Read(frame.samples);
+    parameters = line.text.substr(frameMagic.size());
+    size_t found = 0;
+    for (const auto& plane : planes) found += source.Read(plane);
     if (found < expected) throw RunError(CutShort(framesRead, expected, found));
     ++framesRead;
     return true;

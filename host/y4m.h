@@ -77,6 +77,9 @@ public:
     /// damaged frame header and for a frame that is cut short.
     bool ReadFrame(Y4mFrame& frame);
 
+    /// The same, with the samples put where `planes` says, which have the header's size.
+    bool ReadFrame(std::string& parameters, const WritablePlanes& planes);
+
     /// Frames that a whole stream of this many bytes holds, if no frame has parameters.
     uint64_t FramesIn(uint64_t streamBytes) const;
 

@@ -62,15 +62,13 @@ void Y4mVideoReader::SetTimes(const PartOptions& wanted) {
         info.seconds = static_cast<double>(*info.frames) * rate.denominator / rate.numerator;
 }
 
-bool Y4mVideoReader::Read(VideoFrame& frame) {
+bool Y4mVideoReader::Read(VideoFrame& frame, const WritablePlanes& planes) {
     if (framesRead == wantedFrames) return false;
-    std::swap(buffer.samples, frame.samples);
     for (; skipped > 0; --skipped)
-        if (!reader.ReadFrame(buffer)) return false;
-    if (!reader.ReadFrame(buffer)) return false;
-    std::swap(buffer.samples, frame.samples);
-    std::swap(buffer.parameters, frame.parameters);
-    if (info.y4mHeader->range == ColourRange::full) ToVideoRange(info.size, frame.samples);
+        if (!reader.ReadFrame(frame.parameters, planes)) return false;
+    if (!reader.ReadFrame(frame.parameters, planes)) return false;
+    if (info.y4mHeader->range == ColourRange::full) ToVideoRange(planes);
+    frame.hasPicture = true;
     frame.start = static_cast<int64_t>(framesRead++);
     frame.length = 1;
     return true;
@@ -80,7 +78,7 @@ Y4mVideoWriter::Y4mVideoWriter(const std::string& path, const VideoInfo& video, 
     : name(path), sink(path), writer(sink, HeaderLine(video, fullHeightChroma)) {}
 
 void Y4mVideoWriter::Write(const VideoFrame& frame, const PicturePlanes& planes) {
-    if (!planes[0].empty()) writer.WriteFrame(frame.parameters, planes);
+    if (frame.hasPicture) writer.WriteFrame(frame.parameters, planes);
 }
 
 }  // namespace clarivex

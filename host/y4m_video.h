@@ -19,7 +19,7 @@ public:
     Y4mVideoReader(std::unique_ptr<FileSource> stream, const PartOptions& wanted, Report& report);
 
     const VideoInfo& Info() const override { return info; }
-    bool Read(VideoFrame& frame) override;
+    bool Read(VideoFrame& frame, const WritablePlanes& planes) override;
 
 private:
     void SetTimes(const PartOptions& wanted);
@@ -30,7 +30,6 @@ private:
     uint64_t skipped = 0;  // frames before the first that is wanted
     uint64_t wantedFrames = UINT64_MAX;
     uint64_t framesRead = 0;
-    Y4mFrame buffer;
 };
 
 class Y4mVideoWriter final : public VideoWriter {

@@ -141,11 +141,11 @@ void FilmReader::DescribeVideo(const AVFrame& first) {
     timer.emplace(std::max<int64_t>(1, std::llround(usual / av_q2d(stream.time_base))));
 }
 
-bool FilmReader::Read(VideoFrame& frame) {
-    frame.samples.clear();
+bool FilmReader::Read(VideoFrame& frame, const WritablePlanes& planes) {
+    frame.hasPicture = false;
     frame.companions.clear();
     const Step step = partEnded ? Step::end : FindPicture();
-    if (step == Step::picture) GivePicture(frame);
+    if (step == Step::picture) GivePicture(frame, planes);
     const bool more = step != Step::end || ReadCompanionsBehind();
     std::swap(frame.companions, companions);
     return more || !frame.companions.empty();
@@ -322,11 +322,13 @@ bool FilmReader::ReadCompanionsBehind() {
     return true;
 }
 
-void FilmReader::GivePicture(VideoFrame& frame) {
-    frame.samples.resize(info.size.PlanarBytes());
-    CheckAv(av_image_copy_to_buffer(frame.samples.data(), static_cast<int>(frame.samples.size()), picture->data,
-                                    picture->linesize, AV_PIX_FMT_YUV420P, info.size.width, info.size.height, 1),
-            "its pictures cannot be converted");
+void FilmReader::GivePicture(VideoFrame& frame, const WritablePlanes& planes) {
+    for (size_t plane = 0; plane < planes.size(); ++plane) {
+        const int width = plane == 0 ? info.size.width : info.size.ChromaWidth();
+        const int height = plane == 0 ? info.size.height : info.size.ChromaHeight();
+        av_image_copy_plane(planes[plane].data(), width, picture->data[plane], picture->linesize[plane], width, height);
+    }
+    frame.hasPicture = true;
     frame.start = pictureStart;
     frame.length = timer->UsualLength();
     frame.parameters.clear();

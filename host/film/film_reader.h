@@ -18,7 +18,7 @@ public:
     FilmReader(const FilmRequest& request, Report& report);
 
     const VideoInfo& Info() const override { return info; }
-    bool Read(VideoFrame& frame) override;
+    bool Read(VideoFrame& frame, const WritablePlanes& planes) override;
     uint64_t DamagedPlaces() const override { return damagedPlaces; }
 
 private:
@@ -40,7 +40,7 @@ private:
     void KeepCompanion();
     bool ReadCompanionsBehind();
 
-    void GivePicture(VideoFrame& frame);
+    void GivePicture(VideoFrame& frame, const WritablePlanes& planes);
     double SecondsAt(int64_t steps) const;
     void NoteDamage(int64_t steps, const std::string& what);
 

@@ -94,7 +94,7 @@ void FilmWriter::WriteHeader() {
 void FilmWriter::Write(const VideoFrame& frame, const PicturePlanes& planes) {
     if (copies)
         for (const auto& companion : frame.companions) copies->Write(*companion);
-    if (planes[0].empty()) return;
+    if (!frame.hasPicture) return;
     FillPicture(planes);
     const int64_t time = av_rescale_q(frame.start, timeBase, encoder->time_base);
     lastTime = lastTime == INT64_MIN ? time : std::max(time, lastTime + 1);

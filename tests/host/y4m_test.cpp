@@ -146,7 +146,7 @@ TEST(ToVideoRange, IsTheNearestLevelOfEveryLevel) {
     std::vector<uint8_t> samples(size.PlanarBytes());
     for (size_t i = 0; i < samples.size(); ++i) samples[i] = static_cast<uint8_t>(i);
     const std::vector<uint8_t> full = samples;
-    ToVideoRange(size, samples);
+    ToVideoRange(PlanesIn<uint8_t>(size, samples));
     for (size_t i = 0; i < samples.size(); ++i) {
         const double exact = i < size.LumaBytes() ? 16 + 219 * full[i] / 255.0 : 128 + 224 * (full[i] - 128) / 255.0;
         ASSERT_LT(std::abs(samples[i] - exact), 0.5) << i;
