@@ -46,27 +46,29 @@ for command in enhance compare caption tune; do
     done
 done
 
-# completes TO WORD…: what the last word, which may be empty, is completed to. The shell makes "=" a word of its own.
+# completes TO WORD…: what the last word, which may be empty, is completed to, in the order of letters. The shell makes "=" a
+# word of its own.
+try_completion='compopt() { :; }; . "$0" && COMP_WORDS=(clarivex "$@") COMP_CWORD=$# && _clarivex &&
+    printf "%s\n" "${COMPREPLY[@]}"'
 completes() {
-    local expected=$1
+    local expected=$1 script=$root/usr/share/bash-completion/completions/clarivex got
     shift
-    local got
-    got=$(bash -c 'compopt() { :; }; . "$0" && COMP_WORDS=(clarivex "$@") COMP_CWORD=$# && _clarivex && echo "${COMPREPLY[*]}"' \
-        "$root/usr/share/bash-completion/completions/clarivex" "$@")
+    got=$(bash -c "$try_completion" "$script" "$@" | LC_ALL=C sort | xargs)
     [ "$got" = "$expected" ] || fail "'$*' is completed to '$got' instead of '$expected'"
 }
-cd "$root/usr"
+cd "$root/usr/share/doc/clarivex"
 completes 'enhance' enh
 completes '--mode' enhance --mo
-completes 'never auto always' enhance a.mp4 --mode ''
-completes 'never auto always' enhance --mode =
-completes 'auto always' enhance --mode = a
+completes 'always auto never' enhance a.mp4 --mode ''
+completes 'always auto never' enhance --mode =
+completes 'always auto' enhance --mode = a
 completes '--layout --lighting --limits' compare --l
-completes '1 3/2 2' tune --scale ''
-completes 'bin' enhance b
-completes 'share' enhance --into s
+completes '1 2 3/2' tune --scale ''
+completes 'changelog.gz copyright' enhance c
+completes '../clarivex' enhance --into ../c
+completes '' enhance --into c
 completes '' enhance --quality ''
-completes 'compare caption' help c
+completes 'caption compare' help c
 
 in_root --purge clarivex
 [ -z "$(installed)" ] || fail "removal leaves $(installed)"
