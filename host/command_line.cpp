@@ -32,9 +32,8 @@ private:
 
 bool IsOption(std::string_view word) { return word.size() > 1 && word[0] == '-'; }
 
-bool IsCalled(const Option& option, std::string_view name) {
-    return option.name == name || (!name.empty() && option.alias == name);
-}
+/// Names are never empty.
+bool IsCalled(const Option& option, std::string_view name) { return option.name == name || option.alias == name; }
 
 const Option& FindOption(std::span<const OptionGroup> groups, std::string_view name) {
     std::vector<std::string> names;

@@ -86,6 +86,7 @@ std::string BashCompletion() {
     CommandLine defaults;
     const auto commands = MakeCommandTables(defaults);
     std::vector<std::string> names;
+    names.reserve(commands.size());
     for (const CommandTable& command : commands) names.push_back(command.name);
     std::vector<std::string> first = names;
     for (const Option& option : GeneralOptions()) first.push_back(option.name);

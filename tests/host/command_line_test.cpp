@@ -37,7 +37,7 @@ TEST(CommandLine, OptionsArriveAmongTheFiles) {
                                           "--quality",
                                           "22.5",
                                           "--encoder-options",
-                                          "preset=slow:x265-params=a=1\\:b=2",
+                                          "preset=slow:x265-params=a=1\\:fast",
                                           "--deinterlace",
                                           "off",
                                           "--strict",
@@ -55,10 +55,11 @@ TEST(CommandLine, OptionsArriveAmongTheFiles) {
     EXPECT_EQ(options.part.duration, 1);
     EXPECT_EQ(options.film.encoder, "libx265");
     EXPECT_EQ(options.film.quality, 22.5);
-    EXPECT_EQ(options.film.encoderOptions, "preset=slow:x265-params=a=1\\:b=2");
+    EXPECT_EQ(options.film.encoderOptions, "preset=slow:x265-params=a=1\\:fast");
     EXPECT_EQ(options.film.deinterlacing, Deinterlacing::off);
     EXPECT_TRUE(options.film.strict && options.json && options.overwrite && !options.film.lossless);
     EXPECT_EQ(options.inputs.front() + options.output, "---help");
+    EXPECT_EQ(Parse({"enhance", "a", "--", "--"}).enhance.output, "--");
     EXPECT_EQ(Parse({"enhance", "--simd", "sse2", "a", "b"}).enhance.picture.simd, "sse2");
     const CaptionOptions caption = Parse({"caption", "out.y4m", "--size", "1x8192", "--aspect", "64:45"}).caption;
     EXPECT_EQ(caption.size, (PictureSize{1, 8192}));
@@ -117,6 +118,7 @@ TEST(CommandLine, ErrorsNameTheWordAndWhatWouldBeRight) {
         {{"enhance", "--sharp", "1", "a", "b"}, "unknown option --sharp (did you mean --sharpness?)"},
         {{"enhance", "--qality=1", "a", "b"}, "unknown option --qality (did you mean --quality?)"},
         {{"enhance", "--stirct", "a", "b"}, "unknown option --stirct (did you mean --strict?)"},
+        {{"enhance", "--site", "a", "b"}, "unknown option --site"},  // two letters of four: nobody meant --simd
         {{"tune", "--mode", "auto", "a"}, "unknown option --mode"},
         {{"enhnace"}, "unknown command enhnace (did you mean enhance?)"},
         {{"help", "inf"}, "unknown command inf (did you mean info?)"},
