@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that are missing, and does nothing when none is: setup.sh [native | all | package | fuzz | lint | format]
+# Installs the Debian packages that are missing, and does nothing when none is:
+# setup.sh [native | all | package | fuzz | lint | format]
 #   native  builds, tests, benches and the demo on Linux
 #   all     native, and both Windows builds and their tests under Wine, and emulated older processors
 #   package native, and what packs and checks the Debian package
