@@ -185,8 +185,8 @@ const CommandTable& FindCommand(std::span<const CommandTable> commands, std::str
 std::vector<TextSection> CommonSections() {
     return {
         {"Files",
-         {"IN, OUT and TARGET are files; - is standard input or output. Options may stand before or behind the "
-          "files; -- ends the options, so that a file's name may begin with -.",
+         {"IN, OUT and TARGET are files; - is standard input or output, where Y4M is written. Options may stand before "
+          "or behind the files; -- ends the options, so that a file's name may begin with -.",
           "Y4M video (8-bit 4:2:0), from and to files named .y4m and pipes, passes exactly: no sample changes but by "
           "the enhancement. Films of all other kinds need the Linux program, which reads and writes them through "
           "FFmpeg's libraries; the Windows program takes Y4M only."}},

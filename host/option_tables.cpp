@@ -56,10 +56,6 @@ Option DeinterlacingOption(Deinterlacing& deinterlacing) {
                   "auto: frames that say they are interlaced are deinterlaced by bwdif; Y4M never is");
 }
 
-Option OverwriteOption(bool& overwrite) {
-    return Flag("--overwrite", "-y", overwrite, "replace a file that is there already; without it that is refused");
-}
-
 Option QuietOption(bool& quiet) {
     return Flag("--quiet", "", quiet, "no notes, no progress, no summary; warnings and errors stay");
 }
@@ -90,7 +86,7 @@ std::vector<Option> FilmOptionsOf(FilmOptions& film) {
                    "the name of an encoder such as libx264", IsEncoderName),
         NumberOption(
             "--quality", "N", film.quality, 0.0, 10000.0,
-            "on the encoder's own scale, mostly CRF, where less is better; libx264 is asked for 18 by default"),
+            "on the encoder's own scale, mostly CRF, where less is better; by default libx264 gets 18, VP9 24"),
         TextOption("--encoder-options", "K=V:K=V", film.encoderOptions,
                    "further options of the encoder, such as preset=slow:tune=film; a colon in a value is written \\:",
                    "name=value, more of them behind colons", AreEncoderOptions),
@@ -110,13 +106,15 @@ std::vector<Option> OutputOptionsOf(EnhanceOptions& options) {
                                "a text without / and \\", isSuffix);
     suffix.standard = options.suffix;
     return {
-        OverwriteOption(options.overwrite),
+        Flag("--overwrite", "-y", options.overwrite,
+             "replace a film that is there already, which is refused otherwise; Y4M files are always replaced"),
         Completing(
             WordKind::folder,
-            TextOption("--into", "FOLDER", options.folder,
-                       "all files are inputs, and what is made of each goes here; one that fails does not stop the "
-                       "others",
-                       "the path of a folder", isFolder)),
+            TextOption(
+                "--into", "FOLDER", options.folder,
+                "all files are inputs, and what is made of each goes here, into the same kind of file, or mkv where "
+                "that cannot be written; one that fails does not stop the others",
+                "the path of a folder", isFolder)),
         suffix,
     };
 }
@@ -124,7 +122,10 @@ std::vector<Option> OutputOptionsOf(EnhanceOptions& options) {
 std::vector<Option> ReportOptionsOf(EnhanceOptions& options) {
     return {
         QuietOption(options.quiet),
-        Flag("--json", "", options.json, "close with a line of figures for scripts"),
+        Flag(
+            "--json", "", options.json,
+            "close with a line of figures for scripts on standard output, or on standard error where the video goes to "
+            "standard output"),
         Flag("--timing", "", options.timing, "print the time spent inside ProcessOutput"),
     };
 }
@@ -155,7 +156,10 @@ std::vector<OptionGroup> OptionsOf(CompareOptions& options) {
                  "side: both pictures beside each other; split: the halves of one")}},
         {"The picture", PictureOptionsOf(options.picture)},
         {"Input and output",
-         {DeinterlacingOption(options.deinterlacing), OverwriteOption(options.overwrite), QuietOption(options.quiet)}}};
+         {DeinterlacingOption(options.deinterlacing),
+          Flag("--overwrite", "-y", options.overwrite,
+               "replace OUT if it is there already, which is refused otherwise"),
+          QuietOption(options.quiet)}}};
 }
 
 std::vector<OptionGroup> OptionsOf(CaptionOptions& options) {
