@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <numeric>
 
 #include "host/studio_range.h"
 #include "tests/host/error_of.h"
@@ -31,54 +31,41 @@ TEST(Y4mHeader, ReadsSizeRateAndAspectWhichMayBeMissing) {
 TEST(Y4mHeader, TellsHowSamplesAreMeant) {
     using enum Interlacing;
     using enum ChromaSite;
-    const struct {
-        const char* tags;
-        Interlacing interlacing;
-        ChromaSite site;
-        bool full;
-    } cases[] = {{"", progressive, center, false},
-                 {"Ip C420jpeg XCOLORRANGE=LIMITED", progressive, center, false},
-                 {"It C420mpeg2 XCOLORRANGE=FULL", topFieldFirst, left, true},
-                 {"Ib C420paldv XCOLORRANGE=", bottomFieldFirst, topLeft, false},
-                 {"Im C420", mixed, center, false},
-                 {"I? XSCALE=FULL XYSCSS=420MPEG2", progressive, left, false},
-                 {"C420paldv XYSCSS=420MPEG2", progressive, topLeft, false}};
+    const std::tuple<const char*, Interlacing, ChromaSite, bool> cases[] = {
+        {"Ip C420jpeg XCOLORRANGE=LIMITED", progressive, center, false},
+        {"It C420mpeg2 XCOLORRANGE=FULL", topFieldFirst, left, true},
+        {"Ib C420paldv XCOLORRANGE=", bottomFieldFirst, topLeft, false},
+        {"Im C420", mixed, center, false},
+        {"I? XSCALE=FULL XYSCSS=420MPEG2", progressive, left, false},
+        {"C420paldv XYSCSS=420MPEG2", progressive, topLeft, false}};
     for (const auto& [tags, interlacing, site, full] : cases) {
         const Y4mHeader header = ParseY4mHeader("YUV4MPEG2 W2 H2 " + std::string(tags));
-        EXPECT_EQ(std::tuple(header.interlacing, header.chromaSite, header.range == ColourRange::full),
-                  std::tuple(interlacing, site, full))
-            << tags;
+        EXPECT_EQ(std::tuple(tags, header.interlacing, header.chromaSite, header.range == ColourRange::full),
+                  std::tuple(tags, interlacing, site, full));
         EXPECT_EQ(InterlacingWarning(header).find("bwdif") != std::string::npos, interlacing != progressive) << tags;
     }
 }
 
 TEST(Y4mHeader, EveryTagThatDoesNotChangeIsKept) {
-    const struct {
-        std::string input;
-        Y4mChanges changes;
-        std::string output;
-    } cases[] = {{"W352 H288 F25:1 Ib A12:11 C420jpeg XYSCSS=420JPEG XCOLORRANGE=FULL XLENGTH=7 Qnew",
-                  {.size = {528, 432}},
-                  "W528 H432 F25:1 Ib A12:11 C420jpeg XYSCSS=420JPEG XCOLORRANGE=FULL XLENGTH=7 Qnew"},
-                 {"H288 W352 C420jpeg XYSCSS=420JPEG Qnew", {{528, 432}, true}, "H432 W528 C422 XYSCSS=422 Qnew"},
-                 {"W2 H2", {{3, 3}, true}, "W3 H3 C422"},
-                 {"W2 XLENGTH=7 H2 XLENGTHS=7", {{2, 2}, false, true}, "W2 H2 XLENGTHS=7"},
-                 {"W2 H2 XCOLORRANGE=FULL A0:0", {{2, 2}, false, false, true}, "W2 H2 XCOLORRANGE=LIMITED A0:0"}};
+    const std::tuple<std::string, Y4mChanges, std::string> cases[] = {
+        {"W352 H288 F25:1 Ib A12:11 C420jpeg XYSCSS=420JPEG XCOLORRANGE=FULL XLENGTH=7 Qnew",
+         {.size = {528, 432}},
+         "W528 H432 F25:1 Ib A12:11 C420jpeg XYSCSS=420JPEG XCOLORRANGE=FULL XLENGTH=7 Qnew"},
+        {"H288 W352 C420jpeg XYSCSS=420JPEG Qnew", {{528, 432}, true}, "H432 W528 C422 XYSCSS=422 Qnew"},
+        {"W2 H2", {{3, 3}, true}, "W3 H3 C422"},
+        {"W2 XLENGTH=7 H2 XLENGTHS=7", {{2, 2}, false, true}, "W2 H2 XLENGTHS=7"},
+        {"W2 H2 XCOLORRANGE=FULL A0:0", {{2, 2}, false, false, true}, "W2 H2 XCOLORRANGE=LIMITED A0:0"}};
     for (const auto& [input, changes, output] : cases)
         EXPECT_EQ(Y4mHeaderLine(ParseY4mHeader("YUV4MPEG2 " + input), changes), "YUV4MPEG2 " + output + "\n");
 }
 
 TEST(Y4mHeader, OfANewStreamSaysWhatIsKnown) {
-    EXPECT_EQ(Y4mHeaderLine({{3, 4}, {25, 1}, {}, ChromaSite::center, true}),
-              "YUV4MPEG2 W3 H4 F25:1 Ip C422 XCOLORRANGE=LIMITED\n");
+    EXPECT_EQ(Y4mHeaderLine({{3, 4}, {30, 1}, {}, ChromaSite::left, true}),
+              "YUV4MPEG2 W3 H4 F30:1 Ip C422 XCOLORRANGE=LIMITED\n");
     for (const ChromaSite site : {ChromaSite::center, ChromaSite::left, ChromaSite::topLeft}) {
-        std::string line = Y4mHeaderLine({{528, 432}, {30000, 1001}, {12, 11}, site});
-        line.pop_back();
-        const Y4mHeader read = ParseY4mHeader(line);
-        EXPECT_EQ(read.size, (PictureSize{528, 432}));
-        EXPECT_EQ(read.frameRate, (Ratio{30000, 1001}));
-        EXPECT_EQ(read.sampleAspect, (Ratio{12, 11}));
-        EXPECT_EQ(read.chromaSite, site);
+        const std::string line = Y4mHeaderLine({{528, 432}, {}, {12, 11}, site});
+        EXPECT_EQ(ParseY4mHeader(line.substr(0, line.size() - 1)).chromaSite, site);
+        EXPECT_TRUE(line.starts_with("YUV4MPEG2 W528 H432 Ip A12:11 C420"));
     }
 }
 
@@ -144,12 +131,11 @@ TEST(Y4mReader, CutsAndDamageAreToldWithTheirFrame) {
 TEST(ToVideoRange, IsTheNearestLevelOfEveryLevel) {
     const PictureSize size{32, 32};
     std::vector<uint8_t> samples(size.PlanarBytes());
-    for (size_t i = 0; i < samples.size(); ++i) samples[i] = static_cast<uint8_t>(i);
-    const std::vector<uint8_t> full = samples;
+    std::iota(samples.begin(), samples.end(), uint8_t{0});
     ToVideoRange(PlanesIn<uint8_t>(size, samples));
     for (size_t i = 0; i < samples.size(); ++i) {
-        const double exact = i < size.LumaBytes() ? 16 + 219 * full[i] / 255.0 : 128 + 224 * (full[i] - 128) / 255.0;
-        ASSERT_LT(std::abs(samples[i] - exact), 0.5) << i;
+        const auto level = static_cast<double>(i % 256);
+        ASSERT_NEAR(samples[i], i < 1024 ? 16 + 219 * level / 255 : 128 + 224 * (level - 128) / 255, 0.4999) << i;
     }
 }
 

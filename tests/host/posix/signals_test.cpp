@@ -1,5 +1,4 @@
 // Signals while a stream is waited for, each in a process of its own.
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -27,41 +26,24 @@ size_t ReadFromAnOpenPipe(int signal) {
 }
 
 TEST(NotedSignals, EndTheWaitForInputOnAnyThreadAndKeepWhatCame) {
-    for (const int signal : {SIGINT, SIGTERM})
-        EXPECT_EXIT(
-            {
-                NoteSignals();
-                const size_t count = ReadFromAnOpenPipe(signal);
-                std::_Exit(count == 3 ? NotedSignal() : 99);
-            },
-            testing::ExitedWithCode(signal), "");
+    const auto interrupted = [](int signal) {
+        NoteSignals();
+        std::_Exit(ReadFromAnOpenPipe(signal) == 3 ? NotedSignal() : 99);
+    };
+    EXPECT_EXIT(interrupted(SIGINT), testing::ExitedWithCode(SIGINT), "");
+    EXPECT_EXIT(interrupted(SIGTERM), testing::ExitedWithCode(SIGTERM), "");
 }
 
 TEST(NotedSignals, AreTheFirstOneOnlyAndNoneThatWasIgnored) {
-    EXPECT_EXIT(
-        {
-            NoteSignals();
-            std::raise(SIGINT);
-            std::raise(SIGTERM);
-        },
-        testing::KilledBySignal(SIGTERM), "");
-    EXPECT_EXIT(
-        {
-            std::signal(SIGINT, SIG_IGN);
-            NoteSignals();
-            std::raise(SIGINT);
-            std::_Exit(NotedSignal());
-        },
-        testing::ExitedWithCode(0), "");
-}
-
-TEST(Pipes, HoldAsMuchAsIsAllowed) {
-    int plain[2], enlarged[2];
-    ASSERT_EQ(pipe(plain) | pipe(enlarged), 0);
-    if (fcntl(plain[0], F_SETPIPE_SZ, 1 << 20) < 0) GTEST_SKIP() << "this system allows no pipes of 1 MiB";
-    const FileSource source("/dev/fd/" + std::to_string(enlarged[0]));
-    EXPECT_EQ(fcntl(enlarged[0], F_GETPIPE_SZ), fcntl(plain[0], F_GETPIPE_SZ));
-    for (const int end : {plain[0], plain[1], enlarged[0], enlarged[1]}) close(end);
+    const auto twice = [] {
+        std::signal(SIGINT, SIG_IGN);
+        NoteSignals();
+        std::raise(SIGINT);
+        if (NotedSignal() != 0) std::_Exit(99);
+        std::raise(SIGTERM);
+        std::raise(SIGTERM);
+    };
+    EXPECT_EXIT(twice(), testing::KilledBySignal(SIGTERM), "");
 }
 
 }  // namespace
