@@ -23,15 +23,17 @@ public:
 
 private:
     int64_t usual;
-    std::optional<int64_t> last;
+    int64_t last = 0;
+    bool started = false;
     uint64_t madeUp = 0;
 };
 
 inline int64_t FrameTimer::Next(std::optional<int64_t> told) {
-    const bool fits = told && (!last || *told > *last);
+    const bool fits = told && (!started || *told > last);
     if (!fits) ++madeUp;
-    last = fits ? *told : last ? *last + usual : 0;
-    return *last;
+    last = fits ? *told : started ? last + usual : 0;
+    started = true;
+    return last;
 }
 
 }  // namespace clarivex
