@@ -77,10 +77,17 @@ std::vector<std::string> TurnsOf(const int32_t* matrix) {
     return turns;
 }
 
-/// The matrix of luma and colour differences: what is told, or what a player assumes of so many lines.
-int MatrixOf(const DecodedFormat& format) {
+/// The filter's name for the matrix of luma and colour differences: what is told, or what a player assumes of so many lines.
+const char* MatrixNameOf(const DecodedFormat& format) {
     const bool told = format.matrix != AVCOL_SPC_UNSPECIFIED && format.matrix != AVCOL_SPC_RGB;
-    return told ? format.matrix : WithAssumedColour({}, format.size.height).matrix;
+    switch (told ? format.matrix : WithAssumedColour({}, format.size.height).matrix) {
+        case AVCOL_SPC_BT709: return "bt709";
+        case AVCOL_SPC_FCC: return "fcc";
+        case AVCOL_SPC_SMPTE240M: return "smpte240m";
+        case AVCOL_SPC_BT2020_NCL:
+        case AVCOL_SPC_BT2020_CL: return "bt2020";
+        default: return "bt601";
+    }
 }
 
 }  // namespace
@@ -123,12 +130,11 @@ std::string FilterText(const ConversionPlan& plan, const DecodedFormat& format) 
     const auto add = [&](const std::string& filter) { text += (text.empty() ? "" : ",") + filter; };
     if (plan.deinterlaces) add("bwdif=mode=send_frame:parity=auto:deint=interlaced");
     if (plan.converts) {
-        const std::string matrix = std::to_string(MatrixOf(format));
         const bool isRgb = IsRgb(DescriptorOf(format.samples));
         add("scale=w=" + std::to_string(plan.size.width) + ":h=" + std::to_string(plan.size.height) +
             ":flags=bicubic+accurate_rnd+full_chroma_int+full_chroma_inp:sws_dither=ed:in_range=" +
             (IsFullRange(format) ? "full" : "limited") + ":out_range=limited" +
-            (isRgb ? ":out_color_matrix=" + matrix : ""));
+            (isRgb ? std::string(":out_color_matrix=") + MatrixNameOf(format) : ""));
     }
     for (const std::string& turn : plan.turns) add(turn);
     if (plan.converts) add("format=yuv420p");
