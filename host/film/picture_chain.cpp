@@ -77,10 +77,16 @@ std::vector<std::string> TurnsOf(const int32_t* matrix) {
     return turns;
 }
 
-/// The filter's name for the matrix of luma and colour differences: what is told, or what a player assumes of so many lines.
-const char* MatrixNameOf(const DecodedFormat& format) {
+/// The matrix of luma and colour differences: what is told, or what a player assumes of so many lines.
+int MatrixOf(const DecodedFormat& format) {
     const bool told = format.matrix != AVCOL_SPC_UNSPECIFIED && format.matrix != AVCOL_SPC_RGB;
-    switch (told ? format.matrix : WithAssumedColour({}, format.size.height).matrix) {
+    return told ? format.matrix : WithAssumedColour({}, format.size.height).matrix;
+}
+
+}  // namespace
+
+const char* ScaleMatrixName(int matrix) {
+    switch (matrix) {
         case AVCOL_SPC_BT709: return "bt709";
         case AVCOL_SPC_FCC: return "fcc";
         case AVCOL_SPC_SMPTE240M: return "smpte240m";
@@ -89,8 +95,6 @@ const char* MatrixNameOf(const DecodedFormat& format) {
         default: return "bt601";
     }
 }
-
-}  // namespace
 
 bool DecodedFormat::operator==(const DecodedFormat& other) const {
     const auto values = [](const DecodedFormat& f) {
@@ -134,7 +138,7 @@ std::string FilterText(const ConversionPlan& plan, const DecodedFormat& format) 
         add("scale=w=" + std::to_string(plan.size.width) + ":h=" + std::to_string(plan.size.height) +
             ":flags=bicubic+accurate_rnd+full_chroma_int+full_chroma_inp:sws_dither=ed:in_range=" +
             (IsFullRange(format) ? "full" : "limited") + ":out_range=limited" +
-            (isRgb ? std::string(":out_color_matrix=") + MatrixNameOf(format) : ""));
+            (isRgb ? std::string(":out_color_matrix=") + ScaleMatrixName(MatrixOf(format)) : ""));
     }
     for (const std::string& turn : plan.turns) add(turn);
     if (plan.converts) add("format=yuv420p");

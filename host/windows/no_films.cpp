@@ -1,4 +1,5 @@
 // The program without FFmpeg's libraries: Y4M is all it knows.
+#include "host/comparison.h"
 #include "host/errors.h"
 #include "host/film.h"
 
@@ -15,5 +16,9 @@ std::unique_ptr<VideoWriter> MakeFilm(const FilmTarget&, Report&) {
 }
 
 bool IsFilmExtension(const std::string&) { return false; }
+
+std::vector<uint8_t> ComparisonPng(const ComparedPictures&, const ComparisonView&, Report&) {
+    throw RunError("cannot be compared by this program, which writes no PNG files; the Linux program does");
+}
 
 }  // namespace clarivex
