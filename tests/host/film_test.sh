@@ -279,4 +279,32 @@ grep -Exq '\{.*"frames": 10, .*\}' output || fail "--json: $(cat output)"
 expect 0 . enhance deep.webm deep_out.mkv
 run enhance --quiet -y deep.webm deep_out.mkv 2>errors && [ ! -s errors ] || fail '--quiet tells notes'
 
+# A comparison shows the moment's frame as ffmpeg enlarges it and as enhance gives it after the second before. What differs
+# of a part of two pictures, in green: apart PART_OF_A A PART_OF_B B.
+apart() {
+    ff -i "$2" -i "$4" -filter_complex "[0]$1,setpts=0,format=gbrp[a];[1]$3,setpts=0,format=gbrp[b];
+        [a][b]blend=all_mode=difference,extractplanes=g,signalstats,metadata=print:file=-" -frames:v 1 -f null - |
+        sed -n 's/.*\.YAVG=//p' | head -n 1
+}
+ff -f lavfi -i testsrc2=s=320x240:d=2.4 $x264 $bt709 view.mkv
+run enhance --quiet --start 0.63 --lossless view.mkv seen.mkv  # from the frame at 0.64 on
+expect 0 'frame at 1.600 s, 320x240 and 480x360' compare --at 1.63 view.mkv side.png
+cut=crop=480:320:0:0
+near "$(apart $cut side.png "select=eq(n\,40),scale=480:360:flags=bicubic,$cut" view.mkv)" 0 0.1 'the plain half'
+near "$(apart crop=480:320:480:0 side.png "select=eq(n\,24),$cut" seen.mkv)" 0 0.1 'the enhanced half'
+expect 0 . compare sd.mkv film.png && ff -i sd.mkv -pix_fmt yuv420p sd.y4m && expect 0 . compare sd.y4m y4m.png
+cmp film.png y4m.png || fail 'films and Y4M compare otherwise'
+while IFS='|' read -r code pattern size options; do
+    expect $code "$pattern" compare $options view.mkv view.png
+    [ -z "$size" ] || [ "$(told view.png v:0 stream=width,height)" = $size ] || fail "size of the comparison $options"
+done <<'END'
+0|frame at 1.200 s|960,360|
+1|view.png: .*--overwrite||
+0|.|480,360|--layout split -y
+0|.|600,240|--crop 100x80+380+280 --zoom 3 -y
+0|frame at 0.000 s|640,240|--mode never --at 0 -y
+1|101x80\+380\+0.*480x360||--crop 101x80+380+0 -y
+1|view.mkv: .*ends at 2.400 s||--at 2.5 -y
+END
+
 [ "$failures" = 0 ] || { echo "$failures checks failed" && exit 1; }
