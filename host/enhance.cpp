@@ -79,7 +79,7 @@ void Enhancement::Run() {
         CopyFrames();
         if (NotedSignal() == 0) Finish();
     } catch (const RunError& error) {
-        BreakOff(error.what());
+        if (NotedSignal() == 0) BreakOff(error.what());  // otherwise the signal may have broken off a read
     }
     if (NotedSignal() != 0) EndInterrupted();
     report.WipeProgress();

@@ -184,7 +184,7 @@ FilmReader::Step FilmReader::NextPicture() {
         av_frame_unref(picture.get());
         if (TakeFromChains()) return Step::picture;
         if (decoderEnded || NotedSignal() != 0) return Step::end;
-        if (companions.size() >= mostCompanions) return Step::companions;
+        if (companions.size() >= mostCompanions && info.size.width != 0) return Step::companions;
         if (!DecodeMore() && decoderEnded && chain) chain->Put(nullptr);
     }
 }

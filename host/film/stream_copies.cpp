@@ -149,9 +149,7 @@ StreamCopies::StreamCopies(const FilmOrigin& from, const AVCodecContext& encoder
     CopyTexts(origin.container->metadata, &output.metadata);
 }
 
-void StreamCopies::AddStream(const AVStream& source) {
-    copies.push_back({source.index, AddCopy(source, output).index});
-}
+void StreamCopies::AddStream(const AVStream& source) { copies.push_back({&source, AddCopy(source, output).index}); }
 
 /// Chapters of the part wanted, in its time.
 void StreamCopies::AddChapters() {
@@ -175,7 +173,7 @@ void StreamCopies::AddChapters() {
 
 void StreamCopies::WriteCovers() {
     for (const Copy& copy : copies) {
-        const AVStream& source = *origin.container->streams[copy.source];
+        const AVStream& source = *copy.source;
         if (!IsCover(source) || KeepsCoversAsAttachments(*output.oformat)) continue;
         CheckAv(av_packet_ref(packet.get(), &source.attached_pic), "the cover cannot be copied");
         packet->stream_index = copy.target;
@@ -185,10 +183,10 @@ void StreamCopies::WriteCovers() {
 }
 
 void StreamCopies::Write(const AVPacket& read) {
-    const auto copy =
-        std::find_if(copies.begin(), copies.end(), [&](const Copy& one) { return one.source == read.stream_index; });
+    const auto copy = std::find_if(copies.begin(), copies.end(),
+                                   [&](const Copy& one) { return one.source->index == read.stream_index; });
     if (copy == copies.end()) return;
-    const AVStream& source = *origin.container->streams[copy->source];
+    const AVStream& source = *copy->source;
     const AVStream& target = *output.streams[copy->target];
     CheckAv(av_packet_ref(packet.get(), &read), "a packet cannot be copied");
     const int64_t before = av_rescale_q(origin.PartStart(), microseconds, source.time_base);
@@ -208,9 +206,8 @@ void StreamCopies::Write(const AVPacket& read) {
 std::string StreamCopies::Description() const {
     std::string text;
     for (const AVMediaType kind : {AVMEDIA_TYPE_AUDIO, AVMEDIA_TYPE_SUBTITLE}) {
-        const auto count = std::count_if(copies.begin(), copies.end(), [&](const Copy& copy) {
-            return origin.container->streams[copy.source]->codecpar->codec_type == kind;
-        });
+        const auto count = std::count_if(copies.begin(), copies.end(),
+                                         [&](const Copy& copy) { return copy.source->codecpar->codec_type == kind; });
         if (count == 0) continue;
         text += (text.empty() ? "" : " and ") + std::to_string(count) + " " + av_get_media_type_string(kind);
     }

@@ -28,7 +28,7 @@ public:
 
 private:
     struct Copy {
-        int source = 0;
+        const AVStream* source = nullptr;  // stays where it is when reading finds further streams
         int target = 0;
         int64_t lastTime = INT64_MIN;
     };
