@@ -91,6 +91,31 @@ struct StopAtEnd {
     ~StopAtEnd() { loop.Stop(); }
 };
 
+/// Fills items until `read` has none, or nobody wants any.
+template <class Item, class Read>
+void ReadAll(ItemLoop<Item>& loop, Read& read) {
+    for (Item* item = loop.TakeEmpty(); item && read(*item); item = loop.TakeEmpty()) loop.PassOn(item);
+}
+
+template <class Input, class Output, class Work>
+void WorkAll(ItemLoop<Input>& from, ItemLoop<Output>& to, Work& work) {
+    for (Input* input = from.TakeFilled(); input; input = from.TakeFilled()) {
+        Output* const output = to.TakeEmpty();
+        if (!output) return;
+        work(*input, *output);
+        from.GiveBack(input);
+        to.PassOn(output);
+    }
+}
+
+template <class Item, class Write>
+void WriteAll(ItemLoop<Item>& loop, Write& write) {
+    for (Item* item = loop.TakeFilled(); item; item = loop.TakeFilled()) {
+        write(*item);
+        loop.GiveBack(item);
+    }
+}
+
 /// Reads, works and writes until `read` gives false: `read` and `write` on threads of their own, `work` on the caller's.
 ///
 /// inputs, outputs  what passes between them, at least one each; used again and again, so as many as may be under way
@@ -106,42 +131,24 @@ void RunThreeStages(std::vector<Input>& inputs, std::vector<Output>& outputs, Re
     ItemLoop<Input> toWork(inputs);
     ItemLoop<Output> toWrite(outputs);
     std::exception_ptr readError, workError, writeError;
+    const auto stopReading = [&] {
+        toWork.Stop();
+        wake();
+    };
     {
-        std::jthread reader([&] {
-            readError = CaughtFrom([&] {
-                for (Input* item = toWork.TakeEmpty(); item && read(*item); item = toWork.TakeEmpty())
-                    toWork.PassOn(item);
-            });
+        const std::jthread reader([&] {
+            readError = CaughtFrom([&] { ReadAll(toWork, read); });
             toWork.End();
         });
-        const StopAtEnd<Input> stopReading{toWork};
-        std::jthread writer([&] {
-            writeError = CaughtFrom([&] {
-                for (Output* item = toWrite.TakeFilled(); item; item = toWrite.TakeFilled()) {
-                    write(*item);
-                    toWrite.GiveBack(item);
-                }
-            });
-            if (!writeError) return;
+        const StopAtEnd<Input> stopsReader{toWork};
+        const std::jthread writer([&] {
+            writeError = CaughtFrom([&] { WriteAll(toWrite, write); });
             toWrite.Stop();
-            toWork.Stop();
-            wake();
+            if (writeError) stopReading();
         });
-        workError = CaughtFrom([&] {
-            for (Input* input = toWork.TakeFilled(); input; input = toWork.TakeFilled()) {
-                Output* const output = toWrite.TakeEmpty();
-                if (!output) break;
-                work(*input, *output);
-                toWork.GiveBack(input);
-                toWrite.PassOn(output);
-            }
-        });
+        workError = CaughtFrom([&] { WorkAll(toWork, toWrite, work); });
         toWrite.End();
-        writer.join();
-        if (workError) {
-            toWork.Stop();
-            wake();
-        }
+        if (workError) stopReading();
     }
     for (const std::exception_ptr& error : {writeError, workError, readError})
         if (error) std::rethrow_exception(error);
