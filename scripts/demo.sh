@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Enhances a short clip, or the first seconds of VIDEO=path (anything ffmpeg reads), and sets a frame before and after
-# side by side. Leaves demo/enhanced.y4m and demo/compare.png. Needs ffmpeg and build/native/clarivex.
+# Enhances a short film of a photograph, or the first seconds of VIDEO=path, any film, and sets a frame enlarged plainly and
+# enhanced beside each other. Leaves demo/enhanced.mkv and demo/compare.png. Needs ffmpeg and build/native/clarivex.
 set -eu
 video=${VIDEO:+$(realpath "$VIDEO")}
 cd "$(dirname "$0")/.."
@@ -8,32 +8,51 @@ cd "$(dirname "$0")/.."
 clarivex=build/native/clarivex
 [ -x "$clarivex" ] || { echo "demo.sh: $clarivex is missing; run 'make demo'" >&2 && exit 1; }
 mkdir -p demo
-ffmpeg=(ffmpeg -hide_banner -loglevel error -nostdin -y)
+bt709=(-colorspace bt709 -color_primaries bt709 -color_trc bt709 -color_range tv)
 
+make_film() {  # FFMPEG_ARGUMENT…: demo/source.mkv
+    ffmpeg -hide_banner -loglevel error -nostdin -y "$@" -pix_fmt yuv420p "${bt709[@]}" demo/source.mkv
+}
+
+# A photograph that a Debian package carries, taken out without installing anything: demo/coffee.png.
+fetch_photograph() {
+    [ ! -s demo/coffee.png ] || return 0
+    local folder
+    folder=$(mktemp -d)
+    (cd "$folder" && apt-get download python3-skimage && dpkg-deb -x python3-skimage_*.deb .) >"$folder/log" 2>&1 &&
+        cp "$folder/usr/lib/python3/dist-packages/skimage/data/coffee.png" demo/ || true
+    rm -r "$folder"
+    [ -s demo/coffee.png ]
+}
+
+rm -f demo/PICTURE.txt
 if [ -n "$video" ]; then
     echo "Taking the first 5 seconds of $video"
-    "${ffmpeg[@]}" -i "$video" -t 5 -an -sn -pix_fmt yuv420p -f yuv4mpegpipe demo/source.y4m
+    source=$video
+elif fetch_photograph; then
+    echo "Making a film of 4 seconds: a slow pan over a photograph (demo/PICTURE.txt tells whose)"
+    # The window moves over the photograph at four times its size, so by quarters of a pixel.
+    make_film -i demo/coffee.png -vf "scale=2400:1600,loop=loop=99:size=1,setpts=N/25/TB,
+        crop=2276:1280:124*n/100:320*n/100:exact=1,scale=512:288:flags=lanczos:out_color_matrix=bt709" \
+        -r 25 -crf 18
+    cat >demo/PICTURE.txt <<'END'
+coffee.png: "Coffee cup", a photograph by Rachel Michetti, courtesy of Pikolo Espresso Bar.
+Licence: CC0, no copyright restrictions.
+Source: scikit-image's sample data, skimage/data/coffee.png in the Debian package python3-skimage.
+source.mkv, enhanced.mkv and compare.png are made of it.
+END
+    source=demo/source.mkv
 else
-    echo "Making a clip of 3 seconds"
+    echo "The photograph cannot be had (apt-get download python3-skimage): making a clip of 3 seconds"
     # Fine detail that moves, beside letters, edges and flat areas, softened as an ordinary video is.
-    "${ffmpeg[@]}" -f lavfi -i mandelbrot=size=640x480:rate=25:start_scale=0.6:end_scale=0.1:end_pts=75 \
+    make_film -f lavfi -i mandelbrot=size=640x480:rate=25:start_scale=0.6:end_scale=0.1:end_pts=75 \
         -f lavfi -i testsrc2=size=320x480:rate=25 \
-        -filter_complex '[0][1]overlay=x=320:shortest=0,gblur=sigma=0.7,format=yuv420p' \
-        -t 3 -f yuv4mpegpipe demo/source.y4m
+        -filter_complex '[0][1]overlay=x=320:shortest=0,gblur=sigma=0.7,scale=out_color_matrix=bt709' -t 3 -crf 18
+    source=demo/source.mkv
 fi
 
-"$clarivex" enhance --timing demo/source.y4m demo/enhanced.y4m
+"$clarivex" enhance --overwrite --timing --duration 5 "$source" demo/enhanced.mkv
+"$clarivex" compare --overwrite "$source" demo/compare.png
 
-# A frame from the middle: the first ones of a film are often black.
-read -r _ width height _ < <(head -n 1 demo/enhanced.y4m)  # the first tags are W and H, as in ffmpeg's streams
-width=${width#W} height=${height#H}
-frame_bytes=$((6 + width * height + 2 * ((width + 1) / 2) * ((height + 1) / 2)))
-middle=$(($(wc -c <demo/enhanced.y4m) / frame_bytes / 2))
-"${ffmpeg[@]}" -i demo/source.y4m -i demo/enhanced.y4m -filter_complex \
-    "[0]select=eq(n\,$middle),scale=$width:$height:flags=bilinear,setsar=1[before];
-     [1]select=eq(n\,$middle),setsar=1[after];
-     [before][after]hstack" -frames:v 1 demo/compare.png
-rm demo/source.y4m
-
-echo "demo/enhanced.y4m: the enhanced video"
-echo "demo/compare.png:  frame $middle, enlarged plainly on the left and enhanced on the right"
+echo "demo/enhanced.mkv: the enhanced film"
+echo "demo/compare.png:  a frame from the middle, enlarged plainly on the left and enhanced on the right"
