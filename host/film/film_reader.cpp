@@ -281,9 +281,10 @@ void FilmReader::SendToDecoder(const AVPacket* read) {
         NoteDamage(read ? read->pts : AV_NOPTS_VALUE, "left out, it could not be decoded: " + AvErrorText(result));
 }
 
-/// Keeps a packet of another stream if it lies in the part wanted. A subtitle that stands when the part begins is cut.
+/// Keeps a packet of another stream if that is copied and it lies in the part wanted. A subtitle that stands when the part begins is cut.
 void FilmReader::KeepCompanion() {
     const AVStream& stream = *origin->container->streams[packet->stream_index];
+    if (!withCompanions || !IsCopied(stream)) return;
     const int64_t start = packet->pts != AV_NOPTS_VALUE ? packet->pts : packet->dts;
     const int64_t partStart = av_rescale_q(origin->PartStart(), microseconds, stream.time_base);
     if (start != AV_NOPTS_VALUE) {
