@@ -79,6 +79,13 @@ void FilmOrigin::SeekToPart() {
     avformat_seek_file(container.get(), -1, INT64_MIN, PartStart(), PartStart(), 0);  // where it fails, reading skips
 }
 
+std::optional<double> FilmOrigin::StatedEnd() const {
+    const bool isGuessed = container->duration_estimation_method == AVFMT_DURATION_FROM_BITRATE;
+    if (container->duration == AV_NOPTS_VALUE || isGuessed) return std::nullopt;
+    const int64_t start = container->start_time != AV_NOPTS_VALUE ? container->start_time : 0;
+    return static_cast<double>(start - firstTime + container->duration) / AV_TIME_BASE;
+}
+
 std::string TimeText(double seconds) {
     char text[64];
     const auto milliseconds = static_cast<int64_t>(seconds * 1000.0 + 0.5);

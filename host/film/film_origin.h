@@ -19,6 +19,9 @@ struct FilmOrigin {
     /// Where the part begins that is wanted, in AV_TIME_BASE units of the container's own clock.
     int64_t PartStart() const { return firstTime + partStart; }
 
+    /// When the last of its streams ends, in seconds behind firstTime; nothing where that is not known or only guessed.
+    std::optional<double> StatedEnd() const;
+
 private:
     AvPointer<AVIOContext> streamInput;  // where it is read from a stream; outlives the container
 

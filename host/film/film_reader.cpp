@@ -87,10 +87,6 @@ FilmReader::FilmReader(const FilmRequest& request, Report& report)
       deinterlaces(request.deinterlacing == Deinterlacing::automatic),
       withCompanions(request.withCompanions),
       origin(std::make_shared<FilmOrigin>(request)) {
-    for (unsigned i = 0; i < origin->container->nb_streams; ++i) {
-        AVStream& stream = *origin->container->streams[i];
-        if (&stream != &origin->VideoStream() && !(withCompanions && IsCopied(stream))) stream.discard = AVDISCARD_ALL;
-    }
     const AVCodecParameters& parameters = *origin->VideoStream().codecpar;
     RefuseHighDynamicRange(parameters.color_trc, request.path);
     if (parameters.width > 0 && parameters.height > 0) CheckSize({parameters.width, parameters.height});
@@ -264,14 +260,12 @@ void FilmReader::ReadPacket() {
 void FilmReader::EndInput(int reason) {
     inputEnded = true;
     if (NotedSignal() != 0) return;
-    const AVFormatContext& container = *origin->container;
     if (reason != AVERROR_EOF && reason != AVERROR_EXIT)
-        NoteDamage(AV_NOPTS_VALUE,
-                   "nothing can be read behind " + TimeText(lastPacketEnd) + ": " + AvErrorText(reason));
-    else if (container.duration != AV_NOPTS_VALUE &&
-             lastPacketEnd + missingAtTheEnd < static_cast<double>(container.duration) / AV_TIME_BASE)
-        NoteDamage(AV_NOPTS_VALUE, "ends at " + TimeText(lastPacketEnd) + ", but should play for " +
-                                       TimeText(static_cast<double>(container.duration) / AV_TIME_BASE) +
+        return NoteDamage(AV_NOPTS_VALUE,
+                          "nothing can be read behind " + TimeText(lastPacketEnd) + ": " + AvErrorText(reason));
+    const std::optional<double> end = origin->StatedEnd();
+    if (end && lastPacketEnd + missingAtTheEnd < *end)
+        NoteDamage(AV_NOPTS_VALUE, "ends at " + TimeText(lastPacketEnd) + ", but should play for " + TimeText(*end) +
                                        ": it was cut short");
 }
 
