@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -79,7 +80,7 @@ void Enhancement::Run() {
         CopyFrames();
         if (NotedSignal() == 0) Finish();
     } catch (const RunError& error) {
-        if (NotedSignal() == 0) BreakOff(error.what());  // otherwise the signal may have broken off a read
+        if (NotedSignal() == 0) BreakOff(error.what());  // the signal may have broken off a read or ended a reader
     }
     if (NotedSignal() != 0) EndInterrupted();
     report.WipeProgress();
@@ -154,7 +155,14 @@ void Enhancement::TellFigures() {
 }
 
 void EnhanceOne(const EnhanceOptions& options, const std::string& input, const std::string& output) {
-    Enhancement(options, input, output).Run();
+    std::optional<Enhancement> enhancement;
+    try {
+        enhancement.emplace(options, input, output);
+    } catch (const RunError&) {  // an input that a signal ended looks like one that is broken
+        if (NotedSignal() == 0) throw;
+        throw Interruption(NotedSignal(), InputName(input) + ": interrupted before the first frame");
+    }
+    enhancement->Run();
 }
 
 namespace files = std::filesystem;
