@@ -149,7 +149,11 @@ StreamCopies::StreamCopies(const FilmOrigin& from, const AVCodecContext& encoder
     CopyTexts(origin.container->metadata, &output.metadata);
 }
 
-void StreamCopies::AddStream(const AVStream& source) { copies.push_back({&source, AddCopy(source, output).index}); }
+void StreamCopies::AddStream(const AVStream& source) {
+    const int64_t partStart = av_rescale_q(origin.PartStart(), microseconds, source.time_base);
+    copies.push_back(
+        {source.index, AddCopy(source, output).index, source.codecpar->codec_type, source.time_base, partStart});
+}
 
 /// Chapters of the part wanted, in its time.
 void StreamCopies::AddChapters() {
@@ -173,7 +177,7 @@ void StreamCopies::AddChapters() {
 
 void StreamCopies::WriteCovers() {
     for (const Copy& copy : copies) {
-        const AVStream& source = *copy.source;
+        const AVStream& source = *origin.container->streams[copy.source];
         if (!IsCover(source) || KeepsCoversAsAttachments(*output.oformat)) continue;
         CheckAv(av_packet_ref(packet.get(), &source.attached_pic), "the cover cannot be copied");
         packet->stream_index = copy.target;
@@ -183,16 +187,14 @@ void StreamCopies::WriteCovers() {
 }
 
 void StreamCopies::Write(const AVPacket& read) {
-    const auto copy = std::find_if(copies.begin(), copies.end(),
-                                   [&](const Copy& one) { return one.source->index == read.stream_index; });
+    const auto copy =
+        std::find_if(copies.begin(), copies.end(), [&](const Copy& one) { return one.source == read.stream_index; });
     if (copy == copies.end()) return;
-    const AVStream& source = *copy->source;
     const AVStream& target = *output.streams[copy->target];
     CheckAv(av_packet_ref(packet.get(), &read), "a packet cannot be copied");
-    const int64_t before = av_rescale_q(origin.PartStart(), microseconds, source.time_base);
-    if (packet->pts != AV_NOPTS_VALUE) packet->pts -= before;
-    packet->dts = packet->dts != AV_NOPTS_VALUE ? packet->dts - before : packet->pts;
-    av_packet_rescale_ts(packet.get(), source.time_base, target.time_base);
+    if (packet->pts != AV_NOPTS_VALUE) packet->pts -= copy->partStart;
+    packet->dts = packet->dts != AV_NOPTS_VALUE ? packet->dts - copy->partStart : packet->pts;
+    av_packet_rescale_ts(packet.get(), copy->timeBase, target.time_base);
     if (packet->dts != AV_NOPTS_VALUE && packet->dts <= copy->lastTime) {  // no container takes times that go back
         packet->dts = copy->lastTime + 1;
         packet->pts = std::max(packet->pts, packet->dts);
@@ -206,8 +208,8 @@ void StreamCopies::Write(const AVPacket& read) {
 std::string StreamCopies::Description() const {
     std::string text;
     for (const AVMediaType kind : {AVMEDIA_TYPE_AUDIO, AVMEDIA_TYPE_SUBTITLE}) {
-        const auto count = std::count_if(copies.begin(), copies.end(),
-                                         [&](const Copy& copy) { return copy.source->codecpar->codec_type == kind; });
+        const auto count =
+            std::count_if(copies.begin(), copies.end(), [=](const Copy& copy) { return copy.kind == kind; });
         if (count == 0) continue;
         text += (text.empty() ? "" : " and ") + std::to_string(count) + " " + av_get_media_type_string(kind);
     }

@@ -27,9 +27,14 @@ public:
     std::string Description() const;
 
 private:
+    /// What the reader's thread changes while packets are written, as a container that finds new streams does its list, is
+    /// not looked at again.
     struct Copy {
-        const AVStream* source = nullptr;  // stays where it is when reading finds further streams
+        int source = 0;
         int target = 0;
+        AVMediaType kind = AVMEDIA_TYPE_UNKNOWN;
+        AVRational timeBase{0, 1};
+        int64_t partStart = 0;  // in that time base
         int64_t lastTime = INT64_MIN;
     };
 
