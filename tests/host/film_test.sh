@@ -292,6 +292,11 @@ expect 0 'frame at 1.600 s, 320x240 and 480x360' compare --at 1.63 view.mkv side
 cut=crop=480:320:0:0
 near "$(apart $cut side.png "select=eq(n\,40),scale=480:360:flags=bicubic,$cut" view.mkv)" 0 0.1 'the plain half'
 near "$(apart crop=480:320:480:0 side.png "select=eq(n\,24),$cut" seen.mkv)" 0 0.1 'the enhanced half'
+expect 0 . compare --at 1.63 --layout split view.mkv split.png
+for columns in 0:0 242:722; do  # of the halves, and where they stand in the pictures beside each other
+    part=crop=238:320:${columns#*:}:0
+    near "$(apart crop=238:320:${columns%:*}:0 split.png $part side.png)" 0 0.1 "split at $columns"
+done
 expect 0 . compare sd.mkv film.png && ff -i sd.mkv -pix_fmt yuv420p sd.y4m && expect 0 . compare sd.y4m y4m.png
 cmp film.png y4m.png || fail 'films and Y4M compare otherwise'
 while IFS='|' read -r code pattern size options; do
