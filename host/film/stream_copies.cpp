@@ -5,8 +5,10 @@
 #include <cstring>
 #include <new>
 #include <string_view>
+#include <utility>
 
 #include "host/errors.h"
+#include "host/film/library_log.h"
 
 extern "C" {
 #include <libavutil/mathematics.h>
@@ -134,7 +136,7 @@ void CopyTexts(const AVDictionary* from, AVDictionary** to) {
 }
 
 StreamCopies::StreamCopies(const FilmOrigin& from, const AVCodecContext& encoder, AVFormatContext& into, Report& report)
-    : origin(from), output(into) {
+    : origin(from), output(into), told(report) {
     for (unsigned i = 0; i < origin.container->nb_streams; ++i) {
         const AVStream& stream = *origin.container->streams[i];
         if (stream.index == origin.videoIndex) continue;
@@ -202,7 +204,11 @@ void StreamCopies::Write(const AVPacket& read) {
     if (packet->dts != AV_NOPTS_VALUE) copy->lastTime = packet->dts;
     packet->stream_index = copy->target;
     packet->pos = -1;
-    CheckAv(av_interleaved_write_frame(&output, packet.get()), "cannot be written any further");
+    const int result = av_interleaved_write_frame(&output, packet.get());
+    if (output.pb->error < 0 || result == AVERROR(ENOMEM)) CheckAv(result, "cannot be written any further");
+    if (result >= 0 || std::exchange(damageTold, true)) return;
+    told.Note("damaged " + std::string(av_get_media_type_string(copy->kind)) + " is left out");
+    TakeLastLibraryError();
 }
 
 std::string StreamCopies::Description() const {

@@ -20,7 +20,7 @@ public:
     /// Writes the covers, behind the header. Throws RunError.
     void WriteCovers();
 
-    /// Writes a packet of the origin, if its stream is copied. Throws RunError.
+    /// Writes a packet of the origin, if its stream is copied and it is not too damaged to be. Throws RunError.
     void Write(const AVPacket& packet);
 
     /// "2 audio and 1 subtitle streams copied"; empty when there are none.
@@ -43,6 +43,8 @@ private:
 
     const FilmOrigin& origin;
     AVFormatContext& output;
+    Report& told;
+    bool damageTold = false;
     std::vector<Copy> copies;
     AvPointer<AVPacket> packet = MakeAvPacket();
 };
