@@ -13,6 +13,8 @@ namespace clarivex {
 namespace {
 
 constexpr int streamBufferBytes = 1 << 16;
+constexpr int64_t firstStepBack = 5 * int64_t{AV_TIME_BASE};  // a little more than key pictures are apart
+constexpr AVRational microseconds{1, AV_TIME_BASE};
 
 int ReadFromStream(void* stream, uint8_t* target, int size) {
     try {
@@ -76,7 +78,28 @@ void FilmOrigin::SeekToPart() {
     if (container->duration != AV_NOPTS_VALUE && partStart >= container->duration)
         throw RunError("ends at " + TimeText(static_cast<double>(container->duration) / AV_TIME_BASE) +
                        ", before the time to start at");
-    avformat_seek_file(container.get(), -1, INT64_MIN, PartStart(), PartStart(), 0);  // where it fails, reading skips
+    if (container->pb && container->pb->seekable == 0) return;  // what is before the part is read and skipped
+    for (int64_t before = 0; PartStart() - before > firstTime; before = std::max(firstStepBack, 4 * before))
+        if (SeekTo(PartStart() - before) && KeyPictureComesInTime()) {
+            SeekTo(PartStart() - before);
+            return;
+        }
+    if (!SeekTo(firstTime) || !KeyPictureComesInTime() || !SeekTo(firstTime))
+        av_seek_frame(container.get(), -1, 0, AVSEEK_FLAG_BYTE);
+}
+
+bool FilmOrigin::SeekTo(int64_t time) { return avformat_seek_file(container.get(), -1, INT64_MIN, time, time, 0) >= 0; }
+
+bool FilmOrigin::KeyPictureComesInTime() {
+    const AvPointer<AVPacket> packet = MakeAvPacket();
+    while (av_read_frame(container.get(), packet.get()) >= 0) {
+        const int64_t time = packet->pts != AV_NOPTS_VALUE ? packet->pts : packet->dts;
+        const bool isKey = packet->stream_index == videoIndex && (packet->flags & AV_PKT_FLAG_KEY) != 0;
+        av_packet_unref(packet.get());
+        if (isKey && time != AV_NOPTS_VALUE)
+            return av_compare_ts(time, VideoStream().time_base, PartStart(), microseconds) <= 0;
+    }
+    return false;
 }
 
 std::optional<double> FilmOrigin::StatedEnd() const {

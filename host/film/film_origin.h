@@ -35,6 +35,11 @@ private:
     void Open(const FilmRequest& request);
     void FindVideo();
     void SeekToPart();
+    bool SeekTo(int64_t time);
+
+    /// Whether a picture that needs no other comes before the part that is wanted; reads up to it. Some containers find no
+    /// better place than one between such pictures.
+    bool KeyPictureComesInTime();
 };
 
 /// A time for messages: 0:04.200, 1:02:03.000.

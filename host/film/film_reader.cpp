@@ -155,15 +155,14 @@ FilmReader::Step FilmReader::FindPicture() {
         const AVRational base = (emptiedChain ? emptiedChain : chain)->TimeBase();
         const AVStream& stream = origin->VideoStream();
         const bool isTold = picture->pts != AV_NOPTS_VALUE;
-        const int64_t start = isTold ? av_rescale_q(picture->pts, base, stream.time_base) -
-                                           av_rescale_q(origin->PartStart(), microseconds, stream.time_base)
-                                     : 0;
-        if (part.start > 0 && isTold && start < 0) continue;
+        const int64_t firstMoment = av_rescale_q(origin->firstTime, microseconds, stream.time_base);
+        const int64_t start = isTold ? av_rescale_q(picture->pts, base, stream.time_base) - firstMoment : 0;
         const uint64_t madeUp = timer->MadeUp();
-        pictureStart = timer->Next(isTold ? std::optional(start) : std::nullopt);
+        pictureStart = timer->Next(isTold ? std::optional(start) : std::nullopt) -
+                       av_rescale_q(part.start, microseconds, stream.time_base);
         if (madeUp == 0 && timer->MadeUp() == 1)
             told.Note("time stamps that are missing or do not grow are made up from the frame rate");
-        pictureIsReady = true;
+        pictureIsReady = part.start == 0 || pictureStart >= 0;
     }
     if (info.size.width == 0) {
         info.size = {picture->width, picture->height};
