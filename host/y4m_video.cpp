@@ -65,7 +65,7 @@ void Y4mVideoReader::SetTimes(const PartOptions& wanted) {
 bool Y4mVideoReader::Read(VideoFrame& frame, const WritablePlanes& planes) {
     if (framesRead == wantedFrames) return false;
     for (; skipped > 0; --skipped)
-        if (!reader.ReadFrame(frame.parameters, planes)) return false;
+        if (!reader.ReadFrame(frame.parameters, planes)) throw RunError("ends before the time to start at");
     if (!reader.ReadFrame(frame.parameters, planes)) return false;
     if (info.y4mHeader->range == ColourRange::full) ToVideoRange(planes);
     frame.hasPicture = true;

@@ -7,6 +7,7 @@
 #include "host/errors.h"
 #include "host/film/library_log.h"
 #include "host/player.h"
+#include "host/run_figures.h"
 #include "host/words.h"
 #include "platform/console.h"
 
@@ -92,11 +93,13 @@ FilmReader::FilmReader(const FilmRequest& request, Report& report)
     if (parameters.width > 0 && parameters.height > 0) CheckSize({parameters.width, parameters.height});
     OpenDecoder();
     while (pictureIsReady == false)
-        if (FindPicture() == Step::end)
-            throw RunError(
-                "holds no picture that can be decoded" +
-                (damagedPlaces > 0 ? "; " + std::to_string(damagedPlaces) + " damaged places" : std::string()));
+        if (FindPicture() == Step::end) throw RunError(NoPictureText());
     RefuseHighDynamicRange(picture->color_trc, request.path);
+}
+
+std::string FilmReader::NoPictureText() const {
+    if (firstSize.width > 0) return "holds no picture in the part that --start and --duration take";
+    return "holds no picture that can be decoded" + (damagedPlaces > 0 ? "; " + DamageText(damagedPlaces) : "");
 }
 
 void FilmReader::OpenDecoder() {
@@ -127,7 +130,7 @@ void FilmReader::DescribeVideo(const AVFrame& first) {
     if (part.duration != INT64_MAX) {
         const double wanted = static_cast<double>(part.duration) / AV_TIME_BASE;
         info.seconds = std::min(info.seconds.value_or(wanted), wanted);
-        partEnd = av_rescale_q(part.duration, microseconds, stream.time_base);
+        partEnd = std::max<int64_t>(1, av_rescale_q(part.duration, microseconds, stream.time_base));
     }
     if (part.frames != UINT64_MAX) info.frames = part.frames;
     const double usual =

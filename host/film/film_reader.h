@@ -24,6 +24,7 @@ public:
 private:
     enum class Step { picture, companions, end };
 
+    std::string NoPictureText() const;
     void OpenDecoder();
     void DescribeVideo(const AVFrame& first);
 
