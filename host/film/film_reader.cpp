@@ -32,6 +32,8 @@ bool IsCopied(const AVStream& stream) {
     return type == AVMEDIA_TYPE_AUDIO || type == AVMEDIA_TYPE_SUBTITLE;
 }
 
+int64_t StartOf(const AVPacket& packet) { return packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts; }
+
 bool IsHighDynamicRange(AVColorTransferCharacteristic transfer) {
     return transfer == AVCOL_TRC_SMPTE2084 || transfer == AVCOL_TRC_ARIB_STD_B67;
 }
@@ -87,7 +89,8 @@ FilmReader::FilmReader(const FilmRequest& request, Report& report)
       part(request.part),
       deinterlaces(request.deinterlacing == Deinterlacing::automatic),
       withCompanions(request.withCompanions),
-      origin(std::make_shared<FilmOrigin>(request)) {
+      origin(std::make_shared<FilmOrigin>(request)),
+      clockJumps(*origin->container) {
     const AVCodecParameters& parameters = *origin->VideoStream().codecpar;
     RefuseHighDynamicRange(parameters.color_trc, request.path);
     if (parameters.width > 0 && parameters.height > 0) CheckSize({parameters.width, parameters.height});
@@ -243,19 +246,28 @@ void FilmReader::BuildChain(const DecodedFormat& format) {
     }
 }
 
-void FilmReader::ReadPacket() {
-    if (inputEnded) return SendToDecoder(nullptr);
+/// The container's next packet in `packet`, or an error code.
+int FilmReader::TakePacket() {
     av_packet_unref(packet.get());
     const int result = av_read_frame(origin->container.get(), packet.get());
-    if (result < 0) return EndInput(result);
+    if (result < 0) return result;
     const AVStream& stream = *origin->container->streams[packet->stream_index];
-    const int64_t start = packet->pts != AV_NOPTS_VALUE ? packet->pts : packet->dts;
+    if (clockJumps.Mend(*packet, stream) && !std::exchange(clockJumped, true))
+        told.Note("behind " + TimeText(lastPacketEnd) + " the time stamps begin anew; they are made to go on");
+    const int64_t start = StartOf(*packet);
     if (start != AV_NOPTS_VALUE)
         lastPacketEnd =
             std::max(lastPacketEnd, static_cast<double>(start + packet->duration) * av_q2d(stream.time_base) -
                                         static_cast<double>(origin->firstTime) / AV_TIME_BASE);
+    return result;
+}
+
+void FilmReader::ReadPacket() {
+    if (inputEnded) return SendToDecoder(nullptr);
+    const int result = TakePacket();
+    if (result < 0) return EndInput(result);
     if (packet->stream_index != origin->videoIndex) return KeepCompanion();
-    if ((packet->flags & AV_PKT_FLAG_CORRUPT) != 0) NoteDamage(start, "the container is damaged");
+    if ((packet->flags & AV_PKT_FLAG_CORRUPT) != 0) NoteDamage(StartOf(*packet), "the container is damaged");
     SendToDecoder(packet.get());
 }
 
@@ -281,7 +293,7 @@ void FilmReader::SendToDecoder(const AVPacket* read) {
 void FilmReader::KeepCompanion() {
     const AVStream& stream = *origin->container->streams[packet->stream_index];
     if (!withCompanions || !IsCopied(stream)) return;
-    const int64_t start = packet->pts != AV_NOPTS_VALUE ? packet->pts : packet->dts;
+    const int64_t start = StartOf(*packet);
     const int64_t partStart = av_rescale_q(origin->PartStart(), microseconds, stream.time_base);
     if (start != AV_NOPTS_VALUE) {
         if (av_compare_ts(start - partStart, stream.time_base, partEnd, origin->VideoStream().time_base) >= 0) return;
@@ -304,16 +316,9 @@ bool FilmReader::ReadCompanionsBehind() {
     const AVRational base = origin->VideoStream().time_base;
     const double end = static_cast<double>(part.start) / AV_TIME_BASE + static_cast<double>(partEnd) * av_q2d(base);
     for (size_t count = 0; count < mostCompanions; ++count) {
-        av_packet_unref(packet.get());
         if (inputEnded || lastPacketEnd > end + companionsBehind || NotedSignal() != 0) return false;
-        if (av_read_frame(origin->container.get(), packet.get()) < 0) {
-            inputEnded = true;
-            return false;
-        }
-        const AVStream& stream = *origin->container->streams[packet->stream_index];
-        if (packet->dts != AV_NOPTS_VALUE)
-            lastPacketEnd = std::max(lastPacketEnd, static_cast<double>(packet->dts) * av_q2d(stream.time_base) -
-                                                        static_cast<double>(origin->firstTime) / AV_TIME_BASE);
+        inputEnded = TakePacket() < 0;
+        if (inputEnded) return false;
         if (packet->stream_index != origin->videoIndex) KeepCompanion();
     }
     return true;

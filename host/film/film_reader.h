@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/film/clock_jumps.h"
 #include "host/film/film_origin.h"
 #include "host/film/frame_times.h"
 #include "host/film/picture_chain.h"
@@ -35,6 +36,7 @@ private:
     void BuildChain(const DecodedFormat& format);
     bool TakeFromChains();
 
+    int TakePacket();
     void ReadPacket();
     void EndInput(int reason);
     void SendToDecoder(const AVPacket* read);
@@ -50,6 +52,7 @@ private:
     bool deinterlaces;
     bool withCompanions;
     std::shared_ptr<FilmOrigin> origin;
+    ClockJumps clockJumps;
     AvPointer<AVCodecContext> decoder;
     AvPointer<AVPacket> packet = MakeAvPacket();
     AvPointer<AVFrame> decoded = MakeAvFrame();
@@ -66,6 +69,7 @@ private:
     bool inputEnded = false;
     bool decoderEnded = false;
     bool interlacedSeen = false;
+    bool clockJumped = false;
     bool partEnded = false;
     int64_t pictureStart = 0;  // steps of the stream's time base behind the start of the part
     int64_t partEnd = INT64_MAX;
