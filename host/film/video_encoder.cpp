@@ -108,7 +108,7 @@ AVRational RationalOf(Ratio ratio) {
     return reduced;
 }
 
-/// These count time in frames.
+/// These count time in frames, as do containers without variable rates.
 bool NeedsFrameClock(AVCodecID codec) {
     return codec == AV_CODEC_ID_MPEG4 || codec == AV_CODEC_ID_MPEG1VIDEO || codec == AV_CODEC_ID_MPEG2VIDEO ||
            codec == AV_CODEC_ID_THEORA || codec == AV_CODEC_ID_H263 || codec == AV_CODEC_ID_MSMPEG4V3;
@@ -123,7 +123,7 @@ AVChromaLocation LocationOf(ChromaSite site) {
     }
 }
 
-void DescribePictures(const FilmTarget& target, AVCodecContext& encoder) {
+void DescribePictures(const FilmTarget& target, const AVOutputFormat& container, AVCodecContext& encoder) {
     const VideoInfo& info = target.info;
     const PictureSize size = EncodedSize(info.size, target.fullHeightChroma);
     encoder.width = size.width;
@@ -138,7 +138,8 @@ void DescribePictures(const FilmTarget& target, AVCodecContext& encoder) {
     encoder.framerate = RationalOf(info.frameRate);
     if (encoder.framerate.num == 0) encoder.framerate = {25, 1};
     encoder.time_base = RationalOf(info.timeBase);
-    if (encoder.time_base.num == 0 || NeedsFrameClock(encoder.codec_id))
+    const bool isEven = (container.flags & AVFMT_VARIABLE_FPS) == 0;
+    if (encoder.time_base.num == 0 || isEven || NeedsFrameClock(encoder.codec_id))
         encoder.time_base = av_inv_q(encoder.framerate);
 }
 
@@ -188,7 +189,7 @@ AvPointer<AVCodecContext> OpenVideoEncoder(const FilmTarget& target, const AVOut
     const std::string name = std::string("the encoder ") + codec.name;
     AvPointer<AVCodecContext> encoder(avcodec_alloc_context3(&codec));
     if (!encoder) throw std::bad_alloc();
-    DescribePictures(target, *encoder);
+    DescribePictures(target, container, *encoder);
     encoder->thread_count = 0;  // as many as there are processor cores
     if ((container.flags & AVFMT_GLOBALHEADER) != 0) encoder->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     Dictionary options;
