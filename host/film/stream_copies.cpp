@@ -36,6 +36,38 @@ bool IsCandidate(const AVStream& stream) {
     }
 }
 
+/// Containers of MPEG take any stream as private data, which no player knows; these they name.
+bool IsNamedByMpeg(AVCodecID codec, bool inTransportStream) {
+    switch (codec) {
+        case AV_CODEC_ID_MP1:
+        case AV_CODEC_ID_MP2:
+        case AV_CODEC_ID_MP3:
+        case AV_CODEC_ID_AC3:
+        case AV_CODEC_ID_DTS: return true;
+        case AV_CODEC_ID_AAC:
+        case AV_CODEC_ID_AAC_LATM:
+        case AV_CODEC_ID_EAC3:
+        case AV_CODEC_ID_TRUEHD:
+        case AV_CODEC_ID_OPUS:
+        case AV_CODEC_ID_S302M:
+        case AV_CODEC_ID_DVB_SUBTITLE:
+        case AV_CODEC_ID_DVB_TELETEXT: return inTransportStream;
+        case AV_CODEC_ID_PCM_DVD:
+        case AV_CODEC_ID_DVD_SUBTITLE: return !inTransportStream;
+        default: return false;
+    }
+}
+
+/// Whether a player would find the stream again where a container takes it.
+bool IsFoundAgain(const AVStream& stream, const AVOutputFormat& container) {
+    const std::string_view name = container.name;
+    if (IsCover(stream)) return KeepsCoversAsAttachments(container) || name == "mp4" || name == "ipod";
+    constexpr std::array<std::string_view, 5> programStreams = {"mpeg", "vcd", "svcd", "dvd", "vob"};
+    const bool isProgramStream = std::find(programStreams.begin(), programStreams.end(), name) != programStreams.end();
+    if (name == "mpegts" || isProgramStream) return IsNamedByMpeg(stream.codecpar->codec_id, name == "mpegts");
+    return container.audio_codec != AV_CODEC_ID_NONE;  // otherwise it is a bare stream of pictures
+}
+
 AVStream& NewStream(AVFormatContext& output) {
     AVStream* const stream = avformat_new_stream(&output, nullptr);
     if (!stream) throw std::bad_alloc();
@@ -87,6 +119,7 @@ AVStream& AddCopy(const AVStream& source, AVFormatContext& output) {
 
 /// Whether a container takes a stream beside the pictures: tried on one that nobody sees.
 bool Takes(const AVFormatContext& output, const AVCodecContext& encoder, const AVStream& candidate) {
+    if (!IsFoundAgain(candidate, *output.oformat)) return false;
     AVFormatContext* trial = nullptr;
     CheckMemory(avformat_alloc_output_context2(&trial, output.oformat, nullptr, nullptr));
     bool taken = false;
@@ -144,7 +177,7 @@ StreamCopies::StreamCopies(const FilmOrigin& from, const AVCodecContext& encoder
             AddStream(stream);
         else if (stream.codecpar->codec_id != AV_CODEC_ID_BIN_DATA)  // how a container's own chapters show
             report.Note(NameOf(stream) + " is left out: " +
-                        (IsCandidate(stream) ? std::string("a ") + output.oformat->name + " file does not take it"
+                        (IsCandidate(stream) ? output.oformat->name + std::string(" files do not take it")
                                              : "only sound, subtitles, covers and attachments are copied"));
     }
     AddChapters();

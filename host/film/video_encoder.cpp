@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "host/errors.h"
+#include "host/film/library_log.h"
 
 extern "C" {
 #include <libavutil/opt.h>
@@ -30,12 +31,14 @@ struct Usual {
 };
 
 // clang-format off
-constexpr std::array<Usual, 6> usualSettings = {{
+constexpr std::array<Usual, 8> usualSettings = {{
     {"libx264",    "18", {{{"preset", "medium"}}}},
-    {"libx265",    "20", {{{"preset", "medium"}}}},
+    {"libx265",    "20", {{{"preset", "medium"}, {"x265-params", "log-level=none"}}}},  // it would write to the terminal
+    {"libvpx",     "10", {{{"b", "20M"}, {"cpu-used", "2"}}}},  // its quality holds below a rate
     {"libvpx-vp9", "24", {{{"b", "0"}, {"row-mt", "1"}, {"cpu-used", "2"}}}},
     {"libaom-av1", "24", {{{"b", "0"}, {"row-mt", "1"}, {"cpu-used", "6"}}}},
     {"libsvtav1",  "24", {}},
+    {"libtheora",  "8",  {}},
     {"ffv1",       nullptr, {{{"level", "3"}, {"g", "1"}, {"slicecrc", "1"}, {"slices", "4"}}}},
 }};
 // clang-format on
@@ -58,9 +61,33 @@ bool Takes(const AVCodec& encoder, AVPixelFormat samples) {
     return !encoder.pix_fmts;
 }
 
-/// Whether a container may hold a codec; those that say nothing may.
+/// Whether a container that says nothing of codecs begins with one: tried on one that nobody sees.
+bool BeginsWith(const AVOutputFormat& container, AVCodecID codec) {
+    AVFormatContext* trial = nullptr;
+    if (avformat_alloc_output_context2(&trial, &container, nullptr, nullptr) < 0) throw std::bad_alloc();
+    AVStream* const pictures = avformat_new_stream(trial, nullptr);
+    bool begins = false;
+    if (pictures && avio_open_dyn_buf(&trial->pb) >= 0) {
+        pictures->time_base = {1, 25};
+        pictures->codecpar->codec_type = AVMEDIA_TYPE_VIDEO;
+        pictures->codecpar->codec_id = codec;
+        pictures->codecpar->width = pictures->codecpar->height = 64;
+        begins = avformat_write_header(trial, nullptr) >= 0;
+        uint8_t* written = nullptr;
+        avio_close_dyn_buf(trial->pb, &written);
+        av_free(written);
+    }
+    avformat_free_context(trial);
+    TakeLastLibraryError();
+    return begins;
+}
+
+/// Whether a container may hold a codec.
 bool MayHold(const AVOutputFormat& container, AVCodecID codec) {
-    return avformat_query_codec(&container, codec, FF_COMPLIANCE_NORMAL) != 0;
+    const int told = avformat_query_codec(&container, codec, FF_COMPLIANCE_NORMAL);
+    if (told >= 0) return told > 0;
+    const bool isBareStream = container.audio_codec == AV_CODEC_ID_NONE;
+    return codec == container.video_codec || (!isBareStream && BeginsWith(container, codec));
 }
 
 /// Names of all encoders here whose pictures the container may hold.
