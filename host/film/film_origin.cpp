@@ -42,7 +42,7 @@ bool IsPicture(const AVStream& stream) { return (stream.disposition & AV_DISPOSI
 
 }  // namespace
 
-FilmOrigin::FilmOrigin(const FilmRequest& request) : partStart(request.part.start) {
+FilmOrigin::FilmOrigin(const FilmRequest& request) : partStart(request.part.start), partLength(request.part.duration) {
     CatchLibraryLog();
     Open(request);
     FindVideo();

@@ -30,6 +30,7 @@ public:
     int videoIndex = -1;
     int64_t firstTime = 0;  ///< of the container, in AV_TIME_BASE units; 0 where that begins before 0
     int64_t partStart = 0;  ///< after firstTime
+    int64_t partLength;     ///< INT64_MAX where it is not limited
 
 private:
     void Open(const FilmRequest& request);

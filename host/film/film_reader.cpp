@@ -289,22 +289,29 @@ void FilmReader::SendToDecoder(const AVPacket* read) {
         NoteDamage(read ? read->pts : AV_NOPTS_VALUE, "left out, it could not be decoded: " + AvErrorText(result));
 }
 
-/// Keeps a packet of another stream if that is copied and it lies in the part wanted. A subtitle that stands when the part begins is cut.
+/// Whether a packet, which has a time, lies in the part wanted. Subtitles that stand at one of its ends are cut.
+bool FilmReader::CutToPart(AVPacket& companion, const AVStream& stream) const {
+    const AVRational pictureBase = origin->VideoStream().time_base;
+    const bool isSubtitle = stream.codecpar->codec_type == AVMEDIA_TYPE_SUBTITLE;
+    const int64_t partStart = av_rescale_q(origin->PartStart(), microseconds, stream.time_base);
+    int64_t start = StartOf(companion) - partStart;
+    if (av_compare_ts(start, stream.time_base, partEnd, pictureBase) >= 0) return false;
+    if (part.start > 0 && start < 0) {
+        if (!isSubtitle || start + companion.duration <= 0) return false;
+        companion.duration += start;
+        companion.pts = companion.dts = partStart;
+        start = 0;
+    }
+    if (isSubtitle && partEnd != INT64_MAX)
+        companion.duration = std::min(companion.duration, av_rescale_q(partEnd, pictureBase, stream.time_base) - start);
+    return true;
+}
+
+/// Keeps a packet of another stream if that is copied and it lies in the part wanted.
 void FilmReader::KeepCompanion() {
     const AVStream& stream = *origin->container->streams[packet->stream_index];
     if (!withCompanions || !IsCopied(stream)) return;
-    const int64_t start = StartOf(*packet);
-    const int64_t partStart = av_rescale_q(origin->PartStart(), microseconds, stream.time_base);
-    if (start != AV_NOPTS_VALUE) {
-        if (av_compare_ts(start - partStart, stream.time_base, partEnd, origin->VideoStream().time_base) >= 0) return;
-        const bool isBefore = part.start > 0 && start < partStart;
-        if (isBefore && (stream.codecpar->codec_type != AVMEDIA_TYPE_SUBTITLE || start + packet->duration <= partStart))
-            return;
-        if (isBefore) {
-            packet->duration -= partStart - start;
-            packet->pts = packet->dts = partStart;
-        }
-    }
+    if (StartOf(*packet) != AV_NOPTS_VALUE && !CutToPart(*packet, stream)) return;
     AvPointer<AVPacket> kept = MakeAvPacket();
     av_packet_move_ref(kept.get(), packet.get());
     companions.emplace_back(std::move(kept));

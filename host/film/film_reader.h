@@ -40,6 +40,7 @@ private:
     void ReadPacket();
     void EndInput(int reason);
     void SendToDecoder(const AVPacket* read);
+    bool CutToPart(AVPacket& companion, const AVStream& stream) const;
     void KeepCompanion();
     bool ReadCompanionsBehind();
 

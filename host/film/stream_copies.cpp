@@ -198,14 +198,17 @@ void StreamCopies::AddChapters() {
     for (unsigned i = 0; i < source.nb_chapters; ++i) {
         const AVChapter& chapter = *source.chapters[i];
         const int64_t before = av_rescale_q(origin.PartStart(), microseconds, chapter.time_base);
-        if (chapter.end <= before) continue;
+        const int64_t length = origin.partLength != INT64_MAX
+                                   ? av_rescale_q(origin.partLength, microseconds, chapter.time_base)
+                                   : INT64_MAX;
+        if (chapter.end <= before || chapter.start - before >= length) continue;
         auto* const copy = static_cast<AVChapter*>(av_mallocz(sizeof(AVChapter)));
         if (!copy) throw std::bad_alloc();
         output.chapters[output.nb_chapters++] = copy;
         copy->id = chapter.id;
         copy->time_base = chapter.time_base;
         copy->start = std::max<int64_t>(0, chapter.start - before);
-        copy->end = chapter.end - before;
+        copy->end = std::min(chapter.end - before, length);
         CheckMemory(av_dict_copy(&copy->metadata, chapter.metadata, 0));
     }
 }
