@@ -1,10 +1,10 @@
 #include "host/film/film_origin.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <new>
 
 #include "host/errors.h"
+#include "host/film/damage_log.h"
 #include "host/film/library_log.h"
 #include "platform/console.h"
 
@@ -107,18 +107,6 @@ std::optional<double> FilmOrigin::StatedEnd() const {
     if (container->duration == AV_NOPTS_VALUE || isGuessed) return std::nullopt;
     const int64_t start = container->start_time != AV_NOPTS_VALUE ? container->start_time : 0;
     return static_cast<double>(start - firstTime + container->duration) / AV_TIME_BASE;
-}
-
-std::string TimeText(double seconds) {
-    char text[64];
-    const auto milliseconds = static_cast<int64_t>(seconds * 1000.0 + 0.5);
-    const auto part = [&](int64_t unit, int64_t count) { return static_cast<int>(milliseconds / unit % count); };
-    if (milliseconds >= 3600000)
-        std::snprintf(text, sizeof text, "%d:%02d:%02d.%03d", part(3600000, 1000000), part(60000, 60), part(1000, 60),
-                      part(1, 1000));
-    else
-        std::snprintf(text, sizeof text, "%d:%02d.%03d", part(60000, 60), part(1000, 60), part(1, 1000));
-    return text;
 }
 
 }  // namespace clarivex

@@ -43,7 +43,4 @@ private:
     bool KeyPictureComesInTime();
 };
 
-/// A time for messages: 0:04.200, 1:02:03.000.
-std::string TimeText(double seconds);
-
 }  // namespace clarivex
