@@ -76,13 +76,17 @@ Enhancement::Enhancement(const EnhanceOptions& given, const std::string& inputPa
 }
 
 void Enhancement::Run() {
+    bool isWhole = false;
     try {
         CopyFrames();
-        if (NotedSignal() == 0) Finish();
+        if (NotedSignal() == 0) {
+            Finish();
+            isWhole = true;  // whatever signal comes now, it is too late
+        }
     } catch (const RunError& error) {
         if (NotedSignal() == 0) BreakOff(error.what());  // the signal may have broken off a read or ended a reader
     }
-    if (NotedSignal() != 0) EndInterrupted();
+    if (!isWhole) EndInterrupted();
     report.WipeProgress();
     TellFigures();
 }
@@ -137,6 +141,7 @@ void Enhancement::EndInterrupted() {
 std::string Enhancement::WhatIsLeft() {
     const std::string left = writer->Abandon();
     const uint64_t written = progress.Count();
+    if (left.empty() && written > 0) return "nothing that can be played was kept";
     const std::string count = std::to_string(written) + (written == 1 ? " whole frame was" : " whole frames were");
     return count + " written" + (left.empty() || left == output ? "" : " and stand in " + PrintablePath(left));
 }

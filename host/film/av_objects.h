@@ -37,6 +37,9 @@ std::string AvErrorText(int code);
 /// Throws RunError for codes below 0: "`what`: …", followed by what the libraries logged about it, if they did.
 int CheckAv(int code, const std::string& what);
 
+/// What goes in front when an output fails in the middle.
+constexpr const char* cannotWrite = "cannot be written any further; check the space, rights and limits there";
+
 /// Options by name, as the libraries take them; they leave in it those that they do not know.
 struct Dictionary {
     Dictionary() = default;

@@ -1,8 +1,13 @@
 #include "host/film/film_writer.h"
 
 #include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <new>
+#include <string_view>
 #include <system_error>
 
 #include "host/errors.h"
@@ -20,13 +25,17 @@ namespace {
 
 namespace files = std::filesystem;
 
-constexpr const char* cannotWrite = "cannot be written any further";
-
 const AVOutputFormat& ContainerOf(const std::string& path) {
     const AVOutputFormat* const container = av_guess_format(nullptr, path.c_str(), nullptr);
     if (!container || (container->flags & AVFMT_NOFILE) != 0)
         throw RunError("its name tells of no kind of film; name a .mkv, .mp4, .mov, .webm or .y4m file");
     return *container;
+}
+
+/// Whether a film without its last bytes cannot be played.
+bool NeedsItsEnd(const AVOutputFormat& container) {
+    constexpr std::array<std::string_view, 8> names = {"mp4", "mov", "3gp", "3g2", "ipod", "psp", "f4v", "mxf"};
+    return std::find(names.begin(), names.end(), container.name) != names.end();
 }
 
 }  // namespace
@@ -59,13 +68,20 @@ FilmWriter::PartFile::~PartFile() {
     if (isThere) files::remove(path, ignored);
 }
 
-void FilmWriter::ClaimPath(bool overwrite) const {
+/// Makes the unfinished file: of two runs at once only one can.
+void FilmWriter::ClaimPath(bool overwrite) {
     std::error_code error;
     if (files::is_directory(path, error)) throw RunError("is a folder; name a file");
     if (!overwrite && files::exists(path, error)) throw RunError("is there already; --overwrite replaces it");
-    if (!overwrite && files::exists(part.path, error))
-        throw RunError(part.path +
+    if (overwrite) files::remove(part.path, error);
+    const OwnedFile made(std::fopen(part.path.c_str(), "wbx"));
+    if (!made && errno == EEXIST)
+        throw RunError(PrintablePath(part.path) +
                        ", left by an earlier run or in the work of another, is in its way; --overwrite replaces it");
+    if (!made)
+        throw RunError(std::string("cannot be opened for writing: ") + std::strerror(errno) +
+                       "; check the path and its rights");
+    part.isThere = true;
 }
 
 void FilmWriter::AddPictures(const FilmTarget& target) {
@@ -86,7 +102,6 @@ void FilmWriter::AddPictures(const FilmTarget& target) {
 void FilmWriter::WriteHeader() {
     const int result = avio_open(&output->pb, FileUrl(part.path).c_str(), AVIO_FLAG_WRITE);
     CheckAv(result, "cannot be opened for writing; check the path and its rights");
-    part.isThere = true;
     CheckAv(avformat_write_header(output.get(), nullptr), "cannot be begun");
     if (copies) copies->WriteCovers();
 }
@@ -151,7 +166,7 @@ void FilmWriter::Finish() {
     Close();
     std::error_code error;
     files::rename(part.path, path, error);
-    if (error) throw RunError("cannot be put in its place: " + error.message() + "; it stands whole in " + part.path);
+    if (error) throw RunError("cannot be put in its place: " + error.message());
     part.isThere = false;
 }
 
@@ -160,9 +175,10 @@ std::string FilmWriter::Abandon() {
     try {
         if (output->pb) Close();
     } catch (const std::exception&) {  // what cannot be kept is told already
-        output.reset();
+        if (NeedsItsEnd(*output->oformat)) return {};
     }
     if (!hasPictures) return {};
+    output.reset();
     part.isThere = false;
     return part.path;
 }

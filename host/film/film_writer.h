@@ -31,7 +31,7 @@ private:
         bool isThere = false;
     };
 
-    void ClaimPath(bool overwrite) const;
+    void ClaimPath(bool overwrite);
     void AddPictures(const FilmTarget& target);
     void WriteHeader();
     void FillPicture(const PicturePlanes& planes);

@@ -241,7 +241,7 @@ void StreamCopies::Write(const AVPacket& read) {
     packet->stream_index = copy->target;
     packet->pos = -1;
     const int result = av_interleaved_write_frame(&output, packet.get());
-    if (output.pb->error < 0 || result == AVERROR(ENOMEM)) CheckAv(result, "cannot be written any further");
+    if (output.pb->error < 0 || result == AVERROR(ENOMEM)) CheckAv(result, cannotWrite);
     if (result >= 0 || std::exchange(damageTold, true)) return;
     told.Note("damaged " + std::string(av_get_media_type_string(copy->kind)) + " is left out");
     TakeLastLibraryError();
