@@ -135,10 +135,16 @@ AVRational RationalOf(Ratio ratio) {
     return reduced;
 }
 
-/// These count time in frames, as do containers without variable rates.
+/// These count time in frames.
 bool NeedsFrameClock(AVCodecID codec) {
     return codec == AV_CODEC_ID_MPEG4 || codec == AV_CODEC_ID_MPEG1VIDEO || codec == AV_CODEC_ID_MPEG2VIDEO ||
            codec == AV_CODEC_ID_THEORA || codec == AV_CODEC_ID_H263 || codec == AV_CODEC_ID_MSMPEG4V3;
+}
+
+/// These show frames at an even rate, whatever their times. The libraries' own flag for it leaves out MP4, which has times.
+bool NeedsFrameClock(const AVOutputFormat& container) {
+    constexpr std::array<std::string_view, 4> even = {"avi", "mxf", "gxf", "dv"};
+    return std::find(even.begin(), even.end(), container.name) != even.end();
 }
 
 AVChromaLocation LocationOf(ChromaSite site) {
@@ -165,8 +171,7 @@ void DescribePictures(const FilmTarget& target, const AVOutputFormat& container,
     encoder.framerate = RationalOf(info.frameRate);
     if (encoder.framerate.num == 0) encoder.framerate = {25, 1};
     encoder.time_base = RationalOf(info.timeBase);
-    const bool isEven = (container.flags & AVFMT_VARIABLE_FPS) == 0;
-    if (encoder.time_base.num == 0 || isEven || NeedsFrameClock(encoder.codec_id))
+    if (encoder.time_base.num == 0 || NeedsFrameClock(container) || NeedsFrameClock(encoder.codec_id))
         encoder.time_base = av_inv_q(encoder.framerate);
 }
 
