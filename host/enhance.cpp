@@ -148,7 +148,7 @@ std::string Enhancement::WhatIsLeft() {
 
 void Enhancement::TellFigures() {
     const RunFigures figures{InputName(input),   OutputName(output),      writer->Description(),
-                             progress.Count(),   reader->Info().size,     player.OutputSize(),
+                             progress.Count(),   reader->Info().size,     writer->Size(),
                              progress.Seconds(), progress.VideoSeconds(), reader->DamagedPlaces()};
     report.Tell(SummaryText(figures));
     if (options.timing) std::fprintf(stderr, "clarivex: %s\n", TimingText(player.ProcessTimes()).c_str());

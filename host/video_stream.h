@@ -70,6 +70,9 @@ public:
     /// has. Call instead of Finish, even when that or Write has failed. Empty where nothing was left.
     virtual std::string Abandon() = 0;
 
+    /// Of the pictures as they are written.
+    virtual PictureSize Size() const = 0;
+
     /// How the pictures and what else was written are stored, in a few words; empty where the name says it.
     virtual std::string Description() const { return {}; }
 };

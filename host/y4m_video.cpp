@@ -75,7 +75,7 @@ bool Y4mVideoReader::Read(VideoFrame& frame, const WritablePlanes& planes) {
 }
 
 Y4mVideoWriter::Y4mVideoWriter(const std::string& path, const VideoInfo& video, bool fullHeightChroma)
-    : name(path), sink(path), writer(sink, HeaderLine(video, fullHeightChroma)) {}
+    : name(path), size(video.size), sink(path), writer(sink, HeaderLine(video, fullHeightChroma)) {}
 
 void Y4mVideoWriter::Write(const VideoFrame& frame, const PicturePlanes& planes) {
     if (frame.hasPicture) writer.WriteFrame(frame.parameters, planes);

@@ -42,11 +42,14 @@ public:
     void Write(const VideoFrame& frame, const PicturePlanes& planes) override;
     void Finish() override { sink.Close(); }
 
+    PictureSize Size() const override { return size; }
+
     /// The frames written are whole as they are.
     std::string Abandon() override { return name; }
 
 private:
     std::string name;
+    PictureSize size;
     FileSink sink;
     Y4mWriter writer;
 };

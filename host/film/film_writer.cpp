@@ -13,6 +13,7 @@
 #include "host/errors.h"
 #include "host/film/library_log.h"
 #include "host/film/video_encoder.h"
+#include "host/words.h"
 
 extern "C" {
 #include <libavutil/imgutils.h>
@@ -59,6 +60,9 @@ FilmWriter::FilmWriter(const FilmTarget& target, Report& report)
     output.reset(made);
     encoder = OpenVideoEncoder(target, container);
     AddPictures(target);
+    if (Size() != givenSize)
+        report.Note("of pictures of " + SizeText(givenSize) + " " + SizeText(Size()) +
+                    " are written, which the encoder takes; --lossless keeps the rest too");
     if (origin) copies.emplace(*origin, *encoder, *output, report);
     WriteHeader();
 }

@@ -18,6 +18,7 @@ public:
     void Write(const VideoFrame& frame, const PicturePlanes& planes) override;
     void Finish() override;
     std::string Abandon() override;
+    PictureSize Size() const override { return {encoder->width, encoder->height}; }
     std::string Description() const override;
 
 private:

@@ -148,8 +148,9 @@ const char* KindText(const AVStream& stream) {
 }
 
 std::string NameOf(const AVStream& stream) {
+    const AVDictionaryEntry* const file = av_dict_get(stream.metadata, "filename", nullptr, 0);
     return std::string(KindText(stream)) + " stream " + std::to_string(stream.index) + " (" +
-           avcodec_get_name(stream.codecpar->codec_id) + ")";
+           (file ? PrintablePath(file->value) : avcodec_get_name(stream.codecpar->codec_id)) + ")";
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ constexpr std::array<Usual, 8> usualSettings = {{
     {"libaom-av1", "24", {{{"b", "0"}, {"row-mt", "1"}, {"cpu-used", "6"}}}},
     {"libsvtav1",  "24", {}},
     {"libtheora",  "8",  {}},
-    {"ffv1",       nullptr, {{{"level", "3"}, {"g", "1"}, {"slicecrc", "1"}, {"slices", "4"}}}},
+    {"ffv1",       nullptr, {{{"level", "3"}, {"g", "1"}, {"slicecrc", "1"}}}},
 }};
 // clang-format on
 
@@ -156,9 +156,16 @@ AVChromaLocation LocationOf(ChromaSite site) {
     }
 }
 
+/// What an encoder takes of an odd side: FFV1 all of it, others what has chroma of its own.
+PictureSize EncodedSize(const FilmTarget& target, AVCodecID codec) {
+    const PictureSize size = target.info.size;
+    if (codec == AV_CODEC_ID_FFV1) return size;
+    return {size.width & ~1, target.fullHeightChroma ? size.height : size.height & ~1};
+}
+
 void DescribePictures(const FilmTarget& target, const AVOutputFormat& container, AVCodecContext& encoder) {
     const VideoInfo& info = target.info;
-    const PictureSize size = EncodedSize(info.size, target.fullHeightChroma);
+    const PictureSize size = EncodedSize(target, encoder.codec_id);
     encoder.width = size.width;
     encoder.height = size.height;
     encoder.pix_fmt = SamplesOf(target);
@@ -204,10 +211,6 @@ void SetOptions(const FilmOptions& wanted, AVCodecContext& encoder, Dictionary& 
 }
 
 }  // namespace
-
-PictureSize EncodedSize(PictureSize size, bool fullHeightChroma) {
-    return {size.width & ~1, fullHeightChroma ? size.height : size.height & ~1};
-}
 
 std::string EncoderText(const AVCodecContext& encoder) {
     const AVCodecDescriptor* const codec = avcodec_descriptor_get(encoder.codec_id);

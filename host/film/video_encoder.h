@@ -12,9 +12,6 @@ namespace clarivex {
 /// there are where it is missing, and the option where one is not known.
 AvPointer<AVCodecContext> OpenVideoEncoder(const FilmTarget& target, const AVOutputFormat& container);
 
-/// The size in which pictures are encoded: what the chroma format leaves of an odd side.
-PictureSize EncodedSize(PictureSize size, bool fullHeightChroma);
-
 /// "H.264 by libx264".
 std::string EncoderText(const AVCodecContext& encoder);
 
