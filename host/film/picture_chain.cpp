@@ -44,7 +44,8 @@ bool IsRgb(const AVPixFmtDescriptor& descriptor) {
 bool IsGrey(const AVPixFmtDescriptor& descriptor) { return descriptor.nb_components <= 2 && !IsRgb(descriptor); }
 
 bool IsFullRange(const DecodedFormat& format) {
-    if (IsRgb(DescriptorOf(format.samples))) return true;
+    const AVPixFmtDescriptor& descriptor = DescriptorOf(format.samples);
+    if (IsRgb(descriptor) || descriptor.comp[0].depth == 1) return true;
     return format.range == AVCOL_RANGE_JPEG || WithoutRange(format.samples) != format.samples;
 }
 
@@ -58,6 +59,11 @@ std::string KindText(AVPixelFormat format) {
     if (IsGrey(descriptor)) return depth + "grey";
     return depth + (is(1, 1) ? "4:2:0" : is(1, 0) ? "4:2:2" : is(0, 0) ? "4:4:4" : is(0, 1) ? "4:4:0" : "4:1:1");
 }
+
+/// What a person would call something else, not only an order of the same samples.
+bool DiffersInKind(AVPixelFormat format) { return KindText(format) != KindText(AV_PIX_FMT_YUV420P); }
+
+bool HasAlpha(AVPixelFormat format) { return (DescriptorOf(format).flags & AV_PIX_FMT_FLAG_ALPHA) != 0; }
 
 /// The filters that undo a display matrix of quarter turns, mirrored or not.
 std::vector<std::string> TurnsOf(const int32_t* matrix) {
@@ -117,8 +123,8 @@ ConversionPlan PlanConversion(const DecodedFormat& format, PictureSize size, boo
     if (plan.deinterlaces)
         plan.reasons.emplace_back("interlaced pictures are deinterlaced (--deinterlace off leaves them)");
     const AVPixelFormat samples = WithoutRange(format.samples);
-    if (samples != AV_PIX_FMT_YUV420P)
-        plan.reasons.push_back(KindText(samples) + " samples are brought to 8-bit 4:2:0");
+    if (HasAlpha(samples)) plan.reasons.emplace_back("transparency is left out");
+    if (DiffersInKind(samples)) plan.reasons.push_back(KindText(samples) + " samples are brought to 8-bit 4:2:0");
     if (IsFullRange(format) && !IsRgb(DescriptorOf(samples)))
         plan.reasons.emplace_back("full range is brought to video range");
     if (format.size != size)
