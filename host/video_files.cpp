@@ -72,7 +72,8 @@ std::unique_ptr<VideoWriter> MakeVideo(const std::string& path, const std::strin
                                        bool fullHeightChroma, const EnhanceOptions& options, Report& report) {
     return Naming(OutputName(path), [&]() -> std::unique_ptr<VideoWriter> {
         if (SameFile(input, path)) throw RunError("is the input file too; name another output");
-        if (IsY4mOutput(path)) return std::make_unique<Y4mVideoWriter>(path, video, fullHeightChroma);
+        if (IsY4mOutput(path)) return std::make_unique<Y4mVideoWriter>(path, video, fullHeightChroma, report);
+        if (!video.frameRate.Known()) report.Note("no frame rate is stated: the film plays at 25 frames a second");
         return MakeFilm({path, video, fullHeightChroma, options.film, options.overwrite}, report);
     });
 }

@@ -1,6 +1,7 @@
 #include "host/y4m_video.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "host/errors.h"
@@ -74,11 +75,32 @@ bool Y4mVideoReader::Read(VideoFrame& frame, const WritablePlanes& planes) {
     return true;
 }
 
-Y4mVideoWriter::Y4mVideoWriter(const std::string& path, const VideoInfo& video, bool fullHeightChroma)
-    : name(path), size(video.size), sink(path), writer(sink, HeaderLine(video, fullHeightChroma)) {}
+Y4mVideoWriter::Y4mVideoWriter(const std::string& path, const VideoInfo& video, bool fullHeightChroma, Report& report)
+    : name(path), size(video.size), sink(path), writer(sink, HeaderLine(video, fullHeightChroma)), told(report) {
+    const Ratio rate = video.frameRate;
+    const Ratio step = video.timeBase;
+    if (rate.Known() && step.Known())
+        framesAStep = static_cast<double>(rate.numerator) / rate.denominator * step.numerator / step.denominator;
+}
 
 void Y4mVideoWriter::Write(const VideoFrame& frame, const PicturePlanes& planes) {
-    if (frame.hasPicture) writer.WriteFrame(frame.parameters, planes);
+    if (!frame.hasPicture) return;
+    CheckTime(frame.start);
+    writer.WriteFrame(frame.parameters, planes);
+    ++framesWritten;
+}
+
+/// Warns once.
+void Y4mVideoWriter::CheckTime(int64_t start) {
+    constexpr double mostAside = 5.0;  // frames: what a rate that is rounded comes to in a while is no other rate
+    if (!firstStart) firstStart = start;
+    const double shown = static_cast<double>(start - *firstStart) * framesAStep;
+    const auto written = static_cast<double>(framesWritten);
+    if (framesAStep == 0.0 || std::abs(shown - written) <= mostAside + written / 100.0) return;
+    told.Warn(
+        "the frame rate varies, but Y4M has only one: sound from elsewhere will not be in step; a .mkv keeps the "
+        "times");
+    framesAStep = 0.0;
 }
 
 }  // namespace clarivex

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "host/byte_stream.h"
@@ -34,10 +35,11 @@ private:
 
 class Y4mVideoWriter final : public VideoWriter {
 public:
-    /// Opens the path and writes the stream's header. Throws RunError.
+    /// Opens the path and writes the stream's header. Warns where frames do not come at the one rate that is written.
+    /// Throws RunError.
     ///
     /// video  of the pictures written; the tags that it has from a Y4M stream go on
-    Y4mVideoWriter(const std::string& path, const VideoInfo& video, bool fullHeightChroma);
+    Y4mVideoWriter(const std::string& path, const VideoInfo& video, bool fullHeightChroma, Report& report);
 
     void Write(const VideoFrame& frame, const PicturePlanes& planes) override;
     void Finish() override { sink.Close(); }
@@ -48,10 +50,16 @@ public:
     std::string Abandon() override { return name; }
 
 private:
+    void CheckTime(int64_t start);
+
     std::string name;
     PictureSize size;
     FileSink sink;
     Y4mWriter writer;
+    Report& told;
+    double framesAStep = 0.0;             // by the rate written; 0 where there is none to keep
+    std::optional<int64_t> firstStart{};  // in steps of the video's time base
+    uint64_t framesWritten = 0;
 };
 
 }  // namespace clarivex
