@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <new>
 #include <optional>
 #include <set>
 #include <vector>
@@ -203,14 +204,20 @@ void EnhanceMany(const EnhanceOptions& options) {
         throw RunError(PrintablePath(options.folder) + ": cannot be made: name a folder that can be written to");
     std::string failed;
     size_t failures = 0;
+    const auto tellFailure = [&](const std::string& input, const std::string& what) {
+        std::fprintf(stderr, "clarivex: %s\n", what.c_str());
+        failed += (failures++ == 0 ? "" : ", ") + InputName(input);
+    };
     for (size_t i = 0; i < options.inputs.size(); ++i) {
+        const std::string& input = options.inputs[i];
         try {
-            EnhanceOne(options, options.inputs[i], outputs[i]);
+            EnhanceOne(options, input, outputs[i]);
         } catch (const Interruption&) {
             throw;
         } catch (const RunError& failure) {
-            std::fprintf(stderr, "clarivex: %s\n", failure.what());
-            failed += (failures++ == 0 ? "" : ", ") + InputName(options.inputs[i]);
+            tellFailure(input, failure.what());
+        } catch (const std::bad_alloc&) {  // the libraries say so of damaged files too
+            tellFailure(input, InputName(input) + ": not enough memory for pictures of this size");
         }
     }
     if (failures > 0)
