@@ -250,6 +250,22 @@ sizes.h264 15 note:_.*128x96.*160x120
 back.ts $((2 * $(count rich.ts))) frames
 END
 
+# Joined recordings keep their sound in step, a cover stays one, sound that outlasts the pictures is no damage, and of two
+# runs on one output one begins.
+ff -i rich.mkv -map 0:v -map 0:a -c copy whole.ts && cat whole.ts whole.ts >joined.ts
+expect 0 'time stamps begin anew' enhance joined.ts joined.mkv
+near "$(told joined.mkv a:0 packet=pts_time | sort -n | tail -n 1)" 2 0.1 'the last sound of joined recordings'
+ff -i sd.mkv -frames:v 1 cover.png && ff -i sd.mkv -i cover.png -map 0 -map 1 -c copy -disposition:v:1 attached_pic cover.mp4
+expect 0 . enhance cover.mp4 cover.mkv && expect 0 . enhance cover.mp4 cover_out.mp4
+for file in cover.mkv cover_out.mp4; do
+    [ "$(told $file v:1 stream_disposition=attached_pic)" = 1 ] || fail "no cover in $file"
+done
+ff -i sd.mkv -f lavfi -i sine=d=4 -map 0:v -map 1 -c:v copy -c:a aac outlasts.mkv
+expect 0 . enhance --strict outlasts.mkv outlasts_out.mkv
+for n in 1 2 3; do run enhance --quiet hd_never.mp4 raced.mkv 2>>raced & done
+wait
+[ "$(grep -c 'is in its way\|is there already' raced)" = 2 ] || fail 'three runs on one output'
+
 # A signal ends the film behind the frame in work: it can be played, but does not bear the name of a whole one.
 ff -stream_loop 400 -i hd_never.mp4 -c copy -an endless.mkv
 while read -r signal code; do
