@@ -50,7 +50,8 @@ expect 2 '--plugin works in the Windows program only' enhance --plugin some.dll 
 expect 1 'missing.y4m: cannot be opened for reading' enhance missing.y4m out.y4m
 expect 1 ': cannot be opened for reading: it is a folder' enhance . out.y4m
 expect 1 'standard input: is empty, .* the program before it in the pipe may have failed' enhance - out.y4m
-from=$clarivex expect 1 'standard input: is no video that can be read' enhance - out.y4m
+yes 'No video, but a text.' | head -n 200 >text
+from=text expect 1 'standard input: is no video that can be read' enhance - out.y4m
 [ ! -e out.y4m ] || fail 'a run in vain left an output file'
 
 # A good run keeps the tags and tells what it did.
