@@ -170,6 +170,8 @@ first=$(ff -i part.mkv -map 0:a -frames:a 1 -f s16le - | od -An -td2 -N2)
 start=$(told part.mkv a:0 packet=pts_time | head -n 1)
 near "$first / 32768 * 4" "($start + 0.4)" 0.03 'place of the sound'
 near "$(told part.mkv a:0 packet=pts_time | tail -n 1)" 0.8 0.06 'end of the sound'
+expect 0 . enhance --start 0.4 --duration 0.3 rich.mkv words.mkv
+[ "$(told words.mkv s:0 packet=pts_time,duration_time)" = '0.000000,0.300000' ] || fail 'a subtitle over both ends of a part'
 expect 0 '7 frames' enhance --frames 7 long.mkv seven.mkv
 [ "$(count seven.mkv)" = 7 ] || fail '--frames'
 
