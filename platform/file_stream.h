@@ -35,7 +35,7 @@ size_t WriteBytes(std::FILE* stream, std::span<const uint8_t> bytes);
 ///         there. Nothing when the system cannot read, and errno says why.
 std::optional<size_t> ReadBytes(std::FILE* stream, std::span<uint8_t> bytes);
 
-/// Has a pipe hold up to 1 MiB, as far as the system allows; without effect on what is no pipe.
+/// Has a pipe hold 512 KiB, as far as the system allows; without effect on what is no pipe.
 void EnlargePipe(std::FILE* stream);
 
 }  // namespace clarivex

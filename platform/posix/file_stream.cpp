@@ -71,7 +71,8 @@ std::optional<size_t> ReadBytes(std::FILE* stream, std::span<uint8_t> bytes) {
 void EnlargePipe(std::FILE* stream) {
     const int present = fcntl(fileno(stream), F_GETPIPE_SZ);
     if (present < 0) return;
-    for (int bytes = 1 << 20; bytes > present && fcntl(fileno(stream), F_SETPIPE_SZ, bytes) < 0; bytes /= 2) continue;
+    constexpr int enough = 1 << 19;  // more would leave the processor's cache before the other end reads it
+    for (int bytes = enough; bytes > present && fcntl(fileno(stream), F_SETPIPE_SZ, bytes) < 0; bytes /= 2) continue;
 }
 
 }  // namespace clarivex
