@@ -59,10 +59,11 @@ PicturePlayer::PicturePlayer(const PictureOptions& options, const VideoInfo& vid
       sourceSize(video.size),
       format(options.format),
       timeBase(video.timeBase),
-      writesAll(!LimitsStand(options)),
       player(plugin ? plugin->MakeMediaObject() : MakeLinkedMediaObject(),
              {options.format, video.size, video.frameRate, video.sampleAspect}, SettingsFor(options, video.size)),
       bypassed(player.Negotiate() == Negotiated::bypassedForHd),
+      // Not enlarged, pictures that are too narrow and the last row of an odd height are left as they were.
+      writesAll(!LimitsStand(options) && PlayedSize().width > sourceSize.width),
       writtenSize(PlayedSize()) {
     if (options.padding == Padding::crop)
         writtenSize.width = WidthWithoutPadding(sourceSize, writtenSize.width > sourceSize.width);

@@ -66,9 +66,9 @@ private:
     PictureSize sourceSize;
     SampleFormat format;
     Ratio timeBase;
-    bool writesAll;  // the object leaves no sample of the output as it was
     Player player;
     bool bypassed;
+    bool writesAll;  // the object leaves no sample of the output as it was
     PictureSize writtenSize;
 };
 

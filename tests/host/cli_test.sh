@@ -118,9 +118,16 @@ while read -r width height options pattern; do
     run enhance ${options//,/ } limits.y4m limits_out.y4m 2>errors || fail "${width}x$height $options"
     grep -q "1 frame, ${width}x$height to $size," errors || fail "${width}x$height $options does not come to $size"
     [ "$(grep -c '\(note\|warning\):' errors)" = "$([ "$pattern" = none ]; echo $?)" ] || fail "count of notes: ${width}x$height $options"
+    case $options:$pattern in  # below the limits they change nothing
+        *limits* | *hd*) ;;
+        --padding=crop:*) cmp -s limits.y4m limits_out.y4m || fail 'a narrow picture was changed' ;;
+        *) [ "$width" -ge 1440 ] || [ "$height" -ge 1022 ] ||
+            { run enhance --quiet --limits plugin ${options//,/ } limits.y4m standing.y4m && cmp -s limits_out.y4m standing.y4m; } ||
+            fail "${width}x$height $options is another with the limits standing" ;;
+    esac
     [ "$pattern" = none ] || grep -Eq "$pattern" errors || fail "not told '$pattern': ${width}x$height $options"
 done <<'END'
-31 16 --padding=crop note: pictures less than 32 wide .* pass unchanged
+30 16 --padding=crop note: pictures less than 32 wide .* pass unchanged
 31 16 --mode=always,--limits=plugin warning: pictures less than 32 wide .* stand at the upper left
 32 16 --mode=always none
 33 18 --mode=always,--format=iyuv none
