@@ -38,7 +38,4 @@ struct FilmTarget {
 /// without the path, for a container or an encoder that is not there, and for a path that is taken.
 std::unique_ptr<VideoWriter> MakeFilm(const FilmTarget& target, Report& report);
 
-/// Whether films with this end of a path can be written: ".mkv".
-bool IsFilmExtension(const std::string& extension);
-
 }  // namespace clarivex

@@ -20,13 +20,14 @@ struct AvDeleter {
         avio_context_free(&io);
     }
     void operator()(AVFilterGraph* graph) const { avfilter_graph_free(&graph); }
-    void operator()(AVFilterInOut* ends) const { avfilter_inout_free(&ends); }
     void operator()(AVFrame* frame) const { av_frame_free(&frame); }
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
 };
 
 template <class Object>
 using AvPointer = std::unique_ptr<Object, AvDeleter>;
+
+constexpr AVRational microseconds{1, AV_TIME_BASE};  ///< the clock of containers and of times that a person gives
 
 AvPointer<AVFrame> MakeAvFrame();
 AvPointer<AVPacket> MakeAvPacket();

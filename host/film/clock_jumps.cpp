@@ -6,7 +6,6 @@ namespace clarivex {
 
 namespace {
 
-constexpr AVRational microseconds{1, AV_TIME_BASE};
 constexpr int64_t farthestBack = AV_TIME_BASE / 10;
 constexpr int64_t farthestAhead = 10 * int64_t{AV_TIME_BASE};
 

@@ -13,9 +13,4 @@ std::unique_ptr<VideoWriter> MakeFilm(const FilmTarget& target, Report& report) 
     return std::make_unique<FilmWriter>(target, report);
 }
 
-bool IsFilmExtension(const std::string& extension) {
-    const AVOutputFormat* const container = av_guess_format(nullptr, ("film" + extension).c_str(), nullptr);
-    return container && container->video_codec != AV_CODEC_ID_NONE && (container->flags & AVFMT_NOFILE) == 0;
-}
-
 }  // namespace clarivex

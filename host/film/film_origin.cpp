@@ -14,7 +14,6 @@ namespace {
 
 constexpr int streamBufferBytes = 1 << 16;
 constexpr int64_t firstStepBack = 5 * int64_t{AV_TIME_BASE};  // a little more than key pictures are apart
-constexpr AVRational microseconds{1, AV_TIME_BASE};
 
 int ReadFromStream(void* stream, uint8_t* target, int size) {
     try {

@@ -15,7 +15,6 @@ namespace {
 
 constexpr double companionsBehind = 2.0;  // seconds behind the part's end in which the other streams may still lag
 constexpr double missingAtTheEnd = 2.0;   // seconds; files end this early without being cut short
-constexpr AVRational microseconds{1, AV_TIME_BASE};
 
 /// Streams whose packets a writer may copy.
 bool IsCopied(const AVStream& stream) {

@@ -15,11 +15,7 @@ extern "C" {
 
 namespace clarivex {
 
-namespace {
-
-constexpr AVRational microseconds{1, AV_TIME_BASE};
-
-}  // namespace
+namespace {}  // namespace
 
 FilmReader::FilmReader(const FilmRequest& request, Report& report)
     : told(report),

@@ -18,8 +18,6 @@ namespace clarivex {
 
 namespace {
 
-constexpr AVRational microseconds{1, AV_TIME_BASE};
-
 bool IsCover(const AVStream& stream) { return (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0; }
 
 /// Matroska keeps covers among its attachments.

@@ -15,8 +15,6 @@ std::unique_ptr<VideoWriter> MakeFilm(const FilmTarget&, Report&) {
     throw RunError("this program writes only Y4M; name a .y4m file or -, the Linux program writes films");
 }
 
-bool IsFilmExtension(const std::string&) { return false; }
-
 std::vector<uint8_t> ComparisonPng(const ComparedPictures&, const ComparisonView&, Report&) {
     throw RunError("cannot be compared by this program, which writes no PNG files; the Linux program does");
 }
