@@ -24,6 +24,8 @@ bool PauseForEver(size_t /*bytes*/, uint32_t /*waitedMilliseconds*/) {
 
 MemoryWait memoryWait = PauseForEver;
 
+thread_local int32_t impatience = 0;
+
 /// Stands just before the bytes of a block. `raw` comes last: it is the word that AlignedFree looks for.
 struct BlockHeader {
     size_t size;
@@ -44,7 +46,11 @@ BlockHeader* HeaderOf(void* pointer) {
 
 MemoryWait SetMemoryWait(MemoryWait wait) { return std::exchange(memoryWait, wait); }
 
+MemoryImpatience::MemoryImpatience() { ++impatience; }
+MemoryImpatience::~MemoryImpatience() { --impatience; }
+
 void MemoryShortage::Wait() {
+    if (impatience > 0) throw text;
     if (waited == 0 && bytes != 0)
         Trace("MemAlloc : waiting for %lu bytes", static_cast<unsigned long>(bytes));
     else if (waited == 0)

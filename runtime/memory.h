@@ -27,6 +27,16 @@ using MemoryWait = bool (*)(size_t bytes, uint32_t waitedMilliseconds);
 /// puts in its place. Returns the one that was set before. Not to be called while other threads allocate.
 MemoryWait SetMemoryWait(MemoryWait wait);
 
+/// While one lives, what finds no memory on its thread gives up at once, whatever the process's way of waiting. They may
+/// stand one inside the other.
+class MemoryImpatience {
+public:
+    MemoryImpatience();
+    ~MemoryImpatience();
+    MemoryImpatience(const MemoryImpatience&) = delete;
+    MemoryImpatience& operator=(const MemoryImpatience&) = delete;
+};
+
 /// One request that found no memory, between its attempts.
 class MemoryShortage {
 public:
@@ -38,7 +48,7 @@ public:
 
     /// Waits for a while. The first time it tells the debugger what is waited for.
     ///
-    /// throws  the text, when the process's way of waiting gives up
+    /// throws  the text, when the thread is impatient or the process's way of waiting gives up
     void Wait();
 
 private:

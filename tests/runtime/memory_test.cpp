@@ -74,11 +74,18 @@ TEST(MemoryShortage, IsToldOnceAndGivenUpWhereTheProcessSaysSo) {
     EXPECT_EQ(MemoryCount::Attempts(), 3);
     int attempts = 0;
     EXPECT_EQ(WaitForMemory([&] { return ++attempts < 2 ? throw std::bad_alloc() : attempts; }), 2);
+    {
+        const MemoryImpatience outer, inner;
+        EXPECT_THROW(WaitForMemory([&]() -> int { throw std::bad_alloc(); }), const char*);
+        std::thread([&] {
+            EXPECT_EQ(WaitForMemory([&] { return ++attempts < 4 ? throw std::bad_alloc() : 5; }), 5);
+        }).join();
+    }
     SetMemoryWait(previousWait);
     SetTraceSink(previousSink);
     EXPECT_EQ(told,
               "MemAlloc : waiting for 777 bytes\n777 after 0\n777 after 100\n777 after 200\n"
-              "MemAlloc : waiting for memory\n0 after 0\n");
+              "MemAlloc : waiting for memory\n0 after 0\nMemAlloc : waiting for memory\n0 after 0\n");
 }
 
 }  // namespace
