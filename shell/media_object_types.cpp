@@ -3,9 +3,9 @@
 #include <new>
 #include <utility>
 
+#include "pipeline/cpu_speed.h"
 #include "platform/stream_flags.h"
 #include "runtime/diagnostics.h"
-#include "shell/cpu_speed.h"
 #include "shell/media_object.h"
 
 namespace clarivex {

@@ -3,8 +3,8 @@
 
 #include <cstdlib>
 
+#include "pipeline/cpu_speed.h"
 #include "pipeline/frame_geometry.h"
-#include "shell/cpu_speed.h"
 #include "shell/plugin_settings.h"
 
 namespace clarivex {

@@ -1,5 +1,5 @@
 // Measures the processor against the performance counter and scores it for a picture size.
-#include "shell/cpu_speed.h"
+#include "pipeline/cpu_speed.h"
 
 #include <algorithm>
 #include <atomic>
