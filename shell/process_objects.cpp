@@ -1,11 +1,10 @@
 // The one place where the state of the process is made and streams are bound to it and to an instruction set.
 #include "shell/process_objects.h"
 
-#include <algorithm>
 #include <atomic>
 
 #include "overlay/font_engine.h"
-#include "runtime/cpu_features.h"
+#include "pipeline/runnable_sets.h"
 #include "shell/instruction_set.h"
 #include "shell/size_limits.h"
 #include "simd/kernel_table.h"
@@ -15,11 +14,6 @@ namespace {
 
 /// Built when the module loads, before anything of it can be called.
 ProcessState processState;
-
-InstructionSets RunnableSets() {
-    const SimdSupport support = DetectSimdSupport();
-    return {.sse2 = support.sse2, .avx2 = support.avx2, .avx512 = support.avx512bw};
-}
 
 std::atomic<const KernelTable*> kernels = &SelectKernels(RunnableSets());
 
@@ -42,17 +36,9 @@ std::vector<std::string_view> RunnableInstructionSets() {
 }
 
 bool UseInstructionSet(std::string_view name) {
-    const InstructionSets sets = RunnableSets();
-    if (name == "auto") {
-        kernels.store(&SelectKernels(sets));
-        return true;
-    }
-    const auto tables = AllKernels();
-    const auto found = std::find_if(tables.begin(), tables.end(), [&](const KernelTable* table) {
-        return table->name == name && CanRun(*table, sets);
-    });
-    if (found == tables.end()) return false;
-    kernels.store(*found);
+    const KernelTable* found = RunnableKernels(name);
+    if (found == nullptr) return false;
+    kernels.store(found);
     return true;
 }
 
