@@ -49,7 +49,7 @@ void EnhanceUnscaled(const ImagePlanes& target, const SourceImage& source, const
                      const SharpenParams& column, UnscaledScratch& scratch, const KernelTable& kernels) {
     const bool sharpening = IsSharpenActive(column);
     if (IsSingleTap(taps) && !sharpening) {
-        CopyPlanes(target, source.planes, {.targetEnd = nullptr, .sourceEnd = source.end});
+        CopyPlane(target.luma, source.planes.luma, {.targetEnd = nullptr, .sourceEnd = source.end});
         return;
     }
     const PlaneView& luma = source.planes.luma;

@@ -17,7 +17,7 @@ struct UnscaledScratch {
     SlackRow<uint8_t> rowCopies[3];
 };
 
-/// Walks over the luma plane; with a single tap and inactive gains all three planes are copied instead.
+/// Walks over the luma plane; with a single tap and inactive gains it is copied instead.
 ///
 /// target   planes of at least the source's size with strides of a multiple of 64; not the source. Luma columns are
 ///          written up to the width rounded up to even.

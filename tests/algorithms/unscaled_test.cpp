@@ -41,14 +41,14 @@ TEST(EnhanceUnscaled, LeavesWhatThePlainWalkSaysAtEverySizeAndWidthOfKernels) {
                 const WorkingImage before = TestImage(width, height, Texture::hard, 1);
                 SourceImage source = picture.Source();
                 const bool copies = walk.taps == pass && walk.baseLog2 == 0;
-                if (!copies && width % 2 == 0) source.end = source.planes.luma.Row(height - 1) + width;
+                if (width % 2 == 0) source.end = source.planes.luma.Row(height - 1) + width;
                 SharpenParams column;
                 column.baseGainLog2 = walk.baseLog2;
                 column.extraGainLog2 = walk.extraLog2;
                 column.knee = 1;
                 EnhanceUnscaled(target.Planes(), source, walk.taps, column, scratch, kernels);
                 if (copies) {
-                    EXPECT_TRUE(SamePictures(target.Planes(), source.planes)) << width << " x " << height;
+                    EXPECT_TRUE(SameSamples(target.Planes().luma, source.planes.luma)) << width << " x " << height;
                     continue;
                 }
                 const Plane& luma = target.Planes().luma;

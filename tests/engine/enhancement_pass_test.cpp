@@ -113,7 +113,7 @@ private:
         const SharpenCoefficients gains = DeriveNarrowCoefficients(plan.unscaledColumns);
         const bool copies = !IsSharpenActive(plan.unscaledColumns) && std::count(&filter[4], &filter[12], 0) == 7;
         const CopyBounds bounds{.targetEnd = nullptr, .sourceEnd = source.end};
-        if (Writes(lumaPlane) && copies) CopyPlanes(target, source.planes, bounds);
+        if (Writes(lumaPlane) && copies) CopyPlane(target.luma, source.planes.luma, bounds);
         if (Writes(secondPlane)) CopyPlane(target.second, source.planes.second, bounds);
         if (Writes(thirdPlane)) CopyPlane(target.third, source.planes.third, bounds);
         const auto& [width, height] = plan.source;
@@ -251,7 +251,7 @@ TEST(RunPass, DoesWhatThePlanSaysStageAfterStageWithAnySettings) {
         uint32_t digest = 0;
         for (int32_t trial = 0; trial < 600 && !testing::Test::HasFailure(); ++trial)
             digest = ExpectPlainPass(random, kernels, digest);
-        EXPECT_EQ(digest, 0x136690c9U) << kernels.name;
+        EXPECT_EQ(digest, 0x207391c5U) << kernels.name;
     });
 }
 
