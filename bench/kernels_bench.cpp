@@ -193,6 +193,10 @@ const KernelBench kernelBenches[] = {
      [](const KernelTable& table, BenchRows& rows, int32_t width) {
          table.interleave(rows.Bytes(0), rows.Bytes(1), rows.Bytes(2), width / 2);
      }},
+    {"deinterleave", 1,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         table.deinterleave(rows.Bytes(0), rows.Bytes(1), rows.Bytes(2), width / 2);
+     }},
     {"paintCoverage", 1,
      [](const KernelTable& table, BenchRows& rows, int32_t width) {
          constexpr std::array<int16_t, 4> yellow{-16320, 12352, -7168, 832};

@@ -78,5 +78,28 @@ void Interleave(const uint8_t* a, const uint8_t* b, uint8_t* out, int32_t width)
     });
 }
 
+template <class Lanes>
+void Deinterleave(const uint8_t* in, uint8_t* a, uint8_t* b, int32_t width) {
+    const auto step = [](const uint8_t* pairs, uint8_t* evens, uint8_t* odds) {
+        const auto first = Lanes::LoadBytes(pairs);
+        const auto second = Lanes::LoadBytes(pairs + blockLength<Lanes>);
+        Lanes::StoreBytes(evens, Lanes::Pack(Lanes::EvenBytes(first), Lanes::EvenBytes(second)));
+        Lanes::StoreBytes(odds, Lanes::Pack(Lanes::OddBytes(first), Lanes::OddBytes(second)));
+    };
+    int32_t x = 0;
+    for (; x + blockLength<Lanes> <= width; x += blockLength<Lanes>) step(in + 2 * x, a + x, b + x);
+    if (x == width) return;
+    if (width >= blockLength<Lanes>) {
+        x = width - blockLength<Lanes>;
+        step(in + 2 * x, a + x, b + x);
+        return;
+    }
+    uint8_t pairs[2 * blockLength<Lanes>] = {}, evens[blockLength<Lanes>], odds[blockLength<Lanes>];
+    std::memcpy(pairs, in, 2 * static_cast<size_t>(width));
+    step(pairs, evens, odds);
+    std::memcpy(a, evens, static_cast<size_t>(width));
+    std::memcpy(b, odds, static_cast<size_t>(width));
+}
+
 }  // namespace
 }  // namespace clarivex

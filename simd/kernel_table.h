@@ -171,6 +171,9 @@ struct KernelTable {
     /// out[2i] = a[i], out[2i + 1] = b[i].
     void (*interleave)(const uint8_t* a, const uint8_t* b, uint8_t* out, int32_t width);
 
+    /// a[i] = in[2i], b[i] = in[2i + 1].
+    void (*deinterleave)(const uint8_t* in, uint8_t* a, uint8_t* b, int32_t width);
+
     /// Paints a row of coverage in one colour over pixels of 4 bytes (T, Y, U, V), in place: with coverage m, per byte c
     /// of a pixel and word of the colour, P = hi(64·m, colour) + (4095, 264, 2056, 2056) and
     /// c = sat8((((c − (256, 16, 128, 128)) · (P of T) >> 8) + P) >> 4). colour: 64 times −255 … 255 for each of T, Y, U, V.

@@ -39,6 +39,7 @@ constexpr KernelTable MakeTable(const char* name) {
         .toneChromaOverlay = ToneChromaOverlay<Lanes>,
         .blendChromaRows = BlendChromaRows<Lanes>,
         .interleave = Interleave<Lanes>,
+        .deinterleave = Deinterleave<Lanes>,
         .paintCoverage = PaintCoverage<Lanes>,
         .packTileRow = PackTileRow<Lanes>,
         .fir8 = FirRow<Lanes, 4, 8>,

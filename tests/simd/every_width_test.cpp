@@ -283,6 +283,7 @@ const KernelCheck kernelChecks[] = {
     Check("toneChromaOverlay", &Table::toneChromaOverlay, Bytes(), Out(), Width, Chroma, Grain, Overlay),
     Check("blendChromaRows", &Table::blendChromaRows, Several<4>(Bytes()), Out(2), Width),
     Check("interleave", &Table::interleave, Bytes(), Bytes(), Out(2), Width),
+    Check("deinterleave", &Table::deinterleave, Bytes(2), Out(), Out(), Width),
     Check("paintCoverage", &Table::paintCoverage, Bytes(), Colour, Pixels, Width),
     Check("packTileRow", &Table::packTileRow, Bytes(32), Out(24), Width, OneOf<bool>("odd row", {0, 1})),
     Check("fir8", &Table::fir8, SlackBytes({0, 4}), Out(), Span(4), Taps(8), Scratch),
