@@ -59,4 +59,14 @@ void CompletePlanes(const ImagePlanes& picture, const PictureView& source, const
     CompletePlane(picture.third, source.third, chroma, neutralChroma);
 }
 
+void ShowPackedSource(const Plane& target, const PlaneView& source) {
+    constexpr uint8_t blackPair[4] = {blackLuma, neutralChroma, blackLuma, neutralChroma};
+    const int32_t pairs = (target.width + 1) / 2;
+    for (int32_t y = 0; y < target.height; ++y) {
+        const int32_t shared = y < source.height ? std::min(pairs, (source.width + 1) / 2) : 0;
+        if (shared > 0) std::memcpy(target.Row(y), source.Row(y), 4 * static_cast<size_t>(shared));
+        for (int32_t pair = shared; pair < pairs; ++pair) std::memcpy(target.Row(y) + 4 * pair, blackPair, 4);
+    }
+}
+
 }  // namespace clarivex

@@ -1,4 +1,4 @@
-// Fills what the engine has not written of a planar picture, so that left-over memory is never shown.
+// Fills what the engine has not written of a picture, so that left-over memory is never shown.
 #pragma once
 
 #include <cstdint>
@@ -20,5 +20,9 @@ struct WrittenPart {
 ///
 /// picture  planes of the output's size, completed in place; rows of an odd width have room for one sample more
 void CompletePlanes(const ImagePlanes& picture, const PictureView& source, const WrittenPart& written);
+
+/// Puts a packed source at the upper left of a target of packed rows, over black. Sizes in samples, strides in bytes; whole
+/// pairs are read and written, and nothing behind a row's last one.
+void ShowPackedSource(const Plane& target, const PlaneView& source);
 
 }  // namespace clarivex

@@ -21,6 +21,14 @@ constexpr int64_t largestArea = int64_t{1} << 28;
 /// width, height  of the source, 0 … largestSide
 FrameSize OutputSize(int32_t width, int32_t height, bool scalingOn);
 
+/// Columns of OutputSize that the source itself fills: an even number where they are enlarged, so that chroma goes along.
+/// What is right of them repeats the last one, or is black in packed pictures.
+///
+/// width  of the source, at least 2
+constexpr int32_t WidthWithoutPadding(int32_t width, bool scalingOn) {
+    return scalingOn ? ((3 * width) >> 1) & ~1 : width;
+}
+
 /// An image in a buffer as its media type tells it, before anything is checked against the buffer.
 ///
 /// height, stride         luma or packed rows; stride in bytes, may be nonsense when the type is
@@ -42,6 +50,13 @@ LocatedImage LocateOutput(const FrameRequest& request);
 /// tooSmall     the picture is below the smallest size: nothing is to be done and no plane is set
 /// input        width × height, output outputWidth × outputHeight. A planar frame has three planes. Of a packed one
 ///              only luma is set: its width in samples, its stride in bytes, rows of 4 bytes for each pair of samples.
+///
+/// A program that has planes instead of buffers makes a layout of its own:
+/// - The input may lie anywhere, its strides may be negative. inputEnd ends the luma plane; chroma is read sample by sample.
+/// - outputEnd is null: rows end with the picture, nothing behind them is written, and strides may be negative. What a frame
+///   leaves of a packed output becomes the source's at the same place, or black.
+/// - The output may be narrower than outputWidth: what is right of it is left out.
+///
 /// inputEnd     end of the input buffer: what follows a row or plane may be read up to here
 /// outputEnd    end of the output buffer: fills are clipped to it
 struct FrameLayout {

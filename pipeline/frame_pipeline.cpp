@@ -32,8 +32,7 @@ float StrengthOfSlider(float sharpness) {
 }
 
 HRESULT FramePipeline::RunFrame(const FrameRequest& request, OutputBuffer output, InputBuffer input) {
-    if (request.newStream) StartStream();
-    if (request.settingsDirty) RenewFilters();
+    TakeNotes(request);
     if (request.format == PixelFormat::other) return S_OK;
     FrameLayout layout;
     const HRESULT code = LayOutFrame(request, output, input, layout);
@@ -43,6 +42,16 @@ HRESULT FramePipeline::RunFrame(const FrameRequest& request, OutputBuffer output
     else
         PlainCopy(request.format, layout);
     return S_OK;
+}
+
+void FramePipeline::RunPlanes(const FrameRequest& request, const FrameLayout& layout) {
+    TakeNotes(request);
+    Enhance(request, layout);
+}
+
+void FramePipeline::TakeNotes(const FrameRequest& request) {
+    if (request.newStream) StartStream();
+    if (request.settingsDirty) RenewFilters();
 }
 
 /// Lighting starts from the levels of video, the caption from its first frame, and filters are designed anew.
@@ -56,10 +65,10 @@ void FramePipeline::Enhance(const FrameRequest& request, const FrameLayout& layo
     ApplySettings(request, layout);
     const SourceImage source = Load(request, layout);
     const PassPlan plan = MakePassPlan(stream.settings, {layout.width, layout.height}, AskPass(request));
-    PassResult result = RunPass(plan, source, SizeTarget(request, layout, plan), stream.engine, kernels);
+    PassResult result = RunPass(plan, source, SizeTarget(request, layout, plan), stream.engine, *kernels);
     const PictureView picture = Complete(request, source, result);
     Tone(result.correction);
-    MakeNoise(result.noiseAmplitude);
+    MakeNoise(request, result.noiseAmplitude);
     ComposeOverlay(layout, result.aspect);
     Write(request, layout, picture, result.correction);
 }
@@ -85,16 +94,16 @@ SourceImage FramePipeline::Load(const FrameRequest& request, const FrameLayout& 
     if (!IsPacked(request)) return {layout.input, layout.inputEnd, {}};
     WorkingImage& split = stream.workspace.split;
     split.Resize(layout.width, layout.height);
-    LoadFrame(layout.input.luma, split.Planes(), kernels);
+    LoadFrame(layout.input.luma, split.Planes(), *kernels);
     return SourceOf(split);
 }
 
-/// Media times do not reach the engine, which sees 24 frames a second. Planar pictures count as of square pixels, packed
-/// ones do not: kept so that the caption stands where it did in both.
+/// Media times do not reach the engine, which sees 24 frames a second. Planar pictures of a buffer count as of square pixels,
+/// packed ones do not: kept so that the caption stands where it did in both.
 PassRequest FramePipeline::AskPass(const FrameRequest& request) {
     PassRequest ask;
     ask.planes = request.scalingOn ? allPlanes : lumaPlane;
-    if (IsPacked(request)) ask.pixelAspect = request.pixelAspect;
+    if (IsPacked(request) || request.aspectCounts) ask.pixelAspect = request.pixelAspect;
     ask.lightingAdoptNow = request.enableLighting && process.TakeAdoptAtOnce();
     return ask;
 }
@@ -133,18 +142,21 @@ void FramePipeline::Tone(LightingCorrection& correction) const {
     ToneCurve(stream.settings.tone, stream.settings.frame.lightingEnabled, correction);
 }
 
-void FramePipeline::MakeNoise(float amplitude) {
-    stream.noise.Build(amplitude);
+void FramePipeline::MakeNoise(const FrameRequest& request, float amplitude) {
+    stream.noise.Build(request.noiseOn ? amplitude : 0.0F);
     stream.noise.offsets = process.AdvanceNoise();
 }
 
 void FramePipeline::ComposeOverlay(const FrameLayout& layout, float aspect) {
-    OverlayCompose(stream.overlay, process.AdvanceCaption(), layout.outputWidth, layout.outputHeight, aspect, kernels);
+    OverlayCompose(stream.overlay, process.AdvanceCaption(), layout.outputWidth, layout.outputHeight, aspect, *kernels);
 }
 
 void FramePipeline::Write(const FrameRequest& request, const FrameLayout& layout, const PictureView& picture,
                           const LightingCorrection& correction) {
-    const OutputStageInputs inputs{correction, stream.overlay.Tiles(), stream.noise, kernels, stream.workspace.output};
+    const OutputStageInputs inputs{correction, stream.overlay.Tiles(), stream.noise, *kernels, stream.workspace.output};
+    const bool leavesRows = picture.luma.height < layout.output.luma.height;
+    if (IsPacked(request) && layout.outputEnd == nullptr && leavesRows)
+        ShowPackedSource(layout.output.luma, layout.input.luma);
     if (IsPacked(request))
         PackedOutputStage(layout.output.luma, layout.outputEnd, picture, inputs);
     else

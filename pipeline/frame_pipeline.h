@@ -27,7 +27,7 @@ public:
     /// process  has to outlive the pipeline
     /// fonts    null for a stream without a caption
     FramePipeline(ProcessState& process, std::unique_ptr<FontEngine> fonts, const KernelTable& kernels)
-        : process(process), stream(process.Noise(), std::move(fonts)), kernels(kernels) {}
+        : process(process), stream(process.Noise(), std::move(fonts)), kernels(&kernels) {}
 
     /// Finds the picture in both buffers, checks that both hold it whole, and enhances it, or copies it when the object
     /// is disabled. Pictures narrower than 32 or lower than 8 leave the output buffer as it was.
@@ -37,10 +37,21 @@ public:
     /// throws  what MemoryShortage throws; the frame can then be run again, with lighting, noise and caption a frame further
     HRESULT RunFrame(const FrameRequest& request, OutputBuffer output, InputBuffer input);
 
+    /// Enhances one frame whose planes are known. Of the request counts what is not about buffers: format, settings and
+    /// whether the picture is enlarged; it is enabled.
+    ///
+    /// layout  at least smallestWidth × smallestHeight
+    /// throws  as RunFrame
+    void RunPlanes(const FrameRequest& request, const FrameLayout& layout);
+
+    /// Other kernels from the next frame on, with the same bytes.
+    void UseKernels(const KernelTable& table) { kernels = &table; }
+
     /// What the stream holds after its last frame.
     StreamState& Stream() { return stream; }
 
 private:
+    void TakeNotes(const FrameRequest& request);
     void StartStream();
     void RenewFilters() { stream.engine.filtersDirty = true; }
     void Enhance(const FrameRequest& request, const FrameLayout& layout);
@@ -50,14 +61,14 @@ private:
     const ImagePlanes& SizeTarget(const FrameRequest& request, const FrameLayout& layout, const PassPlan& plan);
     PictureView Complete(const FrameRequest& request, const SourceImage& source, const PassResult& result) const;
     void Tone(LightingCorrection& correction) const;
-    void MakeNoise(float amplitude);
+    void MakeNoise(const FrameRequest& request, float amplitude);
     void ComposeOverlay(const FrameLayout& layout, float aspect);
     void Write(const FrameRequest& request, const FrameLayout& layout, const PictureView& picture,
                const LightingCorrection& correction);
 
     ProcessState& process;
     StreamState stream;
-    const KernelTable& kernels;
+    const KernelTable* kernels;
 };
 
 }  // namespace clarivex

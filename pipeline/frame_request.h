@@ -58,6 +58,8 @@ struct FrameRequest {
     bool settingsDirty = false;  ///< the sharpness changed since the last frame
     bool enabled = true;         ///< false: frames are copied without enhancement
     bool enableLighting = true;
+    bool noiseOn = true;
+    bool aspectCounts = false;    ///< in planar pictures too, which otherwise count as of square pixels
     bool liftSizeLimits = false;  ///< pictures of every size are enhanced, and enlarged on both axes where scalingOn
     float sharpness = 1.0F;       ///< slider value, 0 … 2; below 0 and no number count as no strength
 

@@ -26,6 +26,7 @@ public:
           kernels(inputs.kernels),
           width((std::min(source.luma.width, target.width) + 1) & ~1),
           height(std::min(source.luma.height, target.height)),
+          rowLength(targetEnd == nullptr ? 4 * ((target.width + 1) / 2) : target.stride),
           overlay(inputs.tiles, width, inputs.scratch),
           toner(inputs, packedDithers),
           work(PackedNeedsWork(inputs.params, inputs.noise.level)),
@@ -79,8 +80,9 @@ private:
 
     /// Bytes that may be written to a row from its start on, within its stride and the buffer.
     int32_t RowBytes(int32_t y) const {
+        if (targetEnd == nullptr) return rowLength;
         const ptrdiff_t inBuffer = targetEnd - target.Row(y);
-        return static_cast<int32_t>(std::clamp<ptrdiff_t>(inBuffer, 0, target.stride));
+        return static_cast<int32_t>(std::clamp<ptrdiff_t>(inBuffer, 0, rowLength));
     }
 
     void Store(int32_t y, const uint8_t* luma, const uint8_t* chromaRow) {
@@ -95,10 +97,10 @@ private:
     }
 
     void FillMargin(int32_t y) {
-        if (target.stride > 2 * width) FillBlack(y, std::max((target.stride - 2 * width) >> 2, 1), 2 * width);
+        if (rowLength > 2 * width) FillBlack(y, std::max((rowLength - 2 * width) >> 2, 1), 2 * width);
     }
 
-    void FillBlackRow() { FillBlack(height, width / 2 + (target.stride > 2 * width ? 1 : 0), 0); }
+    void FillBlackRow() { FillBlack(height, width / 2 + (rowLength > 2 * width ? 1 : 0), 0); }
 
     Plane target;
     const uint8_t* targetEnd;
@@ -106,6 +108,7 @@ private:
     const KernelTable& kernels;
     int32_t width;
     int32_t height;
+    int32_t rowLength;  // in bytes
     OverlayRows overlay;
     RowToner toner;
     bool work;

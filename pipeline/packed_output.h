@@ -12,7 +12,8 @@ namespace clarivex {
 ///
 /// target     width and height in samples, stride in bytes; rows × stride bytes may be written, none behind them. A target
 ///            wider or higher than the source keeps what it held beyond the margin and the black row.
-/// targetEnd  end of the output buffer, which may come before the last row's stride ends.
+/// targetEnd  end of the output buffer, which may come before the last row's stride ends; null where rows end with the
+///            picture's last pair, whatever their stride.
 /// source     luma of any size with its spare column readable; third plane U, second plane V. An empty one writes nothing.
 void PackedOutputStage(const Plane& target, const uint8_t* targetEnd, const PictureView& source,
                        const OutputStageInputs& inputs);

@@ -57,10 +57,15 @@ private:
         }
     }
 
+    /// Samples that may be written to a row from its start on.
+    ptrdiff_t RowLength(const Plane& plane, const uint8_t* row) const {
+        return targetEnd == nullptr ? plane.width : std::min<ptrdiff_t>(plane.stride, targetEnd - row);
+    }
+
     /// An odd width is written as an even one where the row and the buffer have room.
     int32_t LumaColumns(const uint8_t* out) const {
         const int32_t even = 2 * chromaWidth;
-        return even <= target.luma.stride && even <= targetEnd - out ? even : width;
+        return even <= RowLength(target.luma, out) ? even : width;
     }
 
     /// The overlay's chroma belongs to both planes, so rows under it are made here for the third plane too.
@@ -103,9 +108,9 @@ private:
     }
 
     void FillMargin(const Plane& plane, int32_t y, int32_t firstColumn, uint8_t value) const {
-        uint8_t* first = plane.Row(y) + firstColumn;
-        const ptrdiff_t room = std::min<ptrdiff_t>(plane.stride - firstColumn, targetEnd - first);
-        if (room > 0) std::memset(first, value, static_cast<size_t>(room));
+        uint8_t* row = plane.Row(y);
+        const ptrdiff_t room = RowLength(plane, row) - firstColumn;
+        if (room > 0) std::memset(row + firstColumn, value, static_cast<size_t>(room));
     }
 
     const ImagePlanes& target;
