@@ -8,9 +8,10 @@ namespace {
 OwnedHandle MakeWakeEvent() {
     constexpr BOOL manualReset = FALSE;
     constexpr BOOL signalled = FALSE;
-    for (;;) {
+    constexpr size_t unknownSize = 0;
+    for (MemoryShortage shortage(unknownSize);;) {
         if (HANDLE event = CreateEventA(nullptr, manualReset, signalled, nullptr)) return OwnedHandle(event);
-        Sleep(retryMilliseconds);  // a shortage of handles is waited out like one of memory
+        shortage.Wait();  // a shortage of handles is one of memory
     }
 }
 

@@ -14,6 +14,7 @@ namespace clarivex {
 /// A thread that holds the lock already is told so and is not counted again: use FastLockGuard, which keeps account.
 class FastLock {
 public:
+    /// throws  what MemoryShortage throws
     FastLock();
 
     FastLock(const FastLock&) = delete;
