@@ -38,6 +38,9 @@ gzip_at_build(${PROJECT_BINARY_DIR}/changelog changelog.gz)
 gzip_at_build(${PROJECT_BINARY_DIR}/clarivex.1 clarivex.1.gz)
 add_dependencies(packed_clarivex.1.gz manual)
 
+# The program's package holds no library until there are packages for it.
+set(CPACK_INSTALL_CMAKE_PROJECTS "${PROJECT_BINARY_DIR};${PROJECT_NAME};Unspecified;/")
+include(InstallLibrary)
 install(TARGETS clarivex RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${PROJECT_BINARY_DIR}/clarivex.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES ${PROJECT_BINARY_DIR}/clarivex.bash RENAME clarivex
