@@ -43,54 +43,46 @@ public:
     }
     uint8_t* Row(int32_t plane, int32_t y) const { return target.plane[plane] + y * target.stride[plane]; }
 
-    /// All rows from the upper left on, plane by plane.
-    std::vector<uint8_t> Samples() const {
-        std::vector<uint8_t> samples;
+    /// act(plane, x, y, byte) for all bytes of the picture, row by row and plane by plane.
+    template <class Act>
+    void ForEachByte(Act act) const {
         for (int32_t plane = 0; plane < PlaneCount(kind.format); ++plane)
             for (int32_t y = 0; y < ShapeOf(kind, plane).rows; ++y)
-                samples.insert(samples.end(), Row(plane, y), Row(plane, y) + ShapeOf(kind, plane).rowBytes);
+                for (int32_t x = 0; x < ShapeOf(kind, plane).rowBytes; ++x) act(plane, x, y, Row(plane, y)[x]);
+    }
+    std::vector<uint8_t> Samples() const {
+        std::vector<uint8_t> samples;
+        ForEachByte([&](int32_t, int32_t, int32_t, uint8_t byte) { samples.push_back(byte); });
         return samples;
     }
     void Fill(const std::vector<uint8_t>& samples) {
-        const uint8_t* next = samples.data();
-        for (int32_t plane = 0; plane < PlaneCount(kind.format); ++plane)
-            for (int32_t y = 0; y < ShapeOf(kind, plane).rows; ++y, next += ShapeOf(kind, plane).rowBytes)
-                std::copy_n(next, ShapeOf(kind, plane).rowBytes, Row(plane, y));
+        size_t next = 0;
+        ForEachByte([&](int32_t, int32_t, int32_t, uint8_t& byte) { byte = samples[next++]; });
     }
     /// A synthetic picture; YV12 and NV12 of a frame have the same samples.
     void Draw(int32_t frame) {
-        for (int32_t plane = 0; plane < PlaneCount(kind.format); ++plane)
-            for (int32_t y = 0; y < ShapeOf(kind, plane).rows; ++y)
-                for (int32_t x = 0; x < ShapeOf(kind, plane).rowBytes; ++x)
-                    Row(plane, y)[x] = SampleAt(plane, x, y, frame);
+        const int32_t v = kind.format == CVX_FORMAT_YV12 ? 2 : 1;
+        ForEachByte([&](int32_t plane, int32_t x, int32_t y, uint8_t& byte) {
+            const bool paired = kind.format == CVX_FORMAT_NV12 && plane == 1;
+            byte = paired ? SyntheticSample(1 + x % 2, x / 2, y, frame)
+                          : SyntheticSample(plane == 0   ? 0
+                                            : plane == 1 ? v
+                                                         : 3 - v,
+                                            x, y, frame);
+        });
     }
-    /// Whether the bytes between the rows are as they were.
-    bool GapsIntact() const {
-        size_t rowBytes = 0, own = 0, all = 0;
-        for (int32_t plane = 0; plane < PlaneCount(kind.format); ++plane) {
-            const PlaneShape size = ShapeOf(kind, plane);
-            rowBytes = static_cast<size_t>(size.rowBytes) * static_cast<size_t>(size.rows);
-            all += memory[plane].size() - rowBytes;
-            const auto stride = static_cast<size_t>(std::abs(target.stride[plane]));
-            for (size_t i = 0; i < memory[plane].size(); ++i)
-                own += i % stride >= static_cast<size_t>(size.rowBytes) && memory[plane][i] == filler ? 1 : 0;
-        }
-        return own == all;
+    /// Whether the bytes between the rows are as they were. The picture is lost.
+    bool LeavesTheGaps() {
+        ForEachByte([](int32_t, int32_t, int32_t, uint8_t& byte) { byte = filler; });
+        return std::ranges::all_of(memory, [](std::span<uint8_t> bytes) {
+            return std::ranges::all_of(bytes, [](uint8_t byte) { return byte == filler; });
+        });
     }
 
     PictureKind kind;
     cvx_target target{};
 
 private:
-    uint8_t SampleAt(int32_t plane, int32_t x, int32_t y, int32_t frame) const {
-        switch (kind.format) {
-            case CVX_FORMAT_YUY2: return SyntheticSample(x % 2 * (1 + x / 2 % 2), x / (x % 2 == 0 ? 2 : 4), y, frame);
-            case CVX_FORMAT_NV12: return SyntheticSample(plane == 0 ? 0 : 1 + x % 2, plane == 0 ? x : x / 2, y, frame);
-            case CVX_FORMAT_YV12: return SyntheticSample(plane == 0 ? 0 : 3 - plane, x, y, frame);
-            default: return SyntheticSample(plane, x, y, frame);
-        }
-    }
-
     std::unique_ptr<GuardedPages> blocks[3];
     std::span<uint8_t> memory[3];
 };
@@ -130,7 +122,7 @@ inline std::vector<uint8_t> Play(cvx_context& context, const PictureKind& kind, 
         const cvx_source planes = source.Source();
         if (cvx_process(&context, &planes, &target.target, CVX_NO_TIME) != CVX_OK) return {};
         const std::vector<uint8_t> made = target.Samples();
-        if (source.Samples() != before || !source.GapsIntact() || !target.GapsIntact()) return {};
+        if (source.Samples() != before || !source.LeavesTheGaps() || !target.LeavesTheGaps()) return {};
         samples.insert(samples.end(), made.begin(), made.end());
     }
     return samples;
