@@ -67,21 +67,21 @@ const char* cvx_error_text(cvx_result result) {
     return result <= CVX_OK && result >= CVX_ERROR_MEMORY ? errorTexts[-result] : "unknown result";
 }
 
-cvx_result cvx_settings_init(cvx_settings* settings, size_t struct_size) {
+cvx_result cvx_settings_init(cvx_settings* settings, size_t structSize) {
     if (settings == nullptr) return CVX_ERROR_NULL;
-    if (struct_size != sizeof *settings) return CVX_ERROR_STRUCT_SIZE;
+    if (structSize != sizeof *settings) return CVX_ERROR_STRUCT_SIZE;
     *settings = DefaultSettings();
     return CVX_OK;
 }
 
-cvx_result cvx_predict_output_size(int32_t width, int32_t height, const cvx_settings* settings, int32_t* output_width,
-                                   int32_t* output_height) {
-    if (output_width == nullptr || output_height == nullptr) return CVX_ERROR_NULL;
+cvx_result cvx_predict_output_size(int32_t width, int32_t height, const cvx_settings* settings, int32_t* outputWidth,
+                                   int32_t* outputHeight) {
+    if (outputWidth == nullptr || outputHeight == nullptr) return CVX_ERROR_NULL;
     return Guarded([&] {
         const FrameSize source{width, height};
         SettledSettings settled;
         const cvx_result result = SettleSettings(source, settings, settled);
-        if (result == CVX_OK) GiveSize(TargetSize(source, settled), output_width, output_height);
+        if (result == CVX_OK) GiveSize(TargetSize(source, settled), outputWidth, outputHeight);
         return result;
     });
 }

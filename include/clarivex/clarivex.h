@@ -47,7 +47,7 @@ extern "C" {
 
 /* The version of the library, made as CVX_VERSION and CVX_VERSION_TEXT are. Any thread. */
 CVX_API int32_t cvx_version(void);
-CVX_API const char *cvx_version_text(void);
+CVX_API const char* cvx_version_text(void);
 
 /* What a function comes to: CVX_OK or an error below 0. */
 typedef int32_t cvx_result;
@@ -67,7 +67,7 @@ enum {
 };
 
 /* What a result means, in a line of English without a full stop; "unknown result" for a number that is none. Any thread. */
-CVX_API const char *cvx_error_text(cvx_result result);
+CVX_API const char* cvx_error_text(cvx_result result);
 
 /* Layouts of 8-bit samples in video range, progressive. Chroma planes have half of luma's columns and rows, both rounded
  * up; planes are listed in the order in which cvx_source and cvx_target have them. */
@@ -85,15 +85,15 @@ enum {
 /* Whether pictures are enlarged. Those less than 32 wide never are, and pass unchanged. */
 enum {
     CVX_MODE_NEVER = 0,
-    CVX_MODE_AUTO = 1,  /* where the processor is fast enough for it; see cvx_create */
+    CVX_MODE_AUTO = 1, /* where the processor is fast enough for it; see cvx_create */
     CVX_MODE_ALWAYS = 2
 };
 
-/* Which pictures are enlarged and enhanced. */
+/* Which pictures are enlarged and enhanced. With the plug-in's limits those of 1,238,400 samples and more, 2048 columns or
+ * 1022 rows are not enlarged whole, as in a player: they stand at the upper left of the output, over black. */
 enum {
     CVX_LIMITS_LIFTED = 0, /* all */
-    CVX_LIMITS_PLUGIN = 1  /* as in a player: of 1,238,400 samples on, 2048 columns or 1022 rows they are not enlarged whole,
-                              and stand at the upper left of the output, over black */
+    CVX_LIMITS_PLUGIN = 1
 };
 
 /* What becomes of the columns that enlarging adds to reach a multiple of 8. */
@@ -122,14 +122,14 @@ typedef struct cvx_settings {
     int32_t limits;          /* CVX_LIMITS_…; default CVX_LIMITS_LIFTED */
     int32_t padding;         /* CVX_PADDING_…; default CVX_PADDING_CROP */
     int32_t instruction_set; /* CVX_INSTRUCTIONS_…; default CVX_INSTRUCTIONS_AUTO */
-    float pixel_aspect;      /* width of a source pixel over its height, 1/64 … 64, for the caption's shape; default 1 */
+    float pixel_aspect;      /* width of a source pixel over its height, 1/64 … 64: the caption's shape; default 1 */
 } cvx_settings;
 
 /* Fills `settings` with the defaults.
  *
  * struct_size  sizeof(cvx_settings) of the program
  * errors       CVX_ERROR_NULL, CVX_ERROR_STRUCT_SIZE; any thread */
-CVX_API cvx_result cvx_settings_init(cvx_settings *settings, size_t struct_size);
+CVX_API cvx_result cvx_settings_init(cvx_settings* settings, size_t struct_size);
 
 /* The size of the output for sources of a size, before there is a context: what cvx_output_size tells of one.
  *
@@ -137,8 +137,8 @@ CVX_API cvx_result cvx_settings_init(cvx_settings *settings, size_t struct_size)
  * output_width, _height  in luma samples. Enlarged: (width · 3/2), rounded as `padding` says, and (height without its odd
  *                        row) · 3/2; otherwise the source's
  * errors                 as cvx_create but for the format; any thread */
-CVX_API cvx_result cvx_predict_output_size(int32_t width, int32_t height, const cvx_settings *settings,
-                                           int32_t *output_width, int32_t *output_height);
+CVX_API cvx_result cvx_predict_output_size(int32_t width, int32_t height, const cvx_settings* settings,
+                                           int32_t* output_width, int32_t* output_height);
 
 /* One stream and all that it owns. */
 typedef struct cvx_context cvx_context;
@@ -152,18 +152,18 @@ typedef struct cvx_context cvx_context;
  * time           a few milliseconds. With CVX_MODE_AUTO the first call of a process that needs it measures the processor
  *                for about 200 ms, and the thread has a raised priority meanwhile
  * errors         all but CVX_ERROR_STRIDE and CVX_ERROR_OVERLAP; any thread */
-CVX_API cvx_result cvx_create(int32_t width, int32_t height, int32_t format, const cvx_settings *settings,
-                              cvx_context **context);
+CVX_API cvx_result cvx_create(int32_t width, int32_t height, int32_t format, const cvx_settings* settings,
+                              cvx_context** context);
 
 /* Other settings from the next frame on. The stream goes on: lighting and caption stay where they are. The size of the
  * output may change with mode, limits and padding: ask cvx_output_size behind it.
  *
  * settings  null for the defaults
  * errors    as cvx_settings' fields say, and CVX_ERROR_NULL, CVX_ERROR_STRUCT_SIZE: all settings are then as before */
-CVX_API cvx_result cvx_set_settings(cvx_context *context, const cvx_settings *settings);
+CVX_API cvx_result cvx_set_settings(cvx_context* context, const cvx_settings* settings);
 
 /* The size of the target in luma samples. Errors: CVX_ERROR_NULL. */
-CVX_API cvx_result cvx_output_size(const cvx_context *context, int32_t *width, int32_t *height);
+CVX_API cvx_result cvx_output_size(const cvx_context* context, int32_t* width, int32_t* height);
 
 /* A picture that is read, and one that is written: the upper left sample of each plane of the format, in its order, and
  * the bytes from a row to the one below it. Entries beyond the format's planes are not looked at.
@@ -172,11 +172,11 @@ CVX_API cvx_result cvx_output_size(const cvx_context *context, int32_t *width, i
  * row. Pointers need no alignment. Of a source no byte before its first row or behind its last is read; what stands
  * between its rows may be read and counts for nothing. Of a target just the picture's own samples are written. */
 typedef struct cvx_source {
-    const uint8_t *plane[3];
+    const uint8_t* plane[3];
     ptrdiff_t stride[3];
 } cvx_source;
 typedef struct cvx_target {
-    uint8_t *plane[3];
+    uint8_t* plane[3];
     ptrdiff_t stride[3];
 } cvx_target;
 
@@ -191,14 +191,14 @@ typedef struct cvx_target {
  * errors  CVX_ERROR_NULL, CVX_ERROR_STRIDE, CVX_ERROR_OVERLAP; CVX_ERROR_MEMORY, behind which the samples of the target are
  *         undefined and lighting, noise and caption may be a picture further */
 #define CVX_NO_TIME INT64_MIN
-CVX_API cvx_result cvx_process(cvx_context *context, const cvx_source *source, const cvx_target *target, int64_t time);
+CVX_API cvx_result cvx_process(cvx_context* context, const cvx_source* source, const cvx_target* target, int64_t time);
 
 /* Begins a new stream, as behind a seek: the context gives what a new one with its settings gives. Takes as long as
  * cvx_create. Errors: CVX_ERROR_NULL, CVX_ERROR_MEMORY (the stream then goes on). */
-CVX_API cvx_result cvx_reset(cvx_context *context);
+CVX_API cvx_result cvx_reset(cvx_context* context);
 
 /* Ends a stream and frees what it owns; null is ignored. Any thread, none in another call with the context. */
-CVX_API void cvx_destroy(cvx_context *context);
+CVX_API void cvx_destroy(cvx_context* context);
 
 #ifdef __cplusplus
 }
