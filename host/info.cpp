@@ -7,9 +7,9 @@
 #include <cstdio>
 #include <string_view>
 
+#include "pipeline/cpu_speed.h"
 #include "runtime/cpu_features.h"
 #include "runtime/version.h"
-#include "shell/cpu_speed.h"
 #include "shell/instruction_set.h"
 
 namespace clarivex {

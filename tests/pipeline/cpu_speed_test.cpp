@@ -1,5 +1,5 @@
 // The speed measurement on clocks that a test moves, and what follows from a speed.
-#include "shell/cpu_speed.h"
+#include "pipeline/cpu_speed.h"
 
 #include "platform/win32.h"
 #include "tests/support/test.h"
