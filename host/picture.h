@@ -24,14 +24,6 @@ struct PictureSize {
     bool operator==(const PictureSize&) const = default;
 };
 
-/// Columns that a source picture itself fills in what the media object makes of it: an even number, so that chroma goes
-/// along. Enlarged pictures are wider, up to a multiple of 8; what is right of these columns repeats the last.
-///
-/// source  at least 2 wide
-constexpr int32_t WidthWithoutPadding(PictureSize source, bool enlarged) {
-    return enlarged ? ((3 * source.width) >> 1) & ~1 : source.width;
-}
-
 /// A fraction of two whole numbers; 0:0 where it is not known.
 struct Ratio {
     uint32_t numerator = 0;

@@ -66,7 +66,7 @@ PicturePlayer::PicturePlayer(const PictureOptions& options, const VideoInfo& vid
       writesAll(!LimitsStand(options) && PlayedSize().width > sourceSize.width),
       writtenSize(PlayedSize()) {
     if (options.padding == Padding::crop)
-        writtenSize.width = WidthWithoutPadding(sourceSize, writtenSize.width > sourceSize.width);
+        writtenSize.width = WidthWithoutPadding(sourceSize.width, writtenSize.width > sourceSize.width);
     TellLimits(options, report);
 }
 

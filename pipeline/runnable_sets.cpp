@@ -6,8 +6,9 @@
 
 namespace clarivex {
 
+// Asked once: in a virtual machine each question to the processor takes some microseconds.
 InstructionSets RunnableSets() {
-    const SimdSupport support = DetectSimdSupport();
+    static const SimdSupport support = DetectSimdSupport();
     return {.sse2 = support.sse2, .avx2 = support.avx2, .avx512 = support.avx512bw};
 }
 

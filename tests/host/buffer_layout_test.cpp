@@ -88,11 +88,5 @@ TEST(BufferLayout, PicturesStandAtTheUpperLeftOverBlackAndNothingIsTouchedOutsid
         }
 }
 
-TEST(WidthWithoutPadding, IsTheLargestEvenPartOfThreeHalves) {
-    for (const auto& [source, enlarged] : {std::pair{16, 24}, {17, 24}, {18, 26}, {19, 28}, {720, 1080}, {8191, 12286}})
-        EXPECT_EQ(std::pair(WidthWithoutPadding({source, 8}, true), WidthWithoutPadding({source, 8}, false)),
-                  std::pair(enlarged, source));
-}
-
 }  // namespace
 }  // namespace clarivex

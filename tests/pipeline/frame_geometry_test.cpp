@@ -146,5 +146,11 @@ TEST(LayOutFrame, RefusesNonsenseSizesAndStrides) {
     for (const FrameRequest& request : requests) EXPECT_EQ(Trial(request).code, E_INVALIDARG) << &request - requests;
 }
 
+TEST(WidthWithoutPadding, IsTheLargestEvenPartOfThreeHalves) {
+    for (const auto& [source, enlarged] : {std::pair{16, 24}, {17, 24}, {18, 26}, {19, 28}, {720, 1080}, {8191, 12286}})
+        EXPECT_EQ(std::pair(WidthWithoutPadding(source, true), WidthWithoutPadding(source, false)),
+                  std::pair(enlarged, source));
+}
+
 }  // namespace
 }  // namespace clarivex
