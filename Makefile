@@ -35,7 +35,7 @@ soak: setup
 # ARGS=... goes to Google Benchmark, such as ARGS=--benchmark_filter=Frame
 bench:
 	scripts/setup.sh native
-	scripts/build.sh native clarivex clarivex_bench
+	scripts/build.sh native clarivex clarivex_bench enhance_raw gstclarivex
 	build/native/clarivex_bench $(ARGS)
 	bench/compare
 
