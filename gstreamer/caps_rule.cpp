@@ -4,7 +4,12 @@
 #include <gst/video/video.h>
 
 #include <algorithm>
+#include <memory>
+#include <string>
+#include <utility>
 #include <vector>
+
+#include "gstreamer/video_range.h"
 
 namespace clarivex {
 namespace {
@@ -147,6 +152,56 @@ void WriteText(GstStructure* structure, const char* field, gchar* text) {
     g_free(text);
 }
 
+/// Texts of a field that holds one or a list of them; none of any other field.
+std::vector<std::string> ReadTexts(const GValue* value) {
+    if (value == nullptr) return {};
+    if (G_VALUE_HOLDS_STRING(value)) return {g_value_get_string(value)};
+    std::vector<std::string> all;
+    if (GST_VALUE_HOLDS_LIST(value))
+        for (guint i = 0; i < gst_value_list_get_size(value); ++i)
+            for (std::string& text : ReadTexts(gst_value_list_get_value(value, i))) all.push_back(std::move(text));
+    return all;
+}
+
+void WriteTexts(GstStructure* structure, const char* field, const std::vector<std::string>& texts) {
+    GValue list = G_VALUE_INIT;
+    g_value_init(&list, GST_TYPE_LIST);
+    for (const std::string& text : texts) {
+        GValue value = G_VALUE_INIT;
+        g_value_init(&value, G_TYPE_STRING);
+        g_value_set_string(&value, text.c_str());
+        gst_value_list_append_and_take_value(&list, &value);
+    }
+    if (texts.size() == 1)
+        gst_structure_set(structure, field, G_TYPE_STRING, texts.front().c_str(), nullptr);
+    else
+        gst_structure_set_value(structure, field, &list);
+    g_value_unset(&list);
+}
+
+std::string TextOf(const GstVideoColorimetry& colours) {
+    gchar* text = gst_video_colorimetry_to_string(&colours);
+    std::string copy(text != nullptr ? text : "");
+    g_free(text);
+    return copy;
+}
+
+/// Outputs are of video range, whatever the source's. False where no source has such an output.
+bool MapRanges(GstPadDirection direction, GstStructure* structure) {
+    const std::vector<std::string> given = ReadTexts(gst_structure_get_value(structure, "colorimetry"));
+    if (given.empty()) return true;
+    std::vector<std::string> others;
+    for (const std::string& text : given) {
+        GstVideoColorimetry colours;
+        if (gst_video_colorimetry_from_string(&colours, text.c_str()) == 0) return true;
+        const bool full = IsFullRange(colours);
+        if (direction == GST_PAD_SINK || !full) others.push_back(full ? TextOf(InVideoRange(colours)) : text);
+        if (direction == GST_PAD_SRC && !full) others.push_back(TextOf(InFullRange(colours)));
+    }
+    if (!others.empty()) WriteTexts(structure, "colorimetry", others);
+    return !others.empty();
+}
+
 bool TellsColours(const GstStructure* structure, const GstVideoColorimetry& colours) {
     GstVideoColorimetry told;
     const gchar* text = gst_structure_get_string(structure, "colorimetry");
@@ -158,11 +213,15 @@ bool TellsColours(const GstStructure* structure, const GstVideoColorimetry& colo
 void TagColours(GstCaps* source, GstStructure* output) {
     GstVideoInfo info;
     if (gst_caps_is_fixed(source) == 0 || gst_video_info_from_caps(&info, source) == 0) return;
-    if (!TellsColours(output, info.colorimetry))
-        WriteText(output, "colorimetry", gst_video_colorimetry_to_string(&info.colorimetry));
+    const GstVideoColorimetry colours = InVideoRange(info.colorimetry);
+    if (!TellsColours(output, colours)) WriteText(output, "colorimetry", gst_video_colorimetry_to_string(&colours));
     if (gst_structure_has_field(output, "chroma-site") == 0 && info.chroma_site != GST_VIDEO_CHROMA_SITE_UNKNOWN)
         WriteText(output, "chroma-site", gst_video_chroma_site_to_string(info.chroma_site));
 }
+
+struct StructureFree {
+    void operator()(GstStructure* structure) const { gst_structure_free(structure); }
+};
 
 bool IsInSystemMemory(GstCaps* caps, guint index) {
     return gst_caps_features_is_equal(gst_caps_get_features(caps, index), GST_CAPS_FEATURES_MEMORY_SYSTEM_MEMORY) != 0;
@@ -171,12 +230,14 @@ bool IsInSystemMemory(GstCaps* caps, guint index) {
 /// A structure for each pair of sides: lists of ranges in one structure are more than GStreamer can compare.
 GstCaps* AppendOthers(GstCaps* others, GstPadDirection direction, GstCaps* caps, guint index, int32_t mode) {
     const GstStructure* given = gst_caps_get_structure(caps, index);
+    const std::unique_ptr<GstStructure, StructureFree> ranged(gst_structure_copy(given));
+    if (!MapRanges(direction, ranged.get())) return others;
     const bool forward = direction == GST_PAD_SINK;
     for (const Way& way : WaysOf(mode))
         for (const Match& width : MatchesOf(direction, way, &Size::width, given))
             for (const Match& height : MatchesOf(direction, way, &Size::height, given)) {
                 if (!IsPossible(width, height, mode)) continue;
-                GstStructure* other = gst_structure_copy(given);
+                GstStructure* other = gst_structure_copy(ranged.get());
                 WriteSpan(other, "width", forward ? width.output : width.source);
                 WriteSpan(other, "height", forward ? height.output : height.source);
                 if (forward) TagColours(caps, other);

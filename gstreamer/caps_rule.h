@@ -11,7 +11,7 @@ namespace clarivex {
 ///
 /// direction  GST_PAD_SINK: `caps` are a source's, the result the output's; GST_PAD_SRC: the other way round
 /// caps       fixed or not; sides may be ranges and lists. What is not raw video in system memory, and sizes that the
-///            library does not take, have no counterpart
+///            library does not take, have no counterpart. Outputs are of video range, of sources of full range too
 /// mode       CVX_MODE_…. With CVX_MODE_AUTO, sizes that are not fixed yet stand for both, enlarged first, and the first
 ///            call of a process may measure the processor
 /// result     of fixed source caps: one fixed structure at most, with colorimetry and chroma site written out, as an

@@ -6,8 +6,11 @@
 
 #include <array>
 #include <bit>
+#include <new>
+#include <utility>
 
 #include "gstreamer/caps_rule.h"
+#include "gstreamer/video_range.h"
 
 namespace clarivex {
 namespace {
@@ -25,7 +28,8 @@ struct GstClarivex {
 
     // The streaming thread's.
     cvx_context* context;
-    cvx_settings used;  // by the context
+    cvx_settings used;           // by the context
+    VideoRangeCopy* videoRange;  // of sources of full range
     gboolean newStream;
     GstClockTime expectedTime;  // of the next frame
 };
@@ -137,6 +141,7 @@ void LetPass(GstClarivex* element, const GstVideoInfo& in, const GstVideoInfo& o
 void EndStream(GstClarivex* element) {
     cvx_destroy(element->context);
     element->context = nullptr;
+    delete std::exchange(element->videoRange, nullptr);
 }
 
 gboolean SetInfo(GstVideoFilter* filter, GstCaps* /*inCaps*/, GstVideoInfo* in, GstCaps* /*outCaps*/,
@@ -210,11 +215,21 @@ int64_t TimeOf(const GstBuffer* buffer) {
     return GST_BUFFER_PTS_IS_VALID(buffer) ? static_cast<int64_t>(GST_BUFFER_PTS(buffer)) : CVX_NO_TIME;
 }
 
+/// The frame, or what it is in video range.
+cvx_result BringToVideoRange(GstClarivex* element, GstVideoFrame& frame) {
+    if (!IsFullRange(frame.info.colorimetry)) return CVX_OK;
+    if (element->videoRange == nullptr) element->videoRange = new (std::nothrow) VideoRangeCopy;
+    const bool made = element->videoRange != nullptr && element->videoRange->Make(frame, frame);
+    return made ? CVX_OK : CVX_ERROR_MEMORY;
+}
+
 GstFlowReturn TransformFrame(GstVideoFilter* filter, GstVideoFrame* in, GstVideoFrame* out) {
     GstClarivex* element = ElementOf(filter);
-    cvx_result result = Prepare(element, in->info, out->info);
+    GstVideoFrame read = *in;
+    cvx_result result = BringToVideoRange(element, read);
+    if (result == CVX_OK) result = Prepare(element, in->info, out->info);
     if (result == CVX_OK) {
-        const auto source = PlanesOf<cvx_source>(in);
+        const auto source = PlanesOf<cvx_source>(&read);
         const auto target = PlanesOf<cvx_target>(out);
         result = cvx_process(element->context, &source, &target, TimeOf(in->buffer));
     }

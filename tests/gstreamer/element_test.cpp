@@ -38,8 +38,10 @@ protected:
     ~ElementTest() override { gst_harness_teardown(harness); }
 
     /// Rows of the next frames are so many bytes apart.
-    void Negotiate(GstVideoFormat format, int32_t width, int32_t height, int32_t gap = 0) {
+    void Negotiate(GstVideoFormat format, int32_t width, int32_t height, int32_t gap = 0,
+                   const char* colours = "bt601") {
         gst_video_info_set_format(&info, format, static_cast<guint>(width), static_cast<guint>(height));
+        gst_video_colorimetry_from_string(&info.colorimetry, colours);
         gst_harness_set_src_caps(harness, gst_video_info_to_caps(&info));
         for (guint i = 0; i < GST_VIDEO_INFO_N_PLANES(&info); ++i) {
             info.stride[i] += gap;
@@ -116,6 +118,25 @@ TEST_F(ElementTest, GivesTheLibrarysBytesOfEveryFormatSizeAndStride) {
             Negotiate(format, width, height, gap);
             Play(2);
         }
+}
+
+TEST_F(ElementTest, BringsFullRangeToThatOfVideo) {
+    for (const auto format : {GST_VIDEO_FORMAT_I420, GST_VIDEO_FORMAT_NV12, GST_VIDEO_FORMAT_YUY2}) {
+        Negotiate(format, 43, 37, 3, "1:4:16:4");
+        for (int frame = 0; frame < 2; ++frame) {
+            const Buffer in = Draw();
+            for (size_t i = 0; i < samples.size(); ++i) {
+                const bool chroma = format == GST_VIDEO_FORMAT_YUY2 ? i % static_cast<size_t>(info.stride[0]) % 2 != 0
+                                                                    : i >= info.offset[1];
+                samples[i] = static_cast<uint8_t>(
+                    std::lround(chroma ? 128 + (samples[i] - 128) * 224 / 255.0 : 16 + samples[i] * 219 / 255.0));
+            }
+            Compare(in);
+        }
+    }
+    g_object_set(harness->element, "enabled", FALSE, nullptr);
+    const Buffer in = Draw();
+    EXPECT_EQ(in, Push(in));
 }
 
 TEST_F(ElementTest, FollowsPropertiesWhileItPlays) {
@@ -226,6 +247,13 @@ const struct {
      KEPT "1080,height=864,colorimetry=bt601,chroma-site=dv"},
     {GST_PAD_SINK, CVX_MODE_ALWAYS, KEPT "720,height=576,colorimetry=2:3:5:1",
      KEPT "1080,height=864,colorimetry=2:3:5:1"},
+    {GST_PAD_SINK, CVX_MODE_NEVER, RAW "width=64,height=48,colorimetry={1:3:5:1,bt601}",
+     RAW "width=64,height=48,colorimetry={bt709,bt601}"},
+    {GST_PAD_SINK, CVX_MODE_ALWAYS, KEPT "720,height=576,colorimetry=1:3:5:1",
+     KEPT "1080,height=864,colorimetry=bt709"},
+    {GST_PAD_SRC, CVX_MODE_ALWAYS, RAW "width=48,height=36,colorimetry={bt709,1:4:5:1}",
+     RAW "width=[32,33],height=[24,25],colorimetry={bt709,1:3:5:1}"},
+    {GST_PAD_SRC, CVX_MODE_ALWAYS, RAW "width=48,height=36,colorimetry=1:4:5:1", "EMPTY"},
 };
 
 TEST_F(ElementTest, FindsTheCapsOfTheOtherPad) {
