@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "gstreamer/caps_rule.h"
+#include "gstreamer/plain_part.h"
 #include "gstreamer/video_range.h"
 
 namespace clarivex {
@@ -25,11 +26,13 @@ struct GstClarivex {
     // Guarded by the object's lock.
     cvx_settings wanted;
     gboolean enabled;
+    gfloat split;
 
     // The streaming thread's.
     cvx_context* context;
     cvx_settings used;           // by the context
-    VideoRangeCopy* videoRange;  // of sources of full range
+    PlainPart* plain;            // none before the first frame with a plain part
+    VideoRangeCopy* videoRange;  // none before the first frame of full range
     gboolean newStream;
     GstClockTime expectedTime;  // of the next frame
 };
@@ -41,7 +44,7 @@ GstBaseTransformClass* parentClass = nullptr;
 
 GstClarivex* ElementOf(gpointer object) { return static_cast<GstClarivex*>(object); }
 
-enum Property : guint { sharpness = 1, lighting, mode, noise, caption, enabled };
+enum Property : guint { sharpness = 1, lighting, mode, noise, caption, enabled, split };
 
 // What the properties may be is what the library takes.
 constexpr float largestSharpness = 2.0F;
@@ -80,6 +83,7 @@ void SetProperty(GObject* object, guint property, const GValue* value, GParamSpe
         case Property::noise: wanted.noise = g_value_get_boolean(value); break;
         case Property::caption: wanted.caption = g_value_get_boolean(value); break;
         case Property::enabled: element->enabled = g_value_get_boolean(value); break;
+        case Property::split: element->split = g_value_get_float(value); break;
         default: G_OBJECT_WARN_INVALID_PROPERTY_ID(object, property, spec); break;
     }
     GST_OBJECT_UNLOCK(element);
@@ -99,6 +103,7 @@ void GetProperty(GObject* object, guint property, GValue* value, GParamSpec* spe
         case Property::noise: g_value_set_boolean(value, wanted.noise); break;
         case Property::caption: g_value_set_boolean(value, wanted.caption); break;
         case Property::enabled: g_value_set_boolean(value, element->enabled); break;
+        case Property::split: g_value_set_float(value, element->split); break;
         default: G_OBJECT_WARN_INVALID_PROPERTY_ID(object, property, spec); break;
     }
     GST_OBJECT_UNLOCK(element);
@@ -141,6 +146,7 @@ void LetPass(GstClarivex* element, const GstVideoInfo& in, const GstVideoInfo& o
 void EndStream(GstClarivex* element) {
     cvx_destroy(element->context);
     element->context = nullptr;
+    delete std::exchange(element->plain, nullptr);
     delete std::exchange(element->videoRange, nullptr);
 }
 
@@ -211,6 +217,15 @@ cvx_result Prepare(GstClarivex* element, const GstVideoInfo& in, const GstVideoI
     return CVX_OK;
 }
 
+void DrawPlainPart(GstClarivex* element, GstVideoFrame* in, GstVideoFrame* out) {
+    GST_OBJECT_LOCK(element);
+    const double part = element->split;
+    GST_OBJECT_UNLOCK(element);
+    if (part <= 0) return;
+    if (element->plain == nullptr) element->plain = new PlainPart{};
+    element->plain->Draw(part, *in, *out);
+}
+
 int64_t TimeOf(const GstBuffer* buffer) {
     return GST_BUFFER_PTS_IS_VALID(buffer) ? static_cast<int64_t>(GST_BUFFER_PTS(buffer)) : CVX_NO_TIME;
 }
@@ -233,7 +248,10 @@ GstFlowReturn TransformFrame(GstVideoFilter* filter, GstVideoFrame* in, GstVideo
         const auto target = PlanesOf<cvx_target>(out);
         result = cvx_process(element->context, &source, &target, TimeOf(in->buffer));
     }
-    if (result == CVX_OK) return GST_FLOW_OK;
+    if (result == CVX_OK) {
+        DrawPlainPart(element, &read, out);
+        return GST_FLOW_OK;
+    }
     GST_ELEMENT_ERROR(
         element, LIBRARY, FAILED,
         ("A frame of %dx%d cannot be enhanced: %s.", in->info.width, in->info.height, cvx_error_text(result)),
@@ -294,9 +312,12 @@ void InstallProperties(GObjectClass* object) {
     const auto boolean = [&](Property property, const char* name, const char* nick, const char* blurb, gboolean value) {
         InstallProperty(object, property, g_param_spec_boolean(name, nick, blurb, value, flags));
     };
-    InstallProperty(object, Property::sharpness,
-                    g_param_spec_float("sharpness", "Sharpness", "Crispness of edges and detail; 0 adds none", 0,
-                                       largestSharpness, preset.sharpness, flags));
+    const auto number = [&](Property property, const char* name, const char* nick, const char* blurb, float largest,
+                            float value) {
+        InstallProperty(object, property, g_param_spec_float(name, nick, blurb, 0, largest, value, flags));
+    };
+    number(Property::sharpness, "sharpness", "Sharpness", "Crispness of edges and detail; 0 adds none",
+           largestSharpness, preset.sharpness);
     boolean(Property::lighting, "lighting", "Lighting", "Let black, white and saturation follow the film",
             preset.lighting);
     InstallProperty(object, Property::mode,
@@ -306,6 +327,8 @@ void InstallProperties(GObjectClass* object) {
     boolean(Property::caption, "caption", "Caption", "Fade a caption in and out over the first 276 frames",
             preset.caption);
     boolean(Property::enabled, "enabled", "Enabled", "Enhance; otherwise frames pass through as they are", TRUE);
+    number(Property::split, "split", "Split",
+           "Part of the width, from the left, that shows the source plainly enlarged; a line ends it. 0: none", 1, 0);
 }
 
 void InitialiseClass(gpointer type, gpointer /*data*/) {

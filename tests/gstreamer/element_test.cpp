@@ -83,17 +83,21 @@ protected:
     }
     Buffer Push(const Buffer& in) { return Buffer(gst_harness_push_and_pull(harness, gst_buffer_ref(in.get()))); }
 
-    /// Outputs are of sizes that GStreamer puts nothing between the rows of.
-    void Compare(const Buffer& in) {
+    /// The library's bytes of the frame that was drawn last. Outputs are of sizes that GStreamer puts nothing between the rows of.
+    std::vector<uint8_t> Enhanced(GstVideoInfo& large) {
         int32_t width = 0, height = 0;
         cvx_output_size(context.get(), &width, &height);
-        GstVideoInfo large;
         gst_video_info_set_format(&large, GST_VIDEO_INFO_FORMAT(&info), static_cast<guint>(width),
                                   static_cast<guint>(height));
         std::vector<uint8_t> expected(large.size);
         const auto source = PlanesOf<cvx_source>(samples.data(), info);
         const auto target = PlanesOf<cvx_target>(expected.data(), large);
-        ASSERT_EQ(CVX_OK, cvx_process(context.get(), &source, &target, CVX_NO_TIME));
+        EXPECT_EQ(CVX_OK, cvx_process(context.get(), &source, &target, CVX_NO_TIME));
+        return expected;
+    }
+    void Compare(const Buffer& in) {
+        GstVideoInfo large;
+        const std::vector<uint8_t> expected = Enhanced(large);
         const Buffer out = Push(in);
         EXPECT_TRUE(out != nullptr && gst_buffer_get_size(out.get()) == large.size &&
                     gst_buffer_memcmp(out.get(), 0, expected.data(), large.size) == 0)
@@ -102,6 +106,7 @@ protected:
     void Play(int count) {
         while (count-- > 0) Compare(Draw());
     }
+    void CompareSplit(double split, int line);
 
     GstHarness* harness = gst_harness_new("clarivex");
     GstVideoInfo info{};
@@ -169,6 +174,70 @@ TEST_F(ElementTest, FollowsPropertiesWhileItPlays) {
         number = at;
         Play(1);
     }
+}
+
+/// The samples of a picture without gaps, by component and place there.
+struct Samples {
+    Samples(const GstVideoInfo& given, uint8_t* bytes) : info(given), first(bytes) {}
+    int Width(guint c) const { return GST_VIDEO_INFO_COMP_WIDTH(&info, c); }
+    int Height(guint c) const { return GST_VIDEO_INFO_COMP_HEIGHT(&info, c); }
+    uint8_t& At(guint c, int x, int y) const {
+        return first[GST_VIDEO_INFO_COMP_OFFSET(&info, c) +
+                     static_cast<gsize>(y * GST_VIDEO_INFO_COMP_STRIDE(&info, c)) +
+                     static_cast<gsize>(x * GST_VIDEO_INFO_COMP_PSTRIDE(&info, c))];
+    }
+    const GstVideoInfo& info;
+    uint8_t* first;
+};
+
+/// How far a sample is from where it belongs: left of the line on the slope that the source is, its samples' centres being
+/// 2/3 or 1 apart and 30 the first of the source; behind it as the library makes it. The line's two columns are light and dark.
+/// Cubic filters see three samples around their own, and none beyond the edge.
+int Wrong(const Samples& out, const Samples& enhanced, guint c, int x, int y, int line, bool enlarged) {
+    const bool luma = c == GST_VIDEO_COMP_Y;
+    const int begin = luma ? line : (line + 1) / 2;
+    const int end = begin + (luma ? 2 : 1);
+    if (x >= end) return std::abs(out.At(c, x, y) - enhanced.At(c, x, y));
+    if (x >= begin) return std::abs(out.At(c, x, y) - (luma ? (x == begin ? 235 : 16) : 128));
+    const int margin = enlarged ? 3 : 0;
+    if (x < margin || x >= begin - margin || y < margin || y >= out.Height(c) - margin) return 0;
+    const double pitch = enlarged ? 2.0 / 3 : 1;
+    const double slope = 30 + (x + 0.5) * pitch - 0.5 + (y + 0.5) * pitch - 0.5;
+    return static_cast<int>(std::abs(out.At(c, x, y) - slope) / (enlarged ? 1.4 : 1));
+}
+
+void ElementTest::CompareSplit(double split, int line) {
+    g_object_set(harness->element, "split", split, nullptr);
+    const Buffer in = Draw();
+    const Samples source(info, samples.data());
+    for (guint c = 0; c < 3; ++c)
+        for (int y = 0; y < source.Height(c); ++y)
+            for (int x = 0; x < source.Width(c); ++x) source.At(c, x, y) = static_cast<uint8_t>(30 + x + y);
+    gst_buffer_fill(in.get(), 0, samples.data(), samples.size());
+    GstVideoInfo large;
+    std::vector<uint8_t> expected = Enhanced(large);
+    std::vector<uint8_t> got(expected.size());
+    const Buffer out = Push(in);
+    ASSERT_EQ(got.size(), gst_buffer_extract(out.get(), 0, got.data(), got.size()));
+    const Samples enhanced(large, expected.data());
+    const Samples drawn(large, got.data());
+    int worst = 0;
+    for (guint c = 0; c < 3; ++c)
+        for (int y = 0; y < drawn.Height(c); ++y)
+            for (int x = 0; x < drawn.Width(c); ++x)
+                worst = std::max(worst, Wrong(drawn, enhanced, c, x, y, line, large.width != info.width));
+    EXPECT_EQ(0, worst) << GST_VIDEO_INFO_NAME(&info) << " " << info.width << ", split at " << split;
+}
+
+TEST_F(ElementTest, ShowsTheSourceLeftOfTheSplit) {
+    for (const auto format :
+         {GST_VIDEO_FORMAT_I420, GST_VIDEO_FORMAT_YV12, GST_VIDEO_FORMAT_NV12, GST_VIDEO_FORMAT_YUY2})
+        for (const auto& [width, height, half, whole] :
+             {std::array{96, 64, 72, 144}, {43, 37, 30, 64}, {25, 21, 12, 25}}) {
+            Negotiate(format, width, height, 5);
+            for (const auto& [split, line] : {std::pair{0.5, half}, {0.01, 0}, {1.0, whole}, {0.0, -4}})
+                CompareSplit(split, line);
+        }
 }
 
 TEST_F(ElementTest, BeginsAnewWhereTheFilmDoes) {

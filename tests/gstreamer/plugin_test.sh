@@ -18,7 +18,7 @@ launch() { timeout 60 gst-launch-1.0 "$@" >said 2>&1 || { cat said >&2 && fail "
 # The element is described, without a complaint; so are its properties and what they take.
 timeout 60 gst-inspect-1.0 clarivex >page 2>errors
 [ ! -s errors ] || fail "gst-inspect-1.0: $(cat errors)"
-for property in caption enabled lighting mode noise sharpness; do
+for property in caption enabled lighting mode noise sharpness split; do
     grep -A 1 -E "^  $property +: [A-Z]" page | grep -q 'controllable.*PLAYING' || fail "$property is not described"
 done
 
