@@ -39,14 +39,15 @@ bench:
 	build/native/clarivex_bench $(ARGS)
 	bench/compare
 
-# Makes build/clarivex-VERSION-windows.zip, with both DLLs, the command line, and how to install them, and the Debian package
-# build/clarivex_VERSION_amd64.deb, which is installed, tried and removed in a folder of its own
+# Makes build/clarivex-VERSION-windows.zip, with both DLLs, the command line, and how to install them, and the Debian packages
+# clarivex, libclarivex1, libclarivex-dev and gstreamer1.0-clarivex (build/NAME_VERSION_amd64.deb), which are installed, tried
+# and removed in a folder of their own
 package: setup
 	scripts/setup.sh package
 	scripts/build.sh windows-x86 clarivex WMP_CVX
 	scripts/build.sh windows-x64 WMP_CVX
 	scripts/package.sh
-	scripts/build.sh native clarivex packed
+	scripts/build.sh native clarivex packed clarivex_shared gstclarivex
 	scripts/package_deb.sh
 
 # QUICK=1 leaves out clang-tidy

@@ -1,74 +1,49 @@
 #!/usr/bin/env bash
-# Installs a package into an empty root as a system would, uses what is there, and removes it again: check_deb.sh FILE.deb
-# Needs dpkg, groff and what the package depends on; changes nothing outside a temporary folder.
+# Installs the four packages into a root of their own as a system would, uses what is there, and removes them again:
+# check_deb.sh FOLDER_OF_THE_PACKAGES. What each must hold and do stands in check_deb/. Needs dpkg, what the packages depend
+# on, a C compiler, CMake, pkg-config, groff and gst-inspect-1.0; changes nothing outside a temporary folder.
 set -eu
-package=$(realpath "$1")
+folder=$(realpath "$1")
+for part in program library gstreamer; do
+    . "$(dirname "$0")/check_deb/$part.sh"
+done
+packages=(clarivex libclarivex1 libclarivex-dev gstreamer1.0-clarivex)
+libraries=usr/lib/$(dpkg-architecture --query DEB_HOST_MULTIARCH)
+version=$(dpkg-deb --field "$folder"/clarivex_*.deb Version)
 root=$(mktemp -d)
 trap 'rm -rf "$root"' EXIT
 
 fail() {
-    echo "check_deb.sh: ${package##*/}: $*" >&2
+    echo "check_deb.sh: $*" >&2
     exit 1
 }
-# A root that knows no other packages and belongs to whoever runs this.
-in_root() {
-    PATH=$PATH:/usr/sbin:/sbin dpkg --root="$root" --log="$root/var/log" --force-not-root --force-depends \
-        --no-triggers "$@" >"$root/var/said" 2>&1 || { cat "$root/var/said" >&2 && fail "dpkg $1 does not end well"; }
+# A root that knows this system's packages but holds no file of them, and belongs to whoever runs this.
+make_root() {
+    mkdir -p "$root/var/lib/dpkg/updates" "$root/var/lib/dpkg/info"
+    cp /var/lib/dpkg/arch "$root/var/lib/dpkg" 2>/dev/null || true
+    awk -v RS= -v ORS='\n\n' -v ours="^Package: ($(IFS='|' && echo "${packages[*]}"))\n" '$0 !~ ours' \
+        /var/lib/dpkg/status >"$root/var/lib/dpkg/status"
 }
-installed() { (cd "$root" && find . -mindepth 1 -path ./var -prune -o "$@" -print | sort); }
+try_in_root() {
+    PATH=$PATH:/usr/sbin:/sbin dpkg --root="$root" --log="$root/var/log" --force-not-root --no-triggers "$@" >"$root/var/said" 2>&1
+}
+in_root() { try_in_root "$@" || { cat "$root/var/said" >&2 && fail "dpkg $* does not end well"; }; }
+# holds PACKAGE <LIST: its files and links are those of the list.
+holds() {
+    diff - <(dpkg-deb --fsys-tarfile "$folder/$1"_*.deb | tar -t | grep -v '/$' | LC_ALL=C sort) ||
+        fail "$1 holds other files (>) than these (<)"
+}
 
-mkdir -p "$root/var/lib/dpkg/updates" "$root/var/lib/dpkg/info"
-touch "$root/var/lib/dpkg/status"
-in_root --install "$package"
-diff - <(installed -type f) <<'END' || fail 'other files than these (<) are installed (>)'
-./usr/bin/clarivex
-./usr/share/bash-completion/completions/clarivex
-./usr/share/doc/clarivex/CHANGELOG.md
-./usr/share/doc/clarivex/README.md
-./usr/share/doc/clarivex/changelog.gz
-./usr/share/doc/clarivex/copyright
-./usr/share/man/man1/clarivex.1.gz
-END
-
-# The program runs, and is the one that the package says it is.
-clarivex=$root/usr/bin/clarivex
-version=$(dpkg-deb --field "$package" Version)
-[ "$("$clarivex" --version)" = "clarivex $version" ] || fail 'the program tells another version'
-"$clarivex" caption --size 96x64 - | "$clarivex" enhance --quiet - - | head -n 1 | grep -q ' W144 H96 ' ||
-    fail 'the program does not enhance'
-
-# The manual page is laid out without a complaint, and tells the options of every command.
-said=$(gzip -dc "$root/usr/share/man/man1/clarivex.1.gz" | groff -man -Tutf8 -ww 2>&1 >"$root/var/page")
-[ -z "$said" ] || fail "the manual page: $said"
-for command in enhance compare caption tune; do
-    "$clarivex" help "$command" | grep -oE '^  (-., )?--[a-z-]+' | grep -oE -- '--.*' | while read -r option; do
-        sed 's/\x1b\[[0-9;]*m//g; s/.\x08//g' "$root/var/page" | grep -q -- "$option" || fail "the manual page lacks $option"
-    done
+make_root
+in_root --unpack "$folder"/libclarivex-dev_*.deb "$folder"/gstreamer1.0-clarivex_*.deb
+for package in libclarivex-dev gstreamer1.0-clarivex; do
+    ! try_in_root --configure $package || fail "$package is content without libclarivex1"
 done
-
-# completes TO WORD…: what the last word, which may be empty, is completed to, in the order of letters. The shell makes "=" a
-# word of its own.
-try_completion='compopt() { :; }; . "$0" && COMP_WORDS=(clarivex "$@") COMP_CWORD=$# && _clarivex &&
-    printf "%s\n" "${COMPREPLY[@]}"'
-completes() {
-    local expected=$1 script=$root/usr/share/bash-completion/completions/clarivex got
-    shift
-    got=$(bash -c "$try_completion" "$script" "$@" | LC_ALL=C sort | xargs)
-    [ "$got" = "$expected" ] || fail "'$*' is completed to '$got' instead of '$expected'"
-}
-cd "$root/usr/share/doc/clarivex"
-completes 'enhance' enh
-completes '--mode' enhance --mo
-completes 'always auto never' enhance a.mp4 --mode ''
-completes 'always auto never' enhance --mode =
-completes 'always auto' enhance --mode = a
-completes '--layout --lighting --limits' compare --l
-completes '1 2 3/2' tune --scale ''
-completes 'changelog.gz copyright' enhance c
-completes '../clarivex' enhance --into ../c
-completes '' enhance --into c
-completes '' enhance --quality ''
-completes 'caption compare' help c
-
-in_root --purge clarivex
-[ -z "$(installed)" ] || fail "removal leaves $(installed)"
+in_root --install "$folder"/libclarivex1_*.deb "$folder"/clarivex_*.deb
+in_root --configure --pending
+check_program
+check_library
+check_gstreamer
+in_root --purge "${packages[@]}"
+left=$(cd "$root" && find . -mindepth 1 -path ./var -prune -o -print)
+[ -z "$left" ] || fail "removal leaves $left"

@@ -3,7 +3,7 @@
 # setup.sh [native | all | package | fuzz | lint | format]
 #   native  builds, tests, benches and the demo on Linux
 #   all     native, and both Windows builds and their tests under Wine, and emulated older processors
-#   package native, and what packs and checks the Debian package
+#   package native, and what packs and checks the Debian packages
 #   fuzz    native, and clang with its fuzzing engine
 #   lint    native, and the formatter and the linter
 #   format  the formatter alone
