@@ -4,10 +4,10 @@
 set -eu
 cd "$(dirname "$0")/.."
 
-find platform runtime simd algorithms overlay engine pipeline library shell host gstreamer -name '*.h' -o -name '*.cpp' -o -name '*.inl' |
+find platform runtime simd algorithms overlay engine pipeline play library shell host gstreamer -name '*.h' -o -name '*.cpp' -o -name '*.inl' |
     sort | xargs awk '
     BEGIN {
-        floors = split("platform|runtime|simd|algorithms|engine overlay|pipeline|library shell|host gstreamer", rows, "|")
+        floors = split("platform|runtime play|simd|algorithms|engine overlay|pipeline|library shell|host gstreamer", rows, "|")
         for (floor = 1; floor <= floors; ++floor) {
             count = split(rows[floor], folders, " ")
             for (i = 1; i <= count; ++i) floorOf[folders[i]] = floor

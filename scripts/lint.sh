@@ -14,7 +14,7 @@ scripts/check_floors.sh || bad=1
 scripts/check_sources.sh || bad=1
 if [ "${1:-}" != --quick ]; then
     cmake --preset native
-    run-clang-tidy -quiet -p build/native "^$PWD/(platform|runtime|simd|algorithms|overlay|engine|pipeline|library|shell|host|gstreamer)/" ||
+    run-clang-tidy -quiet -p build/native "^$PWD/(platform|runtime|simd|algorithms|overlay|engine|pipeline|play|library|shell|host|gstreamer)/" ||
         bad=1
 fi
 exit $bad
