@@ -1,0 +1,19 @@
+// What keys do to settings.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "play/keys.h"
+#include "play/play_settings.h"
+
+namespace clarivex {
+
+/// Changes the setting that the control is for, and says in words how it is now. None for a control of another kind, which
+/// changes nothing.
+std::optional<std::string> ChangeSetting(Control control, PlaySettings& settings);
+
+/// What is on, in words: "enhanced, sharpness 1.0, lighting, noise, split at 50 %".
+std::string SettingsText(const PlaySettings& settings);
+
+}  // namespace clarivex
