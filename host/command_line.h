@@ -5,10 +5,11 @@
 #include <string>
 
 #include "host/options.h"
+#include "play/play_settings.h"
 
 namespace clarivex {
 
-enum class Command { enhance, compare, caption, tune, info, help, version };
+enum class Command { enhance, play, compare, caption, tune, info, help, version };
 
 /// What help is asked for.
 struct HelpTopic {
@@ -18,6 +19,7 @@ struct HelpTopic {
 struct CommandLine {
     Command command = Command::help;
     EnhanceOptions enhance;
+    PlaySettings play;
     CompareOptions compare;
     CaptionOptions caption;
     TuneOptions tune;

@@ -7,6 +7,7 @@
 #include "host/errors.h"
 #include "host/option_tables.h"
 #include "host/suggestion.h"
+#include "play/keys.h"
 
 namespace clarivex {
 
@@ -85,6 +86,31 @@ CommandTable EnhanceTable(EnhanceOptions& options) {
         .finish = [&options](const GivenWords& given) { FinishEnhance(options, given); }};
 }
 
+void FinishPlay(PlaySettings& settings, const GivenWords& given) {
+    CheckFileCount(given, 1, "play needs one film, FILE or URI");
+    if (given.files[0] == "-") throw UsageError("play takes no pipe: it needs a FILE or URI, in which it can jump");
+    settings.film = given.files[0];
+}
+
+std::vector<Term> PlayerKeys() {
+    std::vector<Term> keys;
+    for (const KeyRow& row : KeyTable()) keys.push_back({NamesOf(row), std::string(row.meaning)});
+    return keys;
+}
+
+CommandTable PlayTable(PlaySettings& settings) {
+    return {.command = Command::play,
+            .name = "play",
+            .uses = {"[options] FILE|URI"},
+            .summary = "watch a film enhanced, live in a window",
+            .about = {"Plays a film, sound and all, through GStreamer in a window of X11 or, through its X server, of "
+                      "Wayland. Keys work in the window and in the terminal."},
+            .words = WordKind::file,
+            .groups = OptionsOf(settings),
+            .keys = PlayerKeys(),
+            .finish = [&settings](const GivenWords& given) { FinishPlay(settings, given); }};
+}
+
 CommandTable CompareTable(CompareOptions& options) {
     return {.command = Command::compare,
             .name = "compare",
@@ -159,12 +185,8 @@ CommandTable HelpTable(HelpTopic& topic) {
 bool GivenWords::Has(std::string_view option) const { return std::ranges::count(options, option) > 0; }
 
 std::vector<CommandTable> MakeCommandTables(CommandLine& line) {
-    return {EnhanceTable(line.enhance),
-            CompareTable(line.compare),
-            CaptionTable(line.caption),
-            TuneTable(line.tune),
-            InfoTable(),
-            HelpTable(line.help)};
+    return {EnhanceTable(line.enhance), PlayTable(line.play), CompareTable(line.compare), CaptionTable(line.caption),
+            TuneTable(line.tune),       InfoTable(),          HelpTable(line.help)};
 }
 
 std::span<const Option> GeneralOptions() {
@@ -202,6 +224,7 @@ std::vector<Example> Examples() {
              "clarivex enhance --start 1:30 --duration 30 --lossless film.mp4 part.mkv"},
             {"Many films", "clarivex enhance --into enhanced *.mp4"},
             {"See what it does to a frame", "clarivex compare --at 1:30 film.mp4 frame.png"},
+            {"Watch it, plain and enhanced side by side", "clarivex play --split 0.5 film.mp4"},
             {"In a pipe", "ffmpeg -i IN -pix_fmt yuv420p -f yuv4mpegpipe - | clarivex enhance - - | ffmpeg -i - OUT"}};
 }
 

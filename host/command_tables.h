@@ -20,6 +20,12 @@ struct GivenWords {
     bool Has(std::string_view option) const;
 };
 
+/// A word or a few with their meaning, which is a line without a full stop.
+struct Term {
+    std::string name;
+    std::string meaning;
+};
+
 struct CommandTable {
     Command command = Command::help;
     std::string name{};                ///< "enhance"
@@ -28,6 +34,7 @@ struct CommandTable {
     std::vector<std::string> about{};  ///< paragraphs
     WordKind words = WordKind::none;   ///< of the words that are no options
     std::vector<OptionGroup> groups{};
+    std::vector<Term> keys{};  ///< that it knows while it runs
     std::function<void(const GivenWords&)>
         finish;  ///< takes the files and checks what excludes what; throws UsageError
 };

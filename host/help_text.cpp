@@ -13,6 +13,7 @@ namespace {
 constexpr size_t lineLetters = 80;
 constexpr size_t summaryColumn = 12;
 constexpr size_t meaningColumn = 26;
+constexpr size_t keyColumn = 16;
 
 /// The text broken between words into lines of at most so many letters; a longer word has a line of its own.
 std::vector<std::string> BrokenInto(size_t letters, std::string_view text) {
@@ -77,6 +78,8 @@ std::string CommandHelp(const CommandTable& command) {
         text += "\n" + (title.empty() ? "Options" : title) + ":\n";
         for (const Option& option : options) text += OptionEntry(option);
     }
+    if (!command.keys.empty()) text += "\nKeys:\n";
+    for (const auto& [name, meaning] : command.keys) text += Entry("  " + name, meaning, keyColumn);
     return text;
 }
 

@@ -16,6 +16,7 @@
 #include "host/errors.h"
 #include "host/help_text.h"
 #include "host/info.h"
+#include "host/play.h"
 #include "host/tune.h"
 #include "platform/console.h"
 #include "runtime/version.h"
@@ -35,6 +36,7 @@ void CloseOutput() {
 void Run(const CommandLine& commandLine) {
     switch (commandLine.command) {
         case Command::enhance: RunEnhance(commandLine.enhance); break;
+        case Command::play: RunPlay(commandLine.play);
         case Command::compare: RunCompare(commandLine.compare); break;
         case Command::caption: RunCaption(commandLine.caption); break;
         case Command::tune: RunTune(commandLine.tune); break;

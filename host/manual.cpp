@@ -68,6 +68,8 @@ std::string CommandEntry(const CommandTable& command) {
         if (!title.empty()) source += Paragraph(title + ":");
         for (const Option& option : options) source += OptionEntry(option);
     }
+    if (!command.keys.empty()) source += Paragraph("Keys:");
+    for (const auto& [name, meaning] : command.keys) source += ".TP\n" + Bold(name) + "\n" + Plain(meaning) + ".\n";
     return source;
 }
 

@@ -10,16 +10,29 @@ namespace {
 
 constexpr auto noLimit = std::numeric_limits<uint64_t>::max();
 
+/// Mode is EnlargeMode or a number.
+template <class Mode>
+Option ModeOption(Mode& mode) {
+    return Choice("--mode", mode,
+                  {{"never", static_cast<Mode>(EnlargeMode::never)},
+                   {"auto", static_cast<Mode>(EnlargeMode::automatic)},
+                   {"always", static_cast<Mode>(EnlargeMode::always)}},
+                  "when to enlarge by 3/2; never: sharpen at the picture's own size; auto: enlarge if the processor is "
+                  "fast enough");
+}
+
+Option SharpnessOption(float& sharpness) {
+    return NumberOption("--sharpness", "N", sharpness, 0.0f, 2.0f, "crispness of edges");
+}
+
+Option LightingOption(bool& lighting) { return Switch("--lighting", lighting, "automatic lighting control"); }
+
 /// How pictures are enhanced, for every command that enhances any.
 std::vector<Option> PictureOptionsOf(PictureOptions& picture) {
     return {
-        Choice(
-            "--mode", picture.mode,
-            {{"never", EnlargeMode::never}, {"auto", EnlargeMode::automatic}, {"always", EnlargeMode::always}},
-            "when to enlarge by 3/2; never: sharpen at the picture's own size; auto: enlarge if the processor is fast "
-            "enough"),
-        NumberOption("--sharpness", "N", picture.sharpness, 0.0f, 2.0f, "crispness of edges"),
-        Switch("--lighting", picture.lighting, "automatic lighting control"),
+        ModeOption(picture.mode),
+        SharpnessOption(picture.sharpness),
+        LightingOption(picture.lighting),
         Choice(
             "--limits", picture.limits, {{"off", SizeLimits::off}, {"plugin", SizeLimits::plugin}},
             "off: pictures of any size up to 8192 a side are enhanced whole; plugin: as the plug-in does in a player, "
@@ -139,6 +152,25 @@ std::vector<OptionGroup> OptionsOf(EnhanceOptions& options) {
             {"Outputs", OutputOptionsOf(options)},
             {"What is told", ReportOptionsOf(options)},
             {"The plug-in's own ways", PlayerOptionsOf(options.picture)}};
+}
+
+std::vector<OptionGroup> OptionsOf(PlaySettings& settings) {
+    return {{"The picture",
+             {ModeOption(settings.mode), SharpnessOption(settings.sharpness), LightingOption(settings.lighting),
+              Switch("--noise", settings.noise, "a little film-like noise"),
+              Switch("--caption", settings.caption, "the plug-in's opening caption over the first 276 frames"),
+              Switch("--enhance", settings.enhanced, "off: begin with the picture as it is; a key switches"),
+              NumberOption("--split", "N", settings.split, 0.0f, 1.0f,
+                           "the part of the width, from the left, that shows the picture plainly enlarged, with a line "
+                           "behind it")}},
+            {"Playing",
+             {ValueOption("--start", "TIME", settings.start, "begin here, at a time such as 90.5, 1:30 or 1:02:03.5",
+                          timeForms, ParseTime),
+              Flag("--fullscreen", "", settings.fullScreen, "begin in full screen"),
+              Flag("--paused", "", settings.paused, "show the first picture and wait"),
+              NumberOption("--volume", "N", settings.volume, 0.0f, 1.0f, "of the sound"),
+              Flag("--mute", "", settings.muted, "begin without sound"),
+              Flag("--quiet", "", settings.quiet, "no notes, no status; errors stay")}}};
 }
 
 std::vector<OptionGroup> OptionsOf(CompareOptions& options) {
