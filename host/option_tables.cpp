@@ -155,22 +155,23 @@ std::vector<OptionGroup> OptionsOf(EnhanceOptions& options) {
 }
 
 std::vector<OptionGroup> OptionsOf(PlaySettings& settings) {
-    return {{"The picture",
-             {ModeOption(settings.mode), SharpnessOption(settings.sharpness), LightingOption(settings.lighting),
-              Switch("--noise", settings.noise, "a little film-like noise"),
-              Switch("--caption", settings.caption, "the plug-in's opening caption over the first 276 frames"),
-              Switch("--enhance", settings.enhanced, "off: begin with the picture as it is; a key switches"),
-              NumberOption("--split", "N", settings.split, 0.0f, 1.0f,
-                           "the part of the width, from the left, that shows the picture plainly enlarged, with a line "
-                           "behind it")}},
-            {"Playing",
-             {ValueOption("--start", "TIME", settings.start, "begin here, at a time such as 90.5, 1:30 or 1:02:03.5",
-                          timeForms, ParseTime),
-              Flag("--fullscreen", "", settings.fullScreen, "begin in full screen"),
-              Flag("--paused", "", settings.paused, "show the first picture and wait"),
-              NumberOption("--volume", "N", settings.volume, 0.0f, 1.0f, "of the sound"),
-              Flag("--mute", "", settings.muted, "begin without sound"),
-              Flag("--quiet", "", settings.quiet, "no notes, no status; errors stay")}}};
+    return {
+        {"The picture",
+         {ModeOption(settings.look.mode), SharpnessOption(settings.look.sharpness),
+          LightingOption(settings.look.lighting), Switch("--noise", settings.look.noise, "a little film-like noise"),
+          Switch("--caption", settings.look.caption, "the plug-in's opening caption over the first 276 frames"),
+          Switch("--enhance", settings.look.enhanced, "off: begin with the picture as it is; a key switches"),
+          NumberOption("--split", "N", settings.look.split, 0.0f, 1.0f,
+                       "the part of the width, from the left, that shows the picture plainly enlarged, with a line "
+                       "behind it")}},
+        {"Playing",
+         {ValueOption("--start", "TIME", settings.start, "begin here, at a time such as 90.5, 1:30 or 1:02:03.5",
+                      timeForms, ParseTime),
+          Flag("--fullscreen", "", settings.fullScreen, "begin in full screen"),
+          Flag("--paused", "", settings.paused, "show the first picture and wait"),
+          NumberOption("--volume", "N", settings.volume, 0.0f, 1.0f, "of the sound"),
+          Flag("--mute", "", settings.muted, "begin without sound"),
+          Flag("--quiet", "", settings.quiet, "no notes, no status; errors stay")}}};
 }
 
 std::vector<OptionGroup> OptionsOf(CompareOptions& options) {

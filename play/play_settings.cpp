@@ -13,13 +13,13 @@ namespace {
 template <class Settings, class Visit>
 void ForEachSetting(Settings& settings, Visit visit) {
     visit("film", settings.film);
-    visit("enhanced", settings.enhanced);
-    visit("sharpness", settings.sharpness);
-    visit("lighting", settings.lighting);
-    visit("mode", settings.mode);
-    visit("noise", settings.noise);
-    visit("caption", settings.caption);
-    visit("split", settings.split);
+    visit("enhanced", settings.look.enhanced);
+    visit("sharpness", settings.look.sharpness);
+    visit("lighting", settings.look.lighting);
+    visit("mode", settings.look.mode);
+    visit("noise", settings.look.noise);
+    visit("caption", settings.look.caption);
+    visit("split", settings.look.split);
     visit("fullscreen", settings.fullScreen);
     visit("volume", settings.volume);
     visit("muted", settings.muted);

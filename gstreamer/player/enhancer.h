@@ -1,4 +1,4 @@
-// The element in the film's way, between what brings any picture to what it takes.
+// The element in the film's way, behind what brings any picture to what it takes.
 #pragma once
 
 #include <optional>
@@ -12,7 +12,7 @@ namespace clarivex {
 class Enhancer {
 public:
     /// Throws PlayError where GStreamer lacks what belongs to it.
-    explicit Enhancer(const PlaySettings& settings);
+    explicit Enhancer(const Look& look);
 
     /// For a playbin, as its video filter.
     GstElement* Filter() const { return filter.get(); }
@@ -20,15 +20,15 @@ public:
     /// The picture that comes out, with its pixel aspect counted; none before the first one.
     std::optional<Extent> Picture() const;
 
-    /// Tells the element what has changed since the last settings. Returns whether anything has.
-    bool Follow(const PlaySettings& settings);
+    /// Tells the element what has changed since the last look. Returns whether anything has.
+    bool Follow(const Look& look);
 
 private:
-    void SetAll(const PlaySettings& settings);
+    void SetAll(const Look& look);
 
     Reference<GstElement> filter;
     GstElement* element = nullptr;  // the bin's
-    PlaySettings followed;
+    Look followed;
 };
 
 }  // namespace clarivex

@@ -84,7 +84,7 @@ void MissingPlugins::Take(GstMessage* message) {
 }
 
 std::string MissingPlugins::Text() const {
-    return "needs a GStreamer plug-in for " + Joined(wants) + "; install " + Joined(packages);
+    return "GStreamer lacks what it needs: " + Joined(wants) + "; install " + Joined(packages);
 }
 
 }  // namespace clarivex

@@ -15,7 +15,7 @@ public:
 
     bool Empty() const { return wants.empty(); }
 
-    /// "needs a GStreamer plug-in for …; install …", in Debian's names. Not for none.
+    /// "GStreamer lacks what it needs: …; install …", in Debian's names. Not for none.
     std::string Text() const;
 
 private:

@@ -45,9 +45,15 @@ Reference<GstElement> PartOf(GstElement* bin, const char* name) {
     return found;
 }
 
-Caps CapsAt(GstElement* element, const char* pad) {
-    const Reference<GstPad> found(gst_element_get_static_pad(element, pad));
-    return Caps(gst_pad_get_current_caps(found.get()));
+std::optional<GstVideoInfo> VideoInfoOf(const GstCaps* caps) {
+    GstVideoInfo info;
+    if (caps == nullptr || gst_video_info_from_caps(&info, caps) == 0) return std::nullopt;
+    return info;
+}
+
+std::optional<GstVideoInfo> VideoInfoAt(GstPad* pad) {
+    const Caps caps(pad != nullptr ? gst_pad_get_current_caps(pad) : nullptr);
+    return VideoInfoOf(caps.get());
 }
 
 }  // namespace clarivex

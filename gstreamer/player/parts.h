@@ -1,6 +1,11 @@
 // Elements by their names.
 #pragma once
 
+#include <gst/video/video.h>
+
+#include <initializer_list>
+#include <optional>
+
 #include "gstreamer/player/handles.h"
 
 namespace clarivex {
@@ -14,7 +19,10 @@ Reference<GstElement> MakeRow(std::initializer_list<const char*> names);
 /// An element of that kind in a bin; null when there is none.
 Reference<GstElement> PartOf(GstElement* bin, const char* name);
 
-/// The caps of what flows through an element's pad at the moment; null while nothing does.
-Caps CapsAt(GstElement* element, const char* pad);
+/// The pictures that caps tell of; none for null and for caps of other kinds.
+std::optional<GstVideoInfo> VideoInfoOf(const GstCaps* caps);
+
+/// The pictures that go through a pad at the moment; none for null and while nothing goes through.
+std::optional<GstVideoInfo> VideoInfoAt(GstPad* pad);
 
 }  // namespace clarivex

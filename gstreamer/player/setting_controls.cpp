@@ -32,23 +32,23 @@ std::string Toggle(const char* what, bool& flag) {
 }
 
 /// A view that compares needs something to compare with.
-std::string ToggleSplit(PlaySettings& settings) {
-    settings.split = settings.split > 0 ? 0.0F : 0.5F;
-    if (settings.split <= 0) return "split view off";
-    settings.enhanced = true;
+std::string ToggleSplit(Look& look) {
+    look.split = look.split > 0 ? 0.0F : 0.5F;
+    if (look.split <= 0) return "split view off";
+    look.enhanced = true;
     return "split view on: plain on the left, enhanced on the right";
 }
 
-std::string MoveSplit(PlaySettings& settings, float step) {
-    if (settings.split <= 0) return ToggleSplit(settings);
-    Step(settings.split, step, 1);
-    settings.split = std::max(settings.split, std::abs(step));  // 0 is no split view
-    return Percent("split at", settings.split);
+std::string MoveSplit(Look& look, float step) {
+    if (look.split <= 0) return ToggleSplit(look);
+    Step(look.split, step, 1);
+    look.split = std::max(look.split, std::abs(step));  // 0 is no split view
+    return Percent("split at", look.split);
 }
 
-std::string ChangeSharpness(PlaySettings& settings, float step) {
-    Step(settings.sharpness, step, largestSharpness);
-    return SharpnessText(settings.sharpness);
+std::string ChangeSharpness(Look& look, float step) {
+    Step(look.sharpness, step, largestSharpness);
+    return SharpnessText(look.sharpness);
 }
 
 std::string ChangeVolume(PlaySettings& settings, float step) {
@@ -60,15 +60,15 @@ std::string ChangeVolume(PlaySettings& settings, float step) {
 
 std::optional<std::string> ChangeSetting(Control control, PlaySettings& settings) {
     switch (control) {
-        case Control::enhance: return Toggle("enhancement", settings.enhanced);
-        case Control::split: return ToggleSplit(settings);
-        case Control::splitLeft: return MoveSplit(settings, -0.05F);
-        case Control::splitRight: return MoveSplit(settings, 0.05F);
-        case Control::softer: return ChangeSharpness(settings, -0.1F);
-        case Control::sharper: return ChangeSharpness(settings, 0.1F);
-        case Control::lighting: return Toggle("lighting", settings.lighting);
-        case Control::noise: return Toggle("noise", settings.noise);
-        case Control::caption: return Toggle("caption", settings.caption);
+        case Control::enhance: return Toggle("enhancement", settings.look.enhanced);
+        case Control::split: return ToggleSplit(settings.look);
+        case Control::splitLeft: return MoveSplit(settings.look, -0.05F);
+        case Control::splitRight: return MoveSplit(settings.look, 0.05F);
+        case Control::softer: return ChangeSharpness(settings.look, -0.1F);
+        case Control::sharper: return ChangeSharpness(settings.look, 0.1F);
+        case Control::lighting: return Toggle("lighting", settings.look.lighting);
+        case Control::noise: return Toggle("noise", settings.look.noise);
+        case Control::caption: return Toggle("caption", settings.look.caption);
         case Control::mute: settings.muted = !settings.muted; return OnOff("sound", !settings.muted);
         case Control::quieter: return ChangeVolume(settings, -0.1F);
         case Control::louder: return ChangeVolume(settings, 0.1F);
@@ -76,13 +76,13 @@ std::optional<std::string> ChangeSetting(Control control, PlaySettings& settings
     }
 }
 
-std::string SettingsText(const PlaySettings& settings) {
-    if (!settings.enhanced) return "not enhanced";
-    std::string text = "enhanced, " + SharpnessText(settings.sharpness);
-    if (settings.lighting) text += ", lighting";
-    if (settings.noise) text += ", noise";
-    if (settings.caption) text += ", caption";
-    if (settings.split > 0) text += ", " + Percent("split at", settings.split);
+std::string LookText(const Look& look) {
+    if (!look.enhanced) return "not enhanced";
+    std::string text = "enhanced, " + SharpnessText(look.sharpness);
+    if (look.lighting) text += ", lighting";
+    if (look.noise) text += ", noise";
+    if (look.caption) text += ", caption";
+    if (look.split > 0) text += ", " + Percent("split at", look.split);
     return text;
 }
 

@@ -13,7 +13,7 @@ namespace clarivex {
 /// changes nothing.
 std::optional<std::string> ChangeSetting(Control control, PlaySettings& settings);
 
-/// What is on, in words: "enhanced, sharpness 1.0, lighting, noise, split at 50 %".
-std::string SettingsText(const PlaySettings& settings);
+/// "enhanced, sharpness 1.0, lighting, noise, split at 50 %".
+std::string LookText(const Look& look);
 
 }  // namespace clarivex

@@ -23,9 +23,6 @@ public:
     /// "clarivex: …", on a line of its own.
     void Tell(const std::string& text);
 
-    /// "clarivex: note: …"
-    void Note(const std::string& text) { Tell("note: " + text); }
-
     void Wipe();
 
 private:
