@@ -47,7 +47,7 @@ package: setup
 	scripts/build.sh windows-x86 clarivex WMP_CVX
 	scripts/build.sh windows-x64 WMP_CVX
 	scripts/package.sh
-	scripts/build.sh native clarivex packed clarivex_shared gstclarivex
+	scripts/build.sh native clarivex packed clarivex_shared gstclarivex clarivex_player
 	scripts/package_deb.sh
 
 # QUICK=1 leaves out clang-tidy

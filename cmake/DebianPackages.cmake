@@ -76,7 +76,7 @@ debian_package(gstreamer gstreamer1.0-clarivex video
 ${what_it_does}
 
 This package holds the element clarivex for GStreamer's players and
-pipelines."
+pipelines, and the player that the command clarivex play starts."
     DEPENDS gstreamer1.0-plugins-base
     RECOMMENDS "gstreamer1.0-x, gstreamer1.0-plugins-good, gstreamer1.0-libav")
 

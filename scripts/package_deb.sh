@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Packs what Debian users need into build/, one package of each kind: clarivex_VERSION_amd64.deb, or of what architecture this
 # machine is, libclarivex1_…, libclarivex-dev_… and gstreamer1.0-clarivex_…; and checks them. Needs of the preset native
-# `clarivex`, `clarivex_shared`, `gstclarivex` and `packed`. Another build folder than build/: package_deb.sh FOLDER
+# `clarivex`, `clarivex_shared`, `gstclarivex`, `clarivex_player` and `packed`. Another build folder than build/: package_deb.sh FOLDER
 set -eu
 folder=$(realpath "${1:-$(dirname "$0")/../build}")
 cd "$(dirname "$0")"

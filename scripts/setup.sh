@@ -13,7 +13,7 @@ cd "$(dirname "$0")/.."
 packages=(cmake ninja-build g++ googletest libbenchmark-dev libfreetype-dev libfontconfig-dev fonts-dejavu-core ffmpeg)
 packages+=(pkg-config libavformat-dev libavcodec-dev libavfilter-dev libswscale-dev libavutil-dev)
 packages+=(libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev gstreamer1.0-tools gstreamer1.0-plugins-base)
-packages+=(gstreamer1.0-plugins-good gstreamer1.0-libav)
+packages+=(gstreamer1.0-plugins-good gstreamer1.0-libav gstreamer1.0-x libx11-dev)
 case ${1:-all} in
 native) ;;
 all)

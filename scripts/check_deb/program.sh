@@ -18,7 +18,7 @@ END
     # The manual page is laid out without a complaint, and tells the options of every command.
     said=$(gzip -dc "$root/usr/share/man/man1/clarivex.1.gz" | groff -man -Tutf8 -ww 2>&1 >"$root/var/page")
     [ -z "$said" ] || fail "the manual page: $said"
-    for command in enhance compare caption tune; do
+    for command in enhance play compare caption tune; do
         "$clarivex" help "$command" | grep -oE '^  (-., )?--[a-z-]+' | grep -oE -- '--.*' | while read -r option; do
             sed 's/\x1b\[[0-9;]*m//g; s/.\x08//g' "$root/var/page" | grep -q -- "$option" || fail "the manual page lacks $option"
         done
