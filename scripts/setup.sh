@@ -13,12 +13,12 @@ cd "$(dirname "$0")/.."
 packages=(cmake ninja-build g++ googletest libbenchmark-dev libfreetype-dev libfontconfig-dev fonts-dejavu-core ffmpeg)
 packages+=(pkg-config libavformat-dev libavcodec-dev libavfilter-dev libswscale-dev libavutil-dev)
 packages+=(libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev gstreamer1.0-tools gstreamer1.0-plugins-base)
-packages+=(gstreamer1.0-plugins-good gstreamer1.0-libav gstreamer1.0-x libx11-dev)
+packages+=(gstreamer1.0-plugins-good gstreamer1.0-libav gstreamer1.0-x libx11-dev xvfb xauth xdotool)
 case ${1:-all} in
 native) ;;
 all)
     packages+=(g++-mingw-w64-i686-posix binutils-mingw-w64-i686 g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64)
-    packages+=(wine wine64 wine32:i386 xvfb xauth qemu-user)
+    packages+=(wine wine64 wine32:i386 qemu-user)
     ;;
 package) packages+=(dpkg-dev lintian groff-base) ;;
 fuzz) packages+=(clang libclang-rt-dev) ;;
@@ -54,6 +54,7 @@ if [[ ${missing[*]} == *:i386* ]]; then
     as_root dpkg --add-architecture i386
 fi
 as_root apt-get update || echo "setup.sh: not every package list could be fetched; going on with those at hand"
-install ||
+# With i386 packages there, a newer package of GStreamer would take its development files away: nothing may be removed.
+install --no-remove ||
     install -o Dir::Etc::Preferences="$PWD/scripts/apt-main-only.pref" --allow-downgrades ||
     install --fix-missing

@@ -33,7 +33,7 @@ int Play(const PlaySettings& settings) {
     Player player(settings);
     player.Run();
     if (NotedSignal() == 0) return done;
-    return Fail(128 + NotedSignal(), "interrupted at " + player.LastPosition());
+    return Fail(128 + NotedSignal(), settings.film + ": interrupted at " + player.LastPosition());
 }
 
 }  // namespace

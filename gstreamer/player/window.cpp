@@ -196,6 +196,7 @@ void Window::Handle(XEvent& event) {
         case MapNotify:
             if (!atoms->hasManager) XSetInputFocus(display.get(), id, RevertToParent, CurrentTime);
             break;
+        case DestroyNotify: events.closed(); break;
         case ClientMessage:
             if (static_cast<Atom>(event.xclient.data.l[0]) == atoms->deleteWindow) events.closed();
             break;

@@ -208,7 +208,8 @@ begins $((first_bytes + 2 * enlarged_bytes)) good.y4m cut_out.y4m || fail 'the w
 
 # What needs no video. The system's own list of the processor's features is the measure of ours.
 run enhance -h 2>errors | grep -q -- '--sharpness N  *crispness of edges; 0 to 2; default 1$' || fail 'the help of a command'
-run help enhance 2>>errors | grep '.\{81\}' && fail 'lines of the help that a terminal breaks'
+run help play 2>>errors | grep -q '^  Left Right *5 seconds back or on$' || fail 'the keys in the help'
+{ run help enhance && run help play; } 2>>errors | grep '.\{81\}' && fail 'lines of the help that a terminal breaks'
 run --help 2>>errors | grep -q '^  enhance  ' || fail 'the overview'
 run info >info 2>>errors || fail 'info'
 [ ! -s errors ] || fail 'info speaks on standard error'

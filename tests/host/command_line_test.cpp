@@ -77,6 +77,24 @@ TEST(CommandLine, OptionsArriveAmongTheFiles) {
     EXPECT_EQ(compare.input + compare.output, "in.mkva.PnG");
 }
 
+TEST(CommandLine, ThePlayerGetsWhatIsAskedFor) {
+    const PlaySettings asked = Parse({"play", "--mode", "auto", "--sharpness=0.3", "--lighting=off", "--noise=off",
+                                      "--caption=on", "--enhance=off", "--split=0.25", "--start", "1:00.5",
+                                      "--fullscreen", "--paused", "--volume=0.7", "--mute", "--quiet", "a = b"})
+                                   .play;
+    EXPECT_EQ(
+        asked,
+        (PlaySettings{"a = b", {false, 0.3F, false, 1, false, true, 0.25F}, 0.7F, true, true, true, 60500000, true}));
+    for (const PlaySettings& settings : {asked, PlaySettings{}}) {
+        const std::vector<std::string> words = PlayWords(settings);
+        std::vector<const char*> pointers;
+        for (const std::string& word : words) pointers.push_back(word.c_str());
+        EXPECT_EQ(ReadPlayWords(pointers), settings);
+    }
+    for (const char* word : {"", "film", "split=", "split=1x", "muted=2", "nonsense=1"})
+        EXPECT_EQ(ReadPlayWords(std::span(&word, 1)), std::nullopt) << word;
+}
+
 TEST(CommandLine, AFolderTakesManyFiles) {
     const EnhanceOptions options = Parse({"enhance", "a", "--into", "out", "--suffix=", "b", "c"}).enhance;
     EXPECT_EQ(options.inputs, (std::vector<std::string>{"a", "b", "c"}));
@@ -113,7 +131,7 @@ TEST(CommandLine, ErrorsNameTheWordAndWhatWouldBeRight) {
         std::vector<const char*> words;
         const char* error;
     } const cases[] = {
-        {{}, "a command is missing: enhance, compare, caption, tune, info or help"},
+        {{}, "a command is missing: enhance, play, compare, caption, tune, info or help"},
         {{"enhance", "--nonsense", "1", "a", "b"}, "unknown option --nonsense"},
         {{"enhance", "--sharp", "1", "a", "b"}, "unknown option --sharp (did you mean --sharpness?)"},
         {{"enhance", "--qality=1", "a", "b"}, "unknown option --qality (did you mean --quality?)"},
@@ -127,6 +145,8 @@ TEST(CommandLine, ErrorsNameTheWordAndWhatWouldBeRight) {
         {{"enhance", "--format", "rgb", "a", "b"}, "--format rgb: the value must be one of yv12, iyuv, yuy2"},
         {{"enhance", "a", "b", "--mode"}, "--mode needs a value behind it"},
         {{"enhance", "-y=1", "a", "b"}, "-y takes no value"},
+        {{"play"}, "play needs one film, FILE or URI, 0 given"},
+        {{"play", "-"}, "play takes no pipe: it needs a FILE or URI, in which it can jump"},
         {{"enhance", "a"}, "enhance needs two files, IN and OUT (- for a pipe), 1 given"},
         {{"enhance", "a", "b", "c"},
          "enhance needs two files, IN and OUT (- for a pipe), 3 given; --into FOLDER takes many inputs"},
