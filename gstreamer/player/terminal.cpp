@@ -15,19 +15,14 @@ namespace {
 termios modeBefore;
 std::atomic<bool> isChanged = false;
 
-/// Only what a signal's handler may do.
-void RestoreMode() {
-    if (isChanged.exchange(false)) tcsetattr(STDIN_FILENO, TCSANOW, &modeBefore);
-}
-
 void RestoreAndRaise(int signal) {
-    RestoreMode();
+    RestoreTerminal();
     std::raise(signal);
 }
 
 /// Signals that end the process without a word to the main loop.
 void RestoreModeOnSignals() {
-    for (const int signal : {SIGQUIT, SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL}) {
+    for (const int signal : {SIGHUP, SIGQUIT, SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL}) {
         struct sigaction action {};
         action.sa_handler = RestoreAndRaise;
         action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
@@ -43,7 +38,7 @@ bool ChangeMode() {
     mode.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
     mode.c_cc[VMIN] = 1;
     mode.c_cc[VTIME] = 0;
-    std::atexit(RestoreMode);
+    std::atexit(RestoreTerminal);
     RestoreModeOnSignals();
     isChanged = true;
     return tcsetattr(STDIN_FILENO, TCSANOW, &mode) == 0;
@@ -77,6 +72,10 @@ Key TakeKey(std::string_view& bytes) {
 
 }  // namespace
 
+void RestoreTerminal() {
+    if (isChanged.exchange(false)) tcsetattr(STDIN_FILENO, TCSANOW, &modeBefore);
+}
+
 std::vector<Key> KeysOf(std::string_view bytes) {
     std::vector<Key> keys;
     while (!bytes.empty()) {
@@ -94,7 +93,7 @@ TerminalKeys::TerminalKeys(std::function<void(Key)> keyPressed) : tell(std::move
     source.Take(g_unix_fd_add(STDIN_FILENO, static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR), handle, this));
 }
 
-TerminalKeys::~TerminalKeys() { RestoreMode(); }
+TerminalKeys::~TerminalKeys() { RestoreTerminal(); }
 
 /// False when no more will come.
 bool TerminalKeys::ReadKeys() {

@@ -6,9 +6,11 @@
 #include <X11/keysym.h>
 #include <glib-unix.h>
 
+#include <cstdio>
 #include <cstdlib>
 
 #include "gstreamer/player/play_error.h"
+#include "gstreamer/player/terminal.h"
 
 namespace clarivex {
 
@@ -17,9 +19,17 @@ namespace {
 /// Requests that come too late, such as to a window that is going, are no reason to end.
 int IgnoreError(Display* /*display*/, XErrorEvent* /*error*/) { return 0; }
 
+/// Xlib cannot go on behind this, on none of the connections; nor can the threads that draw be ended in order.
+int EndWithDisplay(Display* /*display*/) {
+    RestoreTerminal();
+    std::fputs("\nclarivex: the display has gone\n", stderr);
+    std::_Exit(EXIT_FAILURE);
+}
+
 Display* OpenDisplay() {
     XInitThreads();  // sinks draw from threads of their own
     XSetErrorHandler(IgnoreError);
+    XSetIOErrorHandler(EndWithDisplay);
     Display* display = XOpenDisplay(nullptr);
     if (display != nullptr) return display;
     const char* name = std::getenv("DISPLAY");
