@@ -6,7 +6,7 @@
 #include "host/errors.h"
 #include "host/film/av_objects.h"
 #include "host/film/library_log.h"
-#include "host/film/picture_chain.h"
+#include "host/film_rules.h"
 #include "host/words.h"
 
 extern "C" {

@@ -3,19 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/errors.h"
-#include "host/player.h"
-#include "host/words.h"
-
 namespace clarivex {
 
 namespace {
 
 constexpr double assumedFrameSeconds = 0.04;  // where nothing tells of a rate
-
-bool IsHighDynamicRange(AVColorTransferCharacteristic transfer) {
-    return transfer == AVCOL_TRC_SMPTE2084 || transfer == AVCOL_TRC_ARIB_STD_B67;
-}
 
 ChromaSite SiteOf(AVChromaLocation location) {
     switch (location) {
@@ -51,22 +43,6 @@ std::optional<double> SecondsOf(const AVFormatContext& container, const PartOpti
 }
 
 }  // namespace
-
-void RefuseHighDynamicRange(AVColorTransferCharacteristic transfer, const std::string& path) {
-    if (!IsHighDynamicRange(transfer)) return;
-    throw RunError(std::string("is of high dynamic range (") + (transfer == AVCOL_TRC_SMPTE2084 ? "PQ" : "HLG") +
-                   "), which would come out grey and dull; this maps it first: ffmpeg -i '" + PrintablePath(path) +
-                   "' -vf zscale=t=linear:npl=100,format=gbrpf32le,zscale=p=bt709,tonemap=hable:desat=0,"
-                   "zscale=t=bt709:m=bt709:r=tv,format=yuv420p -c:a copy mapped.mkv");
-}
-
-void CheckPictureSize(PictureSize size) {
-    const std::string text = "pictures of " + SizeText(size);
-    if (size.width > largestPictureSide || size.height > largestPictureSide)
-        throw RunError(text + " are too large: width and height must be at most " + std::to_string(largestPictureSide));
-    if (size.width < smallestSide || size.height < smallestSide)
-        throw RunError(text + " are too small: width and height must be at least " + std::to_string(smallestSide));
-}
 
 Ratio RatioOf(AVRational value) {
     if (value.num <= 0 || value.den <= 0) return {};

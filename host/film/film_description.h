@@ -1,17 +1,9 @@
-// What is known of a film's pictures, and which of them cannot be enhanced.
+// What is known of a film's pictures.
 #pragma once
-
-#include <string>
 
 #include "host/film/film_origin.h"
 
 namespace clarivex {
-
-/// Throws RunError for transfers of high dynamic range, with a command that maps the film of this path.
-void RefuseHighDynamicRange(AVColorTransferCharacteristic transfer, const std::string& path);
-
-/// Throws RunError for pictures that are too large or too small.
-void CheckPictureSize(PictureSize size);
 
 /// What is known once the first picture is decoded, which is given as the decoder gave it; all but the size and the sample
 /// aspect, which are known behind the conversion.

@@ -5,6 +5,7 @@
 
 #include "host/errors.h"
 #include "host/film/film_description.h"
+#include "host/film_rules.h"
 #include "host/run_figures.h"
 #include "platform/console.h"
 
@@ -25,12 +26,12 @@ FilmReader::FilmReader(const FilmRequest& request, Report& report)
       damage(report),
       packets(*origin, request.part, request.withCompanions, report, damage) {
     const AVCodecParameters& parameters = *origin->VideoStream().codecpar;
-    RefuseHighDynamicRange(parameters.color_trc, request.path);
+    RefuseHighDynamicRange(parameters.color_trc, request.path, '\'');
     if (parameters.width > 0 && parameters.height > 0) CheckPictureSize({parameters.width, parameters.height});
     OpenDecoder();
     while (!pictureIsReady)
         if (FindPicture() == Step::end) throw RunError(NoPictureText());
-    RefuseHighDynamicRange(picture->color_trc, request.path);
+    RefuseHighDynamicRange(picture->color_trc, request.path, '\'');
 }
 
 std::string FilmReader::NoPictureText() const {

@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "host/errors.h"
+#include "host/film_rules.h"
 #include "host/video_colour.h"
 #include "host/words.h"
 
@@ -91,17 +92,6 @@ int MatrixOf(const DecodedFormat& format) {
 
 }  // namespace
 
-const char* ScaleMatrixName(int matrix) {
-    switch (matrix) {
-        case AVCOL_SPC_BT709: return "bt709";
-        case AVCOL_SPC_FCC: return "fcc";
-        case AVCOL_SPC_SMPTE240M: return "smpte240m";
-        case AVCOL_SPC_BT2020_NCL:
-        case AVCOL_SPC_BT2020_CL: return "bt2020";
-        default: return "bt601";
-    }
-}
-
 bool DecodedFormat::operator==(const DecodedFormat& other) const {
     const auto values = [](const DecodedFormat& f) {
         return std::tuple(f.size.width, f.size.height, f.samples, f.range, f.matrix, f.interlaced);
@@ -120,8 +110,7 @@ ConversionPlan PlanConversion(const DecodedFormat& format, PictureSize size, boo
     plan.size = size;
     plan.turns = TurnsOf(matrix);
     plan.deinterlaces = deinterlace && format.interlaced;
-    if (plan.deinterlaces)
-        plan.reasons.emplace_back("interlaced pictures are deinterlaced (--deinterlace off leaves them)");
+    if (plan.deinterlaces) plan.reasons.emplace_back(deinterlaceNote);
     const AVPixelFormat samples = WithoutRange(format.samples);
     if (HasAlpha(samples)) plan.reasons.emplace_back("transparency is left out");
     if (DiffersInKind(samples)) plan.reasons.push_back(KindText(samples) + " samples are brought to 8-bit 4:2:0");
@@ -138,12 +127,10 @@ ConversionPlan PlanConversion(const DecodedFormat& format, PictureSize size, boo
 std::string FilterText(const ConversionPlan& plan, const DecodedFormat& format) {
     std::string text;
     const auto add = [&](const std::string& filter) { text += (text.empty() ? "" : ",") + filter; };
-    if (plan.deinterlaces) add("bwdif=mode=send_frame:parity=auto:deint=interlaced");
+    if (plan.deinterlaces) add(deinterlaceFilter);
     if (plan.converts) {
         const bool isRgb = IsRgb(DescriptorOf(format.samples));
-        add("scale=w=" + std::to_string(plan.size.width) + ":h=" + std::to_string(plan.size.height) +
-            ":flags=bicubic+accurate_rnd+full_chroma_int+full_chroma_inp:sws_dither=ed:in_range=" +
-            (IsFullRange(format) ? "full" : "limited") + ":out_range=limited" +
+        add(ScaleFilter(plan.size, IsFullRange(format)) +
             (isRgb ? std::string(":out_color_matrix=") + ScaleMatrixName(MatrixOf(format)) : ""));
     }
     for (const std::string& turn : plan.turns) add(turn);

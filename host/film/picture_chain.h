@@ -9,10 +9,6 @@
 
 namespace clarivex {
 
-/// What the filter "scale" calls a matrix of luma and colour differences, given as a code point of ITU-T H.273. It knows
-/// no numbers, and takes BT.601 for what it does not know.
-const char* ScaleMatrixName(int matrix);
-
 /// How decoded pictures look, as far as the chain depends on it.
 struct DecodedFormat {
     PictureSize size;

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <string_view>
 
+#include "host/encoder_settings.h"
 #include "host/errors.h"
 #include "host/film/library_log.h"
 
@@ -17,39 +18,6 @@ extern "C" {
 namespace clarivex {
 
 namespace {
-
-struct Setting {
-    const char* option;
-    const char* value;
-};
-
-/// What an encoder is told unless the person says otherwise.
-struct Usual {
-    std::string_view encoder;
-    const char* quality;  // on its own scale
-    std::array<Setting, 4> settings;
-};
-
-// clang-format off
-constexpr std::array<Usual, 8> usualSettings = {{
-    {"libx264",    "18", {{{"preset", "medium"}}}},
-    {"libx265",    "20", {{{"preset", "medium"}, {"x265-params", "log-level=none"}}}},  // it would write to the terminal
-    {"libvpx",     "10", {{{"b", "20M"}, {"cpu-used", "2"}}}},  // its quality holds below a rate
-    {"libvpx-vp9", "24", {{{"b", "0"}, {"row-mt", "1"}, {"cpu-used", "2"}}}},
-    {"libaom-av1", "24", {{{"b", "0"}, {"row-mt", "1"}, {"cpu-used", "6"}}}},
-    {"libsvtav1",  "24", {}},
-    {"libtheora",  "8",  {}},
-    {"ffv1",       nullptr, {{{"level", "3"}, {"g", "1"}, {"slicecrc", "1"}}}},
-}};
-// clang-format on
-
-constexpr const char* usualScale = "3";  // of encoders whose quality is a quantiser's scale
-
-const Usual* UsualOf(std::string_view encoder) {
-    const auto* const found = std::find_if(usualSettings.begin(), usualSettings.end(),
-                                           [=](const Usual& one) { return one.encoder == encoder; });
-    return found == usualSettings.end() ? nullptr : found;
-}
 
 AVPixelFormat SamplesOf(const FilmTarget& target) {
     return target.fullHeightChroma ? AV_PIX_FMT_YUV422P : AV_PIX_FMT_YUV420P;
@@ -197,15 +165,13 @@ std::string NumberText(double number) {
 
 /// The usual settings first, so that the person's own win.
 void SetOptions(const FilmOptions& wanted, AVCodecContext& encoder, Dictionary& options) {
-    const Usual* const usual = UsualOf(encoder.codec->name);
-    if (usual)
-        for (const Setting& setting : usual->settings)
-            if (setting.option) options.Set(setting.option, setting.value);
-    const char* const usualQuality = usual ? usual->quality : usualScale;
+    const UsualSettings usual = UsualSettingsOf(encoder.codec->name);
+    for (const EncoderSetting& setting : usual.settings)
+        if (setting.option) options.Set(setting.option, setting.value);
     if (wanted.quality)
         SetQuality(NumberText(*wanted.quality), encoder, options);
-    else if (usualQuality)
-        SetQuality(usualQuality, encoder, options);
+    else if (usual.quality)
+        SetQuality(usual.quality, encoder, options);
     CheckAv(av_dict_parse_string(&options.entries, wanted.encoderOptions.c_str(), "=", ":", 0),
             "--encoder-options " + Printable(wanted.encoderOptions));
 }
