@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <utility>
 
 #include "host/naming.h"
 #include "platform/console.h"
@@ -61,6 +62,8 @@ FileSource::FileSource(const std::string& path)
     EnlargePipe(file.get());
 }
 
+FileSource::FileSource(OwnedFile pipe) : file(std::move(pipe)), buffer(bufferBytes) {}
+
 size_t FileSource::Read(std::span<uint8_t> bytes) {
     size_t count = 0;
     while (count < bytes.size()) {
@@ -100,6 +103,8 @@ std::span<const uint8_t> FileSource::Peek(size_t count) {
 }
 
 FileSink::FileSink(const std::string& path) : file(Open(path, "wb", stdout, "writing")) { EnlargePipe(file.get()); }
+
+FileSink::FileSink(OwnedFile pipe) : file(std::move(pipe)) {}
 
 void FileSink::Write(std::span<const uint8_t> bytes) {
     if (waiting.size() + bytes.size() > bufferBytes) Flush();

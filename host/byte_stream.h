@@ -48,6 +48,9 @@ public:
     /// Throws RunError when the path cannot be opened.
     explicit FileSource(const std::string& path);
 
+    /// Reads a pipe that is open already.
+    explicit FileSource(OwnedFile pipe);
+
     size_t Read(std::span<uint8_t> bytes) override;
 
     bool MayBePiped() const override { return !size; }
@@ -74,6 +77,9 @@ class FileSink : public ByteSink {
 public:
     /// Throws RunError when the path cannot be opened.
     explicit FileSink(const std::string& path);
+
+    /// Writes to a pipe that is open already.
+    explicit FileSink(OwnedFile pipe);
 
     void Write(std::span<const uint8_t> bytes) override;
     void Flush() override;
