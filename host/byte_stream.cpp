@@ -10,6 +10,7 @@
 #include "host/naming.h"
 #include "platform/console.h"
 #include "platform/file_stream.h"
+#include "platform/paths.h"
 
 namespace clarivex {
 
@@ -24,7 +25,7 @@ OwnedFile Open(const std::string& path, const char* mode, std::FILE* standard, c
         return OwnedFile(standard);
     }
     std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored))
+    if (std::filesystem::is_directory(PathOf(path), ignored))
         throw RunError(std::string("cannot be opened for ") + purpose + ": it is a folder; name a file");
     OwnedFile file(std::fopen(path.c_str(), mode));
     if (!file)
@@ -35,8 +36,8 @@ OwnedFile Open(const std::string& path, const char* mode, std::FILE* standard, c
 
 std::optional<uint64_t> RegularFileSize(const std::string& path) {
     std::error_code error;
-    if (path == standardStream || !std::filesystem::is_regular_file(path, error)) return std::nullopt;
-    const auto size = std::filesystem::file_size(path, error);
+    if (path == standardStream || !std::filesystem::is_regular_file(PathOf(path), error)) return std::nullopt;
+    const auto size = std::filesystem::file_size(PathOf(path), error);
     return error ? std::nullopt : std::optional<uint64_t>(size);
 }
 

@@ -15,6 +15,7 @@
 #include "host/video_files.h"
 #include "host/words.h"
 #include "platform/console.h"
+#include "platform/paths.h"
 
 namespace clarivex {
 
@@ -29,12 +30,13 @@ constexpr double microsecondsASecond = 1e6;
 
 void CheckFiles(const CompareOptions& options) {
     std::error_code error;
-    const bool isOther = files::exists(options.input, error) && !files::is_regular_file(options.input, error);
+    const bool isOther =
+        files::exists(PathOf(options.input), error) && !files::is_regular_file(PathOf(options.input), error);
     if (options.input == "-" || isOther)
         throw RunError(InputName(options.input) + ": is no file, which compare needs: it looks for a moment in it");
     Naming(OutputName(options.output), [&] {
         if (SameFile(options.input, options.output)) throw RunError("is the input file too; name another output");
-        if (!options.overwrite && files::exists(options.output, error))
+        if (!options.overwrite && files::exists(PathOf(options.output), error))
             throw RunError("is there already; --overwrite replaces it");
     });
 }

@@ -18,6 +18,7 @@
 #include "host/three_stages.h"
 #include "host/video_files.h"
 #include "platform/console.h"
+#include "platform/paths.h"
 
 namespace clarivex {
 
@@ -176,11 +177,11 @@ namespace files = std::filesystem;
 /// Where the output of an input goes: beside the others in the folder, in the same kind of file if such a film can be
 /// written.
 std::string OutputIn(const EnhanceOptions& options, const std::string& input) {
-    const files::path path(input);
-    std::string extension = path.extension().string();
+    const files::path path = PathOf(input);
+    std::string extension = TextOf(path.extension());
     const std::set<std::string> kept = {".y4m", ".mkv", ".mp4", ".m4v", ".mov", ".webm"};
     if (!kept.contains(extension)) extension = ".mkv";
-    return (files::path(options.folder) / (path.stem().string() + options.suffix + extension)).string();
+    return TextOf(PathOf(options.folder) / PathOf(TextOf(path.stem()) + options.suffix + extension));
 }
 
 /// Two inputs of one name would write over each other.
@@ -199,8 +200,8 @@ std::vector<std::string> OutputsIn(const EnhanceOptions& options) {
 void EnhanceMany(const EnhanceOptions& options) {
     const std::vector<std::string> outputs = OutputsIn(options);
     std::error_code error;
-    files::create_directories(options.folder, error);
-    if (!files::is_directory(options.folder, error))
+    files::create_directories(PathOf(options.folder), error);
+    if (!files::is_directory(PathOf(options.folder), error))
         throw RunError(PrintablePath(options.folder) + ": cannot be made: name a folder that can be written to");
     std::string failed;
     size_t failures = 0;

@@ -7,6 +7,7 @@
 #include "host/film.h"
 #include "host/naming.h"
 #include "host/y4m_video.h"
+#include "platform/paths.h"
 
 namespace clarivex {
 
@@ -17,7 +18,7 @@ namespace files = std::filesystem;
 constexpr std::string_view y4mExtension = ".y4m";
 
 std::string LowerExtension(const std::string& path) {
-    std::string extension = files::path(path).extension().string();
+    std::string extension = TextOf(PathOf(path).extension());
     for (char& letter : extension)
         letter = letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
     return extension;
@@ -63,7 +64,7 @@ std::unique_ptr<VideoReader> OpenVideo(const std::string& path, const PartOption
 
 bool IsY4mOutput(const std::string& path) {
     std::error_code ignored;
-    const files::file_status status = files::status(path, ignored);
+    const files::file_status status = files::status(PathOf(path), ignored);
     const bool special = files::exists(status) && !files::is_regular_file(status) && !files::is_directory(status);
     return path == "-" || special || LowerExtension(path) == y4mExtension;
 }

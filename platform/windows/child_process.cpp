@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <system_error>
 
+#include "platform/windows/wide_text.h"
+
 namespace clarivex {
 
 namespace {
@@ -77,13 +79,6 @@ std::wstring QuotedArgument(const std::wstring& argument) {
         quoted += letter;
     }
     return quoted.append(backslashes, L'\\') + L'"';
-}
-
-std::wstring WideText(const std::string& text) {
-    const int bytes = static_cast<int>(text.size());
-    std::wstring wide(static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, text.data(), bytes, nullptr, 0)), L'\0');
-    MultiByteToWideChar(CP_ACP, 0, text.data(), bytes, wide.data(), static_cast<int>(wide.size()));
-    return wide;
 }
 
 ChildProcess::ChildProcess(const std::filesystem::path& program, const std::vector<std::string>& arguments, Pipe pipe)

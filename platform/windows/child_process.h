@@ -16,9 +16,6 @@ namespace clarivex {
 /// One argument as it must stand in a command line for the child to find it whole: in quotes where it needs them.
 std::wstring QuotedArgument(const std::wstring& argument);
 
-/// Text in the process's own code page as wide characters.
-std::wstring WideText(const std::string& text);
-
 /// A program that runs without a window of its own and ends with this process at the latest. It gets no handle but its three
 /// standard streams: one is a pipe, standard error a file that is read when it has ended, the third one the null device.
 class ChildProcess {
