@@ -210,8 +210,9 @@ std::vector<TextSection> CommonSections() {
          {"IN, OUT and TARGET are files; - is standard input or output, where Y4M is written. Options may stand before "
           "or behind the files; -- ends the options, so that a file's name may begin with -.",
           "Y4M video (8-bit 4:2:0), from and to files named .y4m and pipes, passes exactly: no sample changes but by "
-          "the enhancement. Films of all other kinds need the Linux program, which reads and writes them through "
-          "FFmpeg's libraries; the Windows program takes Y4M only."}},
+          "the enhancement. Films of all other kinds are read and written by FFmpeg: on Linux through its libraries, "
+          "on "
+          "Windows by an ffmpeg.exe in PATH or beside clarivex.exe; without one the Windows program takes Y4M only."}},
         {"Exit status",
          {"0: all was done.", "1: the run failed; frames already written stay whole.", "2: wrong use.",
           "130 and 143: ended by an interrupt or by SIGTERM; what was finished of a film is kept under its name "

@@ -1,5 +1,5 @@
 // The door to videos of any kind. Behind it stand FFmpeg's libraries where the program is built with them (host/film/), and
-// otherwise a refusal (host/windows/).
+// otherwise an ffmpeg.exe that a person has (host/windows/).
 #pragma once
 
 #include <memory>
@@ -22,7 +22,7 @@ struct FilmRequest {
 };
 
 /// Opens a film and reads up to its first picture. Notes tell what is converted. Throws RunError, without the path, for what
-/// holds no video, for high dynamic range, and where only Y4M is read.
+/// holds no video, for high dynamic range, and where there is no ffmpeg.exe to read it.
 std::unique_ptr<VideoReader> OpenFilm(const FilmRequest& request, Report& report);
 
 /// What is written to a film.
@@ -35,7 +35,8 @@ struct FilmTarget {
 };
 
 /// Starts a film beside its path, which it takes in Finish. Notes tell what the container does not take. Throws RunError,
-/// without the path, for a container or an encoder that is not there, and for a path that is taken.
+/// without the path, for a container or an encoder that is not there, for a path that is taken, and where there is no
+/// ffmpeg.exe to write it.
 std::unique_ptr<VideoWriter> MakeFilm(const FilmTarget& target, Report& report);
 
 }  // namespace clarivex
