@@ -8,3 +8,13 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 8)
             $<TARGET_OBJECTS:kernels_avx2> $<TARGET_OBJECTS:kernels_avx512>
             $<TARGET_OBJECTS:lanes_avx2> $<TARGET_OBJECTS:lanes_avx512>)
 endif()
+
+# An ffmpeg.exe that hands on to the system's own, in a folder where nothing but the test finds it.
+add_executable(ffmpeg_bridge host/windows/ffmpeg_bridge.cpp)
+target_link_libraries(ffmpeg_bridge PRIVATE clarivex::platform)
+set_target_properties(ffmpeg_bridge PROPERTIES
+    OUTPUT_NAME ffmpeg RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/ffmpeg_bridge)
+add_dependencies(programs ffmpeg_bridge)
+add_test(NAME clarivex_films
+    COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/host/windows/film_test.sh
+        ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:clarivex> $<TARGET_FILE:ffmpeg_bridge>)
