@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 
 namespace clarivex {
@@ -65,19 +64,9 @@ bool Overlap(const Extent& a, const Extent& b) {
 
 bool IsFormat(int32_t format) { return format >= CVX_FORMAT_I420 && format <= CVX_FORMAT_YUY2; }
 
-int32_t PlaneCount(int32_t format) {
-    switch (format) {
-        case CVX_FORMAT_YUY2: return 1;
-        case CVX_FORMAT_NV12: return 2;
-        default: return 3;
-    }
-}
-
-PlaneShape ShapeOf(const PictureKind& kind, int32_t plane) {
-    const int32_t chromaColumns = (kind.size.width + 1) / 2;
-    if (kind.format == CVX_FORMAT_YUY2) return {4 * chromaColumns, kind.size.height};
-    if (plane == 0) return {kind.size.width, kind.size.height};
-    return {kind.format == CVX_FORMAT_NV12 ? 2 * chromaColumns : chromaColumns, (kind.size.height + 1) / 2};
+PictureForm FormOf(const PictureKind& kind) {
+    constexpr PixelFormat formats[] = {PixelFormat::iyuv, PixelFormat::yv12, PixelFormat::nv12, PixelFormat::yuy2};
+    return {kind.size, formats[kind.format]};
 }
 
 cvx_result CheckPlanes(const PictureKind& sourceKind, const cvx_source& source, const PictureKind& targetKind,
@@ -90,14 +79,6 @@ cvx_result CheckPlanes(const PictureKind& sourceKind, const cvx_source& source, 
         for (size_t other = i + 1; other < extents.count; ++other)
             if (Overlap(extents.planes[i], extents.planes[other])) return CVX_ERROR_OVERLAP;
     return CVX_OK;
-}
-
-void CopyRows(const PictureKind& kind, int32_t plane, const cvx_source& source, const cvx_target& target,
-              int32_t firstRow) {
-    const PlaneShape shape = ShapeOf(kind, plane);
-    for (ptrdiff_t y = firstRow; y < shape.rows; ++y)
-        std::memcpy(target.plane[plane] + y * target.stride[plane], source.plane[plane] + y * source.stride[plane],
-                    static_cast<size_t>(shape.rowBytes));
 }
 
 }  // namespace clarivex

@@ -19,6 +19,8 @@ constexpr int32_t neutralBias = 50;
 constexpr int32_t litBrightness = 42;
 constexpr int32_t litSaturation = 47;
 
+bool ComesInBuffers(PixelFormat format) { return format != PixelFormat::nv12 && format != PixelFormat::other; }
+
 bool IsPacked(const FrameRequest& request) { return request.format == PixelFormat::yuy2; }
 
 }  // namespace
@@ -33,7 +35,7 @@ float StrengthOfSlider(float sharpness) {
 
 HRESULT FramePipeline::RunFrame(const FrameRequest& request, OutputBuffer output, InputBuffer input) {
     TakeNotes(request);
-    if (request.format == PixelFormat::other) return S_OK;
+    if (!ComesInBuffers(request.format)) return S_OK;
     FrameLayout layout;
     const HRESULT code = LayOutFrame(request, output, input, layout);
     if (FAILED(code) || layout.tooSmall) return code;

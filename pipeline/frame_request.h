@@ -6,7 +6,9 @@
 
 namespace clarivex {
 
-enum class PixelFormat { yv12, iyuv, yuy2, other };
+/// Y, V, U; Y, U, V; rows of Y0 U Y1 V; Y with pairs of U and V, which comes as planes only and never in a FrameRequest's
+/// buffers.
+enum class PixelFormat { yv12, iyuv, yuy2, nv12, other };
 
 /// A target rectangle of a media type, in samples; empty when right <= left or bottom <= top.
 struct PictureRect {
