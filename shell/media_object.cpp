@@ -1,6 +1,7 @@
-// The media object's making and end, and its smaller interfaces.
+// The player's media object: its interfaces, which types it takes and what it offers in return, and its frames.
 #include "shell/media_object.h"
 
+#include "pipeline/cpu_speed.h"
 #include "platform/resources.h"
 #include "shell/class_ids.h"
 #include "shell/process_objects.h"
@@ -10,11 +11,7 @@
 namespace clarivex {
 namespace {
 
-template <class Value>
-HRESULT WriteIfAsked(Value* target, Value value) {
-    if (target != nullptr) *target = value;
-    return S_OK;
-}
+constexpr ObjectKind playersKind = {.formats = playerFormats, .page = clsidPropertyPage};
 
 }  // namespace
 
@@ -29,18 +26,16 @@ std::span<const InterfaceEntry<CVXMediaObject>> CVXMediaObject::Interfaces() {
     return interfaces;
 }
 
-CVXMediaObject::CVXMediaObject() : pipeline(MakeProcessPipeline()) {
+CVXMediaObject::CVXMediaObject() : CVXVideoObject(playersKind), pipeline(MakeProcessPipeline()) {
     settings.liftSizeLimits = SizeLimitsLifted();
     CheckForUpdate();
 }
 
 CVXMediaObject::~CVXMediaObject() = default;
 
-HRESULT CVXMediaObject::Complete() { return LoadStoredSettings(settings); }
-
-HRESULT CVXMediaObject::Lock(LONG enter) {
-    enter != 0 ? hostLock.Enter() : hostLock.Leave();
-    return S_OK;
+HRESULT CVXMediaObject::SetInputType(DWORD index, const DMO_MEDIA_TYPE* type, DWORD flags) {
+    newStream = true;
+    return CVXVideoObject::SetInputType(index, type, flags);
 }
 
 HRESULT CVXMediaObject::SetEnable(BOOL enable) {
@@ -51,16 +46,6 @@ HRESULT CVXMediaObject::SetEnable(BOOL enable) {
 HRESULT CVXMediaObject::GetEnable(BOOL* enable) {
     if (enable == nullptr) return E_POINTER;
     *enable = settings.enabled;
-    return S_OK;
-}
-
-HRESULT CVXMediaObject::GetPages(CAUUID* pages) {
-    if (pages == nullptr) return E_POINTER;
-    pages->cElems = 0;
-    pages->pElems = static_cast<GUID*>(CoTaskMemAlloc(sizeof(GUID)));
-    if (pages->pElems == nullptr) return E_OUTOFMEMORY;
-    pages->cElems = 1;
-    *pages->pElems = clsidPropertyPage;
     return S_OK;
 }
 
@@ -81,46 +66,57 @@ HRESULT CVXMediaObject::Read(LPCOLESTR name, VARIANT* value, IErrorLog*) {
 
 HRESULT CVXMediaObject::Write(LPCOLESTR, VARIANT*) { return S_OK; }
 
-HRESULT CVXMediaObject::get_ScaleFactor(double* value) {
-    return value != nullptr ? WriteIfAsked(value, settings.scaleFactor.load()) : E_POINTER;
+bool CVXMediaObject::Accepts(const DMO_MEDIA_TYPE& type, StreamSide side) const {
+    return IsAcceptedType(type, side, playerFormats);
 }
 
-HRESULT CVXMediaObject::put_ScaleFactor(double value) {
-    settings.scaleFactor = value;
-    return S_OK;
+uint32_t CVXMediaObject::BytesOf(const DMO_MEDIA_TYPE& type) const { return ImageBytes(type); }
+
+HRESULT CVXMediaObject::OfferOutputType(DWORD typeIndex, StreamTerms& terms, DMO_MEDIA_TYPE* type) const {
+    if (typeIndex >= playerFormats.size()) return DMO_E_NO_MORE_ITEMS;
+    if (type == nullptr) return S_OK;
+    Negotiated& next = terms.negotiated;
+    next.plan.scalingOn = false;
+    next.plan.sourceIsVih2WithoutBitrate = true;
+    const DMO_MEDIA_TYPE input = terms.input.Get();
+    std::optional<VideoHeader> header = ReadVideoHeader(input);
+    if (!header) return DMO_E_TYPE_NOT_ACCEPTED;
+    next.source = FormatOf(input);
+    TraceSize(input);
+    if (!DecideStream(*header, next.plan)) return DMO_E_TYPE_NOT_ACCEPTED;
+    const HRESULT copied = MoCopyMediaType(type, &input);
+    if (SUCCEEDED(copied)) WriteVideoHeader(*type, *header);
+    return copied;
 }
 
-HRESULT CVXMediaObject::get_Sharpness(float* value) { return WriteIfAsked(value, settings.Sharpness()); }
-
-HRESULT CVXMediaObject::put_Sharpness(float value) {
-    settings.SetSharpness(value);
-    return S_OK;
+bool CVXMediaObject::DecideStream(VideoHeader& header, StreamPlan& plan) const {
+    const PlanSettings choice{.mode = settings.mode, .allowHd = settings.allowHd, .speedGHz = MeasureCpuSpeed};
+    return PlanStream(choice, header, plan);
 }
 
-HRESULT CVXMediaObject::get_CVXMode(unsigned* value) { return WriteIfAsked(value, unsigned{settings.mode}); }
-
-HRESULT CVXMediaObject::put_CVXMode(unsigned value) {
-    settings.mode = value;
-    return S_OK;
+HRESULT CVXMediaObject::MakeFrame(const StreamTerms& terms, OutputBuffer to, InputBuffer from) {
+    return pipeline.RunFrame(RequestFor(terms), to, from);
 }
 
-HRESULT CVXMediaObject::get_AllowHD(int* value) { return WriteIfAsked(value, int{settings.allowHd}); }
-
-HRESULT CVXMediaObject::put_AllowHD(int value) {
-    settings.allowHd = value != 0;
-    return S_OK;
-}
-
-HRESULT CVXMediaObject::get_EnableLighting(int* value) { return WriteIfAsked(value, int{settings.enableLighting}); }
-
-HRESULT CVXMediaObject::put_EnableLighting(int value) {
-    settings.enableLighting = value != 0;
-    return S_OK;
-}
-
-HRESULT CVXMediaObject::get_ScalingActive(int* value) {
-    const CriticalSectionGuard guard(stateLock);
-    return WriteIfAsked(value, int{negotiated.plan.scalingOn});
+FrameRequest CVXMediaObject::RequestFor(const StreamTerms& terms) {
+    const StreamPlan& plan = terms.negotiated.plan;
+    FrameRequest request;
+    request.format = PixelFormatOf(terms.input.Get(), playerFormats);
+    request.input = FormatOf(terms.input.Get());
+    request.output = FormatOf(terms.output.Get());
+    request.source = terms.negotiated.source;
+    request.sourceWidth = plan.sourceWidth;
+    request.sourceHeight = plan.sourceHeight;
+    request.scalingOn = plan.scalingOn;
+    request.sourceIsVih2WithoutBitrate = plan.sourceIsVih2WithoutBitrate;
+    request.pixelAspect = plan.pixelAspect;
+    request.newStream = newStream.exchange(false);
+    request.settingsDirty = settings.TakeSharpnessChange();
+    request.enabled = settings.enabled != 0;
+    request.enableLighting = settings.enableLighting;
+    request.liftSizeLimits = settings.liftSizeLimits;
+    request.sharpness = settings.Sharpness();
+    return request;
 }
 
 }  // namespace clarivex

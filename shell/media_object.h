@@ -1,93 +1,28 @@
-// CVXMediaObject: the plug-in as the player sees it, a media object with one input and one output stream.
+// CVXMediaObject: the plug-in as the player sees it.
 #pragma once
 
-#include <cstdint>
-#include <memory>
+#include <atomic>
 #include <span>
 
 #include "pipeline/frame_pipeline.h"
-#include "platform/com_pointer.h"
 #include "platform/player.h"
 #include "platform/win32.h"
 #include "shell/com_object.h"
-#include "shell/critical_section.h"
-#include "shell/media_type.h"
-#include "shell/plugin_settings.h"
-#include "shell/settings.h"
-#include "shell/stream_plan.h"
+#include "shell/video_object.h"
 
 namespace clarivex {
 
-/// Negotiates types, keeps at most one input buffer, and makes each frame inside ProcessOutput on the caller's thread.
-/// Everything that a stream needs is the object's own: two objects on two threads do not know of each other.
-///
-/// The player serialises streaming calls; the settings, the switch and Lock may be used from other threads meanwhile. A
-/// host that streams from several threads all the same, or calls the object from inside a buffer's methods, gets an
-/// error or a late effect: a frame goes on with the buffer and the types that it has begun with.
-/// Comes in the two shapes of com_object.h. No exception leaves a method.
-///
-/// Stream indices other than 0 give DMO_E_INVALIDSTREAMINDEX and null pointers E_POINTER, in the order in which the
-/// arguments stand, where a method does not say otherwise.
-class CVXMediaObject : public IMediaObject,
-                       public IWMPPluginEnable,
-                       public ISpecifyPropertyPages,
-                       public IPropertyBag,
-                       public ICVXSettings {
+/// The media object for the player, which switches it on and off and shows its icon. What a stream needs is the object's
+/// own: two objects on two threads do not know of each other, but for what the streams of a process have in common.
+class CVXMediaObject : public CVXVideoObject, public IWMPPluginEnable, public IPropertyBag {
 public:
     /// ICVXSettings first: the identity.
     static std::span<const InterfaceEntry<CVXMediaObject>> Interfaces();
 
-    CVXMediaObject(const CVXMediaObject&) = delete;
-    CVXMediaObject& operator=(const CVXMediaObject&) = delete;
-
-    // IMediaObject: types.
-    HRESULT STDMETHODCALLTYPE GetStreamCount(DWORD* inputs, DWORD* outputs) override;
-    HRESULT STDMETHODCALLTYPE GetInputStreamInfo(DWORD index, DWORD* flags) override;
-    HRESULT STDMETHODCALLTYPE GetOutputStreamInfo(DWORD index, DWORD* flags) override;
-
-    /// The offered subtypes, or the input type itself once it is set, whatever the index below 3. A null type asks only
-    /// whether the index exists.
-    HRESULT STDMETHODCALLTYPE GetInputType(DWORD index, DWORD typeIndex, DMO_MEDIA_TYPE* type) override;
-
-    /// Decides about the stream, anew on each call, and offers the one output type that goes with the input type,
-    /// whatever the index below 3. A null type decides nothing.
-    HRESULT STDMETHODCALLTYPE GetOutputType(DWORD index, DWORD typeIndex, DMO_MEDIA_TYPE* type) override;
-
-    /// The clear flag looks at no type. Any other flag tests only; a refusal is S_FALSE with the test flag and
-    /// DMO_E_TYPE_NOT_ACCEPTED otherwise. Every call starts a new stream with the next frame.
-    HRESULT STDMETHODCALLTYPE SetInputType(DWORD index, const DMO_MEDIA_TYPE* type, DWORD flags) override;
-
-    /// As SetInputType, but starts no stream and refuses every type while no input type is set.
-    HRESULT STDMETHODCALLTYPE SetOutputType(DWORD index, const DMO_MEDIA_TYPE* type, DWORD flags) override;
-
-    HRESULT STDMETHODCALLTYPE GetInputCurrentType(DWORD index, DMO_MEDIA_TYPE* type) override;
-    HRESULT STDMETHODCALLTYPE GetOutputCurrentType(DWORD index, DMO_MEDIA_TYPE* type) override;
-    HRESULT STDMETHODCALLTYPE GetInputSizeInfo(DWORD index, DWORD* size, DWORD* lookahead, DWORD* alignment) override;
-    HRESULT STDMETHODCALLTYPE GetOutputSizeInfo(DWORD index, DWORD* size, DWORD* alignment) override;
-    HRESULT STDMETHODCALLTYPE GetInputMaxLatency(DWORD index, REFERENCE_TIME* latency) override;
-    HRESULT STDMETHODCALLTYPE SetInputMaxLatency(DWORD index, REFERENCE_TIME latency) override;
-
-    // IMediaObject: streaming.
-    HRESULT STDMETHODCALLTYPE Flush() override;
-    HRESULT STDMETHODCALLTYPE Discontinuity(DWORD index) override;
-    HRESULT STDMETHODCALLTYPE AllocateStreamingResources() override;
-    HRESULT STDMETHODCALLTYPE FreeStreamingResources() override;
-    HRESULT STDMETHODCALLTYPE GetInputStatus(DWORD index, DWORD* flags) override;
-    HRESULT STDMETHODCALLTYPE ProcessInput(DWORD index, IMediaBuffer* buffer, DWORD flags, REFERENCE_TIME time,
-                                           REFERENCE_TIME length) override;
-
-    /// Without an input or an output buffer S_FALSE. A failure keeps the input; E_INVALIDARG is also what a buffer gets
-    /// that cannot hold the picture of its type, and E_UNEXPECTED what a second call gets while one is at work.
-    HRESULT STDMETHODCALLTYPE ProcessOutput(DWORD flags, DWORD count, DMO_OUTPUT_DATA_BUFFER* buffers,
-                                            DWORD* status) override;
-
-    /// Non-zero enters, zero leaves. Nothing in the object takes this lock by itself.
-    HRESULT STDMETHODCALLTYPE Lock(LONG lock) override;
-
     virtual ~CVXMediaObject();
 
-    /// The last step of making an object: the user's stored settings. Gives S_OK.
-    HRESULT Complete();
+    /// Every call, whatever it gives, starts a new stream with the next frame.
+    HRESULT STDMETHODCALLTYPE SetInputType(DWORD index, const DMO_MEDIA_TYPE* type, DWORD flags) override;
 
     /// The icon that the player shows, with the results of LoadIconStream in platform/resources.h.
     virtual HRESULT LoadIconStream(IStream** stream);
@@ -96,25 +31,9 @@ public:
     HRESULT STDMETHODCALLTYPE SetEnable(BOOL enable) override;
     HRESULT STDMETHODCALLTYPE GetEnable(BOOL* enable) override;
 
-    // ISpecifyPropertyPages.
-    HRESULT STDMETHODCALLTYPE GetPages(CAUUID* pages) override;
-
     /// IPropertyBag. Serves "IconStreams", in any case of letters; other names leave `value` as it was.
     HRESULT STDMETHODCALLTYPE Read(LPCOLESTR name, VARIANT* value, IErrorLog* errorLog) override;
     HRESULT STDMETHODCALLTYPE Write(LPCOLESTR name, VARIANT* value) override;
-
-    // ICVXSettings.
-    HRESULT STDMETHODCALLTYPE get_ScaleFactor(double* value) override;
-    HRESULT STDMETHODCALLTYPE put_ScaleFactor(double value) override;
-    HRESULT STDMETHODCALLTYPE get_Sharpness(float* value) override;
-    HRESULT STDMETHODCALLTYPE put_Sharpness(float value) override;
-    HRESULT STDMETHODCALLTYPE get_CVXMode(unsigned* value) override;
-    HRESULT STDMETHODCALLTYPE put_CVXMode(unsigned value) override;
-    HRESULT STDMETHODCALLTYPE get_AllowHD(int* value) override;
-    HRESULT STDMETHODCALLTYPE put_AllowHD(int value) override;
-    HRESULT STDMETHODCALLTYPE get_EnableLighting(int* value) override;
-    HRESULT STDMETHODCALLTYPE put_EnableLighting(int value) override;
-    HRESULT STDMETHODCALLTYPE get_ScalingActive(int* value) override;
 
 protected:
     /// Checks for an update of the plug-in.
@@ -127,87 +46,18 @@ protected:
     StreamState& Stream() { return pipeline.Stream(); }
 
 private:
-    /// Times of the held buffer, in ticks of 100 ns.
-    struct BufferTimes {
-        bool hasTime = false;
-        bool hasLength = false;
-        REFERENCE_TIME timestamp = 0;
-        REFERENCE_TIME timelength = 0;
+    bool Accepts(const DMO_MEDIA_TYPE& type, StreamSide side) const override;
+    uint32_t BytesOf(const DMO_MEDIA_TYPE& type) const override;
 
-        void Note(DWORD flags, REFERENCE_TIME time, REFERENCE_TIME length);
-        void PassOn(DMO_OUTPUT_DATA_BUFFER& target) const;
-    };
+    /// Decides about the stream, anew on each call, and offers the one output type that goes with the input type,
+    /// whatever the index below the number of formats.
+    HRESULT OfferOutputType(DWORD typeIndex, StreamTerms& terms, DMO_MEDIA_TYPE* type) const override;
+    HRESULT MakeFrame(const StreamTerms& terms, OutputBuffer to, InputBuffer from) override;
 
-    /// One stream's type; none while the pointer is null. A type that is stored is never changed, so that whoever holds it
-    /// can read it after another has taken its place.
-    struct StreamType {
-        std::shared_ptr<const MediaType> type;
-        uint32_t imageBytes = 0;  // of the last type stored
-
-        /// The type, all zero when there is none.
-        DMO_MEDIA_TYPE Get() const { return type != nullptr ? type->Get() : DMO_MEDIA_TYPE{}; }
-    };
-
-    /// What the offer of an output type settled, and the input type it was made for.
-    struct Negotiated {
-        StreamPlan plan;
-        ImageFormat source;
-    };
-
-    /// All that is settled of a stream.
-    struct StreamTerms {
-        StreamType input;
-        StreamType output;
-        Negotiated negotiated;
-    };
-
-    /// The buffer that waits for ProcessOutput.
-    struct HeldInput {
-        ComPointer<IMediaBuffer> buffer;
-        BufferTimes times;
-    };
-
-    /// What a frame begins with and goes on with. It holds the input itself, so that nobody frees that while the frame runs.
-    struct TakenFrame {
-        bool inputHeld = false;
-        HeldInput input;
-        StreamTerms terms;
-    };
-
-    HRESULT ChangeType(DWORD index, const DMO_MEDIA_TYPE* type, StreamSide side, DWORD flags);
-    HRESULT CheckType(const DMO_MEDIA_TYPE& type, StreamSide side, DWORD flags) const;
-    HRESULT StoreType(const DMO_MEDIA_TYPE& type, StreamSide side);
-    void ReplaceType(StreamType type, StreamSide side);
-    StreamType CurrentType(StreamSide side) const;
-    HRESULT GiveCurrentType(DWORD index, StreamSide side, DMO_MEDIA_TYPE* target) const;
-    StreamTerms CurrentTerms() const;
-    HRESULT OfferOutputType(const StreamType& current, Negotiated& next, DMO_MEDIA_TYPE* type) const;
     bool DecideStream(VideoHeader& header, StreamPlan& plan) const;
-
-    bool HoldsInput() const { return held.buffer != nullptr || frameHoldsInput; }
-    HRESULT AcceptsInput() const;
-    HRESULT BeginFrame(bool outputGiven, TakenFrame& frame);
-    void EndFrame(HeldInput& used, HRESULT result);
-    static HRESULT GiveNothing(DMO_OUTPUT_DATA_BUFFER& target, bool inputHeld);
-    HRESULT EnhanceInto(DMO_OUTPUT_DATA_BUFFER& target, const TakenFrame& frame);
-    HRESULT RunFrame(const StreamTerms& terms, OutputBuffer to, InputBuffer from);
     FrameRequest RequestFor(const StreamTerms& terms);
-    bool TakeNewStream();
 
-    CriticalSection hostLock;  // of IMediaObject::Lock
-    PluginSettings settings;
-
-    /// Guards what stands from here on, but for the pipeline. Nothing of a host is called under it: its buffers and types
-    /// are asked, copied and released outside.
-    mutable CriticalSection stateLock;
-    StreamType input;
-    StreamType output;
-    Negotiated negotiated;
-    HeldInput held;
-    bool newStream = true;
-    bool frameRuns = false;        // a ProcessOutput is at work; only that one touches the pipeline
-    bool frameHoldsInput = false;  // its input counts as held: nobody has flushed it since
-
+    std::atomic<bool> newStream = true;
     FramePipeline pipeline;
 };
 

@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "pipeline/frame_geometry.h"
+#include "runtime/diagnostics.h"
 
 namespace clarivex {
 namespace {
@@ -31,19 +32,17 @@ void ChangePicture(Header& header, const VideoHeader& values) {
     header.bmiHeader = values.bitmap;
 }
 
-bool IsOfferedSubtype(const GUID& subtype) {
-    return std::any_of(offeredSubtypes.begin(), offeredSubtypes.end(),
-                       [&](const GUID& offered) { return IsEqualGUID(offered, subtype); });
+const StreamFormat* FindFormat(const GUID& subtype, std::span<const StreamFormat> formats) {
+    const auto found = std::ranges::find_if(
+        formats, [&](const StreamFormat& format) { return IsEqualGUID(format.subtype, subtype) != 0; });
+    return found != formats.end() ? &*found : nullptr;
 }
 
 int64_t HeightOf(const BITMAPINFOHEADER& bitmap) { return std::abs(int64_t{bitmap.biHeight}); }
 
-/// Only YV12 in the first header is held to its bits a pixel: kept so that types are taken or refused as they were in
-/// earlier releases.
-bool HasExpectedBits(const DMO_MEDIA_TYPE& type, const VideoHeader& header) {
-    constexpr WORD planarBits = 12;
-    return !IsEqualGUID(type.subtype, mediaSubtypeYv12) || header.kind != HeaderKind::videoInfo ||
-           header.bitmap.biBitCount == planarBits;
+bool HasExpectedBits(const StreamFormat& format, const VideoHeader& header) {
+    return format.firstHeaderBits == 0 || header.kind != HeaderKind::videoInfo ||
+           header.bitmap.biBitCount == format.firstHeaderBits;
 }
 
 bool HasPicture(const BITMAPINFOHEADER& bitmap) {
@@ -116,10 +115,11 @@ void WriteVideoHeader(DMO_MEDIA_TYPE& type, const VideoHeader& values) {
     }
 }
 
-bool IsAcceptedType(const DMO_MEDIA_TYPE& type, StreamSide side) {
-    if (!IsEqualGUID(type.majortype, mediaTypeVideo) || !IsOfferedSubtype(type.subtype)) return false;
+bool IsAcceptedType(const DMO_MEDIA_TYPE& type, StreamSide side, std::span<const StreamFormat> formats) {
+    const StreamFormat* format = FindFormat(type.subtype, formats);
+    if (!IsEqualGUID(type.majortype, mediaTypeVideo) || format == nullptr) return false;
     const std::optional<VideoHeader> header = ReadVideoHeader(type);
-    return header && HasExpectedBits(type, *header) && HasPicture(header->bitmap) &&
+    return header && HasExpectedBits(*format, *header) && HasPicture(header->bitmap) &&
            TargetFits(header->target, header->bitmap) && HasPossibleSize(header->bitmap, side);
 }
 
@@ -146,10 +146,15 @@ ImageFormat FormatOf(const DMO_MEDIA_TYPE& type) {
             .target = {target.left, target.top, target.right, target.bottom}};
 }
 
-PixelFormat PixelFormatOf(const DMO_MEDIA_TYPE& type) {
-    if (IsEqualGUID(type.subtype, mediaSubtypeYv12)) return PixelFormat::yv12;
-    if (IsEqualGUID(type.subtype, mediaSubtypeYuy2)) return PixelFormat::yuy2;
-    return IsEqualGUID(type.subtype, mediaSubtypeIyuv) ? PixelFormat::iyuv : PixelFormat::other;
+PixelFormat PixelFormatOf(const DMO_MEDIA_TYPE& type, std::span<const StreamFormat> formats) {
+    const StreamFormat* format = FindFormat(type.subtype, formats);
+    return format != nullptr ? format->pixels : PixelFormat::other;
+}
+
+void TraceSize(const DMO_MEDIA_TYPE& type) {
+    if (const auto header = ReadVideoHeader(type))
+        Trace("       dim %d x %d", static_cast<int>(header->bitmap.biWidth),
+              static_cast<int>(header->bitmap.biHeight));
 }
 
 }  // namespace clarivex

@@ -1,9 +1,10 @@
-// Media types: owning them, reading the video header out of them, and which ones the plug-in takes.
+// Media types: owning them, reading the video header out of them, and which ones can be used.
 #pragma once
 
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <span>
 
 #include "pipeline/frame_request.h"
 #include "platform/guids.h"
@@ -11,8 +12,20 @@
 
 namespace clarivex {
 
-/// Subtypes that the plug-in takes and gives, in the order in which they are offered.
-inline constexpr std::array<GUID, 3> offeredSubtypes = {mediaSubtypeYv12, mediaSubtypeYuy2, mediaSubtypeIyuv};
+/// A format that media objects take and give.
+///
+/// firstHeaderBits  bits a pixel that a VIDEOINFOHEADER must tell of it; 0 where any will do
+struct StreamFormat {
+    GUID subtype;
+    PixelFormat pixels = PixelFormat::other;
+    WORD firstHeaderBits = 0;
+};
+
+/// What the player's object offers, in this order. Only YV12 in the first header is held to its bits a pixel: kept so that
+/// types are taken or refused as they were in earlier releases.
+inline constexpr std::array<StreamFormat, 3> playerFormats = {{{mediaSubtypeYv12, PixelFormat::yv12, 12},
+                                                               {mediaSubtypeYuy2, PixelFormat::yuy2},
+                                                               {mediaSubtypeIyuv, PixelFormat::iyuv}}};
 
 /// A media type with its format block. Empty at first.
 class MediaType {
@@ -61,11 +74,11 @@ void WriteVideoHeader(DMO_MEDIA_TYPE& type, const VideoHeader& header);
 /// Where a type is to be used. Inputs must leave room for the enlarged picture.
 enum class StreamSide { input, output };
 
-/// Whether the plug-in takes a type: video of a known subtype with a whole header, a picture that is not empty, and a
+/// Whether a type can be used: video of one of the formats with a whole header, a picture that is not empty, and a
 /// target rectangle that is no larger than it. Refuses also what no caller means: a width below 1, a height of -2³¹,
 /// rectangles turned round or with negative corners, pictures beyond the limits of the frame path, and image bytes
 /// beyond 31 bits.
-bool IsAcceptedType(const DMO_MEDIA_TYPE& type, StreamSide side);
+bool IsAcceptedType(const DMO_MEDIA_TYPE& type, StreamSide side, std::span<const StreamFormat> formats);
 
 /// Bytes of a picture whose rows are whole 32-bit words; a negative height counts as positive.
 int64_t ImageBytes(const BITMAPINFOHEADER& bitmap);
@@ -75,6 +88,11 @@ uint32_t ImageBytes(const DMO_MEDIA_TYPE& type);
 
 /// What the frame path needs to know of a type.
 ImageFormat FormatOf(const DMO_MEDIA_TYPE& type);
-PixelFormat PixelFormatOf(const DMO_MEDIA_TYPE& type);
+
+/// `other` for a subtype that is none of the formats.
+PixelFormat PixelFormatOf(const DMO_MEDIA_TYPE& type, std::span<const StreamFormat> formats);
+
+/// Tells the debugger the size of a picture.
+void TraceSize(const DMO_MEDIA_TYPE& type);
 
 }  // namespace clarivex

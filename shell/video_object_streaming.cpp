@@ -1,7 +1,7 @@
 // The media object while frames run through it: one buffer is kept, and made into a picture when output is asked for.
 #include <utility>
 
-#include "shell/media_object.h"
+#include "shell/video_object.h"
 
 namespace clarivex {
 namespace {
@@ -26,7 +26,7 @@ size_t CapacityOf(IMediaBuffer& buffer, DWORD otherwise) {
 
 }  // namespace
 
-HRESULT CVXMediaObject::Flush() {
+HRESULT CVXVideoObject::Flush() {
     HeldInput flushed;  // let go of after the lock
     const CriticalSectionGuard guard(stateLock);
     std::swap(held, flushed);
@@ -34,13 +34,13 @@ HRESULT CVXMediaObject::Flush() {
     return S_OK;
 }
 
-HRESULT CVXMediaObject::FreeStreamingResources() { return Flush(); }
+HRESULT CVXVideoObject::FreeStreamingResources() { return Flush(); }
 
-HRESULT CVXMediaObject::AllocateStreamingResources() { return S_OK; }
+HRESULT CVXVideoObject::AllocateStreamingResources() { return S_OK; }
 
-HRESULT CVXMediaObject::Discontinuity(DWORD) { return S_OK; }
+HRESULT CVXVideoObject::Discontinuity(DWORD) { return S_OK; }
 
-HRESULT CVXMediaObject::GetInputStatus(DWORD index, DWORD* flags) {
+HRESULT CVXVideoObject::GetInputStatus(DWORD index, DWORD* flags) {
     if (index != 0) return DMO_E_INVALIDSTREAMINDEX;
     if (flags == nullptr) return E_POINTER;
     constexpr DWORD busy = 0;
@@ -50,7 +50,7 @@ HRESULT CVXMediaObject::GetInputStatus(DWORD index, DWORD* flags) {
     return S_OK;
 }
 
-HRESULT CVXMediaObject::ProcessInput(DWORD index, IMediaBuffer* buffer, DWORD flags, REFERENCE_TIME time,
+HRESULT CVXVideoObject::ProcessInput(DWORD index, IMediaBuffer* buffer, DWORD flags, REFERENCE_TIME time,
                                      REFERENCE_TIME length) {
     if (index != 0) return DMO_E_INVALIDSTREAMINDEX;
     if (buffer == nullptr) return E_POINTER;
@@ -66,26 +66,26 @@ HRESULT CVXMediaObject::ProcessInput(DWORD index, IMediaBuffer* buffer, DWORD fl
     return works;
 }
 
-HRESULT CVXMediaObject::AcceptsInput() const {
+HRESULT CVXVideoObject::AcceptsInput() const {
     const CriticalSectionGuard guard(stateLock);
-    if (input.type == nullptr) return DMO_E_TYPE_NOT_SET;
+    if (stream.input.type == nullptr) return DMO_E_TYPE_NOT_SET;
     return HoldsInput() ? DMO_E_NOTACCEPTING : S_OK;
 }
 
-void CVXMediaObject::BufferTimes::Note(DWORD flags, REFERENCE_TIME time, REFERENCE_TIME length) {
+void CVXVideoObject::BufferTimes::Note(DWORD flags, REFERENCE_TIME time, REFERENCE_TIME length) {
     hasTime = (flags & DMO_INPUT_DATA_BUFFERF_TIME) != 0;
     hasLength = (flags & DMO_INPUT_DATA_BUFFERF_TIMELENGTH) != 0;
     timestamp = hasTime ? time : timestamp;
     timelength = hasLength ? length : timelength;
 }
 
-void CVXMediaObject::BufferTimes::PassOn(DMO_OUTPUT_DATA_BUFFER& target) const {
+void CVXVideoObject::BufferTimes::PassOn(DMO_OUTPUT_DATA_BUFFER& target) const {
     target.dwStatus = allTimesValid;
     if (hasTime) target.rtTimestamp = timestamp;
     if (hasLength) target.rtTimelength = timelength;
 }
 
-HRESULT CVXMediaObject::ProcessOutput(DWORD, DWORD count, DMO_OUTPUT_DATA_BUFFER* buffers, DWORD* status) {
+HRESULT CVXVideoObject::ProcessOutput(DWORD, DWORD count, DMO_OUTPUT_DATA_BUFFER* buffers, DWORD* status) {
     if (buffers == nullptr) return E_POINTER;
     if (count != 1) return E_INVALIDARG;
     TakenFrame frame;
@@ -99,33 +99,33 @@ HRESULT CVXMediaObject::ProcessOutput(DWORD, DWORD count, DMO_OUTPUT_DATA_BUFFER
 }
 
 /// Takes the held input for a frame: S_FALSE when there is none, or nothing to make it into.
-HRESULT CVXMediaObject::BeginFrame(bool outputGiven, TakenFrame& frame) {
+HRESULT CVXVideoObject::BeginFrame(bool outputGiven, TakenFrame& frame) {
     const CriticalSectionGuard guard(stateLock);
-    if (output.type == nullptr) return DMO_E_TYPE_NOT_SET;
+    if (stream.output.type == nullptr) return DMO_E_TYPE_NOT_SET;
     if (frameRuns) return E_UNEXPECTED;
     frame.inputHeld = held.buffer != nullptr;
     if (!frame.inputHeld || !outputGiven) return S_FALSE;
     frame.input = std::exchange(held, {});
-    frame.terms = {input, output, negotiated};
+    frame.terms = stream;
     frameRuns = frameHoldsInput = true;
     return S_OK;
 }
 
 /// A failed frame gives its input back, unless that was flushed meanwhile. The input is let go of by the caller, outside
 /// the lock.
-void CVXMediaObject::EndFrame(HeldInput& used, HRESULT result) {
+void CVXVideoObject::EndFrame(HeldInput& used, HRESULT result) {
     const CriticalSectionGuard guard(stateLock);
     if (FAILED(result) && frameHoldsInput) held = std::move(used);
     frameRuns = frameHoldsInput = false;
 }
 
-HRESULT CVXMediaObject::GiveNothing(DMO_OUTPUT_DATA_BUFFER& target, bool inputHeld) {
+HRESULT CVXVideoObject::GiveNothing(DMO_OUTPUT_DATA_BUFFER& target, bool inputHeld) {
     if (!inputHeld && target.pBuffer != nullptr) target.pBuffer->SetLength(0);
     target.dwStatus = 0;
     return S_FALSE;
 }
 
-HRESULT CVXMediaObject::EnhanceInto(DMO_OUTPUT_DATA_BUFFER& target, const TakenFrame& frame) {
+HRESULT CVXVideoObject::EnhanceInto(DMO_OUTPUT_DATA_BUFFER& target, const TakenFrame& frame) {
     // The size of the input type, for larger pictures too: the renderer goes by the negotiated type.
     target.pBuffer->SetLength(frame.terms.input.imageBytes);
     frame.input.times.PassOn(target);
@@ -139,38 +139,12 @@ HRESULT CVXMediaObject::EnhanceInto(DMO_OUTPUT_DATA_BUFFER& target, const TakenF
                     {from.data, CapacityOf(*frame.input.buffer, from.length)});
 }
 
-HRESULT CVXMediaObject::RunFrame(const StreamTerms& terms, OutputBuffer to, InputBuffer from) {
+HRESULT CVXVideoObject::RunFrame(const StreamTerms& terms, OutputBuffer to, InputBuffer from) {
     try {
-        return pipeline.RunFrame(RequestFor(terms), to, from);
+        return MakeFrame(terms, to, from);
     } catch (...) {
         return E_OUTOFMEMORY;  // the frame path throws only what it says of memory
     }
-}
-
-FrameRequest CVXMediaObject::RequestFor(const StreamTerms& terms) {
-    const StreamPlan& plan = terms.negotiated.plan;
-    FrameRequest request;
-    request.format = PixelFormatOf(terms.input.Get());
-    request.input = FormatOf(terms.input.Get());
-    request.output = FormatOf(terms.output.Get());
-    request.source = terms.negotiated.source;
-    request.sourceWidth = plan.sourceWidth;
-    request.sourceHeight = plan.sourceHeight;
-    request.scalingOn = plan.scalingOn;
-    request.sourceIsVih2WithoutBitrate = plan.sourceIsVih2WithoutBitrate;
-    request.pixelAspect = plan.pixelAspect;
-    request.newStream = TakeNewStream();
-    request.settingsDirty = settings.TakeSharpnessChange();
-    request.enabled = settings.enabled != 0;
-    request.enableLighting = settings.enableLighting;
-    request.liftSizeLimits = settings.liftSizeLimits;
-    request.sharpness = settings.Sharpness();
-    return request;
-}
-
-bool CVXMediaObject::TakeNewStream() {
-    const CriticalSectionGuard guard(stateLock);
-    return std::exchange(newStream, false);
 }
 
 }  // namespace clarivex

@@ -10,7 +10,9 @@ namespace {
 constexpr int32_t smallest = std::numeric_limits<int32_t>::min();
 constexpr int32_t largest = std::numeric_limits<int32_t>::max();
 
-bool Accepted(VideoInfoType type, StreamSide side = StreamSide::input) { return IsAcceptedType(*type.Type(), side); }
+bool Accepted(VideoInfoType type, StreamSide side = StreamSide::input) {
+    return IsAcceptedType(*type.Type(), side, playerFormats);
+}
 
 bool AcceptedWith(const std::function<void(VideoInfoType&)>& change) {
     VideoInfoType type(320, 240);
@@ -19,12 +21,12 @@ bool AcceptedWith(const std::function<void(VideoInfoType&)>& change) {
 }
 
 TEST(IsAcceptedType, KnownSubtypesWithBothHeaders) {
-    for (const GUID& subtype : offeredSubtypes) {
+    for (const auto& [subtype, pixels, bits] : playerFormats) {
         EXPECT_TRUE(Accepted(VideoInfoType(320, 240, subtype)));
         EXPECT_TRUE(Accepted(VideoInfoType(320, -240, subtype)));
         VideoInfo2Type second(320, 240, subtype);
         second.Bitmap().biBitCount = 24;  // only YV12 in the first header is held to its bit count
-        EXPECT_TRUE(IsAcceptedType(*second.Type(), StreamSide::input));
+        EXPECT_TRUE(IsAcceptedType(*second.Type(), StreamSide::input, playerFormats));
     }
     VideoInfoType packed(320, 240, mediaSubtypeYuy2);
     packed.Bitmap().biBitCount = 24;
@@ -80,7 +82,7 @@ TEST(IsAcceptedType, PicturesBeyondTheFramePathAreRefused) {
     }
     VideoInfo2Type type(16384, 4096);
     type.Bitmap().biBitCount = 0xFFFF;
-    EXPECT_FALSE(IsAcceptedType(*type.Type(), StreamSide::output)) << "more than 31 bits of image bytes";
+    EXPECT_FALSE(IsAcceptedType(*type.Type(), StreamSide::output, playerFormats)) << "more than 31 bits of image bytes";
 }
 
 }  // namespace

@@ -1,0 +1,16 @@
+// What one kind of media object has different from another, as values.
+#pragma once
+
+#include <span>
+
+#include "platform/win32.h"
+#include "shell/media_type.h"
+
+namespace clarivex {
+
+struct ObjectKind {
+    std::span<const StreamFormat> formats;  ///< taken and given, in the order in which they are offered
+    GUID page;                              ///< class of its settings page
+};
+
+}  // namespace clarivex
