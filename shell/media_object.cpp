@@ -11,7 +11,7 @@
 namespace clarivex {
 namespace {
 
-constexpr ObjectKind playersKind = {.formats = playerFormats, .page = clsidPropertyPage};
+constexpr ObjectKind playersKind = {.formats = playerFormats, .page = clsidPropertyPage, .settings = playersSettings};
 
 }  // namespace
 

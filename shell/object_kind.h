@@ -5,12 +5,14 @@
 
 #include "platform/win32.h"
 #include "shell/media_type.h"
+#include "shell/settings_place.h"
 
 namespace clarivex {
 
 struct ObjectKind {
     std::span<const StreamFormat> formats;  ///< taken and given, in the order in which they are offered
     GUID page;                              ///< class of its settings page
+    SettingsPlace settings;                 ///< what that page writes and the object starts with
 };
 
 }  // namespace clarivex

@@ -3,6 +3,7 @@
 
 #include "platform/win32.h"
 #include "shell/plugin_settings.h"
+#include "shell/settings_place.h"
 
 namespace clarivex {
 
@@ -10,8 +11,8 @@ namespace clarivex {
 /// that has the object linked in, which is not what the updater renews.
 void CheckForUpdate();
 
-/// The settings that the user saved; those without a saved value, and all of them on a system that saves none, stay as
+/// The settings that the user saved there; those without a saved value, and all of them on a system that saves none, stay as
 /// they are. Gives S_OK.
-HRESULT LoadStoredSettings(PluginSettings& settings);
+HRESULT LoadStoredSettings(const SettingsPlace& place, PluginSettings& settings);
 
 }  // namespace clarivex

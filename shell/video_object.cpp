@@ -16,7 +16,7 @@ HRESULT WriteIfAsked(Value* target, Value value) {
 
 CVXVideoObject::~CVXVideoObject() = default;
 
-HRESULT CVXVideoObject::Complete() { return LoadStoredSettings(settings); }
+HRESULT CVXVideoObject::Complete() { return LoadStoredSettings(kind.settings, settings); }
 
 HRESULT CVXVideoObject::Lock(LONG enter) {
     enter != 0 ? hostLock.Enter() : hostLock.Leave();

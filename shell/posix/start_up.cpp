@@ -5,6 +5,6 @@ namespace clarivex {
 
 void CheckForUpdate() {}
 
-HRESULT LoadStoredSettings(PluginSettings&) { return S_OK; }
+HRESULT LoadStoredSettings(const SettingsPlace&, PluginSettings&) { return S_OK; }
 
 }  // namespace clarivex

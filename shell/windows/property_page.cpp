@@ -36,6 +36,12 @@ LPOLESTR CopyForCaller(std::wstring_view text) {
     return copy;
 }
 
+template <const SettingsPlace& kept>
+class PageOf : public CVXPropertyPage {
+protected:
+    PageOf() : CVXPropertyPage(kept) {}
+};
+
 /// Track bars are a class of their own library, which a host need not have asked for.
 void RegisterTrackBars() {
     const INITCOMMONCONTROLSEX classes = {sizeof classes, ICC_BAR_CLASSES};
@@ -139,8 +145,12 @@ HRESULT CVXPropertyPage::TranslateAccelerator(MSG* message) {
     return isInput && window != nullptr && IsDialogMessageA(window, message) != FALSE ? S_OK : S_FALSE;
 }
 
-HRESULT CreatePropertyPage(IUnknown* outer, REFIID iid, void** out) {
-    return CreateObject<CVXPropertyPage>(outer, iid, out);
+HRESULT CreatePlayersPage(IUnknown* outer, REFIID iid, void** out) {
+    return CreateObject<PageOf<playersSettings>>(outer, iid, out);
+}
+
+HRESULT CreateEffectsPage(IUnknown* outer, REFIID iid, void** out) {
+    return CreateObject<PageOf<effectsSettings>>(outer, iid, out);
 }
 
 }  // namespace clarivex

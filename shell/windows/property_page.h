@@ -1,4 +1,4 @@
-// CVXPropertyPage: the player's page for the plug-in's settings.
+// CVXPropertyPage: the page on which a host shows the settings of one kind of media object.
 #pragma once
 
 #include <cstdint>
@@ -9,6 +9,7 @@
 #include "shell/com_object.h"
 #include "shell/property_page_logic.h"
 #include "shell/settings.h"
+#include "shell/settings_place.h"
 #include "shell/windows/slider_control.h"
 
 namespace clarivex {
@@ -55,7 +56,8 @@ public:
     HRESULT STDMETHODCALLTYPE TranslateAccelerator(MSG* message) override;
 
 protected:
-    CVXPropertyPage() = default;
+    /// place  where it reads and writes; has to outlive the page
+    explicit CVXPropertyPage(const SettingsPlace& place) : place(place) {}
 
 private:
     static INT_PTR CALLBACK DialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
@@ -78,6 +80,11 @@ private:
     void HandToObject(PageChoices chosen, double scaleFactor) const;
     void TellWhenItWorks(ICVXSettings& object, const PageChoices& chosen) const;
 
+    double StoredScaleFactor() const;
+    PageChoices StoredChoices() const;
+    void Store(const PageChoices& chosen, const TouchedChoices& what) const;
+
+    const SettingsPlace& place;
     ComPointer<IPropertyPageSite> site;
     ComPointer<ICVXSettings> settings;  // the running object's
     HWND window = nullptr;
@@ -90,7 +97,8 @@ private:
     bool dirty = false;
 };
 
-/// Makes a property page, plain or as a part of `outer`. Results as of HandOver in com_object.h.
-HRESULT CreatePropertyPage(IUnknown* outer, REFIID iid, void** out);
+/// Makes the page of a kind of object, plain or as a part of `outer`. Results as of HandOver in com_object.h.
+HRESULT CreatePlayersPage(IUnknown* outer, REFIID iid, void** out);
+HRESULT CreateEffectsPage(IUnknown* outer, REFIID iid, void** out);
 
 }  // namespace clarivex

@@ -10,27 +10,6 @@ namespace {
 
 constexpr DWORD statusChanged = 3;  // there is something to apply, and it may be applied
 
-double StoredScaleFactor() {
-    PluginSettings stored;
-    stored.scaleFactor = 1.0;
-    LoadSettings(stored);
-    return stored.scaleFactor;
-}
-
-PageChoices StoredChoices() {
-    PluginSettings stored;
-    LoadSettings(stored);
-    return ChoicesIn(stored);
-}
-
-/// What was not touched keeps the value that is saved by now.
-void Store(const PageChoices& chosen, const TouchedChoices& touched) {
-    PluginSettings settings;
-    LoadSettings(settings);
-    Merge(chosen, touched, settings);
-    SaveSettings(settings);  // a registry that cannot be written is no reason not to use the choices now
-}
-
 }  // namespace
 
 INT_PTR CALLBACK CVXPropertyPage::DialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -103,6 +82,27 @@ void CVXPropertyPage::ShowScaleFactor() {
     double scaleFactor = 1.0;
     if (settings == nullptr || FAILED(settings->get_ScaleFactor(&scaleFactor))) scaleFactor = StoredScaleFactor();
     SetDlgItemTextA(window, CVX_PAGE_SCALE_FACTOR, ScaleFactorText(scaleFactor).Text());
+}
+
+double CVXPropertyPage::StoredScaleFactor() const {
+    PluginSettings stored;
+    stored.scaleFactor = 1.0;
+    LoadSettings(place, stored);
+    return stored.scaleFactor;
+}
+
+PageChoices CVXPropertyPage::StoredChoices() const {
+    PluginSettings stored;
+    LoadSettings(place, stored);
+    return ChoicesIn(stored);
+}
+
+/// What was not touched keeps the value that is saved by now.
+void CVXPropertyPage::Store(const PageChoices& chosen, const TouchedChoices& what) const {
+    PluginSettings stored;
+    LoadSettings(place, stored);
+    Merge(chosen, what, stored);
+    SaveSettings(place, stored);  // a registry that cannot be written is no reason not to use the choices now
 }
 
 /// What the object does not tell stays as an object starts.

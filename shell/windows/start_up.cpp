@@ -21,6 +21,8 @@ void CheckForUpdate() {
 #endif
 }
 
-HRESULT LoadStoredSettings(PluginSettings& settings) { return LoadSettings(settings); }
+HRESULT LoadStoredSettings(const SettingsPlace& place, PluginSettings& settings) {
+    return LoadSettings(place, settings);
+}
 
 }  // namespace clarivex

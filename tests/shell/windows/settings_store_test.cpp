@@ -31,8 +31,8 @@ TEST(SettingsStore, ValuesOfAnyTypeSizeAndContentAreReadByThatRule) {
         if (round == 1) handlesBefore = OpenHandles();  // the first one opened what stays open
         EXPECT_EQ(expected, SavedSettings());
         PluginSettings settings;
-        EXPECT_EQ(S_OK, LoadSettings(settings));
-        EXPECT_EQ(S_OK, SaveSettings(settings));
+        EXPECT_EQ(S_OK, LoadSettings(playersSettings, settings));
+        EXPECT_EQ(S_OK, SaveSettings(playersSettings, settings));
         EXPECT_EQ(expected, SavedSettings());
         for (const char* name : settingNames) {
             std::vector<uint8_t> bytes(random() % 3 != 0 ? 4 : random() % 9 * (random() % 40));

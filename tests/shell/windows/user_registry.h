@@ -20,7 +20,7 @@ using SettingValues = std::tuple<float, uint32_t, bool, bool, double>;
 /// What is saved, over the defaults.
 inline SettingValues SavedSettings() {
     PluginSettings settings;
-    LoadSettings(settings);
+    LoadSettings(playersSettings, settings);
     return {settings.Sharpness(), settings.mode, settings.allowHd, settings.enableLighting, settings.scaleFactor};
 }
 

@@ -11,7 +11,7 @@ namespace clarivex {
 std::span<const ObjectMapEntry> ObjectMap() {
     static constexpr ObjectMapEntry entries[] = {
         {clsidMediaObject, CVX_SCRIPT_MEDIA_OBJECT, CreateObject<CVXMediaObject>},
-        {clsidPropertyPage, CVX_SCRIPT_PROPERTY_PAGE, CreatePropertyPage},
+        {clsidPropertyPage, CVX_SCRIPT_PROPERTY_PAGE, CreatePlayersPage},
     };
     return entries;
 }
