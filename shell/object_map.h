@@ -1,4 +1,4 @@
-// The classes that the module gives to hosts.
+// The classes that a module gives to hosts. Each module has its own.
 #pragma once
 
 #include <span>
@@ -9,7 +9,7 @@ namespace clarivex {
 
 struct ObjectMapEntry {
     GUID classId;
-    UINT registryScript;  ///< the number of the resource that enters the class in the registry
+    UINT registryScript;  ///< the number of the resource that enters the class in the registry; 0 in a program
     /// Makes an object, plain or as a part of `outer`.
     HRESULT (*create)(IUnknown* outer, REFIID iid, void** out);
 };

@@ -1,8 +1,8 @@
-// The media object alone: there are no settings pages on this system, and no registry.
-#include "shell/object_map.h"
-
+// The media objects of a program that has them linked in. A module names its own classes instead, so this is not linked into
+// one.
 #include "shell/class_ids.h"
 #include "shell/media_object.h"
+#include "shell/object_map.h"
 
 namespace clarivex {
 

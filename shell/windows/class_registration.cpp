@@ -1,42 +1,20 @@
-// Both registrations, step by step.
-#include "shell/windows/registration.h"
+// The classes in the registry, by the system's registrar and the module's scripts.
+#include "shell/windows/class_registration.h"
 
 #include <iterator>
 #include <string>
 
-#include "platform/com_pointer.h"
-#include "platform/guids.h"
 #include "platform/windows/registrars.h"
-#include "shell/class_ids.h"
 #include "shell/module.h"
 #include "shell/object_map.h"
 #include "shell/windows/module_path.h"
-#include "shell/windows/resource_ids.h"
 
 namespace clarivex {
 namespace {
 
 constexpr DWORD longestModulePath = MAX_PATH;
-constexpr DWORD pluginPriority = 1;
-
-struct TextFreer {
-    void operator()(OLECHAR* text) const { SysFreeString(text); }
-};
-using OwnedText = std::unique_ptr<OLECHAR, TextFreer>;
 
 HRESULT LastError() { return HRESULT_FROM_WIN32(GetLastError()); }
-
-template <class Interface>
-HRESULT CreateInProcess(REFCLSID classId, REFIID iid, ComPointer<Interface>& object) {
-    void* created = nullptr;
-    const HRESULT result = CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, iid, &created);
-    object.reset(SUCCEEDED(result) ? static_cast<Interface*>(created) : nullptr);
-    return SUCCEEDED(result) && created == nullptr ? E_NOINTERFACE : result;
-}
-
-HRESULT CreatePluginRegistrar(ComPointer<IWMPMediaPluginRegistrar>& registrar) {
-    return CreateInProcess(clsidPluginRegistrar, iidPluginRegistrar, registrar);
-}
 
 std::wstring Widen(const std::string& text) {
     const int bytes = static_cast<int>(text.size());
@@ -44,14 +22,6 @@ std::wstring Widen(const std::string& text) {
     wide.resize(static_cast<size_t>(
         MultiByteToWideChar(CP_ACP, 0, text.data(), bytes, wide.data(), static_cast<int>(wide.size()))));
     return wide;
-}
-
-/// A text of the module's string table; null when there is none.
-OwnedText LoadText(UINT id) {
-    char text[512];
-    const int length = LoadStringA(ThisModule().instance, id, text, static_cast<int>(std::size(text)));
-    if (length <= 0) return nullptr;
-    return OwnedText(SysAllocString(Widen(std::string(text, static_cast<size_t>(length))).c_str()));
 }
 
 /// A program's own path is entered in its short form, where it has one.
@@ -95,32 +65,23 @@ HRESULT UpdateRegistry(const ObjectMapEntry& entry, bool enter) {
                  : registrar->ResourceUnregister(path.c_str(), entry.registryScript, L"REGISTRY");
 }
 
-HRESULT EnterPlugin(IWMPMediaPluginRegistrar& registrar) {
-    const OwnedText name = LoadText(CVX_STRING_PLUGIN_NAME);
-    const OwnedText description = LoadText(CVX_STRING_PLUGIN_DESCRIPTION);
-    PluginMediaType types[] = {
-        {mediaTypeVideo, mediaSubtypeYv12}, {mediaTypeVideo, mediaSubtypeYuy2}, {mediaTypeVideo, mediaSubtypeIyuv}};
-    return registrar.WMPRegisterPlayerPlugin(name.get(), description.get(), nullptr, pluginPriority, pluginTypeDsp,
-                                             clsidMediaObject, static_cast<UINT>(std::size(types)), types);
-}
-
 }  // namespace
 
-HRESULT RegisterServer() {
-    ComPointer<IWMPMediaPluginRegistrar> registrar;
-    if (const HRESULT created = CreatePluginRegistrar(registrar); FAILED(created)) return created;
-    if (const HRESULT entered = EnterPlugin(*registrar); FAILED(entered)) return entered;
+HRESULT EnterClasses() {
     for (const ObjectMapEntry& entry : ObjectMap())
         if (const HRESULT updated = UpdateRegistry(entry, true); FAILED(updated)) return updated;
     return S_OK;
 }
 
-HRESULT UnregisterServer() {
-    ComPointer<IWMPMediaPluginRegistrar> registrar;
-    if (const HRESULT created = CreatePluginRegistrar(registrar); FAILED(created)) return created;
-    registrar->WMPUnRegisterPlayerPlugin(pluginTypeDsp, clsidMediaObject);
+void RemoveClasses() {
     for (const ObjectMapEntry& entry : ObjectMap()) UpdateRegistry(entry, false);
-    return S_OK;
+}
+
+OwnedText LoadText(UINT id) {
+    char text[512];
+    const int length = LoadStringA(ThisModule().instance, id, text, static_cast<int>(std::size(text)));
+    if (length <= 0) return nullptr;
+    return OwnedText(SysAllocString(Widen(std::string(text, static_cast<size_t>(length))).c_str()));
 }
 
 }  // namespace clarivex
