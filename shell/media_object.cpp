@@ -11,7 +11,14 @@
 namespace clarivex {
 namespace {
 
-constexpr ObjectKind playersKind = {.formats = playerFormats, .page = clsidPropertyPage, .settings = playersSettings};
+/// The length that output is said to have is the input's, for larger pictures too: the player's renderer goes by the type.
+constexpr ObjectKind playersKind = {.formats = playerFormats,
+                                    .page = clsidPropertyPage,
+                                    .settings = playersSettings,
+                                    .repeatsInputType = true,
+                                    .offerSettles = true,
+                                    .toldLength = StreamSide::input,
+                                    .tellsAllTimes = true};
 
 }  // namespace
 
@@ -66,11 +73,11 @@ HRESULT CVXMediaObject::Read(LPCOLESTR name, VARIANT* value, IErrorLog*) {
 
 HRESULT CVXMediaObject::Write(LPCOLESTR, VARIANT*) { return S_OK; }
 
-bool CVXMediaObject::Accepts(const DMO_MEDIA_TYPE& type, StreamSide side) const {
+bool CVXMediaObject::Accepts(const DMO_MEDIA_TYPE& type, StreamSide side, const StreamTerms&) const {
     return IsAcceptedType(type, side, playerFormats);
 }
 
-uint32_t CVXMediaObject::BytesOf(const DMO_MEDIA_TYPE& type) const { return ImageBytes(type); }
+uint32_t CVXMediaObject::BytesOf(const DMO_MEDIA_TYPE& type, StreamSide) const { return ImageBytes(type); }
 
 HRESULT CVXMediaObject::OfferOutputType(DWORD typeIndex, StreamTerms& terms, DMO_MEDIA_TYPE* type) const {
     if (typeIndex >= playerFormats.size()) return DMO_E_NO_MORE_ITEMS;

@@ -46,8 +46,8 @@ protected:
     StreamState& Stream() { return pipeline.Stream(); }
 
 private:
-    bool Accepts(const DMO_MEDIA_TYPE& type, StreamSide side) const override;
-    uint32_t BytesOf(const DMO_MEDIA_TYPE& type) const override;
+    bool Accepts(const DMO_MEDIA_TYPE& type, StreamSide side, const StreamTerms& terms) const override;
+    uint32_t BytesOf(const DMO_MEDIA_TYPE& type, StreamSide side) const override;
 
     /// Decides about the stream, anew on each call, and offers the one output type that goes with the input type,
     /// whatever the index below the number of formats.

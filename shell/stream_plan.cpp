@@ -21,18 +21,7 @@ float PictureAspect(const VideoHeader& header) {
     return stated ? static_cast<float>(static_cast<double>(header.aspectX) / header.aspectY) : 0.0F;
 }
 
-float PixelAspect(float pictureAspect, const FrameSize& picture) {
-    if (pictureAspect == 0.0F) return 1.0F;
-    return static_cast<float>(1.0 / (static_cast<double>(pictureAspect) / picture.width * picture.height));
-}
-
-bool WantsScaling(const PlanSettings& settings, int64_t area) {
-    switch (settings.mode) {
-        case modeNever: return false;
-        case modeAlways: return true;
-        default: return SpeedScore(settings.speedGHz(), area) >= 1.0;
-    }
-}
+int64_t AreaOf(const FrameSize& picture) { return int64_t{picture.width} * picture.height; }
 
 /// Turns the input's header into the one that is offered. The target rectangle keeps the source's size.
 void OfferPicture(const FrameSize& picture, VideoHeader& header) {
@@ -47,6 +36,24 @@ void OfferPicture(const FrameSize& picture, VideoHeader& header) {
 
 }  // namespace
 
+bool TakesHd(const PlanSettings& settings, const FrameSize& picture) {
+    return settings.allowHd || AreaOf(picture) < highDefinitionArea;
+}
+
+bool WantsScaling(const PlanSettings& settings, const FrameSize& picture) {
+    switch (settings.mode) {
+        case modeNever: return false;
+        case modeAlways: return true;
+        default: return SpeedScore(settings.speedGHz(), AreaOf(picture)) >= 1.0;
+    }
+}
+
+float PixelAspect(const VideoHeader& header, const FrameSize& picture) {
+    const float pictureAspect = PictureAspect(header);
+    if (pictureAspect == 0.0F) return 1.0F;
+    return static_cast<float>(1.0 / (static_cast<double>(pictureAspect) / picture.width * picture.height));
+}
+
 bool PlanStream(const PlanSettings& settings, VideoHeader& header, StreamPlan& plan) {
     plan.scalingOn = false;
     plan.sourceIsVih2WithoutBitrate = header.kind == HeaderKind::videoInfo2 && header.bitRate == 0;
@@ -54,14 +61,14 @@ bool PlanStream(const PlanSettings& settings, VideoHeader& header, StreamPlan& p
     const FrameSize picture{header.bitmap.biWidth, std::abs(static_cast<int32_t>(header.bitmap.biHeight))};
     plan.sourceWidth = ClippedSide(picture.width, header.target.right);
     plan.sourceHeight = ClippedSide(picture.height, header.target.bottom);
-    const int64_t area = int64_t{plan.sourceWidth} * plan.sourceHeight;
+    const FrameSize clipped{plan.sourceWidth, plan.sourceHeight};
 
-    plan.hdAccepted = settings.allowHd || area < highDefinitionArea;
+    plan.hdAccepted = TakesHd(settings, clipped);
     if (!plan.hdAccepted) return false;
-    const bool scaling = WantsScaling(settings, area);  // may measure the processor, even for what is refused next
+    const bool scaling = WantsScaling(settings, clipped);  // may measure the processor, even for what is refused next
     if (picture.width < smallestSide || picture.height < smallestSide) return false;
     plan.scalingOn = scaling;
-    plan.pixelAspect = PixelAspect(PictureAspect(header), picture);
+    plan.pixelAspect = PixelAspect(header, picture);
     OfferPicture(scaling ? OutputSize(picture.width, picture.height, true) : picture, header);
     return true;
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "platform/win32.h"
+#include "runtime/planes.h"
 #include "shell/media_type.h"
 
 namespace clarivex {
@@ -14,6 +15,15 @@ struct PlanSettings {
     bool allowHd = false;
     float (*speedGHz)() = nullptr;  ///< asked only where the mode is automatic
 };
+
+/// Whether the settings let a picture of this size be enhanced, high definition included.
+bool TakesHd(const PlanSettings& settings, const FrameSize& picture);
+
+/// Whether a picture of this size is to be enlarged. May measure the processor.
+bool WantsScaling(const PlanSettings& settings, const FrameSize& picture);
+
+/// Width of a pixel over its height, 1 when the header states no shape.
+float PixelAspect(const VideoHeader& header, const FrameSize& picture);
 
 /// What is settled for a stream before its first frame. Start values are those of an object that has met no stream.
 struct StreamPlan {

@@ -123,19 +123,23 @@ protected:
     /// kind  has to outlive the object
     explicit CVXVideoObject(const ObjectKind& kind) : kind(kind) {}
 
-    /// Whether a type can be that of a stream.
-    virtual bool Accepts(const DMO_MEDIA_TYPE& type, StreamSide side) const = 0;
+    /// Whether a type can be that of a stream. An output type is asked about only while the terms have an input type.
+    virtual bool Accepts(const DMO_MEDIA_TYPE& type, StreamSide side, const StreamTerms& terms) const = 0;
 
-    /// Bytes of a picture of an accepted type.
-    virtual uint32_t BytesOf(const DMO_MEDIA_TYPE& type) const = 0;
+    /// Bytes of a buffer for an accepted type.
+    virtual uint32_t BytesOf(const DMO_MEDIA_TYPE& type, StreamSide side) const = 0;
 
     /// Answers GetOutputType from the type index on. `type` may be null, then nothing is decided. What the offer settles is
     /// left in `terms`, from which it was made. Called without a lock: it may take a while.
     virtual HRESULT OfferOutputType(DWORD typeIndex, StreamTerms& terms, DMO_MEDIA_TYPE* type) const = 0;
 
+    /// Settles what follows from the types after one was set or cleared; may take a type away. Called under the object's lock, so
+    /// nothing of a host's may be called.
+    virtual void Settle(StreamTerms& /*terms*/) {}
+
     /// Makes a frame out of a buffer's bytes into another's.
     ///
-    /// result  E_POINTER for null bytes, E_INVALIDARG for a buffer that cannot hold its picture
+    /// result  DMO_E_TYPE_NOT_SET or S_OK without a type, E_POINTER for null bytes, E_INVALIDARG for a buffer that cannot hold its picture
     /// throws  what MemoryShortage throws
     virtual HRESULT MakeFrame(const StreamTerms& terms, OutputBuffer to, InputBuffer from) = 0;
 
@@ -147,8 +151,7 @@ protected:
 private:
     /// Times of the held buffer, in ticks of 100 ns.
     struct BufferTimes {
-        bool hasTime = false;
-        bool hasLength = false;
+        DWORD flags = 0;  // DMO_INPUT_DATA_BUFFERF_…, which outputs' flags are equal to
         REFERENCE_TIME timestamp = 0;
         REFERENCE_TIME timelength = 0;
 

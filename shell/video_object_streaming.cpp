@@ -72,17 +72,16 @@ HRESULT CVXVideoObject::AcceptsInput() const {
     return HoldsInput() ? DMO_E_NOTACCEPTING : S_OK;
 }
 
-void CVXVideoObject::BufferTimes::Note(DWORD flags, REFERENCE_TIME time, REFERENCE_TIME length) {
-    hasTime = (flags & DMO_INPUT_DATA_BUFFERF_TIME) != 0;
-    hasLength = (flags & DMO_INPUT_DATA_BUFFERF_TIMELENGTH) != 0;
-    timestamp = hasTime ? time : timestamp;
-    timelength = hasLength ? length : timelength;
+void CVXVideoObject::BufferTimes::Note(DWORD noted, REFERENCE_TIME time, REFERENCE_TIME length) {
+    flags = noted;
+    timestamp = time;
+    timelength = length;
 }
 
 void CVXVideoObject::BufferTimes::PassOn(DMO_OUTPUT_DATA_BUFFER& target) const {
-    target.dwStatus = allTimesValid;
-    if (hasTime) target.rtTimestamp = timestamp;
-    if (hasLength) target.rtTimelength = timelength;
+    target.dwStatus = flags & (DMO_OUTPUT_DATA_BUFFERF_SYNCPOINT | allTimesValid);
+    if ((flags & DMO_INPUT_DATA_BUFFERF_TIME) != 0) target.rtTimestamp = timestamp;
+    if ((flags & DMO_INPUT_DATA_BUFFERF_TIMELENGTH) != 0) target.rtTimelength = timelength;
 }
 
 HRESULT CVXVideoObject::ProcessOutput(DWORD, DWORD count, DMO_OUTPUT_DATA_BUFFER* buffers, DWORD* status) {
@@ -126,16 +125,17 @@ HRESULT CVXVideoObject::GiveNothing(DMO_OUTPUT_DATA_BUFFER& target, bool inputHe
 }
 
 HRESULT CVXVideoObject::EnhanceInto(DMO_OUTPUT_DATA_BUFFER& target, const TakenFrame& frame) {
-    // The size of the input type, for larger pictures too: the renderer goes by the negotiated type.
-    target.pBuffer->SetLength(frame.terms.input.imageBytes);
+    const StreamTerms& terms = frame.terms;
+    target.pBuffer->SetLength((kind.toldLength == StreamSide::input ? terms.input : terms.output).imageBytes);
     frame.input.times.PassOn(target);
+    if (kind.tellsAllTimes) target.dwStatus = allTimesValid;
     BufferContent to;
     BufferContent from;
     if (const HRESULT got = GetContent(*target.pBuffer, to); FAILED(got)) return got;
     if (const HRESULT got = GetContent(*frame.input.buffer, from); FAILED(got)) return got;
     // An output that does not tell its capacity has at least the bytes that GetOutputSizeInfo asked for; its length was
     // set just now and says nothing. An input has at least what it says it holds.
-    return RunFrame(frame.terms, {to.data, CapacityOf(*target.pBuffer, frame.terms.output.imageBytes)},
+    return RunFrame(terms, {to.data, CapacityOf(*target.pBuffer, terms.output.imageBytes)},
                     {from.data, CapacityOf(*frame.input.buffer, from.length)});
 }
 

@@ -56,7 +56,7 @@ HRESULT CVXVideoObject::GetInputType(DWORD index, DWORD typeIndex, DMO_MEDIA_TYP
     if (index != 0) return DMO_E_INVALIDSTREAMINDEX;
     if (typeIndex >= kind.formats.size()) return DMO_E_NO_MORE_ITEMS;
     if (type == nullptr) return S_OK;
-    if (const StreamType current = CurrentType(StreamSide::input); current.type != nullptr) {
+    if (const StreamType current = CurrentType(StreamSide::input); kind.repeatsInputType && current.type != nullptr) {
         TraceSize(current.type->Get());
         return MoCopyMediaType(type, &current.type->Get());
     }
@@ -72,7 +72,8 @@ HRESULT CVXVideoObject::GetOutputType(DWORD index, DWORD typeIndex, DMO_MEDIA_TY
     StreamTerms terms = CurrentTerms();
     const HRESULT result = OfferOutputType(typeIndex, terms, type);
     const CriticalSectionGuard guard(stateLock);
-    if (type != nullptr && stream.input.type == terms.input.type)  // a type set meanwhile wants an offer of its own
+    if (kind.offerSettles && type != nullptr &&
+        stream.input.type == terms.input.type)  // a type set meanwhile wants an offer of its own
         stream.negotiated = terms.negotiated;
     return result;
 }
@@ -88,8 +89,9 @@ CVXVideoObject::StreamTerms CVXVideoObject::CurrentTerms() const {
 }
 
 HRESULT CVXVideoObject::CheckType(const DMO_MEDIA_TYPE& type, StreamSide side, DWORD flags) const {
-    const bool inputKnown = side == StreamSide::input || CurrentType(StreamSide::input).type != nullptr;
-    if (inputKnown && Accepts(type, side)) return S_OK;
+    const StreamTerms terms = CurrentTerms();
+    const bool inputKnown = side == StreamSide::input || terms.input.type != nullptr;
+    if (inputKnown && Accepts(type, side, terms)) return S_OK;
     return (flags & DMO_SET_TYPEF_TEST_ONLY) != 0 ? S_FALSE : DMO_E_TYPE_NOT_ACCEPTED;
 }
 
@@ -97,15 +99,18 @@ HRESULT CVXVideoObject::CheckType(const DMO_MEDIA_TYPE& type, StreamSide side, D
 HRESULT CVXVideoObject::StoreType(const DMO_MEDIA_TYPE& type, StreamSide side) {
     std::shared_ptr<const MediaType> copy;
     const HRESULT result = CopyType(type, copy);
-    const uint32_t imageBytes = copy != nullptr ? BytesOf(copy->Get()) : 0;
+    const uint32_t imageBytes = copy != nullptr ? BytesOf(copy->Get(), side) : 0;
     ReplaceType({std::move(copy), imageBytes}, side);
     return result;
 }
 
-/// The old type is let go of by the caller, outside the lock: it may hold an object of the host.
+/// Old types are let go of outside the lock: they may hold an object of the host.
 void CVXVideoObject::ReplaceType(StreamType type, StreamSide side) {
+    StreamTerms before;
     const CriticalSectionGuard guard(stateLock);
-    std::swap(side == StreamSide::input ? stream.input : stream.output, type);
+    before = stream;
+    (side == StreamSide::input ? stream.input : stream.output) = std::move(type);
+    Settle(stream);
 }
 
 HRESULT CVXVideoObject::ChangeType(DWORD index, const DMO_MEDIA_TYPE* type, StreamSide side, DWORD flags) {
