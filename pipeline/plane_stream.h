@@ -32,9 +32,6 @@ class PlaneStream {
 public:
     explicit PlaneStream(const KernelTable& kernels);
 
-    /// Caption, levels of the lighting and filters begin anew with the next picture, as with the first one.
-    void BeginAnew() { newStream = true; }
-
     /// Enhances a picture. Of the target just the picture's own samples are written, each of them; a source narrower than
     /// smallestWidth is copied. An odd last row of a picture that keeps its size is the source's.
     ///

@@ -12,6 +12,12 @@
 namespace clarivex {
 namespace {
 
+// Of the control flags of a VIDEOINFOHEADER2. The upper 24 bits tell the colours where the second flag is set.
+constexpr DWORD controlFlagsUsed = 0x1;
+constexpr DWORD coloursTold = 0x80;
+constexpr DWORD plainControlFlags = 0xFF;
+constexpr DWORD matrixOfBt601 = DWORD{2} << 15;
+
 /// A format block need not be aligned for its header, so headers are copied in and out.
 template <class Header>
 std::optional<Header> CopyHeader(const DMO_MEDIA_TYPE& type) {
@@ -28,6 +34,7 @@ void StoreHeader(DMO_MEDIA_TYPE& type, const Header& header) {
 
 template <class Header>
 void ChangePicture(Header& header, const VideoHeader& values) {
+    header.rcSource = values.source;
     header.rcTarget = values.target;
     header.bmiHeader = values.bitmap;
 }
@@ -92,11 +99,20 @@ void MediaType::Clear() {
 std::optional<VideoHeader> ReadVideoHeader(const DMO_MEDIA_TYPE& type) {
     if (IsEqualGUID(type.formattype, formatVideoInfo)) {
         if (const auto header = CopyHeader<VIDEOINFOHEADER>(type))
-            return VideoHeader{HeaderKind::videoInfo, header->rcTarget, header->dwBitRate, 0, 0, header->bmiHeader};
+            return VideoHeader{.source = header->rcSource,
+                               .target = header->rcTarget,
+                               .bitRate = header->dwBitRate,
+                               .bitmap = header->bmiHeader};
     } else if (IsEqualGUID(type.formattype, formatVideoInfo2)) {
         if (const auto header = CopyHeader<VIDEOINFOHEADER2>(type)) {
-            return VideoHeader{HeaderKind::videoInfo2,     header->rcTarget,           header->dwBitRate,
-                               header->dwPictAspectRatioX, header->dwPictAspectRatioY, header->bmiHeader};
+            return VideoHeader{.kind = HeaderKind::videoInfo2,
+                               .source = header->rcSource,
+                               .target = header->rcTarget,
+                               .bitRate = header->dwBitRate,
+                               .aspectX = header->dwPictAspectRatioX,
+                               .aspectY = header->dwPictAspectRatioY,
+                               .controlFlags = header->dwControlFlags,
+                               .bitmap = header->bmiHeader};
         }
     }
     return std::nullopt;
@@ -110,17 +126,52 @@ void WriteVideoHeader(DMO_MEDIA_TYPE& type, const VideoHeader& values) {
     } else {
         auto header = CopyHeader<VIDEOINFOHEADER2>(type).value();
         ChangePicture(header, values);
+        header.dwControlFlags = values.controlFlags;
         header.dwInterlaceFlags = 0;
         StoreHeader(type, header);
     }
 }
 
-bool IsAcceptedType(const DMO_MEDIA_TYPE& type, StreamSide side, std::span<const StreamFormat> formats) {
+HRESULT MakeVideoType(const DMO_MEDIA_TYPE& like, const VideoHeader& values, DMO_MEDIA_TYPE& target) {
+    const bool grows = values.kind == HeaderKind::videoInfo2 && !IsEqualGUID(like.formattype, formatVideoInfo2);
+    VIDEOINFOHEADER2 wider = {};
+    DMO_MEDIA_TYPE model = like;
+    if (grows) {
+        const auto header = CopyHeader<VIDEOINFOHEADER>(like).value();
+        wider.dwBitRate = header.dwBitRate;
+        wider.dwBitErrorRate = header.dwBitErrorRate;
+        wider.AvgTimePerFrame = header.AvgTimePerFrame;
+        wider.dwPictAspectRatioX = static_cast<DWORD>(values.source.right - values.source.left);
+        wider.dwPictAspectRatioY = static_cast<DWORD>(values.source.bottom - values.source.top);
+        model.formattype = formatVideoInfo2;
+        model.cbFormat = sizeof wider;
+        model.pbFormat = reinterpret_cast<BYTE*>(&wider);
+    }
+    model.lSampleSize = values.bitmap.biSizeImage;
+    const HRESULT copied = MoCopyMediaType(&target, &model);
+    if (SUCCEEDED(copied)) WriteVideoHeader(target, values);
+    return copied;
+}
+
+bool TellsColours(const VideoHeader& header) { return (header.controlFlags & coloursTold) != 0; }
+
+void TellStandardColours(VideoHeader& header) {
+    header.controlFlags = (header.controlFlags & plainControlFlags) | controlFlagsUsed | coloursTold | matrixOfBt601;
+}
+
+std::optional<VideoHeader> ReadUsableHeader(const DMO_MEDIA_TYPE& type, StreamSide side,
+                                            std::span<const StreamFormat> formats) {
     const StreamFormat* format = FindFormat(type.subtype, formats);
-    if (!IsEqualGUID(type.majortype, mediaTypeVideo) || format == nullptr) return false;
+    if (!IsEqualGUID(type.majortype, mediaTypeVideo) || format == nullptr) return std::nullopt;
     const std::optional<VideoHeader> header = ReadVideoHeader(type);
-    return header && HasExpectedBits(*format, *header) && HasPicture(header->bitmap) &&
-           TargetFits(header->target, header->bitmap) && HasPossibleSize(header->bitmap, side);
+    const bool usable = header && HasExpectedBits(*format, *header) && HasPicture(header->bitmap) &&
+                        HasPossibleSize(header->bitmap, side);
+    return usable ? header : std::nullopt;
+}
+
+bool IsAcceptedType(const DMO_MEDIA_TYPE& type, StreamSide side, std::span<const StreamFormat> formats) {
+    const std::optional<VideoHeader> header = ReadUsableHeader(type, side, formats);
+    return header && TargetFits(header->target, header->bitmap);
 }
 
 int64_t ImageBytes(const BITMAPINFOHEADER& bitmap) {

@@ -27,6 +27,12 @@ inline constexpr std::array<StreamFormat, 3> playerFormats = {{{mediaSubtypeYv12
                                                                {mediaSubtypeYuy2, PixelFormat::yuy2},
                                                                {mediaSubtypeIyuv, PixelFormat::iyuv}}};
 
+/// What the video effect offers: what today's decoders give first comes first.
+inline constexpr std::array<StreamFormat, 4> effectFormats = {{{mediaSubtypeNv12, PixelFormat::nv12},
+                                                               {mediaSubtypeYv12, PixelFormat::yv12},
+                                                               {mediaSubtypeIyuv, PixelFormat::iyuv},
+                                                               {mediaSubtypeYuy2, PixelFormat::yuy2}}};
+
 /// A media type with its format block. Empty at first.
 class MediaType {
 public:
@@ -57,19 +63,32 @@ enum class HeaderKind { videoInfo, videoInfo2 };
 /// What both headers say, and what only the second one does (0 for the first).
 struct VideoHeader {
     HeaderKind kind = HeaderKind::videoInfo;
+    RECT source = {};
     RECT target = {};
     DWORD bitRate = 0;
     DWORD aspectX = 0;
     DWORD aspectY = 0;
+    DWORD controlFlags = 0;
     BITMAPINFOHEADER bitmap = {};
 };
 
 /// The video header of a type. Nothing when the format type is another one, or the format block is missing or too short.
 std::optional<VideoHeader> ReadVideoHeader(const DMO_MEDIA_TYPE& type);
 
-/// Writes target rectangle, picture size and image bytes back into the header of a type that has one. Clears the
-/// interlace flags of a VIDEOINFOHEADER2.
+/// Writes rectangles, picture size and image bytes back into the header of a type that has the same kind of header, and the
+/// control flags of a VIDEOINFOHEADER2, whose interlace flags are cleared.
 void WriteVideoHeader(DMO_MEDIA_TYPE& type, const VideoHeader& header);
+
+/// Makes a type like another one with this header, which may be a VIDEOINFOHEADER2 in place of the other's VIDEOINFOHEADER:
+/// a picture of square pixels then. Sample and image bytes are the header's. What `target` held is not freed.
+///
+/// like    has a header
+/// result  of MoCopyMediaType
+HRESULT MakeVideoType(const DMO_MEDIA_TYPE& like, const VideoHeader& header, DMO_MEDIA_TYPE& target);
+
+/// Whether a header tells how its colours are made, and how to tell those of standard definition.
+bool TellsColours(const VideoHeader& header);
+void TellStandardColours(VideoHeader& header);
 
 /// Where a type is to be used. Inputs must leave room for the enlarged picture.
 enum class StreamSide { input, output };
@@ -79,6 +98,10 @@ enum class StreamSide { input, output };
 /// rectangles turned round or with negative corners, pictures beyond the limits of the frame path, and image bytes
 /// beyond 31 bits.
 bool IsAcceptedType(const DMO_MEDIA_TYPE& type, StreamSide side, std::span<const StreamFormat> formats);
+
+/// The header of a type that can be used, whatever its rectangles; nothing for one that cannot.
+std::optional<VideoHeader> ReadUsableHeader(const DMO_MEDIA_TYPE& type, StreamSide side,
+                                            std::span<const StreamFormat> formats);
 
 /// Bytes of a picture whose rows are whole 32-bit words; a negative height counts as positive.
 int64_t ImageBytes(const BITMAPINFOHEADER& bitmap);

@@ -3,11 +3,13 @@
 #include "shell/class_ids.h"
 #include "shell/media_object.h"
 #include "shell/object_map.h"
+#include "shell/video_effect.h"
 
 namespace clarivex {
 
 std::span<const ObjectMapEntry> ObjectMap() {
-    static constexpr ObjectMapEntry entries[] = {{clsidMediaObject, 0, CreateObject<CVXMediaObject>}};
+    static constexpr ObjectMapEntry entries[] = {{clsidMediaObject, 0, CreateObject<CVXMediaObject>},
+                                                 {clsidVideoEffect, 0, CreateObject<CVXVideoEffect>}};
     return entries;
 }
 

@@ -48,6 +48,23 @@ protected:
     ~IStream() = default;
 };
 
+struct IPersist : public IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE GetClassID(CLSID* classId) = 0;
+
+protected:
+    ~IPersist() = default;
+};
+
+struct IPersistStream : public IPersist {
+    virtual HRESULT STDMETHODCALLTYPE IsDirty() = 0;
+    virtual HRESULT STDMETHODCALLTYPE Load(IStream* source) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Save(IStream* target, BOOL clearDirty) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetSizeMax(ULARGE_INTEGER* size) = 0;
+
+protected:
+    ~IPersistStream() = default;
+};
+
 struct CAUUID {
     ULONG cElems;
     GUID* pElems;

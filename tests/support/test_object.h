@@ -32,26 +32,31 @@ inline void Require(HRESULT result, const char* what) {
     if (result != S_OK) throw std::runtime_error(what);
 }
 
-inline Owned<IClassFactory> MediaObjectFactory() {
+inline Owned<IClassFactory> MediaObjectFactory(const GUID& classId = clsidMediaObject) {
     void* factory = nullptr;
-    Require(GetClassObject(clsidMediaObject, iidClassFactory, &factory), "no class factory");
+    Require(GetClassObject(classId, iidClassFactory, &factory), "no class factory");
     return Owned<IClassFactory>(static_cast<IClassFactory*>(factory));
 }
 
 /// An interface of a new object, plain or as a part of `outer`.
 template <class Interface>
-Owned<Interface> MakeObject(const GUID& iid, IUnknown* outer = nullptr) {
+Owned<Interface> MakeObject(const GUID& iid, IUnknown* outer = nullptr, const GUID& classId = clsidMediaObject) {
     void* object = nullptr;
-    Require(MediaObjectFactory()->CreateInstance(outer, iid, &object), "no media object");
+    Require(MediaObjectFactory(classId)->CreateInstance(outer, iid, &object), "no media object");
     return Owned<Interface>(static_cast<Interface*>(object));
 }
 
+/// The player's object, or one that is given; then what its class has not is null.
 struct TestObject {
     Owned<IMediaObject> media = MakeObject<IMediaObject>(iidMediaObject);
     Owned<ICVXSettings> settings = Ask<ICVXSettings>(media.get(), iidCvxSettings);
     Owned<IWMPPluginEnable> player = Ask<IWMPPluginEnable>(media.get(), iidWmpPluginEnable);
     Owned<ISpecifyPropertyPages> pages = Ask<ISpecifyPropertyPages>(media.get(), iidSpecifyPropertyPages);
     Owned<IPropertyBag> bag = Ask<IPropertyBag>(media.get(), iidPropertyBag);
+
+    static TestObject OfClass(const GUID& classId) {
+        return {MakeObject<IMediaObject>(iidMediaObject, nullptr, classId)};
+    }
 
     bool ScalingActive() const {
         int active = -1;
