@@ -44,8 +44,8 @@ bench:
 # and removed in a folder of their own
 package: setup
 	scripts/setup.sh package
-	scripts/build.sh windows-x86 clarivex WMP_CVX
-	scripts/build.sh windows-x64 WMP_CVX
+	scripts/build.sh windows-x86 clarivex WMP_CVX clarivex_video
+	scripts/build.sh windows-x64 WMP_CVX clarivex_video
 	scripts/package.sh
 	scripts/build.sh native clarivex packed clarivex_shared gstclarivex clarivex_player
 	scripts/package_deb.sh

@@ -19,6 +19,8 @@ strip_into() {
 strip_into i686 windows-x86/clarivex.exe clarivex.exe
 strip_into i686 windows-x86/WMP_CVX.dll x86/WMP_CVX.dll
 strip_into x86_64 windows-x64/WMP_CVX.dll x64/WMP_CVX.dll
+strip_into i686 windows-x86/clarivex_video.dll x86/clarivex_video.dll
+strip_into x86_64 windows-x64/clarivex_video.dll x64/clarivex_video.dll
 
 for text in install.cmd uninstall.cmd README.txt; do
     sed "s/@VERSION@/$version/; s/\$/\r/" "package/$text" >"$stage/$name/$text"

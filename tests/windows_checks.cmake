@@ -1,7 +1,8 @@
 # All in one process: starting Wine takes longer than most tests.
 add_test(NAME clarivex_tests COMMAND clarivex_tests WORKING_DIRECTORY ${PROJECT_BINARY_DIR})
 add_test(NAME only_system_dlls_are_imported
-    COMMAND ${scripts}/check_imports.sh ${CMAKE_OBJDUMP} $<TARGET_FILE:clarivex> $<TARGET_FILE:WMP_CVX>)
+    COMMAND ${scripts}/check_imports.sh ${CMAKE_OBJDUMP} $<TARGET_FILE:clarivex> $<TARGET_FILE:WMP_CVX>
+        $<TARGET_FILE:clarivex_video>)
 if(CMAKE_SIZEOF_VOID_P EQUAL 8)
     add_test(NAME wide_kernels_need_no_aligned_stack COMMAND_EXPAND_LISTS
         COMMAND ${scripts}/check_wide_moves.sh ${CMAKE_OBJDUMP}
