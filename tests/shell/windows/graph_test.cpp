@@ -1,16 +1,12 @@
 // The plug-in between two DirectShow pins, inside the system's own wrapper for media objects: what comes out of the
 // graph is what the object gives when it is driven by hand.
 
-#include <dshow.h>
-
-#include <dmodshow.h>
-
 #include "host/buffer_layout.h"
 #include "host/player.h"
 #include "shell/settings.h"
+#include "tests/shell/windows/filter_graph.h"
 #include "tests/shell/windows/plugin_module.h"
 #include "tests/shell/windows/user_registry.h"
-#include "tests/support/counted_fake.h"
 #include "tests/support/synthetic_video.h"
 #include "tests/support/test.h"
 #include "tests/support/video_types.h"
@@ -39,155 +35,34 @@ std::vector<Bytes> SourceFrames() {
     return frames;
 }
 
-// S_FALSE and other kinds of success pass.
-void RequireSuccess(HRESULT result, const char* what) { Require(FAILED(result) ? result : S_OK, what); }
-
-template <class Interface>
-ComPointer<Interface> Create(const GUID& classId, const GUID& iid) {
-    void* made = nullptr;
-    RequireSuccess(CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, iid, &made), "a class is missing");
-    return ComPointer<Interface>(static_cast<Interface*>(made));
-}
-
-// The filter's neighbour on one side, which belongs to no filter itself: it takes every type and keeps every frame. It
-// does what a filter's own pins ask of it and no more.
-class GraphPin final : public CountedFake<IPin>, public IMemInputPin {
-public:
-    explicit GraphPin(PIN_DIRECTION side) : CountedFake(IID_IPin), direction(side) {}
-
-    BITMAPINFOHEADER picture = {};  // of the type agreed on
-    std::vector<Bytes> frames;      // whole buffers, whatever length the samples tell
-    std::vector<std::array<REFERENCE_TIME, 2>> times;
-    int ends = 0;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
-        if (!IsEqualGUID(iid, IID_IMemInputPin)) return CountedFake::QueryInterface(iid, out);
-        AddRef();
-        *out = static_cast<IMemInputPin*>(this);
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return CountedFake::AddRef(); }
-    ULONG STDMETHODCALLTYPE Release() override { return CountedFake::Release(); }
-
-    HRESULT STDMETHODCALLTYPE QueryDirection(PIN_DIRECTION* side) override {
-        *side = direction;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE ReceiveConnection(IPin*, const AM_MEDIA_TYPE* type) override {
-        if (type->cbFormat < sizeof(VIDEOINFOHEADER)) return VFW_E_TYPE_NOT_ACCEPTED;
-        picture = reinterpret_cast<const VIDEOINFOHEADER*>(type->pbFormat)->bmiHeader;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE Receive(IMediaSample* sample) override {
-        BYTE* data = nullptr;
-        if (const HRESULT got = sample->GetPointer(&data); FAILED(got)) return got;
-        frames.emplace_back(data, data + sample->GetSize());
-        auto& [start, stop] = times.emplace_back();
-        sample->GetTime(&start, &stop);
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE EndOfStream() override {
-        ++ends;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE GetAllocator(IMemAllocator**) override { return VFW_E_NO_ALLOCATOR; }
-    HRESULT STDMETHODCALLTYPE NotifyAllocator(IMemAllocator*, BOOL) override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE GetAllocatorRequirements(ALLOCATOR_PROPERTIES*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE ReceiveMultiple(IMediaSample**, LONG, LONG*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE ReceiveCanBlock() override { return S_FALSE; }
-    HRESULT STDMETHODCALLTYPE Connect(IPin*, const AM_MEDIA_TYPE*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Disconnect() override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE ConnectedTo(IPin**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE ConnectionMediaType(AM_MEDIA_TYPE*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE QueryPinInfo(PIN_INFO*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE QueryId(LPWSTR*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE QueryAccept(const AM_MEDIA_TYPE*) override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE EnumMediaTypes(IEnumMediaTypes**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE QueryInternalConnections(IPin**, ULONG*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE BeginFlush() override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE EndFlush() override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE NewSegment(REFERENCE_TIME, REFERENCE_TIME, double) override { return S_OK; }
-
-private:
-    const PIN_DIRECTION direction;
-};
-
 struct GraphCase {
     SampleFormat format;
     GUID subtype;
     unsigned mode;
 };
 
-// Source, wrapper and sink, connected and ready to run.
-class Graph {
-public:
-    Graph(const GraphCase& wanted, GraphPin& sink) : layout(wanted.format, sourceSize) {
-        RequireSuccess(Ask<IDMOWrapperFilter>(wrapper.get(), iidWrapper)->Init(clsidMediaObject, videoEffects), "Init");
-        Ask<ICVXSettings>(wrapper.get(), iidCvxSettings)->put_CVXMode(wanted.mode);
-        FindPins();
-        VideoInfoType type(sourceSize.width, sourceSize.height, wanted.subtype);
-        type.Target() = {0, 0, sourceSize.width, sourceSize.height};  // as a decoder's types have it
-        type.header.AvgTimePerFrame = FrameStart(1, frameRate);
-        RequireSuccess(in->ReceiveConnection(&source, reinterpret_cast<const AM_MEDIA_TYPE*>(type.Type())), "no input");
-        input = Ask<IMemInputPin>(in.get(), IID_IMemInputPin);
-        ALLOCATOR_PROPERTIES wishes = {2, static_cast<LONG>(layout.Bytes()), 1, 0}, actual = {};
-        RequireSuccess(allocator->SetProperties(&wishes, &actual), "no buffers of this size");
-        RequireSuccess(input->NotifyAllocator(allocator.get(), FALSE), "the input refuses the buffers");
-        RequireSuccess(allocator->Commit(), "no memory");
-        RequireSuccess(out->Connect(&sink, nullptr), "the output is not connected");
-    }
-    ~Graph() {
-        out->Disconnect();
-        in->Disconnect();
-        EXPECT_EQ(1, source.references);
-    }
+// The plug-in in the system's own wrapper.
+ComPointer<IBaseFilter> WrappedPlugin(unsigned mode) {
+    auto wrapper = Create<IBaseFilter>(clsidWrapper, IID_IBaseFilter);
+    RequireSuccess(Ask<IDMOWrapperFilter>(wrapper.get(), iidWrapper)->Init(clsidMediaObject, videoEffects), "Init");
+    Ask<ICVXSettings>(wrapper.get(), iidCvxSettings)->put_CVXMode(mode);
+    return wrapper;
+}
 
-    // On a thread of its own, as a decoder's would be.
-    void Play() {
-        RequireSuccess(wrapper->Pause(), "the wrapper does not pause");
-        RequireSuccess(wrapper->Run(0), "the wrapper does not run");
-        std::thread([this] {
-            const auto frames = SourceFrames();
-            for (size_t frame = 0; frame < frameCount; ++frame) EXPECT_EQ(S_OK, Push(frames[frame], frame));
-            EXPECT_EQ(S_OK, in->EndOfStream());
-        }).join();
-        RequireSuccess(wrapper->Stop(), "the wrapper does not stop");
-    }
-
-private:
-    void FindPins() {
-        IPin* pins[2] = {};
-        ULONG found = 0;
-        IEnumPins* all = nullptr;
-        RequireSuccess(wrapper->EnumPins(&all), "EnumPins");
-        all->Next(2, pins, &found);
-        all->Release();
-        in.reset(pins[0]);
-        out.reset(pins[1]);
-        Require(found == 2 ? S_OK : E_FAIL, "the wrapper lacks a pin");
-    }
-
-    // Sends one frame down the graph and returns when it has passed.
-    HRESULT Push(const Bytes& samples, size_t frame) {
-        IMediaSample* made = nullptr;
-        RequireSuccess(allocator->GetBuffer(&made, nullptr, nullptr, 0), "no buffer");
-        const ComPointer<IMediaSample> sample(made);
-        BYTE* data = nullptr;
-        sample->GetPointer(&data);
-        layout.Put({sourceSize, samples}, {data, layout.Bytes()});
-        sample->SetActualDataLength(static_cast<LONG>(layout.Bytes()));
-        REFERENCE_TIME start = FrameStart(frame, frameRate), stop = FrameStart(frame + 1, frameRate);
-        sample->SetTime(&start, &stop);
-        return input->Receive(sample.get());
-    }
-
-    const BufferLayout layout;
-    GraphPin source{PINDIR_OUTPUT};
-    const ComPointer<IBaseFilter> wrapper = Create<IBaseFilter>(clsidWrapper, IID_IBaseFilter);
-    const ComPointer<IMemAllocator> allocator = Create<IMemAllocator>(CLSID_MemoryAllocator, IID_IMemAllocator);
-    ComPointer<IPin> in, out;
-    Owned<IMemInputPin> input;
-};
+void PlayThrough(TestGraph& graph, const GraphCase& wanted) {
+    const BufferLayout layout(wanted.format, sourceSize);
+    VideoInfoType type(sourceSize.width, sourceSize.height, wanted.subtype);
+    type.Target() = {0, 0, sourceSize.width, sourceSize.height};  // as a decoder's types have it
+    type.header.AvgTimePerFrame = FrameStart(1, frameRate);
+    graph.Connect(*type.Type(), layout.Bytes(), nullptr);
+    graph.Run();
+    const auto frames = SourceFrames();
+    graph.Play(0, frameCount, FrameStart(1, frameRate), [&](size_t frame, std::span<uint8_t> buffer) {
+        layout.Put({sourceSize, frames[frame]}, buffer);
+    });
+    graph.End();
+    graph.Stop();
+}
 
 Bytes Joined(const PicturePlanes& planes) {
     Bytes all;
@@ -209,28 +84,36 @@ std::vector<Bytes> FramesByHand(const GraphCase& wanted, PictureSize size) {
 }
 
 void ExpectFramesByHand(const GraphCase& wanted) {
-    GraphPin sink(PINDIR_INPUT);
+    std::vector<Bytes> frames;
+    std::vector<std::array<REFERENCE_TIME, 2>> times;
+    PictureSize picture;
     {
         const PluginModule plugin;
         DWORD offer = 0;  // of the class to this process
         Require(CoRegisterClassObject(clsidMediaObject, plugin.Factory().get(), CLSCTX_INPROC_SERVER,
                                       REGCLS_MULTIPLEUSE, &offer),
                 "CoRegisterClassObject");
-        Graph(wanted, sink).Play();
+        {
+            TestGraph graph(WrappedPlugin(wanted.mode));
+            PlayThrough(graph, wanted);
+            EXPECT_EQ(1, graph.sink.ends);
+            frames = graph.sink.frames;
+            times = graph.sink.times;
+            picture = {graph.sink.picture.biWidth, graph.sink.picture.biHeight};
+        }
         CoRevokeClassObject(offer);
         EXPECT_EQ(S_OK, plugin.CanUnload());  // nothing of it is held any more
     }
-    EXPECT_EQ(std::pair(1, 1), std::pair(sink.references.load(), sink.ends));
-    const BufferLayout layout(wanted.format, {sink.picture.biWidth, sink.picture.biHeight});
+    const BufferLayout layout(wanted.format, picture);
     const auto expected = FramesByHand(wanted, layout.Size());
-    ASSERT_EQ(expected.size(), sink.frames.size());
+    ASSERT_EQ(expected.size(), frames.size());
     EXPECT_NE(expected[0], expected[1]);  // equal frames would hide one that comes late
     for (size_t frame = 0; frame < frameCount; ++frame) {
         Bytes scratch;
-        ASSERT_GE(sink.frames[frame].size(), layout.Bytes());
-        EXPECT_EQ(FrameStart(frame, frameRate), sink.times[frame][0]);
-        EXPECT_EQ(FrameStart(frame + 1, frameRate), sink.times[frame][1]);
-        EXPECT_TRUE(expected[frame] == Joined(layout.Get(sink.frames[frame], scratch))) << "frame " << frame;
+        ASSERT_GE(frames[frame].size(), layout.Bytes());
+        EXPECT_EQ(FrameStart(frame, frameRate), times[frame][0]);
+        EXPECT_EQ(FrameStart(frame + 1, frameRate), times[frame][1]);
+        EXPECT_TRUE(expected[frame] == Joined(layout.Get(frames[frame], scratch))) << "frame " << frame;
     }
 }
 

@@ -46,9 +46,12 @@ TEST(SettingsStore, ValuesOfAnyTypeSizeAndContentAreReadByThatRule) {
 TEST(SettingsStore, ObjectsStartWithWhatWasSaved) {
     const UserRegistry registry;
     registry.SetNumber(settingsKey, "CVXMode", 2);
-    unsigned mode = 99;
-    MakeObject<ICVXSettings>(iidCvxSettings)->get_CVXMode(&mode);
-    EXPECT_EQ(2U, mode);
+    registry.SetNumber(R"(Software\Tessel Works\Clarivex Video)", "CVXMode", 7);
+    for (const auto& [classId, expected] : {std::pair(clsidMediaObject, 2U), {clsidVideoEffect, 7U}}) {
+        unsigned mode = 99;
+        MakeObject<ICVXSettings>(iidCvxSettings, nullptr, classId)->get_CVXMode(&mode);
+        EXPECT_EQ(expected, mode);
+    }
 }
 
 }  // namespace
