@@ -1,4 +1,4 @@
-// Two media objects under calls in any order: two clumsy players take turns, and now and then one of them is let go with
+// Two media objects, of one class or of both, under calls in any order: two clumsy players take turns, and now and then one of them is let go with
 // what it holds. What was counted before stands there after.
 #include <optional>
 
@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         std::optional<NegotiationWalk> walks[2];
         for (int step = 0; step < mostSteps && !numbers.Rest().empty(); ++step) {
             auto& walk = walks[numbers.Below(2)];
-            if (!walk) walk.emplace(source);
+            if (!walk) walk.emplace(source, numbers.Below(2) == 0 ? clsidMediaObject : clsidVideoEffect);
             Demand(walk->Step());
             if (numbers.Below(16) != 0) continue;
             Demand(walk->Finish());

@@ -49,7 +49,10 @@ public:
 
     void PlayRound() {
         for (int frame = 0; frame < framesARound; ++frame) {
-            if (frame % 480 == 0) object = std::make_unique<TestObject>();
+            if (frame % 480 == 0) {
+                object = std::make_unique<TestObject>(
+                    TestObject::OfClass(frame % 960 == 0 ? clsidMediaObject : clsidVideoEffect));
+            }
             if (frame % 40 == 0) StartStream();
             if (frame % 7 == 0) ChangeSettings();
             FakeBuffer from{std::span(in)}, to{std::span(out)};
@@ -63,10 +66,11 @@ private:
     uint32_t Below(uint32_t bound) { return static_cast<uint32_t>(random() % bound); }
 
     void StartStream() {
-        static constexpr GUID subtypes[] = {mediaSubtypeYv12, mediaSubtypeIyuv, mediaSubtypeYuy2};
-        static constexpr HostSize sizes[] = {{64, 48}, {352, 288}, {161, 121}, {48, 32}, {320, 41}};
-        const GUID& subtype = subtypes[Below(3)];
-        const HostSize& size = sizes[Below(std::size(sizes))];
+        static constexpr GUID subtypes[] = {mediaSubtypeYv12, mediaSubtypeIyuv, mediaSubtypeYuy2, mediaSubtypeNv12};
+        static constexpr HostSize sizes[] = {{64, 48}, {352, 288}, {48, 32}, {320, 41}, {161, 121}};
+        const bool isEffect = object->player == nullptr;  // which takes NV12, and no odd rows
+        const GUID& subtype = subtypes[Below(isEffect ? 4 : 3)];
+        const HostSize& size = sizes[Below(isEffect ? 4 : 5)];
         object->media->Flush();
         Negotiate(*object, subtype, size, Below(2) == 0 ? neverEnlarged : alwaysEnlarged);
         in.assign(static_cast<size_t>(size.width * size.height * 2 + 4 * size.height), 90);
@@ -77,7 +81,7 @@ private:
     void ChangeSettings() {
         object->settings->put_Sharpness(static_cast<float>(Below(5)) / 2);
         object->settings->put_EnableLighting(static_cast<int>(Below(2)));
-        object->player->SetEnable(Below(9) != 0);
+        if (object->player != nullptr) object->player->SetEnable(Below(9) != 0);
         ShowCaption(Below(3) != 0);
     }
 

@@ -11,8 +11,14 @@
 namespace clarivex {
 namespace {
 
-constexpr GUID objectInterfaces[] = {iidCvxSettings, iidMediaObject, iidWmpPluginEnable, iidSpecifyPropertyPages,
-                                     iidPropertyBag};
+/// A class and its interfaces, the identity first.
+struct KnownClass {
+    GUID classId;
+    std::vector<GUID> interfaces;
+};
+const KnownClass bothClasses[] = {
+    {clsidMediaObject, {iidCvxSettings, iidMediaObject, iidWmpPluginEnable, iidSpecifyPropertyPages, iidPropertyBag}},
+    {clsidVideoEffect, {iidCvxSettings, iidMediaObject, iidSpecifyPropertyPages, iidPersistStream, iidPersist}}};
 
 int32_t ModuleLocks() { return ThisModule().lockCount; }
 
@@ -54,15 +60,17 @@ TEST(PlainShape, UnknownClassesInterfacesAndMissingPointersAreRefused) {
 }
 
 TEST(PlainShape, EveryInterfaceLeadsToEveryOtherAndToOneIdentityAndCount) {
-    const auto object = MakeObject<IUnknown>(iidUnknown);
-    const auto identity = Ask<IUnknown>(object.get(), iidCvxSettings);
-    for (const GUID& from : objectInterfaces) {
-        const auto start = Ask<IUnknown>(object.get(), from);
-        ASSERT_NE(nullptr, start);
-        EXPECT_EQ(3U, ReferencesTo(start.get()));
-        EXPECT_EQ(identity.get(), Ask<IUnknown>(start.get(), iidUnknown).get());
-        for (const GUID& to : objectInterfaces)
-            EXPECT_EQ(Ask<IUnknown>(object.get(), to).get(), Ask<IUnknown>(start.get(), to).get());
+    for (const auto& [classId, interfaces] : bothClasses) {
+        const auto object = MakeObject<IUnknown>(iidUnknown, nullptr, classId);
+        const auto identity = Ask<IUnknown>(object.get(), iidCvxSettings);
+        for (const GUID& from : interfaces) {
+            const auto start = Ask<IUnknown>(object.get(), from);
+            ASSERT_NE(nullptr, start);
+            EXPECT_EQ(3U, ReferencesTo(start.get()));
+            EXPECT_EQ(identity.get(), Ask<IUnknown>(start.get(), iidUnknown).get());
+            for (const GUID& to : interfaces)
+                EXPECT_EQ(Ask<IUnknown>(object.get(), to).get(), Ask<IUnknown>(start.get(), to).get());
+        }
     }
 }
 
@@ -102,27 +110,29 @@ TEST(BothShapes, KeepTheModuleFromFirstToLastLineAndDoNotSurviveAFailure) {
 }
 
 TEST(AggregatedShape, AllButThePrivateHandleAskAndCountThroughTheOuterObject) {
-    FakeOuter outer;
-    const int32_t locksBefore = ModuleLocks();
-    auto inner = MakeObject<IUnknown>(iidUnknown, &outer);
-    outer.inner = inner.get();
-    EXPECT_EQ(1, outer.references);  // the part keeps no reference to the whole
-    EXPECT_EQ(locksBefore + 1, ModuleLocks());
-    for (const GUID& iid : objectInterfaces) {
-        const auto asked = Ask<IUnknown>(inner.get(), iid);
-        ASSERT_NE(nullptr, asked);
-        EXPECT_EQ(2, outer.references);
-        EXPECT_EQ(1U, ReferencesTo(inner.get()));
-        EXPECT_EQ(static_cast<IUnknown*>(&outer), Ask<IUnknown>(asked.get(), iidUnknown).get());
-        EXPECT_EQ(asked.get(), Ask<IUnknown>(asked.get(), iid).get());
+    for (const auto& [classId, interfaces] : bothClasses) {
+        FakeOuter outer;
+        const int32_t locksBefore = ModuleLocks();
+        auto inner = MakeObject<IUnknown>(iidUnknown, &outer, classId);
+        outer.inner = inner.get();
+        EXPECT_EQ(1, outer.references);  // the part keeps no reference to the whole
+        EXPECT_EQ(locksBefore + 1, ModuleLocks());
+        for (const GUID& iid : interfaces) {
+            const auto asked = Ask<IUnknown>(inner.get(), iid);
+            ASSERT_NE(nullptr, asked);
+            EXPECT_EQ(2, outer.references);
+            EXPECT_EQ(1U, ReferencesTo(inner.get()));
+            EXPECT_EQ(static_cast<IUnknown*>(&outer), Ask<IUnknown>(asked.get(), iidUnknown).get());
+            EXPECT_EQ(asked.get(), Ask<IUnknown>(asked.get(), iid).get());
+        }
+        EXPECT_EQ(2 * 5, outer.questions);
+        EXPECT_EQ(inner.get(), Ask<IUnknown>(inner.get(), iidUnknown).get());
+        EXPECT_EQ(nullptr, Ask<IUnknown>(inner.get(), iidClassFactory));
+        EXPECT_EQ(E_POINTER, inner->QueryInterface(iidUnknown, nullptr));
+        EXPECT_EQ(1, outer.references);
+        inner.reset();
+        EXPECT_EQ(locksBefore, ModuleLocks());
     }
-    EXPECT_EQ(2 * 5, outer.questions);
-    EXPECT_EQ(inner.get(), Ask<IUnknown>(inner.get(), iidUnknown).get());
-    EXPECT_EQ(nullptr, Ask<IUnknown>(inner.get(), iidClassFactory));
-    EXPECT_EQ(E_POINTER, inner->QueryInterface(iidUnknown, nullptr));
-    EXPECT_EQ(1, outer.references);
-    inner.reset();
-    EXPECT_EQ(locksBefore, ModuleLocks());
 }
 
 }  // namespace

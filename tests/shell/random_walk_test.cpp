@@ -11,9 +11,10 @@ class RandomWalk : public testing::TestWithParam<uint32_t> {};
 
 TEST_P(RandomWalk, FindsNothingWrong) {
     std::mt19937 random(GetParam());
-    constexpr int steps = 1500;
+    constexpr int steps = 2000;
     {
-        NegotiationWalk walk([&](uint32_t bound) { return static_cast<uint32_t>(random() % bound); });
+        NegotiationWalk walk([&](uint32_t bound) { return static_cast<uint32_t>(random() % bound); },
+                             GetParam() % 2 == 0 ? clsidVideoEffect : clsidMediaObject);
         for (int step = 0; step < steps; ++step)
             ASSERT_EQ("", walk.Step()) << "seed " << GetParam() << ", step " << step;
         EXPECT_EQ("", walk.Finish());
@@ -22,7 +23,7 @@ TEST_P(RandomWalk, FindsNothingWrong) {
     EXPECT_EQ(S_OK, CanUnloadNow());
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, RandomWalk, testing::Range(1U, 13U));
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomWalk, testing::Range(1U, 17U));
 
 }  // namespace
 }  // namespace clarivex

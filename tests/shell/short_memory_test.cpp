@@ -50,10 +50,10 @@ HRESULT PlayShortStream(IClassFactory& factory, const DMO_MEDIA_TYPE& type, Buff
 }
 
 /// As its first lines say, with the n-th allocation failing `count` times, for n up to the number there are.
-void FailEveryAllocation(const GUID& subtype, int32_t count) {
+void FailEveryAllocation(const GUID& classId, const GUID& subtype, int32_t count) {
     VideoInfoType source(size.width, size.height, subtype);
     const DMO_MEDIA_TYPE* type = source.Type();
-    const auto factory = MediaObjectFactory();
+    const auto factory = MediaObjectFactory(classId);
     Buffers buffers;
     constexpr int32_t none = ShortMemory::forEver - 1;
     int32_t allocations = 1;
@@ -73,7 +73,8 @@ void FailEveryAllocation(const GUID& subtype, int32_t count) {
 TEST(ShortMemoryOfAnObject, LosesNoFrameWhicheverAllocationFails) {
     if (!HasCaptionFont()) GTEST_SKIP() << "no font for the caption";
     for (const GUID& subtype : subtypes)
-        for (const int32_t count : {1, 4}) FailEveryAllocation(subtype, count);
+        for (const int32_t count : {1, 4}) FailEveryAllocation(clsidMediaObject, subtype, count);
+    FailEveryAllocation(clsidVideoEffect, mediaSubtypeNv12, 1);
 }
 
 TEST(ShortMemoryOfAnObject, AFrameThatGivesUpIsAnErrorAndRunsWhenThereIsMemoryAgain) {

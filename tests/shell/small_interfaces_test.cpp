@@ -13,6 +13,8 @@ TEST(Identifiers, AreTheOnesThatHostsKnow) {
     const std::pair<GUID, GUID> known[] = {
         {clsidMediaObject,        {0x5C1E8A47, 0x93D2, 0x4B06, {0xB7, 0xF1, 0x2A, 0x6D, 0x90, 0xCE, 0x3F, 0x18}}},
         {clsidPropertyPage,       {0x7F40B2D9, 0x18A6, 0x4E5C, {0x9C, 0x33, 0xD1, 0xE0, 0x7A, 0x5B, 0x6C, 0x42}}},
+        {clsidVideoEffect,        {0xFB43CBCA, 0x4D38, 0x4B73, {0xBF, 0x33, 0x3C, 0xE6, 0xE8, 0x2E, 0xD9, 0x50}}},
+        {clsidVideoEffectPage,    {0x5E639B3A, 0x1BAA, 0x432E, {0xA6, 0x0A, 0x47, 0x0F, 0x9E, 0x0B, 0xDA, 0x6F}}},
         {iidCvxSettings,          {0x2C7E41D0, 0x96B3, 0x4A58, {0xB1, 0xF6, 0x83, 0xD0, 0x5A, 0x7E, 0x19, 0xC4}}},
         {iidMediaObject,          {0xD8AD0F58, 0x5494, 0x4102, {0x97, 0xC5, 0xEC, 0x79, 0x8E, 0x59, 0xBC, 0xF4}}},
         {iidWmpPluginEnable,      {0x5FCA444C, 0x7AD1, 0x479D, {0xA4, 0xEF, 0x40, 0x56, 0x6A, 0x53, 0x09, 0xD6}}},
@@ -72,12 +74,15 @@ TEST(Settings, SharpnessChangesWithItsBits) {
 }
 
 TEST(PropertyPages, NameOnePageInTheCallersMemory) {
-    CAUUID pages = {};
-    TestObject object;
-    EXPECT_EQ(E_POINTER, object.pages->GetPages(nullptr));
-    ASSERT_EQ(S_OK, object.pages->GetPages(&pages));
-    EXPECT_TRUE(pages.cElems == 1 && IsEqualGUID(clsidPropertyPage, pages.pElems[0]));
-    CoTaskMemFree(pages.pElems);
+    for (const auto& [classId, page] :
+         {std::pair(clsidMediaObject, clsidPropertyPage), {clsidVideoEffect, clsidVideoEffectPage}}) {
+        CAUUID pages = {};
+        const TestObject object = TestObject::OfClass(classId);
+        EXPECT_EQ(E_POINTER, object.pages->GetPages(nullptr));
+        ASSERT_EQ(S_OK, object.pages->GetPages(&pages));
+        EXPECT_TRUE(pages.cElems == 1 && IsEqualGUID(page, pages.pElems[0]));
+        CoTaskMemFree(pages.pElems);
+    }
 }
 
 TEST(PropertyBag, LeavesTheValueForOtherNamesAndFailures) {

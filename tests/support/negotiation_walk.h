@@ -52,7 +52,10 @@ inline std::string CheckKnown(HRESULT result) {
 /// Plays with one object and the buffers it was given. Pictures stay small enough for thousands of steps.
 class NegotiationWalk {
 public:
-    explicit NegotiationWalk(NumberSource source) : numbers(std::move(source)) {}
+    explicit NegotiationWalk(NumberSource source, const GUID& classId = clsidMediaObject)
+        : numbers(std::move(source)),
+          isEffect(IsEqualGUID(classId, clsidVideoEffect)),
+          object(TestObject::OfClass(classId)) {}
     ~NegotiationWalk() { object.media->Flush(); }
 
     /// Makes one call. The text says what was wrong with what came back, and is empty when all is well.
@@ -81,7 +84,10 @@ private:
     static constexpr int32_t smallest = std::numeric_limits<int32_t>::min();
     static constexpr int32_t largest = std::numeric_limits<int32_t>::max();
     static constexpr std::array oddSides = {0, 1, -1, -16, smallest, largest, 65535, 65537, 46341, 0x10000000};
-    static constexpr std::array subtypes = {mediaSubtypeYv12, mediaSubtypeYuy2, mediaSubtypeIyuv};
+    static constexpr std::array subtypes = {mediaSubtypeYv12, mediaSubtypeYuy2, mediaSubtypeIyuv, mediaSubtypeNv12};
+
+    /// The player's object has no NV12.
+    GUID AnySubtype() { return subtypes[numbers(isEffect ? 4 : 3)]; }
 
     bool OneIn(uint32_t count) { return numbers(count) == 0; }
 
@@ -107,7 +113,9 @@ private:
                              AnyCoordinate(bitmap.biWidth), AnyCoordinate(bitmap.biHeight)};
         }
         if constexpr (requires { type.header.dwPictAspectRatioX; })
-            type.header.dwPictAspectRatioX = numbers(0xFFFFFFFFU), type.header.dwPictAspectRatioY = numbers(3);
+            type.header.dwPictAspectRatioX = numbers(0xFFFFFFFFU), type.header.dwPictAspectRatioY = numbers(3),
+            type.header.dwControlFlags = numbers(0xFFFFFFFFU);
+        if (OneIn(4)) type.header.rcSource = {AnyCoordinate(0), AnyCoordinate(0), AnyCoordinate(40), AnyCoordinate(40)};
         type.hasFormat = !OneIn(20);
         type.formatBytes = OneIn(15) ? numbers(130) : type.formatBytes;
         type.majorType.Data1 ^= OneIn(30) ? 1 : 0;
@@ -118,7 +126,7 @@ private:
     }
 
     std::string SetType() {
-        const GUID subtype = walking::Pick(numbers, subtypes);
+        const GUID subtype = AnySubtype();
         const int32_t width = AnySide();
         const int32_t height = OneIn(4) ? static_cast<int32_t>(0U - static_cast<uint32_t>(AnySide())) : AnySide();
         const HRESULT result = OneIn(2) ? SetAnyType(VideoInfoType(width, height, subtype))
@@ -128,12 +136,13 @@ private:
 
     // What a sensible player does, so that frames run through; the rectangle selects among the layouts of a buffer.
     std::string StartStream() {
-        const auto width = static_cast<int32_t>(16 + numbers(120));
+        const auto width = static_cast<int32_t>(16 + numbers(120)) & (isEffect ? ~1 : ~0);
         const auto height = static_cast<int32_t>(16 + numbers(80));
-        VideoInfo2Type type(width, OneIn(4) ? -height : height, walking::Pick(numbers, subtypes));
+        VideoInfo2Type type(width, OneIn(4) ? -height : height, AnySubtype());
         type.Bitmap().biXPelsPerMeter = static_cast<int32_t>(numbers(2));
         type.header.dwBitRate = numbers(2);
-        if (OneIn(2)) type.Target() = {0, 0, OneIn(2) ? width : width - static_cast<int32_t>(numbers(16)), height};
+        if (OneIn(2))
+            type.Target() = {0, 0, OneIn(2) ? width : std::max(width - static_cast<int32_t>(numbers(16)), 16), height};
         object.settings->put_CVXMode(OneIn(3) ? 0 : 2);
         const bool taken = object.media->SetInputType(0, type.Type(), 0) == S_OK;
         return taken ? AskForOutput() : "a good type was refused";
@@ -159,7 +168,7 @@ private:
         object.settings->put_Sharpness(sharpness);
         object.settings->put_EnableLighting(static_cast<int>(OneIn(2) ? any() : numbers(2)));
         object.settings->put_AllowHD(static_cast<int>(numbers(2)));
-        object.player->SetEnable(OneIn(4) ? FALSE : TRUE);
+        if (object.player != nullptr) object.player->SetEnable(OneIn(4) ? FALSE : TRUE);
         object.settings->get_Sharpness(&told);
         return walking::Check(std::bit_cast<uint32_t>(told) == std::bit_cast<uint32_t>(sharpness),
                               "a setting is not what was put");
@@ -215,6 +224,7 @@ private:
     }
 
     NumberSource numbers;
+    const bool isEffect;
     TestObject object;
     std::unique_ptr<FakeBuffer> in;  // what the object may hold
     int framesMade = 0;
