@@ -6,7 +6,7 @@
 
 namespace clarivex {
 
-/// Whether the media objects of this process show the caption. They do until told otherwise. May be called
+/// Whether the player's media objects of this process show the caption. They do until told otherwise. May be called
 /// while frames are processed.
 void ShowCaption(bool on);
 

@@ -22,7 +22,8 @@ struct ICVXSettings : public IUnknown {
     virtual HRESULT STDMETHODCALLTYPE get_CVXMode(unsigned* value) = 0;
     virtual HRESULT STDMETHODCALLTYPE put_CVXMode(unsigned value) = 0;
 
-    /// 0 refuses streams of 1024 × 576 pixels and more; read as 0 or 1.
+    /// 0 leaves out streams of 1024 × 576 pixels and more: the player's object refuses them, the video effect passes their
+    /// frames on as they are. Read as 0 or 1.
     virtual HRESULT STDMETHODCALLTYPE get_AllowHD(int* value) = 0;
     virtual HRESULT STDMETHODCALLTYPE put_AllowHD(int value) = 0;
 

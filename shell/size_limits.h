@@ -1,4 +1,5 @@
-// Whether media objects enhance pictures of every size, for programs with the plug-in linked in.
+// Whether the player's media objects enhance pictures of every size, for programs with the plug-in linked in. The video effect
+// has a setting of its own for that.
 #pragma once
 
 namespace clarivex {

@@ -118,14 +118,14 @@ std::vector<OfferSeen> OffersFor(Type type, unsigned mode, int allowHd) {
 
 TEST(VideoEffect, OffersTheEnlargedPictureThenTheOtherAndTellsColoursThatHeightWouldChange) {
     constexpr DWORD bt601 = 0x10081, bt709 = 0xA8081;  // matrix 2 in bits 15 to 17; all that was told
-    VideoInfo2Type large(720, 480, mediaSubtypeNv12), told = large, small(400, 300, mediaSubtypeNv12);
+    VideoInfo2Type large(720, 480, mediaSubtypeNv12), told = large, small(512, 384, mediaSubtypeNv12);
     told.header.dwControlFlags = bt709;
     small.header.dwControlFlags = 1;
     const VideoInfoType first(720, 480, mediaSubtypeNv12), high(1280, 720, mediaSubtypeYuy2);
     using Offers = std::vector<OfferSeen>;
     EXPECT_EQ((Offers{{{1080, 720}, true, bt601}, {{720, 480}, true, 0}}), OffersFor(large, 2, 0));
     EXPECT_EQ((Offers{{{1080, 720}, true, bt709}, {{720, 480}, true, bt709}}), OffersFor(told, 2, 0));
-    EXPECT_EQ((Offers{{{600, 450}, true, 1}, {{400, 300}, true, 1}}), OffersFor(small, 2, 0));
+    EXPECT_EQ((Offers{{{768, 576}, true, 1}, {{512, 384}, true, 1}}), OffersFor(small, 2, 0));
     EXPECT_EQ((Offers{{{1080, 720}, true, bt601}, {{1080, 720}, false, 0}, {{720, 480}, false, 0}}),
               OffersFor(first, 2, 0));
     EXPECT_EQ((Offers{{{720, 480}, false, 0}}), OffersFor(first, 0, 0));
@@ -305,6 +305,13 @@ TEST(VideoEffect, KeepsItsSettingsInAStreamAndTakesNoneFromABadOne) {
         file.Become({good.begin(), good.begin() + static_cast<ptrdiff_t>(std::min(spoilt, good.size() - 1))});
         EXPECT_EQ(E_FAIL, loaded->Load(&file)) << spoilt;
     }
+    for (const int flipped : {1, 2, 4}) {  // every switch is taken over
+        file.Become(good);
+        file.bytes[16] = static_cast<uint8_t>(good[16] ^ flipped);
+        EXPECT_EQ(std::pair(S_OK, S_FALSE), std::pair(loaded->Load(&file), loaded->IsDirty()));
+    }
+    file.Become(good);
+    EXPECT_EQ(S_OK, loaded->Load(&file));
     float sharpness = 0;
     unsigned mode = 0;
     int allowHd = 0, lighting = 1;

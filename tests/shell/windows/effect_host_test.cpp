@@ -117,13 +117,25 @@ std::vector<uint8_t> TakeFrames(TestGraph& graph, const PictureKind& kind, const
 class GraphRun {
 public:
     GraphRun(TestGraph& graph, const EffectFormat& format, const HostRoom& in, const HostRoom& out, bool enlarged)
-        : graph(graph), source({sourceSize, format.format}), in(in), out(out), picture(source) {
+        : graph(graph),
+          effectSubtype(format.subtype),
+          source({sourceSize, format.format}),
+          in(in),
+          out(out),
+          picture(source) {
         target = {enlarged ? FrameSize{96, 72} : sourceSize, format.format};
         VideoInfo2Type inType = TypeInRoom<VideoInfo2Type>(sourceSize, in, format.subtype);
         auto outType = TypeInRoom<VideoInfo2Type>(target.size, out, format.subtype);
         const bool plain =
             out.RowSamples(target.size) == target.size.width && out.Rows(target.size) == target.size.height;
-        graph.Connect(*inType.Type(), BytesOfRoom(source, in), plain ? nullptr : outType.Type());
+        graph.Connect(*inType.Type(), BytesOfRoom(source, widest), plain ? nullptr : outType.Type());
+    }
+
+    /// As the system's wrapper does when a sample brings a type along; Wine's does not look at it.
+    void ChangeRows(const HostRoom& room) {
+        const auto media = Ask<IMediaObject>(graph.Effect(), iidMediaObject);
+        in = room;
+        EXPECT_EQ(S_OK, media->SetInputType(0, TypeInRoom<VideoInfo2Type>(sourceSize, in, effectSubtype).Type(), 0));
     }
 
     std::vector<uint8_t> Play(size_t first, size_t count) {
@@ -137,7 +149,10 @@ public:
     }
 
 private:
+    static constexpr HostRoom widest = {0, 0, 64, 64};
+
     TestGraph& graph;
+    const GUID effectSubtype;
     PictureKind source, target;
     HostRoom in, out;
     GuardedPicture picture;
@@ -155,6 +170,7 @@ TEST_F(VideoEffectHost, PlaysTheLibrarysFramesInAGraphThroughSeeksStopsAndOtherT
                 graph.Run();
                 auto frames = run.Play(0, 2);
                 graph.Seek();
+                run.ChangeRows(rooms[next % 2]);
                 const auto sought = run.Play(2, 1);
                 graph.Stop();
                 graph.Run();
