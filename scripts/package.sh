@@ -4,18 +4,9 @@
 set -eu
 folder=$(realpath "${1:-$(dirname "$0")/../build}")
 cd "$(dirname "$0")"
-
-version=$(sed -n 's/.*versionText = "\(.*\)".*/\1/p' "$folder/windows-x86/generated/runtime/version.h")
+. package/windows_files.sh
 name=clarivex-$version-windows
-stage=$(mktemp -d)
-trap 'rm -rf "$stage"' EXIT
 
-# Without the debug information, which is most of a file.
-strip_into() {
-    local target=$stage/$name/$3
-    mkdir -p "$(dirname "$target")"
-    "$1-w64-mingw32-strip" -o "$target" "$folder/$2"
-}
 strip_into i686 windows-x86/clarivex.exe clarivex.exe
 strip_into i686 windows-x86/WMP_CVX.dll x86/WMP_CVX.dll
 strip_into x86_64 windows-x64/WMP_CVX.dll x64/WMP_CVX.dll
