@@ -3,7 +3,7 @@
 # setup.sh [native | all | package | fuzz | lint | format]
 #   native  builds, tests, benches and the demo on Linux
 #   all     native, and both Windows builds and their tests under Wine, and emulated older processors
-#   package native, and what packs and checks the Debian packages
+#   package native, and what packs the Windows installer and packs and checks the Debian packages
 #   fuzz    native, and clang with its fuzzing engine
 #   lint    native, and the formatter and the linter
 #   format  the formatter alone
@@ -20,7 +20,7 @@ all)
     packages+=(g++-mingw-w64-i686-posix binutils-mingw-w64-i686 g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64)
     packages+=(wine wine64 wine32:i386 qemu-user)
     ;;
-package) packages+=(dpkg-dev lintian groff-base) ;;
+package) packages+=(dpkg-dev lintian groff-base nsis) ;;
 fuzz) packages+=(clang libclang-rt-dev) ;;
 lint) packages+=(clang-format clang-tidy) ;;
 format) packages=(clang-format) ;;
