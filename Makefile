@@ -39,14 +39,17 @@ bench:
 	build/native/clarivex_bench $(ARGS)
 	bench/compare
 
-# Makes build/clarivex-VERSION-windows.zip, with both DLLs, the command line, and how to install them, and the Debian packages
-# clarivex, libclarivex1, libclarivex-dev and gstreamer1.0-clarivex (build/NAME_VERSION_amd64.deb), which are installed, tried
-# and removed in a folder of their own
+# Makes build/clarivex-VERSION-windows.zip, with both DLLs, the command line, and how to install them, the same as an installer,
+# build/clarivex-VERSION-setup.exe, which is tried under Wine, and the Debian packages clarivex, libclarivex1, libclarivex-dev and
+# gstreamer1.0-clarivex (build/NAME_VERSION_amd64.deb), which are installed, tried and removed in a folder of their own
 package: setup
 	scripts/setup.sh package
 	scripts/build.sh windows-x86 clarivex WMP_CVX clarivex_video
 	scripts/build.sh windows-x64 WMP_CVX clarivex_video
 	scripts/package.sh
+	scripts/build.sh windows-x86 fake_registrar without_rights
+	scripts/build.sh windows-x64 fake_registrar
+	scripts/package_setup.sh
 	scripts/build.sh native clarivex packed clarivex_shared gstclarivex clarivex_player
 	scripts/package_deb.sh
 

@@ -19,3 +19,13 @@ add_dependencies(programs ffmpeg_bridge)
 add_test(NAME clarivex_films
     COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/host/windows/film_test.sh
         ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:clarivex> $<TARGET_FILE:ffmpeg_bridge>)
+
+# For the check of the installer: Wine has no player, and everybody there is an administrator.
+add_library(fake_registrar MODULE EXCLUDE_FROM_ALL setup/fake_registrar.cpp)
+set_target_properties(fake_registrar PROPERTIES PREFIX "")
+target_link_options(fake_registrar PRIVATE -Wl,--kill-at)  # exported by its plain name
+add_executable(without_rights EXCLUDE_FROM_ALL setup/without_rights.cpp)
+foreach(helper fake_registrar without_rights)
+    show_folder(${helper} PRIVATE tests)
+    target_link_libraries(${helper} PRIVATE clarivex::platform)
+endforeach()
