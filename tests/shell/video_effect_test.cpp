@@ -308,7 +308,8 @@ TEST(VideoEffect, KeepsItsSettingsInAStreamAndTakesNoneFromABadOne) {
     for (const int flipped : {1, 2, 4}) {  // every switch is taken over
         file.Become(good);
         file.bytes[16] = static_cast<uint8_t>(good[16] ^ flipped);
-        EXPECT_EQ(std::pair(S_OK, S_FALSE), std::pair(loaded->Load(&file), loaded->IsDirty()));
+        EXPECT_EQ(S_OK, loaded->Load(&file));
+        EXPECT_EQ(S_FALSE, loaded->IsDirty());
     }
     file.Become(good);
     EXPECT_EQ(S_OK, loaded->Load(&file));
