@@ -73,7 +73,9 @@ public:
     /// The target's bytes; what stands around the picture has to stay.
     std::vector<uint8_t> Play(const GuardedPicture& picture) {
         constexpr uint8_t filler = 0x5B;
-        FakeBuffer from(BytesOfRoom(source, in), filler), to(BytesOfRoom(target, out), filler);
+        const size_t inBytes = BytesOfRoom(source, in), outBytes = BytesOfRoom(target, out);
+        const GuardedPages inPages(inBytes), outPages(outBytes);
+        FakeBuffer from(inPages.Last(inBytes), filler), to(outPages.Last(outBytes), filler);
         picture.ForEachByte([&](int32_t plane, int32_t x, int32_t y, uint8_t byte) {
             from.Bytes()[PlaceInRoom(source, in, plane, x, y)] = byte;
         });
