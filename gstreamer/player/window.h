@@ -9,8 +9,9 @@
 #include "gstreamer/player/handles.h"
 #include "play/keys.h"
 
-struct _XDisplay;
-union _XEvent;
+// What Xlib calls them; its header brings macros along, and so stays out of ours.
+struct _XDisplay;  // NOLINT(bugprone-reserved-identifier)
+union _XEvent;     // NOLINT(bugprone-reserved-identifier)
 
 namespace clarivex {
 
