@@ -95,19 +95,23 @@ void Film::TakeMessage(GstMessage* message) {
 }
 
 void Film::Arrive() {
-    if (!hasBegun)
-        Begin();
-    else
-        seeker.Arrived();
+    seeker.Arrived();
+    if (hasBegun) return;
+    if (!Picture()) return events.failed(missing.Empty() ? "holds no video" : missing.Text());
+    if (isSized || !GoToBeginning()) Begin();
 }
 
-/// The first picture is there, or it is known that there will be none.
+/// Whether another picture than the one at hand is to be the first that is seen. It is asked for then.
+bool Film::GoToBeginning() {
+    isSized = true;
+    const bool isFitted = !video.Redraw(events.sized());
+    return (beginAt > 0 || !isFitted) && seeker.To(beginAt);
+}
+
 void Film::Begin() {
-    if (!Picture()) return events.failed(missing.Empty() ? "holds no video" : missing.Text());
     hasBegun = true;
     NoteOddities();
     events.begun();
-    if (beginAt > 0) seeker.To(beginAt);
     Run();
 }
 
@@ -142,7 +146,7 @@ void Film::Fail(GstMessage* message) {
 /// The sound device has failed: the film begins anew without it, where it stood.
 void Film::GoOnInSilence() {
     if (hasBegun) beginAt = Position();
-    hasBegun = false;
+    hasBegun = isSized = false;
     seeker.Arrived();
     gst_element_set_state(playbin.get(), GST_STATE_READY);
     sound = MakeSilence();

@@ -20,7 +20,8 @@ namespace clarivex {
 
 /// What a film tells, from the main loop.
 struct FilmEvents {
-    std::function<void()> begun;  ///< its first picture is there
+    std::function<Extent()> sized;  ///< the size of its pictures is known; gives the window's size, now made for them
+    std::function<void()> begun;    ///< the first picture to be shown is there
     std::function<void()> ended;
     std::function<void(const std::string& why)> failed;
     std::function<void(const std::string& text)> noted;  ///< something is not as one would expect
@@ -62,6 +63,7 @@ private:
 
     void TakeMessage(GstMessage* message);
     void Arrive();
+    bool GoToBeginning();
     void Begin();
     void NoteOddities();
     void Buffer(GstMessage* message);
@@ -79,6 +81,7 @@ private:
     Reference<GstElement> playbin;
     Seeker seeker;
     MissingPlugins missing;
+    bool isSized = false;
     bool hasBegun = false;
     bool isBuffering = false;
     LoopSource messages;

@@ -45,7 +45,8 @@ WindowEvents Player::MakeWindowEvents() {
 }
 
 FilmEvents Player::MakeFilmEvents() {
-    return {.begun = [this] { window.Show(source.title, *film.Picture()); },
+    return {.sized = [this] { return window.MakeFor(*film.Picture()); },
+            .begun = [this] { window.Show(source.title); },
             .ended = [this] { End(); },
             .failed =
                 [this](const std::string& why) {

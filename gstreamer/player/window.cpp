@@ -126,13 +126,21 @@ void Window::SetTitle(const std::string& title) {
                     reinterpret_cast<const unsigned char*>(title.data()), static_cast<int>(title.size()));
 }
 
-void Window::Show(const std::string& title, const Extent& picture) {
+Extent Window::MakeFor(const Extent& picture) {
     Display* const to = display.get();
+    if (isShown && isFull) return size;
     const Extent screen{DisplayWidth(to, DefaultScreen(to)), DisplayHeight(to, DefaultScreen(to))};
     const bool fits = picture.width <= screen.width && picture.height <= screen.height;
     size = fits ? picture : FitInto(picture, screen);
-    SetTitle(title);
     XResizeWindow(to, id, static_cast<unsigned>(size.width), static_cast<unsigned>(size.height));
+    XSync(to, False);  // sinks ask for it on connections of their own
+    return size;
+}
+
+void Window::Show(const std::string& title) {
+    Display* const to = display.get();
+    SetTitle(title);
+    if (isShown) return;
     if (isFull && atoms->hasManager)
         XChangeProperty(to, id, atoms->state, XA_ATOM, 32, PropModeReplace,
                         reinterpret_cast<const unsigned char*>(&atoms->fullScreen), 1);

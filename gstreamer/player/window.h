@@ -37,8 +37,12 @@ public:
     /// As it was last told.
     Extent Size() const { return size; }
 
-    /// Shows the window, as large as the picture or, where that is larger than the screen, as large as fits there.
-    void Show(const std::string& title, const Extent& picture);
+    /// Makes the window as large as the picture or, where that is larger than the screen, as large as fits there; where it
+    /// covers the screen, it stays. Returns its size.
+    Extent MakeFor(const Extent& picture);
+
+    /// A second call changes the title.
+    void Show(const std::string& title);
 
     /// Through the window manager; without one the window covers the screen. May be called before it is shown.
     void SetFullScreen(bool on);

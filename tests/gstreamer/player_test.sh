@@ -78,7 +78,7 @@ columns() { ffmpeg -v error -i "$1.png" -vf "crop=$3:240:$2:0" -pix_fmt rgb24 -f
 same() { cmp -s <(columns "$1" "$3" "$4") <(columns "$2" "$3" "$4"); }                          # NAME NAME FIRST COUNT
 says() { eventually grep -q "$1" said || fail "it does not say '$1'"; }
 ends() { eventually [ -s ended ] && grep -q "^code $1, icanon$" ended || fail "ended with $(cat ended), not $1, as $2"; }
-window() { xdotool search --name 'film.mkv'; }
+measures() { xdotool search --name film.mkv getwindowgeometry 2>/dev/null | grep -q "$1"; }
 
 # A picture that stands follows its settings. In the split view it is the plain one on the left and the enhanced one on the right.
 is_split_at() { # COLUMN: whether it is, but for columns that share their chroma with the line
@@ -88,7 +88,7 @@ is_split_at() { # COLUMN: whether it is, but for columns that share their chroma
 differs_from() { grab "$1" && ! same "$1" "$2" 0 160 && ! same "$1" "$2" 160 160; }
 play --paused --start 1 --mode never --lighting off --noise off film.mkv
 grep -q 'note: film.mkv: there is no sound device' said || fail 'nothing is said of the missing sound'
-eventually grab enhanced
+grab enhanced
 press e
 says 'enhancement off'
 eventually differs_from plain enhanced || fail 'switching off does not change the picture'
@@ -101,10 +101,10 @@ xdotool key bracketright
 says 'split at 35 %'
 eventually is_split_at 112 || fail 'a key in the window does not move the line'
 xdotool key f
-eventually eval 'xdotool getwindowgeometry $(window) | grep -q 900x600' || fail 'full screen is not the whole screen'
+eventually measures 900x600 || fail 'full screen is not the whole screen'
 xdotool mousemove 249 300 mousedown 1 mouseup 1  # a quarter of the picture, which is 800 wide there
 xdotool key Escape
-eventually eval 'xdotool getwindowgeometry $(window) | grep -q 320x240' || fail 'the window does not get its size back'
+eventually measures 320x240 || fail 'the window does not get its size back'
 eventually is_split_at 80 || fail 'the mouse does not move the line in full screen'
 press '++'
 says 'sharpness 1.2'
@@ -118,8 +118,8 @@ ends 0 'the film does at its end'
 
 # Whatever ends it puts the terminal back.
 play film.mkv
-eventually eval 'xdotool getwindowgeometry $(window) | grep -q 480x360' || fail 'the window is not as large as the picture'
-xdotool windowclose "$(window)"
+eventually measures 480x360 || fail 'the window is not as large as the picture'
+xdotool search --name film.mkv windowclose
 ends 0 'closing the window does'
 play film.mkv
 press '\003'
