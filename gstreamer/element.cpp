@@ -4,14 +4,11 @@
 #include <gst/video/gstvideofilter.h>
 #include <gst/video/video.h>
 
-#include <array>
-#include <bit>
 #include <new>
 #include <utility>
 
 #include "gstreamer/caps_rule.h"
-#include "gstreamer/plain_part.h"
-#include "gstreamer/video_range.h"
+#include "gstreamer/frame_enhancer.h"
 
 namespace clarivex {
 namespace {
@@ -19,21 +16,21 @@ namespace {
 GST_DEBUG_CATEGORY_STATIC(category);
 #define GST_CAT_DEFAULT category
 
+/// What the properties ask for.
+struct Wishes {
+    cvx_settings settings;
+    bool enabled;
+    float split;
+};
+
 /// The element. GObject fills it with zeros and calls neither constructor nor destructor.
 struct GstClarivex {
     GstVideoFilter parent;
 
-    // Guarded by the object's lock.
-    cvx_settings wanted;
-    gboolean enabled;
-    gfloat split;
+    Wishes wishes;  // guarded by the object's lock
 
     // The streaming thread's.
-    cvx_context* context;
-    cvx_settings used;           // by the context
-    PlainPart* plain;            // none before the first frame with a plain part
-    VideoRangeCopy* videoRange;  // none before the first frame of full range
-    gboolean newStream;
+    FrameEnhancer* frames;      // none before the first frame of a size and format
     GstClockTime expectedTime;  // of the next frame
 };
 
@@ -74,7 +71,7 @@ GType ModeType() {
 
 void SetProperty(GObject* object, guint property, const GValue* value, GParamSpec* spec) {
     GstClarivex* element = ElementOf(object);
-    cvx_settings& wanted = element->wanted;
+    auto& [wanted, enabled, split] = element->wishes;
     GST_OBJECT_LOCK(element);
     switch (property) {
         case Property::sharpness: wanted.sharpness = g_value_get_float(value); break;
@@ -82,8 +79,8 @@ void SetProperty(GObject* object, guint property, const GValue* value, GParamSpe
         case Property::mode: wanted.mode = g_value_get_enum(value); break;
         case Property::noise: wanted.noise = g_value_get_boolean(value); break;
         case Property::caption: wanted.caption = g_value_get_boolean(value); break;
-        case Property::enabled: element->enabled = g_value_get_boolean(value); break;
-        case Property::split: element->split = g_value_get_float(value); break;
+        case Property::enabled: enabled = g_value_get_boolean(value) != 0; break;
+        case Property::split: split = g_value_get_float(value); break;
         default: G_OBJECT_WARN_INVALID_PROPERTY_ID(object, property, spec); break;
     }
     GST_OBJECT_UNLOCK(element);
@@ -94,7 +91,7 @@ void SetProperty(GObject* object, guint property, const GValue* value, GParamSpe
 
 void GetProperty(GObject* object, guint property, GValue* value, GParamSpec* spec) {
     GstClarivex* element = ElementOf(object);
-    const cvx_settings& wanted = element->wanted;
+    const auto& [wanted, enabled, split] = element->wishes;
     GST_OBJECT_LOCK(element);
     switch (property) {
         case Property::sharpness: g_value_set_float(value, wanted.sharpness); break;
@@ -102,34 +99,26 @@ void GetProperty(GObject* object, guint property, GValue* value, GParamSpec* spe
         case Property::mode: g_value_set_enum(value, wanted.mode); break;
         case Property::noise: g_value_set_boolean(value, wanted.noise); break;
         case Property::caption: g_value_set_boolean(value, wanted.caption); break;
-        case Property::enabled: g_value_set_boolean(value, element->enabled); break;
-        case Property::split: g_value_set_float(value, element->split); break;
+        case Property::enabled: g_value_set_boolean(value, enabled); break;
+        case Property::split: g_value_set_float(value, split); break;
         default: G_OBJECT_WARN_INVALID_PROPERTY_ID(object, property, spec); break;
     }
     GST_OBJECT_UNLOCK(element);
 }
 
-/// What the properties ask for, all of one moment.
-cvx_settings Wanted(GstClarivex* element, bool& isEnabled) {
+/// All of one moment.
+Wishes WishesOf(GstClarivex* element) {
     GST_OBJECT_LOCK(element);
-    const cvx_settings wanted = element->wanted;
-    isEnabled = element->enabled != 0;
+    const Wishes wishes = element->wishes;
     GST_OBJECT_UNLOCK(element);
-    return wanted;
-}
-
-bool IsEnabled(GstClarivex* element) {
-    bool isEnabled = false;
-    Wanted(element, isEnabled);
-    return isEnabled;
+    return wishes;
 }
 
 // Negotiation.
 
 GstCaps* TransformPadCaps(GstBaseTransform* base, GstPadDirection direction, GstCaps* caps, GstCaps* filter) {
-    bool isEnabled = false;
-    const cvx_settings wanted = Wanted(ElementOf(base), isEnabled);
-    GstCaps* others = isEnabled ? TransformCaps(direction, caps, wanted.mode) : gst_caps_ref(caps);
+    const Wishes wishes = WishesOf(ElementOf(base));
+    GstCaps* others = wishes.enabled ? TransformCaps(direction, caps, wishes.settings.mode) : gst_caps_ref(caps);
     GST_DEBUG_OBJECT(base, "%" GST_PTR_FORMAT " becomes %" GST_PTR_FORMAT, caps, others);
     if (filter == nullptr) return others;
     GstCaps* allowed = gst_caps_intersect_full(filter, others, GST_CAPS_INTERSECT_FIRST);
@@ -137,18 +126,12 @@ GstCaps* TransformPadCaps(GstBaseTransform* base, GstPadDirection direction, Gst
     return allowed;
 }
 
-bool HaveSameSize(const GstVideoInfo& a, const GstVideoInfo& b) { return a.width == b.width && a.height == b.height; }
-
 void LetPass(GstClarivex* element, const GstVideoInfo& in, const GstVideoInfo& out) {
-    gst_base_transform_set_passthrough(GST_BASE_TRANSFORM(element), !IsEnabled(element) && HaveSameSize(in, out));
+    gst_base_transform_set_passthrough(GST_BASE_TRANSFORM(element),
+                                       !WishesOf(element).enabled && HaveSameSize(in, out));
 }
 
-void EndStream(GstClarivex* element) {
-    cvx_destroy(element->context);
-    element->context = nullptr;
-    delete std::exchange(element->plain, nullptr);
-    delete std::exchange(element->videoRange, nullptr);
-}
+void EndStream(GstClarivex* element) { delete std::exchange(element->frames, nullptr); }
 
 gboolean SetInfo(GstVideoFilter* filter, GstCaps* /*inCaps*/, GstVideoInfo* in, GstCaps* /*outCaps*/,
                  GstVideoInfo* out) {
@@ -162,96 +145,14 @@ gboolean SetInfo(GstVideoFilter* filter, GstCaps* /*inCaps*/, GstVideoInfo* in, 
 
 // Frames.
 
-int32_t LibraryFormat(const GstVideoInfo& info) {
-    switch (GST_VIDEO_INFO_FORMAT(&info)) {
-        case GST_VIDEO_FORMAT_NV12: return CVX_FORMAT_NV12;
-        case GST_VIDEO_FORMAT_YUY2: return CVX_FORMAT_YUY2;
-        default: return CVX_FORMAT_YV12;  // I420 too: its chroma is told apart by the pointers
-    }
-}
-
-/// cvx_source or cvx_target of a frame.
-template <class Picture>
-Picture PlanesOf(GstVideoFrame* frame) {
-    const GstVideoInfo& info = frame->info;
-    const bool planar = LibraryFormat(info) == CVX_FORMAT_YV12;
-    const guint order[] = {0, planar ? GST_VIDEO_INFO_COMP_PLANE(&info, GST_VIDEO_COMP_V) : 1U,
-                           static_cast<guint>(GST_VIDEO_INFO_COMP_PLANE(&info, GST_VIDEO_COMP_U))};
-    Picture picture{};
-    for (guint i = 0; i < GST_VIDEO_INFO_N_PLANES(&info); ++i) {
-        picture.plane[i] = static_cast<uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(frame, order[i]));
-        picture.stride[i] = GST_VIDEO_FRAME_PLANE_STRIDE(frame, order[i]);
-    }
-    return picture;
-}
-
-/// The settings of frames between these caps. The sizes decide what the mode comes to: the property may be ahead of them.
-cvx_settings SettingsFor(GstClarivex* element, const GstVideoInfo& in, const GstVideoInfo& out) {
-    bool isEnabled = false;
-    cvx_settings settings = Wanted(element, isEnabled);
-    settings.mode = HaveSameSize(in, out) ? CVX_MODE_NEVER : CVX_MODE_ALWAYS;
-    constexpr double largestAspect = 64;
-    const double aspect = static_cast<double>(in.par_n) / in.par_d;
-    settings.pixel_aspect = static_cast<float>(CLAMP(aspect, 1 / largestAspect, largestAspect));
-    return settings;
-}
-
-bool AreEqual(const cvx_settings& a, const cvx_settings& b) {
-    using Bytes = std::array<uint8_t, sizeof a>;
-    return std::bit_cast<Bytes>(a) == std::bit_cast<Bytes>(b);
-}
-
-/// Makes the context, or lets it follow what has changed since the last frame.
-cvx_result Prepare(GstClarivex* element, const GstVideoInfo& in, const GstVideoInfo& out) {
-    const cvx_settings settings = SettingsFor(element, in, out);
-    cvx_result result = CVX_OK;
-    if (element->context == nullptr) {
-        result = cvx_create(in.width, in.height, LibraryFormat(in), &settings, &element->context);
-    } else {
-        if (!AreEqual(settings, element->used)) result = cvx_set_settings(element->context, &settings);
-        if (result == CVX_OK && element->newStream) result = cvx_reset(element->context);
-    }
-    if (result != CVX_OK) return result;
-    element->used = settings;
-    element->newStream = FALSE;
-    return CVX_OK;
-}
-
-void DrawPlainPart(GstClarivex* element, GstVideoFrame* in, GstVideoFrame* out) {
-    GST_OBJECT_LOCK(element);
-    const double part = element->split;
-    GST_OBJECT_UNLOCK(element);
-    if (part <= 0) return;
-    if (element->plain == nullptr) element->plain = new PlainPart{};
-    element->plain->Draw(part, *in, *out);
-}
-
-int64_t TimeOf(const GstBuffer* buffer) {
-    return GST_BUFFER_PTS_IS_VALID(buffer) ? static_cast<int64_t>(GST_BUFFER_PTS(buffer)) : CVX_NO_TIME;
-}
-
-/// The frame, or what it is in video range.
-cvx_result BringToVideoRange(GstClarivex* element, GstVideoFrame& frame) {
-    if (!IsFullRange(frame.info.colorimetry)) return CVX_OK;
-    if (element->videoRange == nullptr) element->videoRange = new (std::nothrow) VideoRangeCopy;
-    const bool made = element->videoRange != nullptr && element->videoRange->Make(frame, frame);
-    return made ? CVX_OK : CVX_ERROR_MEMORY;
-}
-
 GstFlowReturn TransformFrame(GstVideoFilter* filter, GstVideoFrame* in, GstVideoFrame* out) {
     GstClarivex* element = ElementOf(filter);
-    GstVideoFrame read = *in;
-    cvx_result result = BringToVideoRange(element, read);
-    if (result == CVX_OK) result = Prepare(element, in->info, out->info);
-    if (result == CVX_OK) {
-        const auto source = PlanesOf<cvx_source>(&read);
-        const auto target = PlanesOf<cvx_target>(out);
-        result = cvx_process(element->context, &source, &target, TimeOf(in->buffer));
-    }
-    if (result == CVX_OK) {
-        DrawPlainPart(element, &read, out);
-        return GST_FLOW_OK;
-    }
+    if (element->frames == nullptr) element->frames = new (std::nothrow) FrameEnhancer;
+    const Wishes wishes = WishesOf(element);
+    const cvx_result result = element->frames != nullptr
+                                  ? element->frames->Enhance(wishes.settings, wishes.split, *in, *out)
+                                  : CVX_ERROR_MEMORY;
+    if (result == CVX_OK) return GST_FLOW_OK;
     GST_ELEMENT_ERROR(
         element, LIBRARY, FAILED,
         ("A frame of %dx%d cannot be enhanced: %s.", in->info.width, in->info.height, cvx_error_text(result)),
@@ -261,6 +162,10 @@ GstFlowReturn TransformFrame(GstVideoFilter* filter, GstVideoFrame* in, GstVideo
 
 // The stream.
 
+void BeginAnew(GstClarivex* element) {
+    if (element->frames != nullptr) element->frames->BeginAnew();
+}
+
 /// Whether the frame stands at another place of the film than behind the one before.
 bool IsBreak(const GstClarivex* element, const GstBuffer* buffer) {
     if (!GST_BUFFER_FLAG_IS_SET(buffer, GST_BUFFER_FLAG_DISCONT)) return false;
@@ -269,7 +174,7 @@ bool IsBreak(const GstClarivex* element, const GstBuffer* buffer) {
 }
 
 void FollowTime(GstClarivex* element, const GstBuffer* buffer) {
-    if (IsBreak(element, buffer)) element->newStream = TRUE;
+    if (IsBreak(element, buffer)) BeginAnew(element);
     element->expectedTime = GST_BUFFER_PTS(buffer);
     if (GST_BUFFER_PTS_IS_VALID(buffer) && GST_BUFFER_DURATION_IS_VALID(buffer))
         element->expectedTime += GST_BUFFER_DURATION(buffer);
@@ -289,7 +194,7 @@ void BeforeTransform(GstBaseTransform* base, GstBuffer* buffer) {
 
 gboolean SinkEvent(GstBaseTransform* base, GstEvent* event) {
     // One stands at the beginning of each film, and behind each flush.
-    if (GST_EVENT_TYPE(event) == GST_EVENT_SEGMENT) ElementOf(base)->newStream = TRUE;
+    if (GST_EVENT_TYPE(event) == GST_EVENT_SEGMENT) BeginAnew(ElementOf(base));
     return parentClass->sink_event(base, event);
 }
 
@@ -358,8 +263,9 @@ void InitialiseClass(gpointer type, gpointer /*data*/) {
 
 void InitialiseElement(GTypeInstance* instance, gpointer /*type*/) {
     GstClarivex* element = ElementOf(instance);
-    cvx_settings_init(&element->wanted, sizeof element->wanted);
-    element->enabled = TRUE;
+    cvx_settings& settings = element->wishes.settings;
+    cvx_settings_init(&settings, sizeof settings);
+    element->wishes.enabled = true;
     element->expectedTime = GST_CLOCK_TIME_NONE;
 }
 
