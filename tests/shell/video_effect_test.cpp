@@ -250,7 +250,7 @@ public:
 
     HRESULT STDMETHODCALLTYPE Read(void* target, ULONG count, ULONG* read) override {
         *read = std::min({count, atOnce, static_cast<ULONG>(bytes.size() - place)});
-        std::memcpy(target, bytes.data() + place, *read);
+        std::copy_n(bytes.begin() + static_cast<ptrdiff_t>(place), *read, static_cast<uint8_t*>(target));
         place += *read;
         return *read == count ? S_OK : S_FALSE;
     }
