@@ -85,13 +85,17 @@ private:
         }
     }
 
+    /// Chroma may lie in other memory than luma, whose end is known.
+    static void CopyChroma(const Plane& to, const PlaneView& from) {
+        CopyPlane(to, from, {.targetEnd = nullptr, .sourceEnd = from.End()});
+    }
+
     void KeepSize() {
-        const CopyBounds bounds{.targetEnd = nullptr, .sourceEnd = work.end};
         if ((plan.planes & lumaPlane) != 0)
             EnhanceUnscaled(target, work, plan.postFilter.taps, plan.unscaledColumns, state.workspace.unscaled,
                             kernels);
-        if ((plan.planes & secondPlane) != 0) CopyPlane(target.second, work.planes.second, bounds);
-        if ((plan.planes & thirdPlane) != 0) CopyPlane(target.third, work.planes.third, bounds);
+        if ((plan.planes & secondPlane) != 0) CopyChroma(target.second, work.planes.second);
+        if ((plan.planes & thirdPlane) != 0) CopyChroma(target.third, work.planes.third);
     }
 
     PictureScaler Scaler() const {

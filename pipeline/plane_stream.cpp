@@ -46,10 +46,6 @@ size_t ChromaBytes(const FrameSize& size) {
     return 2 * static_cast<size_t>((size.width + 1) / 2) * static_cast<size_t>((size.height + 1) / 2);
 }
 
-const uint8_t* EndOf(const PlaneView& plane) {
-    return plane.Row(plane.stride < 0 ? 0 : plane.height - 1) + plane.width;
-}
-
 void JoinPairs(const ImagePlanes& planes, const TargetPlanes& target, const KernelTable& kernels) {
     for (int32_t y = 0; y < planes.second.height; ++y)
         kernels.interleave(planes.third.Row(y), planes.second.Row(y), target.plane[1] + y * target.stride[1],
@@ -122,10 +118,10 @@ void PlaneStream::ReadPlanes(const PlaneRequest& request, const SourcePlanes& so
     }
     planes = PlanarView<PictureView>(source, form.size);
     if (HasPairs(form)) SplitPairs(request, source, planes);
-    layout.inputEnd = EndOf(planes.luma);
+    layout.inputEnd = planes.luma.End();
     if (form.size.width % groupSamples == 0) return;
     planes.luma = WithPluginsNeighbours(planes.luma, planes.second);
-    layout.inputEnd = EndOf(planes.luma) + groupSamples;
+    layout.inputEnd = planes.luma.End() + groupSamples;
 }
 
 /// The last group of a row looks at what stands behind the row: in the plug-in's buffers the next one, and the second plane

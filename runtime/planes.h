@@ -25,6 +25,9 @@ struct PlaneView {
     int32_t stride = 0;
 
     const uint8_t* Row(int32_t y) const { return data + static_cast<ptrdiff_t>(y) * stride; }
+
+    /// Behind the last byte of the row that stands highest in memory.
+    const uint8_t* End() const { return height == 0 ? data : Row(stride < 0 ? 0 : height - 1) + width; }
 };
 
 /// The same of samples that may be written.

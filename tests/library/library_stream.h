@@ -25,7 +25,8 @@ public:
     static constexpr uint8_t filler = 0xA5;
 
     explicit GuardedPicture(const PictureKind& kind, const MemoryShape& shape = {}) : kind(kind) {
-        for (int32_t plane = 0; plane < PlaneCount(kind.format); ++plane) {
+        // The last first: Linux hands out memory downwards, Windows upwards, and no order may matter.
+        for (int32_t plane = PlaneCount(kind.format) - 1; plane >= 0; --plane) {
             const PlaneShape size = ShapeOf(kind, plane);
             const int32_t stride = size.rowBytes + shape.gap;
             const auto bytes = static_cast<size_t>(stride * (size.rows - 1) + size.rowBytes);
