@@ -83,8 +83,7 @@ ends 0 "$setup" /S
 for bits in 32:x86 64:x64; do
     for module in "$plugin:WMP_CVX.dll" "$effect:clarivex_video.dll"; do
         path=${bits#*:}\\${module#*:}
-        [ ! -e "$build/windows-x86/${module#*:}" ] ||
-            [ "$(value "${bits%:*}" "$classes\\${module%:*}\\InprocServer32")" = "C:\\Program Files\\Clarivex\\$path" ] ||
+        [ "$(value "${bits%:*}" "$classes\\${module%:*}\\InprocServer32")" = "C:\\Program Files\\Clarivex\\$path" ] ||
             fail "$path is not registered for ${bits%:*} bits"
     done
     wine reg query "HKLM\\Software\\Fake Player\\$plugin" "/reg:${bits%:*}" >/dev/null || fail "the player of ${bits%:*} bits does not list it"

@@ -8,18 +8,12 @@ cd "$(dirname "$0")"
 name=clarivex-$version-setup
 
 strip_into i686 windows-x86/clarivex.exe clarivex.exe
-modules=(WMP_CVX.dll)
-effect=()
-if [ -e "$folder/windows-x86/clarivex_video.dll" ]; then
-    modules+=(clarivex_video.dll)
-    effect=(-DHAS_EFFECT)
-fi
-for module in "${modules[@]}"; do
+for module in WMP_CVX.dll clarivex_video.dll; do
     strip_into i686 "windows-x86/$module" "x86/$module"
     strip_into x86_64 "windows-x64/$module" "x64/$module"
 done
 
-makensis -V2 -WX -NOCD "-DVERSION=$version" "-DFILES=$stage/$name" "-DOUTPUT=$stage/$name.exe" "${effect[@]}" \
+makensis -V2 -WX -NOCD "-DVERSION=$version" "-DFILES=$stage/$name" "-DOUTPUT=$stage/$name.exe" \
     -X'!addincludedir package' package/setup.nsi
 ./check_setup.sh "$stage/$name.exe" "$folder"
 mv "$stage/$name.exe" "$folder"

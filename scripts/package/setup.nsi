@@ -1,6 +1,6 @@
 ; The Windows installer. What it does to a system is done whole or not at all: new files are laid beside the old ones, the old
 ; ones moved aside (which Windows allows while a player holds them), the new ones moved in and registered; whatever fails until
-; then is taken back. Defines: VERSION, FILES (folder with what to install), OUTPUT, and HAS_EFFECT where there is a video effect.
+; then is taken back. Defines: VERSION, FILES (folder with what to install), OUTPUT.
 ;
 ; /S installs silently, /PARTS=plugin,effect,program chooses. Exit codes are Windows' own: 0 done, 3010 done and a file in use goes
 ; at the next restart, 5 no administrator, 87 unknown part, 1603 failed and taken back, 1618 a setup is running.
@@ -78,11 +78,9 @@ Section "Player plug-in" plugin
     !insertmacro LayModule WMP_CVX.dll
 SectionEnd
 
-!ifdef HAS_EFFECT
 Section "Video effect" effect
     !insertmacro LayModule clarivex_video.dll
 SectionEnd
-!endif
 
 Section "Command line" program
     SetOutPath "$INSTDIR\clarivex-new\bin"
@@ -91,9 +89,7 @@ SectionEnd
 
 !insertmacro MUI_FUNCTION_DESCRIPTION_BEGIN
     !insertmacro MUI_DESCRIPTION_TEXT ${plugin} "Enhances video in Windows Media Player, which must be turned on in Windows' features."
-    !ifdef HAS_EFFECT
-        !insertmacro MUI_DESCRIPTION_TEXT ${effect} "Enhances video in players that list DirectShow's video effects."
-    !endif
+    !insertmacro MUI_DESCRIPTION_TEXT ${effect} "Enhances video in players that list DirectShow's video effects."
     !insertmacro MUI_DESCRIPTION_TEXT ${program} "clarivex.exe, in every command prompt: its folder is added to this machine's PATH."
 !insertmacro MUI_FUNCTION_DESCRIPTION_END
 
@@ -262,18 +258,14 @@ FunctionEnd
 Function ChooseInstalled
     ${If} ${FileExists} "$INSTDIR\uninstall.exe"
         !insertmacro ChooseIfThere plugin x86\WMP_CVX.dll
-        !ifdef HAS_EFFECT
-            !insertmacro ChooseIfThere effect x86\clarivex_video.dll
-        !endif
+        !insertmacro ChooseIfThere effect x86\clarivex_video.dll
         !insertmacro ChooseIfThere program bin\clarivex.exe
     ${EndIf}
 FunctionEnd
 
 Function ChooseGiven
     !insertmacro UnselectSection ${plugin}
-    !ifdef HAS_EFFECT
-        !insertmacro UnselectSection ${effect}
-    !endif
+    !insertmacro UnselectSection ${effect}
     !insertmacro UnselectSection ${program}
     StrCpy $1 0
     ${Do}
@@ -296,17 +288,12 @@ Function ChooseOne
     ${Select} $2
     ${Case} plugin
         !insertmacro SelectSection ${plugin}
-    !ifdef HAS_EFFECT
     ${Case} effect
         !insertmacro SelectSection ${effect}
-    !endif
     ${Case} program
         !insertmacro SelectSection ${program}
     ${Default}
         StrCpy $0 "/PARTS=$given has '$2', which is no part; the parts are plugin, effect, program, with commas between them."
-        !ifndef HAS_EFFECT
-            StrCpy $0 "/PARTS=$given has '$2', which is no part; the parts are plugin, program, with a comma between them."
-        !endif
         Call Say
         SetErrorLevel 87
         Quit
@@ -339,9 +326,7 @@ FunctionEnd
 
 Function RefuseNoPart
     ${IfNot} ${SectionIsSelected} ${plugin}
-    !ifdef HAS_EFFECT
     ${AndIfNot} ${SectionIsSelected} ${effect}
-    !endif
     ${AndIfNot} ${SectionIsSelected} ${program}
         StrCpy $0 "Choose at least one part."
         Call Say
