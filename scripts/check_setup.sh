@@ -32,12 +32,12 @@ says() { grep -q "$1" "$work/said" || fail "instead of '$1' it says: $(cat "$wor
 value() {
     wine reg query "$2" ${3:+/v} "${3:-/ve}" "/reg:$1" 2>/dev/null | tr -d '\r' | sed -nE 's/^    .*    REG_(EXPAND_)?(SZ|DWORD)    //p'
 }
-# Every key and value of the registry, but for the devices that Wine finds anew at each start, and every file, but for the empty
+# Every key and value of the registry, but for the devices and fonts that Wine finds anew at each start, and every file, but for the empty
 # folder among the temporary ones that NSIS leaves of an uninstaller.
 state() {
     wineserver -w
-    awk -v devices='^.System..CurrentControlSet..(Enum|Control..(Class|Video|DeviceClasses))|NetworkCards|^.Hardware' \
-        '/^\[/ { sub(/ [0-9]+$/, ""); counts = $0 !~ devices } counts && !/^#time=/' "$WINEPREFIX"/{system,user,userdef}.reg
+    awk -v found='^.System..CurrentControlSet..(Enum|Control..(Class|Video|DeviceClasses))|NetworkCards|^.Hardware|CurrentVersion..Fonts.$' \
+        '/^\[/ { sub(/ [0-9]+$/, ""); counts = $0 !~ found } counts && !/^#time=/' "$WINEPREFIX"/{system,user,userdef}.reg
     (cd "$WINEPREFIX" && find . -type d ! -name '~nsu*.tmp' -print -o -type f ! -path './*.reg' ! -name .update-timestamp -printf '%p %s\n' | sort)
     find "$place" -type f -exec sha256sum {} + 2>/dev/null | sort
 }
