@@ -31,7 +31,7 @@ Player::Player(const PlaySettings& given)
     WatchSignals();
     window.SetFullScreen(given.fullScreen);
     const auto tick = [](gpointer player) -> gboolean {
-        static_cast<Player*>(player)->ShowStatus();
+        static_cast<Player*>(player)->Tick();
         return G_SOURCE_CONTINUE;
     };
     clock.Take(g_timeout_add(1000 / ticksASecond, tick, this));
@@ -63,6 +63,11 @@ void Player::WatchSignals() {
         return G_SOURCE_CONTINUE;
     };
     signals.Take(g_unix_fd_add(SignalPipe(), G_IO_IN, end, this));
+}
+
+void Player::Tick() {
+    window.HandleEvents();
+    ShowStatus();
 }
 
 void Player::Run() {

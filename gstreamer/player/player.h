@@ -29,6 +29,7 @@ private:
     WindowEvents MakeWindowEvents();
     FilmEvents MakeFilmEvents();
     void WatchSignals();
+    void Tick();
     void End() { g_main_loop_quit(loop.get()); }
 
     void Press(Key key);

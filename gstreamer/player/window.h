@@ -44,6 +44,10 @@ public:
     /// A second call changes the title.
     void Show(const std::string& title);
 
+    /// Tells all that has come, to be called now and then: Xlib reads events while it writes, too, and the main loop does not see
+    /// those that are read.
+    void HandleEvents();
+
     /// Through the window manager; without one the window covers the screen. May be called before it is shown.
     void SetFullScreen(bool on);
     bool IsFullScreen() const { return isFull; }
@@ -56,7 +60,6 @@ private:
 
     void Make();
     void SetTitle(const std::string& title);
-    void HandleEvents();
     void Handle(_XEvent& event);
     void AskManager(bool on);
     void Cover(bool on);
