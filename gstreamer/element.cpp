@@ -69,7 +69,7 @@ GType ModeType() {
 
 // Properties.
 
-void SetProperty(GObject* object, guint property, const GValue* value, GParamSpec* spec) {
+void SetProperty(GObject* object, guint property, const GValue* value, GParamSpec* description) {
     GstClarivex* element = ElementOf(object);
     auto& [wanted, enabled, split] = element->wishes;
     GST_OBJECT_LOCK(element);
@@ -81,7 +81,7 @@ void SetProperty(GObject* object, guint property, const GValue* value, GParamSpe
         case Property::caption: wanted.caption = g_value_get_boolean(value); break;
         case Property::enabled: enabled = g_value_get_boolean(value) != 0; break;
         case Property::split: split = g_value_get_float(value); break;
-        default: G_OBJECT_WARN_INVALID_PROPERTY_ID(object, property, spec); break;
+        default: G_OBJECT_WARN_INVALID_PROPERTY_ID(object, property, description); break;
     }
     GST_OBJECT_UNLOCK(element);
     // The caps may be others from the next frame on.
@@ -89,7 +89,7 @@ void SetProperty(GObject* object, guint property, const GValue* value, GParamSpe
         gst_base_transform_reconfigure_src(GST_BASE_TRANSFORM(object));
 }
 
-void GetProperty(GObject* object, guint property, GValue* value, GParamSpec* spec) {
+void GetProperty(GObject* object, guint property, GValue* value, GParamSpec* description) {
     GstClarivex* element = ElementOf(object);
     const auto& [wanted, enabled, split] = element->wishes;
     GST_OBJECT_LOCK(element);
@@ -101,7 +101,7 @@ void GetProperty(GObject* object, guint property, GValue* value, GParamSpec* spe
         case Property::caption: g_value_set_boolean(value, wanted.caption); break;
         case Property::enabled: g_value_set_boolean(value, enabled); break;
         case Property::split: g_value_set_float(value, split); break;
-        default: G_OBJECT_WARN_INVALID_PROPERTY_ID(object, property, spec); break;
+        default: G_OBJECT_WARN_INVALID_PROPERTY_ID(object, property, description); break;
     }
     GST_OBJECT_UNLOCK(element);
 }
@@ -205,8 +205,8 @@ gboolean Stop(GstBaseTransform* base) {
 
 // The class.
 
-void InstallProperty(GObjectClass* object, Property property, GParamSpec* spec) {
-    g_object_class_install_property(object, property, spec);
+void InstallProperty(GObjectClass* object, Property property, GParamSpec* description) {
+    g_object_class_install_property(object, property, description);
 }
 
 void InstallProperties(GObjectClass* object) {
