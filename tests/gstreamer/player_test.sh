@@ -60,12 +60,13 @@ GST_PLUGIN_FEATURE_RANK=matroskademux:NONE expect 'film.mkv: .*; install gstream
 cp "$clarivex" copy
 clarivex=./copy expect 'play needs the player .* gstreamer1.0-clarivex' film.mkv
 
-# play ARGUMENT…: starts it on a terminal whose keyboard is descriptor 4; what it says goes to `said`, how it ended to `ended`.
+# play ARGUMENT…: starts it on a terminal whose keyboard is descriptor 4; what it says goes to `said`, how it ended to `ended`. An
+# interrupt reaches the shell around it too; one without a trap may end before it has told.
 mkfifo keyboard
 play() {
     rm -f ended said
-    timeout 300 script -qec "'$clarivex' play $* 2>said; echo \"code \$?, \$(stty -a | grep -o -- '-*icanon')\" >ended" /dev/null \
-        <keyboard >/dev/null &
+    local ending="echo \"code \$?, \$(stty -a | grep -o -- '-*icanon')\" >ended"
+    timeout 300 script -qec "trap : INT; '$clarivex' play $* 2>said; $ending" /dev/null <keyboard >/dev/null &
     exec 4>keyboard
     eventually grab first || fail 'no picture is shown'
 }
