@@ -30,14 +30,17 @@ std::vector<uint8_t> DrawCaptionPicture(int32_t frame, int32_t width, int32_t he
 
     ImagePlanes source;
     ImagePlanes target;
-    const std::vector<uint8_t> plain = GreyPicture(width, height, source);
+    std::vector<uint8_t> plain = GreyPicture(width, height, source);
     std::vector<uint8_t> picture = GreyPicture(width, height, target);
     const NoiseGenerator noise;
     NoiseTable silent(noise);
     silent.Build(0.0F);
     OutputScratch scratch;
-    PlanarOutputStage(target, picture.data() + picture.size(), source,
-                      {LightingCorrection{}, overlay.Tiles(), silent, kernels, scratch});
+    const LightingCorrection neutral;
+    PlanarOutput stage(target, picture.data() + picture.size(), source,
+                       {neutral, overlay.Tiles(), silent, kernels, scratch});
+    GiveRows(source.luma, stage);
+    stage.Finish();
     return picture;
 }
 

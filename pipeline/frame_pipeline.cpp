@@ -159,10 +159,14 @@ void FramePipeline::Write(const FrameRequest& request, const FrameLayout& layout
     const bool leavesRows = picture.luma.height < layout.output.luma.height;
     if (IsPacked(request) && layout.outputEnd == nullptr && leavesRows)
         ShowPackedSource(layout.output.luma, layout.input.luma);
+    const auto write = [&](auto&& stage) {
+        if (picture.luma.height > 0) GiveRows(stream.workspace.enhanced.Planes().luma, stage);
+        stage.Finish();
+    };
     if (IsPacked(request))
-        PackedOutputStage(layout.output.luma, layout.outputEnd, picture, inputs);
+        write(PackedOutput(layout.output.luma, layout.outputEnd, picture, inputs));
     else
-        PlanarOutputStage(layout.output, layout.outputEnd, picture, inputs);
+        write(PlanarOutput(layout.output, layout.outputEnd, picture, inputs));
 }
 
 }  // namespace clarivex

@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "pipeline/output_constants.h"
-#include "pipeline/row_toner.h"
 
 namespace clarivex {
 namespace {
@@ -16,112 +15,88 @@ constexpr StageDithers packedDithers = {.luma = {{12, 4, 4, 12}, {4, 12, 12, 4}}
                                         .overlayChroma = {{2, 6, 6, 2}, {6, 2, 2, 6}},
                                         .noisyChroma = true};
 
-class PackedStage {
-public:
-    PackedStage(const Plane& target, const uint8_t* targetEnd, const PictureView& source,
-                const OutputStageInputs& inputs)
-        : target(target),
-          targetEnd(targetEnd),
-          source(source),
-          kernels(inputs.kernels),
-          width((std::min(source.luma.width, target.width) + 1) & ~1),
-          height(std::min(source.luma.height, target.height)),
-          rowLength(targetEnd == nullptr ? 4 * ((target.width + 1) / 2) : target.stride),
-          overlay(inputs.tiles, width, inputs.scratch),
-          toner(inputs, packedDithers),
-          work(PackedNeedsWork(inputs.params, inputs.noise.level)),
-          chroma(inputs.scratch.chroma.Prepare(width)),
-          tonedLuma(inputs.scratch.tonedLuma.Prepare(width)),
-          tonedChroma(inputs.scratch.tonedChroma.Prepare(width)) {}
-
-    void Run() {
-        for (int32_t y = 0; y < height; y += 2) {
-            const bool copyPair = !work && !overlay.Has(y) && !overlay.Has(y + 1);
-            for (int32_t row = y; row < y + 2 && row < target.height; ++row) {
-                WriteRow(row, copyPair);
-                FillMargin(row);
-            }
-        }
-        if (height + 1 <= target.height) FillBlackRow();
-    }
-
-private:
-    void WriteRow(int32_t y, bool copy) {
-        const uint8_t* luma = source.luma.Row(y);
-        BlendChroma(y);
-        if (copy) {
-            Store(y, luma, chroma);
-            return;
-        }
-        if (overlay.Has(y)) {
-            const OverlayTerms terms = overlay.Terms(y);
-            toner.LumaUnder(terms, y, luma, tonedLuma, width);
-            toner.ChromaUnder(terms, y, chroma, tonedChroma, width);
-        } else {
-            toner.Luma(y, luma, tonedLuma, width);
-            toner.Chroma(y, chroma, tonedChroma, width);
-        }
-        Store(y, tonedLuma, tonedChroma);
-    }
-
-    /// Even rows lean towards the chroma row above, odd rows towards the one below.
-    void BlendChroma(int32_t y) {
-        const int32_t pair = y & ~1;
-        const int32_t current = pair / 2;
-        int32_t neighbour = current;
-        if (y % 2 == 0)
-            neighbour = pair > 1 ? current - 1 : current;
-        else if (pair < height - 2)
-            neighbour = current + 1;
-        const uint8_t* rows[4] = {source.third.Row(current), source.third.Row(neighbour), source.second.Row(current),
-                                  source.second.Row(neighbour)};
-        kernels.blendChromaRows(rows, chroma, width / 2);
-    }
-
-    /// Bytes that may be written to a row from its start on, within its stride and the buffer.
-    int32_t RowBytes(int32_t y) const {
-        if (targetEnd == nullptr) return rowLength;
-        const ptrdiff_t inBuffer = targetEnd - target.Row(y);
-        return static_cast<int32_t>(std::clamp<ptrdiff_t>(inBuffer, 0, rowLength));
-    }
-
-    void Store(int32_t y, const uint8_t* luma, const uint8_t* chromaRow) {
-        const int32_t columns = std::min(width, RowBytes(y) / 2);
-        kernels.interleave(luma, chromaRow, target.Row(y), columns);
-    }
-
-    void FillBlack(int32_t y, int32_t pairs, int32_t firstByte) {
-        const int32_t end = std::min(firstByte + 4 * pairs, RowBytes(y));
-        uint8_t* row = target.Row(y);
-        for (int32_t i = firstByte; i < end; ++i) row[i] = blackPair[i % 4];
-    }
-
-    void FillMargin(int32_t y) {
-        if (rowLength > 2 * width) FillBlack(y, std::max((rowLength - 2 * width) >> 2, 1), 2 * width);
-    }
-
-    void FillBlackRow() { FillBlack(height, width / 2 + (rowLength > 2 * width ? 1 : 0), 0); }
-
-    Plane target;
-    const uint8_t* targetEnd;
-    const PictureView& source;
-    const KernelTable& kernels;
-    int32_t width;
-    int32_t height;
-    int32_t rowLength;  // in bytes
-    OverlayRows overlay;
-    RowToner toner;
-    bool work;
-    uint8_t* chroma;
-    uint8_t* tonedLuma;
-    uint8_t* tonedChroma;
-};
-
 }  // namespace
 
-void PackedOutputStage(const Plane& target, const uint8_t* targetEnd, const PictureView& source,
-                       const OutputStageInputs& inputs) {
-    if (source.luma.width > 0 && source.luma.height > 0) PackedStage(target, targetEnd, source, inputs).Run();
+PackedOutput::PackedOutput(const Plane& target, const uint8_t* targetEnd, const PictureView& source,
+                           const OutputStageInputs& inputs)
+    : target(target),
+      targetEnd(targetEnd),
+      source(source),
+      kernels(inputs.kernels),
+      width((std::min(source.luma.width, target.width) + 1) & ~1),
+      height(width == 0 ? 0 : std::min(source.luma.height, target.height)),
+      rowLength(targetEnd == nullptr ? 4 * ((target.width + 1) / 2) : target.stride),
+      overlay(inputs.tiles, width, inputs.scratch),
+      toner(inputs, packedDithers),
+      work(PackedNeedsWork(inputs.params, inputs.noise.level)),
+      chroma(inputs.scratch.chroma.Prepare(width)),
+      tonedLuma(inputs.scratch.tonedLuma.Prepare(width)),
+      tonedChroma(inputs.scratch.tonedChroma.Prepare(width)) {}
+
+void PackedOutput::TakeLuma(int32_t y, uint8_t* row) {
+    if (y >= height) return;
+    BlendChroma(y);
+    // Of two rows that share their chroma both are copied or none.
+    if (!work && !overlay.Has(y & ~1) && !overlay.Has(y | 1)) {
+        Store(y, row, chroma);
+    } else {
+        Tone(y, row);
+        Store(y, tonedLuma, tonedChroma);
+    }
+    FillMargin(y);
+}
+
+void PackedOutput::Tone(int32_t y, const uint8_t* luma) {
+    if (overlay.Has(y)) {
+        const OverlayTerms terms = overlay.Terms(y);
+        toner.LumaUnder(terms, y, luma, tonedLuma, width);
+        toner.ChromaUnder(terms, y, chroma, tonedChroma, width);
+    } else {
+        toner.Luma(y, luma, tonedLuma, width);
+        toner.Chroma(y, chroma, tonedChroma, width);
+    }
+}
+
+void PackedOutput::Finish() {
+    if (height == 0 || height == target.height) return;
+    if (height % 2 != 0) FillMargin(height);  // as of the second row of every pair
+    FillBlack(height, width / 2 + (rowLength > 2 * width ? 1 : 0), 0);
+}
+
+/// Even rows lean towards the chroma row above, odd rows towards the one below.
+void PackedOutput::BlendChroma(int32_t y) {
+    const int32_t pair = y & ~1;
+    const int32_t current = pair / 2;
+    int32_t neighbour = current;
+    if (y % 2 == 0)
+        neighbour = pair > 1 ? current - 1 : current;
+    else if (pair < height - 2)
+        neighbour = current + 1;
+    const uint8_t* rows[4] = {source.third.Row(current), source.third.Row(neighbour), source.second.Row(current),
+                              source.second.Row(neighbour)};
+    kernels.blendChromaRows(rows, chroma, width / 2);
+}
+
+/// Bytes that may be written to a row from its start on, within its stride and the buffer.
+int32_t PackedOutput::RowBytes(int32_t y) const {
+    if (targetEnd == nullptr) return rowLength;
+    const ptrdiff_t inBuffer = targetEnd - target.Row(y);
+    return static_cast<int32_t>(std::clamp<ptrdiff_t>(inBuffer, 0, rowLength));
+}
+
+void PackedOutput::Store(int32_t y, const uint8_t* luma, const uint8_t* chromaRow) {
+    const int32_t columns = std::min(width, RowBytes(y) / 2);
+    kernels.interleave(luma, chromaRow, target.Row(y), columns);
+}
+
+void PackedOutput::FillBlack(int32_t y, int32_t pairs, int32_t firstByte) {
+    const int32_t end = std::min(firstByte + 4 * pairs, RowBytes(y));
+    uint8_t* row = target.Row(y);
+    for (int32_t i = firstByte; i < end; ++i) row[i] = blackPair[i % 4];
+}
+
+void PackedOutput::FillMargin(int32_t y) {
+    if (rowLength > 2 * width) FillBlack(y, std::max((rowLength - 2 * width) >> 2, 1), 2 * width);
 }
 
 }  // namespace clarivex

@@ -203,7 +203,11 @@ protected:
         };
         Compare(
             inputs.kernels, bytes, [&](uint8_t* data) { PlainPacked(target(data), picture, inputs); },
-            [&](uint8_t* data) { PackedOutputStage(target(data).plane, target(data).end, picture, inputs); });
+            [&](uint8_t* data) {
+                PackedOutput stage(target(data).plane, target(data).end, picture, inputs);
+                if (!size.empty) GiveRows(source.Planes().luma, stage);
+                stage.Finish();
+            });
     }
 
     /// Luma comes first or last; the buffer ends with the last sample or some bytes behind it.
@@ -226,7 +230,11 @@ protected:
         const PictureView& picture = source.Source().planes;
         Compare(
             inputs.kernels, bytes, [&](uint8_t* data) { PlainPlanar(target(data), data + bytes, picture, inputs); },
-            [&](uint8_t* data) { PlanarOutputStage(target(data), data + bytes, picture, inputs); });
+            [&](uint8_t* data) {
+                PlanarOutput stage(target(data), data + bytes, picture, inputs);
+                GiveRows(source.Planes().luma, stage);
+                stage.Finish();
+            });
     }
 
     template <class Plain, class Stage>
