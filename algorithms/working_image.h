@@ -12,16 +12,22 @@ class WorkingImage {
 public:
     /// Gives the image a luma size of width × height samples (each 0 … 65536) with the chroma sizes that follow. The
     /// same size keeps the block and all it holds; another one gets a fresh block of zeros. Waits for memory.
-    void Resize(int32_t width, int32_t height);
+    void Resize(int32_t width, int32_t height) { Resize(width, height, true); }
+
+    /// The same with luma that has a size but no samples.
+    void ResizeChroma(int32_t width, int32_t height) { Resize(width, height, false); }
 
     /// Views of the planes; their `owner` is null, since this object owns the block.
     const ImagePlanes& Planes() const { return planes; }
 
     /// End of the block.
-    const uint8_t* End() const { return block.get() + LayoutPlanes(planes.luma.width, planes.luma.height).blockBytes; }
+    const uint8_t* End() const { return block.get() + blockBytes; }
 
 private:
+    void Resize(int32_t width, int32_t height, bool hasLuma);
+
     SampleBlock block;
+    size_t blockBytes = 0;
     ImagePlanes planes;
 };
 

@@ -46,30 +46,38 @@ PlaneKind PartOf(PlaneKind fromX, int32_t x, int32_t columns) {
 
 }  // namespace
 
-ColumnScaler::ColumnScaler(const Plane& target, const SourcePlane& source, const ThreeHalvesTaps& taps,
-                           ColumnScratch& scratch, const KernelTable& kernels)
+ColumnScaler::ColumnScaler(const Plane& target, const SourcePlane& source, const ColumnHeights& heights,
+                           const ThreeHalvesTaps& taps, ColumnScratch& scratch, const KernelTable& kernels)
     : target(target),
       source(source),
-      height(source.plane.height),
+      height(heights.source),
       phases{taps.a.data(), taps.b.data(), taps.c.data()},
       kernels(kernels),
       columns((source.plane.width + 7) & ~7),
-      rowCount(height < smallestHeight ? 0 : std::min((3 * height) >> 1, target.height)),
+      rowCount(height < smallestHeight ? 0 : std::min((3 * height) >> 1, heights.target)),
       nextExpanded(-tapsAbove) {
     const int32_t parts = (columns + partColumns - 1) / partColumns;
     window = scratch.window.Prepare(parts * partWindow);
     copy = scratch.source.Prepare(partColumns);
 }
 
-void ColumnScaler::Advance(int32_t finalRows) {
+void ColumnScaler::Advance(int32_t finalRows, RowSink* sink) {
     // Rows below the picture are as final as its last one.
     const int32_t endSource = finalRows < height ? finalRows : height + tapCount;
+    for (int32_t endRow = EndOfBatch(endSource); endRow > nextRow; endRow = EndOfBatch(endSource)) {
+        for (int32_t x = 0; x < columns; x += partColumns) ScalePart(x, endRow);
+        nextExpanded = EndOfTaps(endRow - 1);
+        for (; nextRow < endRow; ++nextRow)
+            if (sink != nullptr) sink->TakeLuma(nextRow, target.Row(nextRow % target.height));
+    }
+}
+
+/// The row behind those that can be made next: as many as the target holds at a time.
+int32_t ColumnScaler::EndOfBatch(int32_t endSource) const {
+    const int32_t most = std::min(rowCount, nextRow + target.height);
     int32_t endRow = nextRow;
-    while (endRow < rowCount && EndOfTaps(endRow) <= endSource) ++endRow;
-    if (endRow == nextRow) return;
-    for (int32_t x = 0; x < columns; x += partColumns) ScalePart(x, endRow);
-    nextRow = endRow;
-    nextExpanded = EndOfTaps(endRow - 1);
+    while (endRow < most && EndOfTaps(endRow) <= endSource) ++endRow;
+    return endRow;
 }
 
 void ColumnScaler::ScalePart(int32_t x, int32_t endRow) {
@@ -81,10 +89,11 @@ void ColumnScaler::ScalePart(int32_t x, int32_t endRow) {
     for (int32_t y = nextRow; y < endRow; ++y) {
         for (; expanded < EndOfTaps(y); ++expanded) {
             const int32_t row = std::clamp(expanded, 0, height - 1);
-            kernels.expandRow(ReadableRow(from, row, to.width, copy), *rows.From(expanded), to.width);
+            kernels.expandRow(ReadableRow(from, row % from.plane.height, to.width, copy), *rows.From(expanded),
+                              to.width);
         }
-        kernels.enlargeColumns(rows.From(EndOfTaps(y) - tapCount), phases[static_cast<size_t>(y % 3)], to.Row(y),
-                               to.width);
+        kernels.enlargeColumns(rows.From(EndOfTaps(y) - tapCount), phases[static_cast<size_t>(y % 3)],
+                               to.Row(y % to.height), to.width);
     }
 }
 
@@ -93,7 +102,8 @@ void ScaleLumaStrips(const Plane& target, const SourcePlane& source, const Colum
     if (source.plane.height < smallestHeight) return;
     const SleepingColumnStages& sleeping = stages.sleeping;
     if (sleeping.preStage.IsOn()) SmoothColumnStrips(source.writable, sleeping.preStage);
-    ColumnScaler(target, source, stages.taps, scratch, kernels).Advance(source.plane.height);
+    const int32_t height = source.plane.height;
+    ColumnScaler(target, source, {height, target.height}, stages.taps, scratch, kernels).Advance(height);
     if (sleeping.crossOn) {  // spare columns too: a pass along the rows reads them
         const int32_t columns = (source.plane.width + stripSize - 1) & ~(stripSize - 1);
         CrossColumns({target.data, columns, target.height, target.stride}, sleeping.cross);

@@ -7,6 +7,7 @@
 #include "algorithms/filter_design.h"
 #include "algorithms/readable_row.h"
 #include "algorithms/slack_row.h"
+#include "engine/row_sink.h"
 #include "engine/sleeping/column_stages.h"
 #include "simd/kernel_table.h"
 
@@ -24,6 +25,12 @@ struct ColumnScratch {
     SlackRow<uint8_t> source;
 };
 
+/// Rows of the pictures that a pass leads from and to. Planes may hold fewer: row y is then in row y modulo their height.
+struct ColumnHeights {
+    int32_t source;
+    int32_t target;
+};
+
 /// Enlarges `source` into `target` as source rows become final, so that they can be taken while they are in the cache.
 ///
 /// target     the source's width, up to (3 · height) >> 1 rows; stride a multiple of 64. Spare columns up to the next
@@ -32,14 +39,16 @@ struct ColumnScratch {
 /// edges      above and below the source its first and last row are repeated.
 class ColumnScaler {
 public:
-    ColumnScaler(const Plane& target, const SourcePlane& source, const ThreeHalvesTaps& taps, ColumnScratch& scratch,
-                 const KernelTable& kernels);
+    ColumnScaler(const Plane& target, const SourcePlane& source, const ColumnHeights& heights,
+                 const ThreeHalvesTaps& taps, ColumnScratch& scratch, const KernelTable& kernels);
 
-    /// Makes all target rows that need no source row from `finalRows` on. Calls come with growing numbers, the last one
-    /// with the source's height.
-    void Advance(int32_t finalRows);
+    /// Makes all target rows that need no source row from `finalRows` on; those before it can be made anew. Calls come
+    /// with growing numbers, the last one with the source's height. A target that takes rows in turn needs a sink,
+    /// which gets each of them.
+    void Advance(int32_t finalRows, RowSink* sink = nullptr);
 
 private:
+    int32_t EndOfBatch(int32_t endSource) const;
     void ScalePart(int32_t x, int32_t endRow);
 
     Plane target;

@@ -83,6 +83,11 @@ struct PassPlan {
     TimingClass timing = TimingClass::none;
 
     bool Writes() const { return kind > PassKind::untouched; }
+
+    /// Whether a sink can take what luma is written, each row being final when the next one is begun.
+    bool GivesRows() const {
+        return !Writes() || kind == PassKind::keptSize || (kind == PassKind::rowsFirst && !splitView);
+    }
 };
 
 /// size  of the source's luma; without samples the plan is empty

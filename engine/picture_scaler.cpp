@@ -9,6 +9,15 @@
 namespace clarivex {
 namespace {
 
+// Enlarged rows on their way to a sink: few enough to stay in the cache, and whole periods of the three phases.
+constexpr int32_t finishedRows = 12;
+
+/// Rows of working memory with room for a sink.
+Plane RowsIn(SlackRow<uint8_t>& memory, int32_t width, int32_t rows) {
+    const int32_t stride = (width + sinkRoom + 63) & ~63;
+    return {memory.Prepare(stride * rows), width, rows, stride};
+}
+
 /// The two planes of a pass, without the columns that a split view leaves out.
 struct PassPlanes {
     Plane target;
@@ -23,7 +32,8 @@ int32_t SplitColumns(const Plane& target, const PlaneView& source, int32_t unit)
 
 PassPlanes AlongRows(const Plane& target, const SourcePlane& source, AxisScale scale, bool splitView) {
     // The caller's planes may be larger than what the enlarged source fills.
-    const Plane filled{target.data, Scaled(source.plane.width, scale), source.plane.height, target.stride};
+    const int32_t rows = std::min(target.height, source.plane.height);
+    const Plane filled{target.data, Scaled(source.plane.width, scale), rows, target.stride};
     const int32_t unit = scale == AxisScale::twofold ? 16 : 32;
     const int32_t left = splitView ? SplitColumns(filled, source.plane, unit) : 0;
     return {RightOf(filled, Scaled(left, scale)), source.RightOf(left)};
@@ -79,18 +89,34 @@ void PictureScaler::ScaleVertical(const ImagePlanes& target, const SourceImage& 
         ScaleChromaColumns(target.third, source.planes.third, source.end, scratch.chroma, kernels);
 }
 
-void PictureScaler::ScaleLumaBothAxes(const ImagePlanes& target, const WorkingImage& between, const SourceImage& source,
+void PictureScaler::ScaleLumaBothAxes(const Plane& target, const SourcePlane& source, const RowStages& rowStages,
+                                      const ThreeHalvesTaps& columnTaps) {
+    ScaleStrips({target, target.height, nullptr}, source, rowStages, columnTaps);
+}
+
+void PictureScaler::ScaleLumaBothAxes(RowSink& sink, const FrameSize& size, const SourcePlane& source,
                                       const RowStages& rowStages, const ThreeHalvesTaps& columnTaps) {
-    const Plane& rowsTarget = between.Planes().luma;
-    const PassPlanes rows = AlongRows(rowsTarget, source.Luma(), rowStages.scale, splitView);
-    const PassPlanes columns = DownColumns(target.luma, SourceOf(between).Luma(), splitView);
-    ShowFrameLeftOf(rows.target, rowsTarget);
-    ShowFrameLeftOf(columns.target, target.luma);
+    const Plane rows = RowsIn(scratch.finished, size.width, finishedRows);
+    ScaleStrips({rows, size.height, &sink}, source, rowStages, columnTaps);
+}
+
+void PictureScaler::ScaleStrips(const ColumnTarget& target, const SourcePlane& source, const RowStages& rowStages,
+                                const ThreeHalvesTaps& columnTaps) {
+    const int32_t height = source.plane.height;
+    // A split view shows its frame in all rows between the passes before they begin.
+    const Plane between =
+        RowsIn(scratch.between, Scaled(source.plane.width, rowStages.scale), splitView ? height : stripSize);
+    const uint8_t* betweenEnd = between.Row(between.height);
+    const PassPlanes rows = AlongRows(between, source, rowStages.scale, splitView);
+    const PassPlanes columns = DownColumns(target.plane, {between, betweenEnd, {}}, splitView);
+    ShowFrameLeftOf(rows.target, between);
+    ShowFrameLeftOf(columns.target, target.plane);
     RowScaler rowScaler(rows.target, rows.source, rowStages, scratch.rows, kernels);
-    ColumnScaler columnScaler(columns.target, columns.source, columnTaps, scratch.columns, kernels);
-    for (int32_t y = 0; y < rowsTarget.height; y += stripSize) {
+    ColumnScaler columnScaler(columns.target, columns.source, {height, target.height}, columnTaps, scratch.columns,
+                              kernels);
+    for (int32_t y = 0; y < height; y += stripSize) {
         rowScaler.ScaleStrip(y);
-        columnScaler.Advance(std::min(y + stripSize, rowsTarget.height));
+        columnScaler.Advance(std::min(y + stripSize, height), target.sink);
     }
 }
 

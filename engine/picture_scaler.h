@@ -8,6 +8,7 @@
 #include "algorithms/working_image.h"
 #include "engine/column_scaler.h"
 #include "engine/row_scaler.h"
+#include "engine/row_sink.h"
 
 namespace clarivex {
 
@@ -21,6 +22,8 @@ constexpr uint32_t allPlanes = 7;
 struct ScalerScratch {
     RowScratch rows;
     ColumnScratch columns;
+    SlackRow<uint8_t> between;   // luma from one pass to the other
+    SlackRow<uint8_t> finished;  // and on to a sink
     SlackRow<uint8_t> chroma;
 };
 
@@ -41,12 +44,25 @@ public:
 
     /// Luma on both axes, strip after strip, so that the pass down the columns finds its rows in the cache.
     ///
-    /// between    receives what the rows pass makes; as wide as the scale makes the source, and as high as the source
     /// rowStages  without a stage across the rows
-    void ScaleLumaBothAxes(const ImagePlanes& target, const WorkingImage& between, const SourceImage& source,
-                           const RowStages& rowStages, const ThreeHalvesTaps& columnTaps);
+    void ScaleLumaBothAxes(const Plane& target, const SourcePlane& source, const RowStages& rowStages,
+                           const ThreeHalvesTaps& columnTaps);
+
+    /// The same into a sink, of whole pictures.
+    ///
+    /// size  of the enlarged picture
+    void ScaleLumaBothAxes(RowSink& sink, const FrameSize& size, const SourcePlane& source, const RowStages& rowStages,
+                           const ThreeHalvesTaps& columnTaps);
 
 private:
+    struct ColumnTarget {
+        Plane plane;
+        int32_t height;  // of the picture
+        RowSink* sink;
+    };
+
+    void ScaleStrips(const ColumnTarget& target, const SourcePlane& source, const RowStages& rowStages,
+                     const ThreeHalvesTaps& columnTaps);
     void ShowFrameLeftOf(const Plane& part, const Plane& whole) const;
     void ScaleChromaAlongRows(const Plane& target, const PlaneView& source, AxisScale scale, bool chromaOdd);
 

@@ -12,8 +12,9 @@ constexpr int32_t groupSamples = 8;   // source samples that the resampler takes
 constexpr int32_t groupOutputs = 12;  // and what it makes of them
 constexpr int32_t storedGroup = 4;    // columns are stored up to a multiple of this
 
-Plane StripOf(const Plane& plane, int32_t y) {
-    return {plane.Row(y), plane.width, std::min(stripSize, plane.height - y), plane.stride};
+/// The strip of a picture of `height` rows that begins with row y. Planes may be lower: they take the rows in turn.
+Plane StripOf(const Plane& plane, int32_t y, int32_t height) {
+    return {plane.Row(y % plane.height), plane.width, std::min(stripSize, height - y), plane.stride};
 }
 
 std::array<int16_t, 24> PhaseAfterPhase(const ThreeHalvesTaps& taps) {
@@ -60,10 +61,10 @@ RowScaler::RowScaler(const Plane& target, const SourcePlane& source, const RowSt
 
 void RowScaler::ScaleStrip(int32_t y) {
     const SleepingRowStages& sleeping = stages.sleeping;
-    if (sleeping.preStage.IsOn()) SmoothRowStrip(StripOf(source.writable, y), sleeping.preStage);
+    if (sleeping.preStage.IsOn()) SmoothRowStrip(StripOf(source.writable, y, height), sleeping.preStage);
     for (int32_t row = y; row < std::min(y + stripSize, height); ++row) ScaleRow(row);
     const bool filterWaits = stages.postFilterOn && PostFilterWaits(sleeping, postFilter.form);
-    RunSleepingStages(StripOf(target, y), sleeping, filterWaits ? &stages.postTaps : nullptr, kernels,
+    RunSleepingStages(StripOf(target, y, height), sleeping, filterWaits ? &stages.postTaps : nullptr, kernels,
                       {rows.enlarged, rows.words});
     if (stages.crossOn) cross.Run(target, y);
 }
@@ -75,10 +76,11 @@ void RowScaler::ScaleRow(int32_t y) {
     else
         EnlargeSourceRow(y);
     const uint8_t* limited = LimitRow();
+    uint8_t* out = target.Row(y % target.height);
     if (PostFilterOnRow())
-        DetailFirRow(limited, target.Row(y), {columns, target.width}, postFilter, rows.words, kernels);
+        DetailFirRow(limited, out, {columns, target.width}, postFilter, rows.words, kernels);
     else
-        std::memcpy(target.Row(y), limited, static_cast<size_t>(columns));
+        std::memcpy(out, limited, static_cast<size_t>(columns));
 }
 
 void RowScaler::EnlargeSourceRow(int32_t y) {

@@ -43,8 +43,9 @@ struct RowScratch {
 
 /// Enlarges `source` into `target`, in strips of 16 rows that go through all stages while they are in the cache.
 ///
-/// target     as many columns as the scale gives, the source's height, stride a multiple of 64. Of the spare columns those up to the
-///            next multiple of 4 are written.
+/// target     as many columns as the scale gives, stride a multiple of 64. Of the spare columns those up to the next
+///            multiple of 4 are written. A plane lower than the source, of whole strips, takes its rows in turn: row y
+///            goes to row y modulo its height. With the stage across the rows it is as high as the source.
 /// source     width at least 1, for a twofold scale shortestDoubledRow; an active pre-stage works in place on it. Its
 ///            rows are read up to a multiple of 8 as far as memory goes, for a twofold scale up to their width.
 /// edges      left of a row its first sample is repeated; right of it follow what memory holds, a copy of the last of

@@ -29,7 +29,7 @@ constexpr Walk walks[] = {{pass, 0, 0, 0},
                           {{0, 0, 0, 0, 0, 0, 0, 40, 8160}, 0, 0, 0},
                           {{0, 0, 0, 0, 0, 0, 0, 0, 8160, 0, 0, 9}, 0, 0, 0}};
 
-TEST(EnhanceUnscaled, LeavesWhatThePlainWalkSaysAtEverySizeAndWidthOfKernels) {
+TEST(UnscaledWalk, LeavesWhatThePlainWalkSaysAtEverySizeAndWidthOfKernels) {
     ForEachRunnableTable([](const KernelTable& kernels) {
         UnscaledScratch scratch;
         std::mt19937 random(1);
@@ -46,7 +46,8 @@ TEST(EnhanceUnscaled, LeavesWhatThePlainWalkSaysAtEverySizeAndWidthOfKernels) {
                 column.baseGainLog2 = walk.baseLog2;
                 column.extraGainLog2 = walk.extraLog2;
                 column.knee = 1;
-                EnhanceUnscaled(target.Planes(), source, walk.taps, column, scratch, kernels);
+                const UnscaledWalk rows(source.Luma(), walk.taps, column, scratch, kernels);
+                for (int32_t y = 0; y < height && rows.WritesRows(); ++y) rows.MakeRow(y, target.Planes().luma.Row(y));
                 if (copies) {
                     EXPECT_TRUE(SameSamples(target.Planes().luma, source.planes.luma)) << width << " x " << height;
                     continue;
