@@ -20,26 +20,23 @@ void FillFrom(uint8_t* row, int32_t first, int32_t width, uint8_t value) {
     if (first < width) std::memset(row + first, value, static_cast<size_t>(width - first));
 }
 
-void CompletePlane(const Plane& picture, const PlaneView& source, const PlanePart& part, uint8_t black) {
-    const int32_t writtenRows = std::min(part.height, picture.height);
-    for (int32_t y = 0; y < writtenRows; ++y) {
-        uint8_t* row = picture.Row(y);
-        FillFrom(row, part.width, picture.width, part.repeatLast ? row[part.width - 1] : black);
+void CompleteRow(uint8_t* row, int32_t y, int32_t width, const PlaneView& source, const PlanePart& part,
+                 uint8_t black) {
+    if (y < part.height) {
+        FillFrom(row, part.width, width, part.repeatLast ? row[part.width - 1] : black);
+        return;
     }
-    for (int32_t y = writtenRows; y < picture.height; ++y) {
-        const int32_t shared = y < source.height ? std::min(source.width, picture.width) : 0;
-        if (shared > 0) std::memcpy(picture.Row(y), source.Row(y), static_cast<size_t>(shared));
-        FillFrom(picture.Row(y), shared, picture.width, black);
-    }
+    const int32_t shared = y < source.height ? std::min(source.width, width) : 0;
+    if (shared > 0) std::memcpy(row, source.Row(y), static_cast<size_t>(shared));
+    FillFrom(row, shared, width, black);
 }
 
-/// Output stages take luma in pairs: an odd width goes on with its last column.
-void RepeatOddColumn(const Plane& luma) {
-    if (luma.width % 2 == 0) return;
-    for (int32_t y = 0; y < luma.height; ++y) luma.Row(y)[luma.width] = luma.Row(y)[luma.width - 1];
+void CompletePlane(const Plane& picture, const PlaneView& source, const PlanePart& part) {
+    for (int32_t y = 0; y < picture.height; ++y)
+        CompleteRow(picture.Row(y), y, picture.width, source, part, neutralChroma);
 }
 
-PlanePart ChromaPart(const ImagePlanes& picture, const PictureView& source, const WrittenPart& written) {
+PlanePart ChromaPart(const ImagePlanes& picture, const PictureView& source, const FrameSize& written) {
     if (written.height == 0) return {0, 0, false};
     const bool wider = written.width > source.luma.width;
     const bool higher = written.height > source.luma.height;
@@ -49,14 +46,26 @@ PlanePart ChromaPart(const ImagePlanes& picture, const PictureView& source, cons
 
 }  // namespace
 
-void CompletePlanes(const ImagePlanes& picture, const PictureView& source, const WrittenPart& written) {
-    CompletePlane(picture.luma, source.luma, {written.width, written.height, written.width > source.luma.width},
-                  blackLuma);
-    RepeatOddColumn(picture.luma);
-    if (!written.chroma) return;
+void LumaCompletion::Complete(int32_t y, uint8_t* row) const {
+    const PlanePart part{written.width, written.height, written.width > source.width};
+    CompleteRow(row, y, size.width, source, part, blackLuma);
+    // Output stages take luma in pairs: an odd width goes on with its last column.
+    if (size.width % 2 != 0) row[size.width] = row[size.width - 1];
+}
+
+void CompletingSink::TakeLuma(int32_t y, uint8_t* row) {
+    completion.Complete(y, row);
+    next.TakeLuma(y, row);
+}
+
+void CompletingSink::Finish(uint8_t* row) {
+    for (int32_t y = completion.written.height; y < completion.size.height; ++y) TakeLuma(y, row);
+}
+
+void CompleteChroma(const ImagePlanes& picture, const PictureView& source, const FrameSize& written) {
     const PlanePart chroma = ChromaPart(picture, source, written);
-    CompletePlane(picture.second, source.second, chroma, neutralChroma);
-    CompletePlane(picture.third, source.third, chroma, neutralChroma);
+    CompletePlane(picture.second, source.second, chroma);
+    CompletePlane(picture.third, source.third, chroma);
 }
 
 void ShowPackedSource(const Plane& target, const PlaneView& source) {

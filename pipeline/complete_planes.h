@@ -3,23 +3,47 @@
 
 #include <cstdint>
 
+#include "engine/row_sink.h"
 #include "runtime/planes.h"
 
 namespace clarivex {
 
-/// What the engine wrote: luma samples from the upper left, 0 for none, and whether chroma belongs to its picture too.
-struct WrittenPart {
-    int32_t width = 0;
-    int32_t height = 0;
-    bool chroma = false;
+// Samples outside the written part of a picture become the source's at the same place, and black where the source has none.
+// In a picture whose columns were enlarged, the few that rounding its width added repeat the last one before them, and so
+// does the spare column behind an odd width of luma.
+
+/// Completes rows of luma.
+struct LumaCompletion {
+    FrameSize size;     ///< of the picture
+    FrameSize written;  ///< luma samples from the upper left that the engine wrote, 0 × 0 for none
+    PlaneView source;
+
+    /// row  of the picture's width, one sample more where that is odd; completed in place
+    void Complete(int32_t y, uint8_t* row) const;
 };
 
-/// Samples outside the written part become the source's at the same place, and black where the source has none. In a
-/// picture whose columns were enlarged, the few that rounding its width added repeat the last one before them, and so does
-/// the spare column behind an odd width of luma.
+/// Completes rows before they go on to the next sink.
+class CompletingSink final : public RowSink {
+public:
+    /// next  has to outlive the sink
+    CompletingSink(const LumaCompletion& completion, RowSink& next) : completion(completion), next(next) {}
+
+    void TakeLuma(int32_t y, uint8_t* row) override;
+
+    /// Gives the rows that nobody wrote, behind the last one that was.
+    ///
+    /// row  room for the picture's width and one sample more
+    void Finish(uint8_t* row);
+
+private:
+    LumaCompletion completion;
+    RowSink& next;
+};
+
+/// Completes chroma of a picture whose luma is as told.
 ///
-/// picture  planes of the output's size, completed in place; rows of an odd width have room for one sample more
-void CompletePlanes(const ImagePlanes& picture, const PictureView& source, const WrittenPart& written);
+/// picture  planes of the picture's size, completed in place
+void CompleteChroma(const ImagePlanes& picture, const PictureView& source, const FrameSize& written);
 
 /// Puts a packed source at the upper left of a target of packed rows, over black. Sizes in samples, strides in bytes; whole
 /// pairs are read and written, and nothing behind a row's last one.

@@ -1,6 +1,7 @@
 #include "pipeline/frame_pipeline.h"
 
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 
 #include "engine/enhancement_pass.h"
@@ -22,6 +23,22 @@ constexpr int32_t litSaturation = 47;
 bool ComesInBuffers(PixelFormat format) { return format != PixelFormat::nv12 && format != PixelFormat::other; }
 
 bool IsPacked(const FrameRequest& request) { return request.format == PixelFormat::yuy2; }
+
+/// Whether whole rows of two planes share memory, margins included.
+bool Overlap(const PlaneView& a, const PlaneView& b) {
+    const auto first = [](const PlaneView& plane) {
+        return reinterpret_cast<uintptr_t>(plane.Row(plane.stride < 0 ? plane.height - 1 : 0));
+    };
+    const auto bytes = [](const PlaneView& plane) {
+        return static_cast<uintptr_t>(plane.height) * static_cast<uintptr_t>(std::abs(plane.stride));
+    };
+    return first(a) < first(b) + bytes(b) && first(b) < first(a) + bytes(a);
+}
+
+/// A host may give one buffer for both.
+bool Overlaps(const PlaneView& target, const PictureView& source) {
+    return Overlap(target, source.luma) || Overlap(target, source.second) || Overlap(target, source.third);
+}
 
 }  // namespace
 
@@ -67,12 +84,17 @@ void FramePipeline::Enhance(const FrameRequest& request, const FrameLayout& layo
     ApplySettings(request, layout);
     const SourceImage source = Load(request, layout);
     const PassPlan plan = MakePassPlan(stream.settings, {layout.width, layout.height}, AskPass(request));
-    PassResult result = RunPass(plan, source, SizeTarget(request, layout, plan), stream.engine, *kernels);
-    const PictureView picture = Complete(request, source, result);
+    EnhancementPass pass(plan, source, stream.engine, *kernels);
+    PassResult result = pass.Begin();
     Tone(result.correction);
     MakeNoise(request, result.noiseAmplitude);
     ComposeOverlay(layout, result.aspect);
-    Write(request, layout, picture, result.correction);
+    const OutputStageInputs inputs{result.correction, stream.overlay.Tiles(), stream.noise, *kernels,
+                                   stream.workspace.output};
+    if (IsPacked(request))
+        WritePacked({request, layout, plan, source}, pass, inputs);
+    else
+        WritePlanar({request, layout, plan, source}, pass, inputs);
 }
 
 void FramePipeline::ApplySettings(const FrameRequest& request, const FrameLayout& layout) {
@@ -110,36 +132,6 @@ PassRequest FramePipeline::AskPass(const FrameRequest& request) {
     return ask;
 }
 
-/// A planar picture is as large as the output, a packed one as large as what is written of it.
-const ImagePlanes& FramePipeline::SizeTarget(const FrameRequest& request, const FrameLayout& layout,
-                                             const PassPlan& plan) {
-    WorkingImage& enhanced = stream.workspace.enhanced;
-    if (!IsPacked(request))
-        enhanced.Resize(layout.outputWidth, layout.outputHeight);
-    else if (plan.Writes())
-        enhanced.Resize(plan.target.width, plan.target.height);
-    return enhanced.Planes();
-}
-
-/// The picture that is written, with the source's chroma where that is not enlarged. A packed picture without luma stays
-/// empty, and its output as it was.
-PictureView FramePipeline::Complete(const FrameRequest& request, const SourceImage& source,
-                                    const PassResult& result) const {
-    const ImagePlanes& enhanced = stream.workspace.enhanced.Planes();
-    PictureView picture;
-    if (!IsPacked(request)) {
-        CompletePlanes(enhanced, source.planes, {result.written.width, result.written.height, request.scalingOn});
-        picture = enhanced;
-    } else if (result.written.width > 0) {
-        picture = enhanced;
-    }
-    if (!request.scalingOn) {
-        picture.second = source.planes.second;
-        picture.third = source.planes.third;
-    }
-    return picture;
-}
-
 void FramePipeline::Tone(LightingCorrection& correction) const {
     ToneCurve(stream.settings.tone, stream.settings.frame.lightingEnabled, correction);
 }
@@ -153,20 +145,58 @@ void FramePipeline::ComposeOverlay(const FrameLayout& layout, float aspect) {
     OverlayCompose(stream.overlay, process.AdvanceCaption(), layout.outputWidth, layout.outputHeight, aspect, *kernels);
 }
 
-void FramePipeline::Write(const FrameRequest& request, const FrameLayout& layout, const PictureView& picture,
-                          const LightingCorrection& correction) {
-    const OutputStageInputs inputs{correction, stream.overlay.Tiles(), stream.noise, *kernels, stream.workspace.output};
-    const bool leavesRows = picture.luma.height < layout.output.luma.height;
-    if (IsPacked(request) && layout.outputEnd == nullptr && leavesRows)
+/// Room for what the engine writes. A picture that is not enlarged keeps the source's chroma.
+PictureView FramePipeline::MakeRoom(const Frame& frame, const FrameSize& size, bool streams) {
+    WorkingImage& enhanced = stream.workspace.enhanced;
+    const bool keepsChroma = !frame.request.scalingOn;
+    if (!streams)
+        enhanced.Resize(size.width, size.height);
+    else if (!keepsChroma)
+        enhanced.ResizeChroma(size.width, size.height);
+    PictureView picture = keepsChroma ? frame.source.planes : enhanced.Planes();
+    picture.luma = {nullptr, size.width, size.height, 0};
+    return picture;
+}
+
+/// A planar picture is as large as the output. Luma goes there row by row, unless that writes over what is still to be read.
+void FramePipeline::WritePlanar(const Frame& frame, EnhancementPass& pass, const OutputStageInputs& inputs) {
+    const auto& [request, layout, plan, source] = frame;
+    const FrameSize size{layout.outputWidth, layout.outputHeight};
+    const bool rowsHaveRoom = !plan.Writes() || size.width < plan.written.width + sinkRoom;
+    const bool streams = plan.GivesRows() && rowsHaveRoom && !Overlaps(layout.output.luma, layout.input);
+    PlanarOutput stage(layout.output, layout.outputEnd, MakeRoom(frame, size, streams), inputs);
+    const ImagePlanes& enhanced = stream.workspace.enhanced.Planes();
+    const LumaCompletion completion{size, plan.written, source.planes.luma};
+    if (streams) {
+        CompletingSink sink(completion, stage);
+        pass.GiveRows(enhanced, sink);
+        sink.Finish(stream.workspace.unwritten.Prepare(size.width + 1));
+    } else {
+        pass.WritePlanes(enhanced);
+        for (int32_t y = 0; y < size.height; ++y) completion.Complete(y, enhanced.luma.Row(y));
+    }
+    if (request.scalingOn) CompleteChroma(enhanced, source.planes, plan.written);
+    if (!streams) GiveRows(enhanced.luma, stage);
+    stage.Finish();
+}
+
+/// A packed picture is as large as what is written of it. Without luma it stays empty, and its output as it was.
+void FramePipeline::WritePacked(const Frame& frame, EnhancementPass& pass, const OutputStageInputs& inputs) {
+    const auto& [request, layout, plan, source] = frame;
+    const bool streams = plan.GivesRows();
+    const FrameSize size = plan.written.width > 0 ? plan.target : FrameSize{};
+    const PictureView picture = plan.Writes() ? MakeRoom(frame, size, streams) : PictureView{};
+    if (layout.outputEnd == nullptr && size.height < layout.output.luma.height)
         ShowPackedSource(layout.output.luma, layout.input.luma);
-    const auto write = [&](auto&& stage) {
-        if (picture.luma.height > 0) GiveRows(stream.workspace.enhanced.Planes().luma, stage);
-        stage.Finish();
-    };
-    if (IsPacked(request))
-        write(PackedOutput(layout.output.luma, layout.outputEnd, picture, inputs));
-    else
-        write(PlanarOutput(layout.output, layout.outputEnd, picture, inputs));
+    PackedOutput stage(layout.output.luma, layout.outputEnd, picture, inputs);
+    const ImagePlanes& enhanced = stream.workspace.enhanced.Planes();
+    if (streams) {
+        pass.GiveRows(enhanced, stage);
+    } else {
+        pass.WritePlanes(enhanced);
+        GiveRows(enhanced.luma, stage);
+    }
+    stage.Finish();
 }
 
 }  // namespace clarivex

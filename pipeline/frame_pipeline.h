@@ -13,8 +13,9 @@
 
 namespace clarivex {
 
+class EnhancementPass;
 struct KernelTable;
-struct PassResult;
+struct OutputStageInputs;
 
 /// Strength that a slider value stands for: the lower end of the slider, up to 2, is compressed. What is no strength, below
 /// 0 or no number, comes back as no number, which the pass takes as 0.
@@ -51,6 +52,14 @@ public:
     StreamState& Stream() { return stream; }
 
 private:
+    /// What is known of a frame before it is scaled.
+    struct Frame {
+        const FrameRequest& request;
+        const FrameLayout& layout;
+        const PassPlan& plan;
+        const SourceImage& source;
+    };
+
     void TakeNotes(const FrameRequest& request);
     void StartStream();
     void RenewFilters() { stream.engine.filtersDirty = true; }
@@ -58,13 +67,12 @@ private:
     void ApplySettings(const FrameRequest& request, const FrameLayout& layout);
     SourceImage Load(const FrameRequest& request, const FrameLayout& layout);
     PassRequest AskPass(const FrameRequest& request);
-    const ImagePlanes& SizeTarget(const FrameRequest& request, const FrameLayout& layout, const PassPlan& plan);
-    PictureView Complete(const FrameRequest& request, const SourceImage& source, const PassResult& result) const;
     void Tone(LightingCorrection& correction) const;
     void MakeNoise(const FrameRequest& request, float amplitude);
     void ComposeOverlay(const FrameLayout& layout, float aspect);
-    void Write(const FrameRequest& request, const FrameLayout& layout, const PictureView& picture,
-               const LightingCorrection& correction);
+    PictureView MakeRoom(const Frame& frame, const FrameSize& size, bool streams);
+    void WritePlanar(const Frame& frame, EnhancementPass& pass, const OutputStageInputs& inputs);
+    void WritePacked(const Frame& frame, EnhancementPass& pass, const OutputStageInputs& inputs);
 
     ProcessState& process;
     StreamState stream;

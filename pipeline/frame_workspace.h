@@ -18,8 +18,9 @@ struct OutputScratch {
 };
 
 struct FrameWorkspace {
-    WorkingImage split;     ///< a packed frame as planes
-    WorkingImage enhanced;  ///< what the engine writes
+    WorkingImage split;           ///< a packed frame as planes
+    WorkingImage enhanced;        ///< what the engine writes, without luma where that goes to the output row by row
+    SlackRow<uint8_t> unwritten;  ///< a row of luma that the engine has not written
     OutputScratch output;
 };
 

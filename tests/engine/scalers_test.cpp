@@ -67,5 +67,21 @@ TEST(Scalers, ASplitViewEnlargesTheRightPartAndShowsTheFrameLeftOfIt) {
     }
 }
 
+TEST(Scalers, ASplitViewOnBothAxesIsOneAfterTheOther) {
+    ScalerScratch scratch;
+    RowStages rows;
+    rows.taps = usualTaps.horizontal;
+    ColumnStages columns;
+    columns.taps = usualTaps.vertical;
+    const WorkingImage source = TestImage(236, 50, Texture::soft, 1), between = TestImage(354, 50, Texture::hard, 2);
+    const WorkingImage target = TestImage(354, 75, Texture::hard, 3), expected = TestImage(354, 75, Texture::hard, 3);
+    const PlaneView frame = source.Planes().luma;
+    PictureScaler split(scratch, scalarKernels, &frame);
+    split.ScaleHorizontal(between.Planes(), SourceOf(source), rows, false, lumaPlane);
+    split.ScaleVertical(expected.Planes(), SourceOf(between), columns, lumaPlane);
+    split.ScaleLumaBothAxes(target.Planes().luma, SourceOf(source).Luma(), rows, columns.taps);
+    EXPECT_TRUE(SameSamples(target.Planes().luma, expected.Planes().luma));
+}
+
 }  // namespace
 }  // namespace clarivex

@@ -1,5 +1,6 @@
 // Films side by side in one process: each looks as it does alone, whatever else is played, made or asked meanwhile.
 
+#include "engine/enhancement_pass.h"
 #include "shell/caption.h"
 #include "tests/support/host_stream.h"
 #include "tests/support/open_object.h"
@@ -25,7 +26,7 @@ const FilmCase films[] = {
     {mediaSubtypeYv12, {64, 48}, neverEnlarged, 0.0F, 1},    {mediaSubtypeYuy2, {320, 240}, alwaysEnlarged, 2.0F, 1},
 };
 
-/// What a frame comes to before noise and caption, which belong to the process, go over it.
+/// What a stream makes of its frame's bytes before noise and caption, which belong to the process, go over it.
 struct Look {
     std::vector<uint8_t> samples;
     float black, white;
@@ -46,7 +47,6 @@ public:
         const HostPicture source(film.subtype, film.size.width, film.size.height);
         in.resize(source.BytesOf(film.size.width, film.size.height));
         out.resize(2 * 1024 * 1024);
-        enlarged = film.mode == alwaysEnlarged;
         frame = 0;
     }
 
@@ -62,12 +62,15 @@ public:
         EXPECT_EQ(S_OK, Play());
         StreamState& stream = open->Stream();
         Look look{{}, stream.engine.lighting.trackedBlack, stream.engine.lighting.trackedWhite};
-        const ImagePlanes& planes = stream.workspace.enhanced.Planes();
-        for (const Plane& plane : {planes.luma, planes.second, planes.third}) {
-            if (plane.data != planes.luma.data && !enlarged) break;  // chroma is the source's
-            for (int32_t y = 0; y < plane.height; ++y)
-                look.samples.insert(look.samples.end(), plane.Row(y), plane.Row(y) + plane.width);
-        }
+        const FrameSize size{stream.lastShape.width, stream.lastShape.height};
+        PassRequest request;
+        request.correction.emplace();  // its levels have been followed
+        const PassPlan plan = MakePassPlan(stream.settings, size, request);
+        const SourceImage source{PlanesWithoutGaps(in.data(), size.width, size.height), in.data() + in.size(), {}};
+        WorkingImage image;
+        image.Resize(plan.target.width, plan.target.height);
+        RunPass(plan, source, image.Planes(), stream.engine, scalarKernels);
+        look.samples.assign(static_cast<const uint8_t*>(image.Planes().luma.data), image.End());
         return look;
     }
 
@@ -79,7 +82,6 @@ public:
 
 private:
     std::vector<uint8_t> in, out;
-    bool enlarged = false;
     int frame = 0;
 };
 
