@@ -103,14 +103,11 @@ void PictureScaler::ScaleLumaBothAxes(RowSink& sink, const FrameSize& size, cons
 void PictureScaler::ScaleStrips(const ColumnTarget& target, const SourcePlane& source, const RowStages& rowStages,
                                 const ThreeHalvesTaps& columnTaps) {
     const int32_t height = source.plane.height;
-    // A split view shows its frame in all rows between the passes before they begin.
-    const Plane between =
-        RowsIn(scratch.between, Scaled(source.plane.width, rowStages.scale), splitView ? height : stripSize);
+    const Plane between = RowsIn(scratch.between, Scaled(source.plane.width, rowStages.scale), stripSize);
     const uint8_t* betweenEnd = between.Row(between.height);
     const PassPlanes rows = AlongRows(between, source, rowStages.scale, splitView);
     const PassPlanes columns = DownColumns(target.plane, {between, betweenEnd, {}}, splitView);
-    ShowFrameLeftOf(rows.target, between);
-    ShowFrameLeftOf(columns.target, target.plane);
+    ShowFrameLeftOf(columns.target, target.plane);  // the rows pass makes at least what is right of that
     RowScaler rowScaler(rows.target, rows.source, rowStages, scratch.rows, kernels);
     ColumnScaler columnScaler(columns.target, columns.source, {height, target.height}, columnTaps, scratch.columns,
                               kernels);
