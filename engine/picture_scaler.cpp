@@ -12,9 +12,9 @@ namespace {
 // Enlarged rows on their way to a sink: few enough to stay in the cache, and whole periods of the three phases.
 constexpr int32_t finishedRows = 12;
 
-/// Rows of working memory with room for a sink.
+/// Rows of working memory with room for a sink. An odd number of cache lines apart, so that they don't push each other out.
 Plane RowsIn(SlackRow<uint8_t>& memory, int32_t width, int32_t rows) {
-    const int32_t stride = (width + sinkRoom + 63) & ~63;
+    const int32_t stride = ((width + sinkRoom + 63) & ~63) | 64;
     return {memory.Prepare(stride * rows), width, rows, stride};
 }
 
