@@ -30,4 +30,10 @@ void ScaleChromaRows(const Plane& target, const PlaneView& source, bool chromaOd
 void ScaleChromaColumns(const Plane& target, const PlaneView& source, const uint8_t* sourceEnd,
                         SlackRow<uint8_t>& scratch, const KernelTable& kernels);
 
+/// Both, rows leading, with a few rows in between.
+///
+/// columns  width between the passes; up to a multiple of 4 they are written within the target's stride
+void ScaleChromaBothAxes(const Plane& target, const PlaneView& source, int32_t columns, bool chromaOdd,
+                         SlackRow<uint8_t>& scratch, const KernelTable& kernels);
+
 }  // namespace clarivex

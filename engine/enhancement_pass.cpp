@@ -1,6 +1,7 @@
 #include "engine/enhancement_pass.h"
 
 #include "algorithms/sleeping/edge_sharpeners.h"
+#include "engine/chroma_scalers.h"
 #include "engine/sleeping/chroma_doubling.h"
 #include "platform/tsc.h"
 
@@ -126,19 +127,35 @@ void EnhancementPass::ScaleRowsOnly(const ImagePlanes& target) {
 }
 
 void EnhancementPass::ScaleRowsFirst(const ImagePlanes& target, RowSink* sink) {
-    PictureScaler scaler = Scaler();
-    WorkingImage& between = state.workspace.between;
     const RowStages rows = Rows();
     const ColumnStages columns = Columns();
-    const uint32_t chromaPlanes = plan.planes & ~lumaPlane;
-    between.ResizeChroma(plan.between.width, plan.between.height);
-    scaler.ScaleHorizontal(between.Planes(), work, rows, plan.postFilter.chromaOdd, chromaPlanes);
-    scaler.ScaleVertical(target, SourceOf(between), columns, chromaPlanes);
+    if (rows.scale == AxisScale::twofold)
+        ScaleTwofoldChroma(target, rows, columns);
+    else
+        ScaleChroma(target);
     if ((plan.planes & lumaPlane) == 0) return;
     if (sink == nullptr)
-        scaler.ScaleLumaBothAxes(target.luma, work.Luma(), rows, columns.taps);
+        Scaler().ScaleLumaBothAxes(target.luma, work.Luma(), rows, columns.taps);
     else
-        scaler.ScaleLumaBothAxes(*sink, plan.target, work.Luma(), rows, columns.taps);
+        Scaler().ScaleLumaBothAxes(*sink, plan.target, work.Luma(), rows, columns.taps);
+}
+
+void EnhancementPass::ScaleChroma(const ImagePlanes& target) {
+    const auto scale = [&](const Plane& to, const PlaneView& from) {
+        ScaleChromaBothAxes(to, from, (plan.between.width + 1) / 2, plan.postFilter.chromaOdd,
+                            state.workspace.scaler.chroma, kernels);
+    };
+    if ((plan.planes & secondPlane) != 0) scale(target.second, work.planes.second);
+    if ((plan.planes & thirdPlane) != 0) scale(target.third, work.planes.third);
+}
+
+void EnhancementPass::ScaleTwofoldChroma(const ImagePlanes& target, const RowStages& rows,
+                                         const ColumnStages& columns) {
+    WorkingImage& between = state.workspace.between;
+    const uint32_t planes = plan.planes & ~lumaPlane;
+    between.ResizeChroma(plan.between.width, plan.between.height);
+    Scaler().ScaleHorizontal(between.Planes(), work, rows, plan.postFilter.chromaOdd, planes);
+    Scaler().ScaleVertical(target, SourceOf(between), columns, planes);
 }
 
 void EnhancementPass::ScaleColumnsFirst(const ImagePlanes& target) {

@@ -50,6 +50,8 @@ private:
     ColumnStages Columns() const;
     void ScaleRowsOnly(const ImagePlanes& target);
     void ScaleRowsFirst(const ImagePlanes& target, RowSink* sink);
+    void ScaleChroma(const ImagePlanes& target);
+    void ScaleTwofoldChroma(const ImagePlanes& target, const RowStages& rows, const ColumnStages& columns);
     void ScaleColumnsFirst(const ImagePlanes& target);
     void DoubleBothAxes(const ImagePlanes& target);
     void DoubleChroma(const Plane& to, const PlaneView& from);
