@@ -13,13 +13,15 @@ DetailFirForm ChooseDetailFirForm(const DetailTaps& taps) {
     return DetailFirForm::symmetric8;
 }
 
+FirSpan GeneralFirSpan(const FirRowLength& row) {
+    constexpr int32_t first = 4;
+    return {row.columns, first, first + 4 * std::max((row.width - 2 * first) >> 2, 0)};
+}
+
 void DetailFirRow(const uint8_t* in, uint8_t* out, const FirRowLength& row, const DetailFirFilter& filter,
                   int16_t* words, const KernelTable& kernels) {
     if (filter.form == DetailFirForm::general) {
-        constexpr int32_t first = 4;
-        constexpr int32_t firstTap = 5;
-        const int32_t groups = std::max((row.width - 2 * first) >> 2, 0);
-        kernels.fir7(in, out, {row.columns, first, first + 4 * groups}, &filter.taps[firstTap], words);
+        kernels.fir7(in, out, GeneralFirSpan(row), filter.GeneralTaps(), words);
     } else {
         constexpr int32_t first = 8;
         const int32_t groups = std::max((row.width - 2 * first) >> 3, 0);

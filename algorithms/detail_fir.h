@@ -8,6 +8,7 @@
 
 namespace clarivex {
 
+struct FirSpan;
 struct KernelTable;
 
 /// Tap k weighs the sample at x + k − 8. Unit gain is a sum of 8160 in the general form and 8192 in the symmetric ones.
@@ -22,6 +23,9 @@ DetailFirForm ChooseDetailFirForm(const DetailTaps& taps);
 struct DetailFirFilter {
     explicit DetailFirFilter(const DetailTaps& filterTaps) : taps(filterTaps), form(ChooseDetailFirForm(filterTaps)) {}
 
+    /// The seven taps of the general form.
+    const int16_t* GeneralTaps() const { return &taps[5]; }
+
     DetailTaps taps;
     DetailFirForm form;
 };
@@ -31,6 +35,9 @@ struct FirRowLength {
     int32_t columns;
     int32_t width;
 };
+
+/// The columns that the general form makes.
+FirSpan GeneralFirSpan(const FirRowLength& row);
 
 /// The filter from a slack row to another, `columns` of them. The general form covers 4-sample groups from column 4,
 /// (width − 8) >> 2 of them, the symmetric ones 8-sample groups from column 8, (width − 16) >> 3 of them; the rest is

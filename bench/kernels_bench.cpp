@@ -32,6 +32,8 @@ public:
     }
 
     uint8_t* Bytes(size_t i) { return byteRows[i].Prepare(2 * longestRow); }
+    uint8_t* Picture(size_t i, int32_t y) { return pictures[i].Prepare(64 * longestRow) + y * longestRow; }
+    uint8_t* Work() { return work.Prepare(rowWorkBytes); }
     int16_t* Words(size_t i) { return wordRows[i].Prepare(longestRow); }
     LumaTone Luma() const { return {{.c3 = 900, .c2 = -400, .c1 = 8100}, pattern.data()}; }
     ChromaTone Chroma() const { return {pattern.data(), pattern.data()}; }
@@ -45,6 +47,8 @@ private:
     alignas(64) std::array<int16_t, patternLength> pattern{};
     alignas(64) std::array<int16_t, noisePeriod + noiseRepeated> noise{};
     std::array<SlackRow<uint8_t>, 8> byteRows;
+    std::array<SlackRow<uint8_t>, 2> pictures;
+    SlackRow<uint8_t> work;
     std::array<SlackRow<int16_t>, 8> wordRows;
     SlackRow<int16_t> keepRow;
 };
@@ -60,6 +64,23 @@ void CallEnlargeColumns(const KernelTable& table, BenchRows& rows, int32_t width
     std::array<const int16_t*, 8> in{};
     for (size_t k = 0; k < 8; ++k) in[k] = rows.Words(k);
     table.enlargeColumns(in.data(), rows.taps.data(), rows.Bytes(0), width);
+}
+
+/// A band that is a whole number of groups at every width of lanes; with limiter and filter or alone.
+constexpr int32_t bandRows = 64;
+
+void CallEnlargeRows(const KernelTable& table, BenchRows& rows, int32_t width, bool filtered) {
+    std::array<const uint8_t*, bandRows> in{};
+    std::array<uint8_t*, bandRows> out{};
+    for (int32_t y = 0; y < bandRows; ++y) {
+        in[static_cast<size_t>(y)] = rows.Picture(0, y);
+        out[static_cast<size_t>(y)] = rows.Picture(1, y);
+    }
+    const EdgeLimits limits;
+    const RowFilters filters{
+        rows.taps.data(), filtered ? &limits : nullptr, filtered ? rows.taps.data() : nullptr, {width, 4, width - 4}};
+    table.enlargeRows({in.data(), out.data(), bandRows, width / 12 * 8, width / 12 * 12, width / 12 * 12}, filters,
+                      rows.Work());
 }
 
 template <size_t count>
@@ -86,14 +107,10 @@ void CallBlendChromaRows(const KernelTable& table, BenchRows& rows, int32_t widt
 }
 
 const KernelBench kernelBenches[] = {
-    {"splitRow", 1,
-     [](const KernelTable& table, BenchRows& rows, int32_t width) {
-         table.splitRow(rows.Bytes(0), rows.Words(0), rows.Words(1), width);
-     }},
-    {"enlargeRow", 1,
-     [](const KernelTable& table, BenchRows& rows, int32_t width) {
-         table.enlargeRow(rows.Words(0), rows.Words(1), rows.taps.data(), rows.Bytes(0), width / 3);
-     }},
+    {"enlargeRows", bandRows,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) { CallEnlargeRows(table, rows, width, true); }},
+    {"enlargeRowsAlone", bandRows,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) { CallEnlargeRows(table, rows, width, false); }},
     {"limitEdges", 1,
      [](const KernelTable& table, BenchRows& rows, int32_t width) {
          table.limitEdges(rows.Bytes(0), rows.Bytes(1), width, EdgeLimits{});

@@ -103,7 +103,7 @@ void PictureScaler::ScaleLumaBothAxes(RowSink& sink, const FrameSize& size, cons
 void PictureScaler::ScaleStrips(const ColumnTarget& target, const SourcePlane& source, const RowStages& rowStages,
                                 const ThreeHalvesTaps& columnTaps) {
     const int32_t height = source.plane.height;
-    const Plane between = RowsIn(scratch.between, Scaled(source.plane.width, rowStages.scale), stripSize);
+    const Plane between = RowsIn(scratch.between, Scaled(source.plane.width, rowStages.scale), BandRows(kernels));
     const uint8_t* betweenEnd = between.Row(between.height);
     const PassPlanes rows = AlongRows(between, source, rowStages.scale, splitView);
     const PassPlanes columns = DownColumns(target.plane, {between, betweenEnd, {}}, splitView);
@@ -111,9 +111,9 @@ void PictureScaler::ScaleStrips(const ColumnTarget& target, const SourcePlane& s
     RowScaler rowScaler(rows.target, rows.source, rowStages, scratch.rows, kernels);
     ColumnScaler columnScaler(columns.target, columns.source, {height, target.height}, columnTaps, scratch.columns,
                               kernels);
-    for (int32_t y = 0; y < height; y += stripSize) {
-        rowScaler.ScaleStrip(y);
-        columnScaler.Advance(std::min(y + stripSize, height), target.sink);
+    for (int32_t y = 0; y < height; y += between.height) {
+        rowScaler.ScaleBand(y);
+        columnScaler.Advance(std::min(y + between.height, height), target.sink);
     }
 }
 

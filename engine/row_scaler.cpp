@@ -8,9 +8,8 @@
 namespace clarivex {
 namespace {
 
-constexpr int32_t groupSamples = 8;   // source samples that the resampler takes at a time
-constexpr int32_t groupOutputs = 12;  // and what it makes of them
-constexpr int32_t storedGroup = 4;    // columns are stored up to a multiple of this
+constexpr int32_t groupSamples = 8;  // source samples that the resampler takes at a time
+constexpr int32_t storedGroup = 4;   // columns are stored up to a multiple of this
 
 /// The strip of a picture of `height` rows that begins with row y. Planes may be lower: they take the rows in turn.
 Plane StripOf(const Plane& plane, int32_t y, int32_t height) {
@@ -25,17 +24,8 @@ std::array<int16_t, 24> PhaseAfterPhase(const ThreeHalvesTaps& taps) {
     return all;
 }
 
-/// Room for all that a row is enlarged to, in groups as the resamplers write it.
-int32_t RoomForEnlarged(const PlaneView& source, const RowStages& stages) {
-    const int32_t read = (source.width + groupSamples - 1) / groupSamples * groupSamples;
-    return stages.scale == AxisScale::twofold ? 2 * read : read / groupSamples * groupOutputs;
-}
-
-/// The word that splitRow makes of a sample. Worked out anew: reading back what was just stored would take longer.
-int16_t CentredWord(uint8_t sample) {
-    const int32_t centred = sample < 128 ? sample - 128 : std::min(sample - 127, 127);
-    return static_cast<int16_t>(256 * centred + (centred & 255));
-}
+/// Room for all that a row of double length is made of.
+int32_t RoomForDoubled(const Plane& target) { return target.width + 2 * groupSamples; }
 
 }  // namespace
 
@@ -47,72 +37,89 @@ RowScaler::RowScaler(const Plane& target, const SourcePlane& source, const RowSt
       height(source.plane.height),
       stages(stages),
       kernels(kernels),
-      groups((width + groupSamples - 1) / groupSamples),
+      readColumns((width + groupSamples - 1) / groupSamples * groupSamples),
       columns((target.width + storedGroup - 1) & ~(storedGroup - 1)),
       postFilter(stages.postTaps),
       cross(stages.cross, stages.crossOn ? scratch.line.Prepare(target.width + groupSamples) : nullptr),
-      rows{scratch.source.Prepare(groups * groupSamples),
-           scratch.even.Prepare(groups * groupSamples / 2),
-           scratch.odd.Prepare(groups * groupSamples / 2),
-           scratch.enlarged.Prepare(RoomForEnlarged(source.plane, stages)),
-           scratch.limited.Prepare(RoomForEnlarged(source.plane, stages)),
-           scratch.words.Prepare(RoomForEnlarged(source.plane, stages))},
+      scratch(scratch),
       taps(PhaseAfterPhase(stages.taps)) {}
 
-void RowScaler::ScaleStrip(int32_t y) {
+int32_t BandRows(const KernelTable& kernels) { return std::max(kernels.rowGroup, stripSize); }
+
+void RowScaler::ScaleBand(int32_t y) {
     const SleepingRowStages& sleeping = stages.sleeping;
-    if (sleeping.preStage.IsOn()) SmoothRowStrip(StripOf(source.writable, y, height), sleeping.preStage);
-    for (int32_t row = y; row < std::min(y + stripSize, height); ++row) ScaleRow(row);
-    const bool filterWaits = stages.postFilterOn && PostFilterWaits(sleeping, postFilter.form);
-    RunSleepingStages(StripOf(target, y, height), sleeping, filterWaits ? &stages.postTaps : nullptr, kernels,
-                      {rows.enlarged, rows.words});
-    if (stages.crossOn) cross.Run(target, y);
+    const int32_t end = std::min(y + BandRows(kernels), height);
+    for (int32_t strip = y; strip < end && sleeping.preStage.IsOn(); strip += stripSize)
+        SmoothRowStrip(StripOf(source.writable, strip, height), sleeping.preStage);
+    if (stages.scale == AxisScale::twofold)
+        for (int32_t row = y; row < end; ++row) DoubleRowAt(row);
+    else
+        EnlargeRows(y, end - y);
+    for (int32_t strip = y; strip < end; strip += stripSize) RunStripStages(strip);
 }
 
 /// The stages that need no other row: resampler, edge limiter and, where nothing stands between, the post filter.
-void RowScaler::ScaleRow(int32_t y) {
-    if (stages.scale == AxisScale::twofold)
-        DoubleRow(source.plane, y, columns / 2, stages.sleeping.twofoldTaps.a, {rows.source, rows.enlarged}, kernels);
-    else
-        EnlargeSourceRow(y);
-    const uint8_t* limited = LimitRow();
-    uint8_t* out = target.Row(y % target.height);
-    if (PostFilterOnRow())
-        DetailFirRow(limited, out, {columns, target.width}, postFilter, rows.words, kernels);
-    else
-        std::memcpy(out, limited, static_cast<size_t>(columns));
-}
-
-void RowScaler::EnlargeSourceRow(int32_t y) {
-    SplitSourceRow(y);
-    kernels.enlargeRow(rows.even, rows.odd, taps.data(), rows.enlarged, groups * groupSamples / 2);
-}
-
-void RowScaler::SplitSourceRow(int32_t y) {
-    const int32_t count = groups * groupSamples;
-    const uint8_t* row = ReadableRow(source, y, count, rows.source);
-    const int16_t first = CentredWord(row[0]);
-    for (int32_t n = 1; n <= 2; ++n) rows.even[-n] = rows.odd[-n] = first;
-    kernels.splitRow(row, rows.even, rows.odd, count);
-    // One more sample is a copy of the last; behind it the far taps see mid-grey.
-    const int32_t half = count / 2;
-    rows.even[half] = CentredWord(row[count - 1]);
-    rows.odd[half] = rows.even[half + 1] = rows.odd[half + 1] = 0;
-}
-
-const uint8_t* RowScaler::LimitRow() {
-    switch (stages.edgeStage) {
-        case EdgeStage::none: break;
-        case EdgeStage::simple:
-            LimitEdgesSimple({rows.enlarged, target.width, 1, target.stride}, stages.sleeping.simpleLimits);
-            break;
-        case EdgeStage::full:
-            kernels.limitEdges(rows.enlarged, rows.limited, target.width, stages.edgeLimits);
-            std::memcpy(rows.limited + target.width, rows.enlarged + target.width,
-                        static_cast<size_t>(columns - target.width));
-            return rows.limited;
+void RowScaler::EnlargeRows(int32_t y, int32_t count) {
+    const uint8_t* in[mostBandRows];
+    uint8_t* out[mostBandRows];
+    // Only rows that end with the memory are copied: the last one, and more only where they are shorter than a group.
+    uint8_t* copy = scratch.source.Prepare(readColumns + mostBandRows * groupSamples);
+    for (int32_t i = 0; i < count; ++i) {
+        in[i] = ReadableRow(source, y + i, readColumns, copy);
+        if (in[i] == copy) copy += readColumns;
+        out[i] = RowOfTarget(y + i);
     }
-    return rows.enlarged;
+    kernels.enlargeRows({in, out, count, readColumns, target.width, columns}, Filters(),
+                        scratch.group.Prepare(rowWorkBytes));
+    if (!FiltersInGroups())
+        for (int32_t i = 0; i < count; ++i) FinishRow(y + i, out[i]);
+}
+
+RowFilters RowScaler::Filters() const {
+    return {taps.data(), LimitsInGroups() ? &stages.edgeLimits : nullptr,
+            PostFilterOnRow() && FiltersInGroups() ? postFilter.GeneralTaps() : nullptr,
+            GeneralFirSpan({columns, target.width})};
+}
+
+bool RowScaler::LimitsInGroups() const { return stages.edgeStage == EdgeStage::full; }
+
+/// Whether groups of rows are finished when they are enlarged.
+bool RowScaler::FiltersInGroups() const {
+    return stages.edgeStage != EdgeStage::simple && (!PostFilterOnRow() || postFilter.form == DetailFirForm::general);
+}
+
+void RowScaler::DoubleRowAt(int32_t y) {
+    const int32_t room = RoomForDoubled(target);
+    uint8_t* doubled = scratch.enlarged.Prepare(room);
+    DoubleRow(source.plane, y, columns / 2, stages.sleeping.twofoldTaps.a, {scratch.source.Prepare(room), doubled},
+              kernels);
+    if (stages.edgeStage != EdgeStage::full) return FinishRow(y, doubled);
+    uint8_t* limited = scratch.limited.Prepare(room);
+    kernels.limitEdges(doubled, limited, target.width, stages.edgeLimits);
+    std::memcpy(limited + target.width, doubled + target.width, static_cast<size_t>(columns - target.width));
+    FinishRow(y, limited);
+}
+
+/// What an enlarged row still lacks: the simple edge limiter, the post filter, and its place in the target.
+void RowScaler::FinishRow(int32_t y, const uint8_t* row) {
+    uint8_t* work = scratch.limited.Prepare(RoomForDoubled(target));
+    if (row != work) std::memcpy(work, row, static_cast<size_t>(columns));
+    if (stages.edgeStage == EdgeStage::simple)
+        LimitEdgesSimple({work, target.width, 1, target.stride}, stages.sleeping.simpleLimits);
+    if (PostFilterOnRow())
+        DetailFirRow(work, RowOfTarget(y), {columns, target.width}, postFilter,
+                     scratch.words.Prepare(RoomForDoubled(target)), kernels);
+    else
+        std::memcpy(RowOfTarget(y), work, static_cast<size_t>(columns));
+}
+
+void RowScaler::RunStripStages(int32_t y) {
+    const SleepingRowStages& sleeping = stages.sleeping;
+    const bool filterWaits = stages.postFilterOn && PostFilterWaits(sleeping, postFilter.form);
+    const int32_t room = RoomForDoubled(target);
+    RunSleepingStages(StripOf(target, y, height), sleeping, filterWaits ? &stages.postTaps : nullptr, kernels,
+                      {scratch.enlarged.Prepare(room), scratch.words.Prepare(room)});
+    if (stages.crossOn) cross.Run(target, y);
 }
 
 bool RowScaler::PostFilterOnRow() const {
@@ -122,7 +129,7 @@ bool RowScaler::PostFilterOnRow() const {
 void ScaleLumaStrips(const Plane& target, const SourcePlane& source, const RowStages& stages, RowScratch& scratch,
                      const KernelTable& kernels) {
     RowScaler scaler(target, source, stages, scratch, kernels);
-    for (int32_t y = 0; y < source.plane.height; y += stripSize) scaler.ScaleStrip(y);
+    for (int32_t y = 0; y < source.plane.height; y += BandRows(kernels)) scaler.ScaleBand(y);
 }
 
 }  // namespace clarivex

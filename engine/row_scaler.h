@@ -30,18 +30,20 @@ struct RowStages {
     SleepingRowStages sleeping;
 };
 
-/// Working rows of the scaler, kept between frames.
+/// Working memory of the scaler, kept between frames.
 struct RowScratch {
-    SlackRow<uint8_t> source;
-    SlackRow<int16_t> even;
-    SlackRow<int16_t> odd;
+    SlackRow<uint8_t> source;  ///< copies of rows that cannot be read in place
+    SlackRow<uint8_t> group;   ///< of the kernel that makes groups of rows
     SlackRow<uint8_t> enlarged;
     SlackRow<uint8_t> limited;
     SlackRow<int16_t> words;
     SlackRow<uint8_t> line;
 };
 
-/// Enlarges `source` into `target`, in strips of 16 rows that go through all stages while they are in the cache.
+/// Rows that are made at a time: a multiple of 16 that suits the kernels.
+int32_t BandRows(const KernelTable& kernels);
+
+/// Enlarges `source` into `target`, in bands of rows that go through all stages while they are in the cache.
 ///
 /// target     as many columns as the scale gives, stride a multiple of 64. Of the spare columns those up to the next
 ///            multiple of 4 are written. A plane lower than the source, of whole strips, takes its rows in turn: row y
@@ -58,24 +60,22 @@ public:
     RowScaler(const Plane& target, const SourcePlane& source, const RowStages& stages, RowScratch& scratch,
               const KernelTable& kernels);
 
-    /// Makes rows y … y + 15, as far as the source has them; y = 0, 16, 32 … in order. With the stage across the rows
-    /// the strip's last row is final only after the next strip.
-    void ScaleStrip(int32_t y);
+    /// Makes the band of rows from y on, as far as the source has them; y = 0, BandRows, 2 · BandRows … in order. With the stage across
+    /// the rows the band's last row is final only after the next band.
+    void ScaleBand(int32_t y);
 
 private:
-    struct Rows {
-        uint8_t* source;
-        int16_t* even;
-        int16_t* odd;
-        uint8_t* enlarged;
-        uint8_t* limited;
-        int16_t* words;
-    };
+    /// Rows of the picture at a time that kernels take by pointers.
+    static constexpr int32_t mostBandRows = 64;
 
-    void ScaleRow(int32_t y);
-    void EnlargeSourceRow(int32_t y);
-    void SplitSourceRow(int32_t y);
-    const uint8_t* LimitRow();
+    uint8_t* RowOfTarget(int32_t y) const { return target.Row(y % target.height); }
+    void EnlargeRows(int32_t y, int32_t count);
+    void DoubleRowAt(int32_t y);
+    void FinishRow(int32_t y, const uint8_t* row);
+    void RunStripStages(int32_t y);
+    RowFilters Filters() const;
+    bool LimitsInGroups() const;
+    bool FiltersInGroups() const;
     bool PostFilterOnRow() const;
 
     Plane target;
@@ -84,11 +84,11 @@ private:
     int32_t height;
     const RowStages& stages;
     const KernelTable& kernels;
-    int32_t groups;
+    int32_t readColumns;
     int32_t columns;
     DetailFirFilter postFilter;
     CrossStage cross;
-    Rows rows;
+    RowScratch& scratch;
     std::array<int16_t, 24> taps;
 };
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "simd/lanes.h"
+#include "simd/transpose.h"
 
 namespace clarivex {
 namespace {
@@ -92,16 +93,6 @@ struct Avx2Lanes {
         const U8 spread = _mm256_permute4x64_epi64(v, 0xD8);
         return _mm256_unpackhi_epi8(spread, FlipSigns(spread));
     }
-    static I16 SignedRepeatEven(U8 v) {
-        const U8 evens = _mm256_setr_epi8(0, 0, 2, 2, 4, 4, 6, 6, 8, 8, 10, 10, 12, 12, 14, 14, 0, 0, 2, 2, 4, 4, 6, 6,
-                                          8, 8, 10, 10, 12, 12, 14, 14);
-        return _mm256_shuffle_epi8(FlipSigns(v), evens);
-    }
-    static I16 SignedRepeatOdd(U8 v) {
-        const U8 odds = _mm256_setr_epi8(1, 1, 3, 3, 5, 5, 7, 7, 9, 9, 11, 11, 13, 13, 15, 15, 1, 1, 3, 3, 5, 5, 7, 7,
-                                         9, 9, 11, 11, 13, 13, 15, 15);
-        return _mm256_shuffle_epi8(FlipSigns(v), odds);
-    }
     static I16 EvenBytes(U8 v) { return _mm256_and_si256(v, _mm256_set1_epi16(0xFF)); }
     static I16 OddBytes(U8 v) { return _mm256_srli_epi16(v, 8); }
 
@@ -139,12 +130,29 @@ struct Avx2Lanes {
     static Pair Unpack(U8 v) {
         return {_mm256_unpacklo_epi8(v, _mm256_setzero_si256()), _mm256_unpackhi_epi8(v, _mm256_setzero_si256())};
     }
+    static Pair SignedRepeat(U8 v) {
+        const U8 flipped = FlipSigns(v);
+        return {_mm256_unpacklo_epi8(flipped, flipped), _mm256_unpackhi_epi8(flipped, flipped)};
+    }
     static Pair Sum(U8 a, U8 b) { return WeighSum(a, b, _mm256_set1_epi8(1)); }
     static Pair WeighSum(U8 a, U8 b, Weights w) {
         return {_mm256_maddubs_epi16(_mm256_unpacklo_epi8(a, b), w),
                 _mm256_maddubs_epi16(_mm256_unpackhi_epi8(a, b), w)};
     }
     static U8 PackUnpacked(Pair words) { return _mm256_packus_epi16(words.low, words.high); }
+
+    static void LoadColumns(const uint8_t* const* rows, int32_t x, uint8_t* columns) {
+        U8 tile[16];
+        for (int32_t i = 0; i < 16; ++i) tile[i] = Pieces(rows + i, x);
+        Transpose(tile);
+        for (int32_t i = 0; i < 16; ++i) StoreBytes(columns + 32 * i, tile[i]);
+    }
+    static void StoreColumns(uint8_t* const* rows, int32_t x, const uint8_t* columns) {
+        U8 tile[16];
+        for (int32_t i = 0; i < 16; ++i) tile[i] = LoadBytes(columns + 32 * i);
+        Transpose(tile);
+        for (int32_t i = 0; i < 16; ++i) StorePieces(rows + i, x, tile[i]);
+    }
 
     /// Sums stand in the order of unpacked words, and packing undoes it.
     struct Sums {
@@ -186,6 +194,23 @@ struct Avx2Lanes {
     }
 
 private:
+    static void Transpose(U8 (&tile)[16]) {
+        TransposeSquares(
+            tile, [](U8 a, U8 b) { return _mm256_unpacklo_epi8(a, b); },
+            [](U8 a, U8 b) { return _mm256_unpackhi_epi8(a, b); });
+    }
+    /// Sixteen columns of two rows, a row in each half.
+    static U8 Pieces(const uint8_t* const* rows, int32_t x) {
+        const auto piece = [=](int32_t row) {
+            return _mm_loadu_si128(reinterpret_cast<const __m128i*>(rows[row] + x));
+        };
+        return _mm256_inserti128_si256(_mm256_castsi128_si256(piece(0)), piece(16), 1);
+    }
+    static void StorePieces(uint8_t* const* rows, int32_t x, U8 v) {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(rows[0] + x), _mm256_castsi256_si128(v));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(rows[16] + x), _mm256_extracti128_si256(v, 1));
+    }
+
     static U8 Halves(__m128i v) { return _mm256_broadcastsi128_si256(v); }
 };
 static_assert(KernelLanes<Avx2Lanes>);

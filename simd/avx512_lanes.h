@@ -11,6 +11,7 @@
 #include <cstdint>
 
 #include "simd/lanes.h"
+#include "simd/transpose.h"
 
 namespace clarivex {
 namespace {
@@ -96,14 +97,6 @@ struct Avx512Lanes {
         const U8 spread = Spread(v);
         return _mm512_unpackhi_epi8(spread, FlipSigns(spread));
     }
-    static I16 SignedRepeatEven(U8 v) {
-        return _mm512_shuffle_epi8(FlipSigns(v),
-                                   Quarters(_mm_setr_epi8(0, 0, 2, 2, 4, 4, 6, 6, 8, 8, 10, 10, 12, 12, 14, 14)));
-    }
-    static I16 SignedRepeatOdd(U8 v) {
-        return _mm512_shuffle_epi8(FlipSigns(v),
-                                   Quarters(_mm_setr_epi8(1, 1, 3, 3, 5, 5, 7, 7, 9, 9, 11, 11, 13, 13, 15, 15)));
-    }
     static I16 EvenBytes(U8 v) { return _mm512_and_si512(v, _mm512_set1_epi16(0xFF)); }
     static I16 OddBytes(U8 v) { return _mm512_srli_epi16(v, 8); }
 
@@ -141,12 +134,29 @@ struct Avx512Lanes {
     static Pair Unpack(U8 v) {
         return {_mm512_unpacklo_epi8(v, _mm512_setzero_si512()), _mm512_unpackhi_epi8(v, _mm512_setzero_si512())};
     }
+    static Pair SignedRepeat(U8 v) {
+        const U8 flipped = FlipSigns(v);
+        return {_mm512_unpacklo_epi8(flipped, flipped), _mm512_unpackhi_epi8(flipped, flipped)};
+    }
     static Pair Sum(U8 a, U8 b) { return WeighSum(a, b, _mm512_set1_epi8(1)); }
     static Pair WeighSum(U8 a, U8 b, Weights w) {
         return {_mm512_maddubs_epi16(_mm512_unpacklo_epi8(a, b), w),
                 _mm512_maddubs_epi16(_mm512_unpackhi_epi8(a, b), w)};
     }
     static U8 PackUnpacked(Pair words) { return _mm512_packus_epi16(words.low, words.high); }
+
+    static void LoadColumns(const uint8_t* const* rows, int32_t x, uint8_t* columns) {
+        U8 tile[16];
+        for (int32_t i = 0; i < 16; ++i) tile[i] = Pieces(rows + i, x);
+        Transpose(tile);
+        for (int32_t i = 0; i < 16; ++i) StoreBytes(columns + 64 * i, tile[i]);
+    }
+    static void StoreColumns(uint8_t* const* rows, int32_t x, const uint8_t* columns) {
+        U8 tile[16];
+        for (int32_t i = 0; i < 16; ++i) tile[i] = LoadBytes(columns + 64 * i);
+        Transpose(tile);
+        for (int32_t i = 0; i < 16; ++i) StorePieces(rows + i, x, tile[i]);
+    }
 
     /// Sums stand in the order of unpacked words, and packing undoes it.
     struct Sums {
@@ -188,6 +198,29 @@ struct Avx512Lanes {
     }
 
 private:
+    static void Transpose(U8 (&tile)[16]) {
+        TransposeSquares(
+            tile, [](U8 a, U8 b) { return _mm512_unpacklo_epi8(a, b); },
+            [](U8 a, U8 b) { return _mm512_unpackhi_epi8(a, b); });
+    }
+    /// Sixteen columns of four rows, a row in each quarter.
+    static U8 Pieces(const uint8_t* const* rows, int32_t x) {
+        const auto piece = [=](int32_t row) {
+            return _mm_loadu_si128(reinterpret_cast<const __m128i*>(rows[row] + x));
+        };
+        const __m512i two = _mm512_inserti32x4(_mm512_castsi128_si512(piece(0)), piece(16), 1);
+        return _mm512_inserti32x4(_mm512_inserti32x4(two, piece(32), 2), piece(48), 3);
+    }
+    static void StorePieces(uint8_t* const* rows, int32_t x, U8 v) {
+        const auto store = [=](int32_t row, __m128i piece) {
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(rows[row] + x), piece);
+        };
+        store(0, _mm512_castsi512_si128(v));
+        store(16, _mm512_extracti32x4_epi32(v, 1));
+        store(32, _mm512_extracti32x4_epi32(v, 2));
+        store(48, _mm512_extracti32x4_epi32(v, 3));
+    }
+
     static U8 Quarters(__m128i v) { return _mm512_broadcast_i32x4(v); }
     static __m512i Qwords(int a, int b, int c, int d, int e, int f, int g, int h) {
         return _mm512_setr_epi64(a, b, c, d, e, f, g, h);

@@ -18,6 +18,16 @@ struct Words {
     typename Lanes::I16 high;
 };
 
+/// start + product(0) + … + product(count − 1), in two sums by turns, so that one does not wait for the other.
+/// Inlined always: as a function of its own it would find nothing in registers.
+template <class Lanes, int32_t count, class Product>
+[[gnu::always_inline]] inline typename Lanes::I16 SumByTurns(typename Lanes::I16 start, const Product& product) {
+    typename Lanes::I16 sums[2] = {Lanes::AddWrap(start, product(0)), product(1)};
+    for (int32_t k = 2; k < count; ++k)  // kept in this order: compilers build wider trees and run out of registers
+        sums[k % 2] = Lanes::InRegister(Lanes::AddWrap(sums[k % 2], product(k)));
+    return Lanes::AddWrap(sums[0], sums[1]);
+}
+
 template <class Lanes>
 struct WholeBlock {
     static typename Lanes::U8 Load(const uint8_t* p) { return Lanes::LoadBytes(p); }

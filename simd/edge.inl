@@ -16,17 +16,17 @@ typename Lanes::I16 Core(typename Lanes::I16 x, typename Lanes::I16 deadZone, ty
     return Lanes::SubWrap(x, Lanes::Min(Lanes::Max(x, minusDeadZone), deadZone));
 }
 
-/// A sample block and its neighbours, one and three columns away.
+/// A sample block and its neighbours, one and three columns away; `step` is from one column to the next.
 template <class Lanes>
 struct EdgeWindow {
     typename Lanes::U8 centre, left, right, left3, right3;
 
-    explicit EdgeWindow(const uint8_t* p)
+    EdgeWindow(const uint8_t* p, int32_t step)
         : centre(Lanes::LoadBytes(p)),
-          left(Lanes::LoadBytes(p - 1)),
-          right(Lanes::LoadBytes(p + 1)),
-          left3(Lanes::LoadBytes(p - 3)),
-          right3(Lanes::LoadBytes(p + 3)) {}
+          left(Lanes::LoadBytes(p - step)),
+          right(Lanes::LoadBytes(p + step)),
+          left3(Lanes::LoadBytes(p - 3 * step)),
+          right3(Lanes::LoadBytes(p + 3 * step)) {}
 };
 
 /// What both forms below work out of a window: the sharpened samples c + ((core(g·L, T) + 16) >> 5), L = 2c − left − right,
@@ -155,38 +155,48 @@ private:
 };
 
 template <class Lanes, class Decide>
-void LimitBlocks(const uint8_t* in, uint8_t* out, int32_t first, int32_t end, const Decide& decide) {
-    for (int32_t x = first; x < end; x += blockLength<Lanes>) {
-        const EdgeWindow<Lanes> window(in + x);
-        const auto decision = decide(window);
-        const auto most = Lanes::MaxBytes(Lanes::MaxBytes(window.left, window.right), window.centre);
-        const auto least = Lanes::MinBytes(Lanes::MinBytes(window.left, window.right), window.centre);
-        // Packing has limited negative allowances to 0: without a margin the local extremes are always allowed.
-        const auto within = Lanes::MaxBytes(decision.sharpened, decision.Lower(least));
-        Lanes::StoreBytes(out + x, Lanes::MinBytes(within, decision.Upper(most)));
-    }
+typename Lanes::U8 LimitBlock(const uint8_t* in, int32_t step, const Decide& decide) {
+    const EdgeWindow<Lanes> window(in, step);
+    const auto decision = decide(window);
+    const auto most = Lanes::MaxBytes(Lanes::MaxBytes(window.left, window.right), window.centre);
+    const auto least = Lanes::MinBytes(Lanes::MinBytes(window.left, window.right), window.centre);
+    // Packing has limited negative allowances to 0: without a margin the local extremes are always allowed.
+    const auto within = Lanes::MaxBytes(decision.sharpened, decision.Lower(least));
+    return Lanes::MinBytes(within, decision.Upper(most));
+}
+
+/// Calls run(decide) with the form that the limits ask for.
+template <class Lanes, class Run>
+void WithEdges(const EdgeLimits& limits, const Run& run) {
+    if (UsualEdges<Lanes>::Covers(limits))
+        run(UsualEdges<Lanes>(limits));
+    else
+        run(AnyEdges<Lanes>(limits));
 }
 
 constexpr int32_t edgeMarginColumns = 8;
+
+/// Behind the last column of a row that has limits; 0 where none has.
+inline int32_t EndOfLimits(int32_t width) {
+    const int32_t groups = (width - 16) >> 3;
+    return groups < 1 ? 0 : edgeMarginColumns + 8 * groups;
+}
 
 /// The margins are put back as early as they can be: whoever reads the row next would wait for such small stores.
 template <class Lanes, class Decide>
 void LimitEdgesWith(const uint8_t* in, uint8_t* out, int32_t end, const Decide& decide) {
     constexpr int32_t block = blockLength<Lanes>;
     constexpr int32_t head = block > edgeMarginColumns ? block : edgeMarginColumns;
-    LimitBlocks<Lanes>(in, out, 0, head, decide);
+    const auto limit = [&](int32_t x) { Lanes::StoreBytes(out + x, LimitBlock<Lanes>(in + x, 1, decide)); };
+    for (int32_t x = 0; x < head; x += block) limit(x);
     std::memcpy(out, in, edgeMarginColumns);
-    LimitBlocks<Lanes>(in, out, head, end, decide);
+    for (int32_t x = head; x < end; x += block) limit(x);
 }
 
 template <class Lanes>
 void LimitEdges(const uint8_t* in, uint8_t* out, int32_t width, const EdgeLimits& limits) {
-    const int32_t groups = (width - 16) >> 3;
-    const int32_t end = groups < 1 ? 0 : edgeMarginColumns + 8 * groups;
-    if (end > 0 && UsualEdges<Lanes>::Covers(limits))
-        LimitEdgesWith<Lanes>(in, out, end, UsualEdges<Lanes>(limits));
-    else if (end > 0)
-        LimitEdgesWith<Lanes>(in, out, end, AnyEdges<Lanes>(limits));
+    const int32_t end = EndOfLimits(width);
+    if (end > 0) WithEdges<Lanes>(limits, [&](const auto& decide) { LimitEdgesWith<Lanes>(in, out, end, decide); });
     std::memcpy(out + end, in + end, static_cast<size_t>(width - end));
 }
 

@@ -1,6 +1,7 @@
-// The 3/2 enlargement of luma: three phases of eight taps, along rows and down columns.
+// The 3/2 enlargement of luma down the columns: three phases of eight taps.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 
@@ -8,49 +9,6 @@
 
 namespace clarivex {
 namespace {
-
-template <class Lanes>
-void SplitRow(const uint8_t* row, int16_t* even, int16_t* odd, int32_t count) {
-    ForEachBlock<Lanes>(count, [&](int32_t x, auto block) {
-        const auto raised = Lanes::RaiseUpperHalf(block.Load(row + x));
-        Lanes::Store(even + x / 2, Lanes::SignedRepeatEven(raised));
-        Lanes::Store(odd + x / 2, Lanes::SignedRepeatOdd(raised));
-    });
-}
-
-/// The words that the three phases of a register of outputs look at: even and odd samples two before to two behind.
-template <class Lanes>
-struct PhaseWindow {
-    typename Lanes::I16 samples[10];
-
-    PhaseWindow(const int16_t* even, const int16_t* odd) {
-        for (int32_t i = 0; i < 5; ++i) {
-            samples[2 * i] = Lanes::InRegister(Lanes::Load(even + i - 2));
-            samples[2 * i + 1] = Lanes::InRegister(Lanes::Load(odd + i - 2));
-        }
-    }
-
-    typename Lanes::I16 Sum(int32_t phase, const typename Lanes::I16* taps) const {
-        auto sum = Lanes::Set(8160);
-        for (int32_t k = 0; k < 8; ++k)
-            sum = Lanes::AddWrap(sum, Lanes::MulHigh(samples[phase + k], taps[8 * phase + k]));
-        return Lanes::template ShiftRight<6>(sum);
-    }
-};
-
-template <class Lanes>
-void EnlargeRow(const int16_t* even, const int16_t* odd, const int16_t* taps, uint8_t* out, int32_t pairs) {
-    typename Lanes::I16 tapWords[24];
-    for (int32_t k = 0; k < 24; ++k) tapWords[k] = Lanes::Set(taps[k]);
-    for (int32_t n = 0; n < pairs; n += blockLength<Lanes>) {
-        typename Lanes::Pair phases[3];
-        const PhaseWindow<Lanes> low(even + n, odd + n);
-        for (int32_t j = 0; j < 3; ++j) phases[j].low = low.Sum(j, tapWords);
-        const PhaseWindow<Lanes> high(even + n + Lanes::width, odd + n + Lanes::width);
-        for (int32_t j = 0; j < 3; ++j) phases[j].high = high.Sum(j, tapWords);
-        Lanes::StoreTriples(out + 3 * n, phases[0], phases[1], phases[2]);
-    }
-}
 
 template <class Lanes>
 void ExpandRow(const uint8_t* row, int16_t* words, int32_t width) {
@@ -63,20 +21,22 @@ void ExpandRow(const uint8_t* row, int16_t* words, int32_t width) {
 
 template <class Lanes, bool saturating>
 void EnlargeColumnsWith(const int16_t* const* rows, const int16_t* taps, uint8_t* out, int32_t width) {
-    const auto add = [](typename Lanes::I16 a, typename Lanes::I16 b) {
-        return saturating ? Lanes::AddSat(a, b) : Lanes::AddWrap(a, b);
-    };
+    // Copies, since stores of samples might change what pointers point to, for all that a compiler knows.
+    const int16_t* words[8];
+    std::copy_n(rows, 8, words);
     typename Lanes::I16 tapWords[8];
     for (int32_t k = 0; k < 8; ++k) tapWords[k] = Lanes::Set(taps[k]);
     const auto rounding = Lanes::Set(8192);
     ForEachBlock<Lanes>(width, [&](int32_t x, auto block) {
         const auto sum = [&](int32_t column) {
-            auto total = Lanes::MulHigh(Lanes::Load(rows[0] + column), tapWords[0]);
-            for (int32_t k = 1; k < 8; ++k)
-                total = add(total, Lanes::MulHigh(Lanes::Load(rows[k] + column), tapWords[k]));
-            return Lanes::template ShiftRight<6>(add(total, rounding));
+            const auto product = [&](int32_t k) { return Lanes::MulHigh(Lanes::Load(words[k] + column), tapWords[k]); };
+            if constexpr (!saturating) return SumByTurns<Lanes, 8>(rounding, product);
+            auto total = product(0);
+            for (int32_t k = 1; k < 8; ++k) total = Lanes::AddSat(total, product(k));
+            return Lanes::AddSat(total, rounding);
         };
-        block.Store(out + x, Lanes::Pack(sum(x), sum(x + Lanes::width)));
+        block.Store(out + x, Lanes::Pack(Lanes::template ShiftRight<6>(sum(x)),
+                                         Lanes::template ShiftRight<6>(sum(x + Lanes::width))));
     });
 }
 

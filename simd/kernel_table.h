@@ -86,17 +86,40 @@ struct OverlayRow {
     const int16_t* dither;
 };
 
+/// Rows of a picture for enlargeRows, from source to target.
+struct RowBand {
+    const uint8_t* const* in;  ///< each of inColumns samples
+    uint8_t* const* out;       ///< each gets exactly `columns`
+    int32_t rows;
+    int32_t inColumns;  ///< a multiple of 8, at least 8
+    int32_t width;      ///< of an enlarged row, up to `columns`
+    int32_t columns;    ///< up to 3/2 of inColumns
+};
+
+/// What enlargeRows does to a row.
+struct RowFilters {
+    const int16_t* taps;       ///< eight for each of the three phases
+    const EdgeLimits* limits;  ///< null for no limiter
+    const int16_t* post;       ///< seven taps, null for no filter
+    FirSpan span;              ///< of the filter: `first` at least 3, `end` at most width − 3
+};
+
+/// Working memory of enlargeRows at any width.
+constexpr int32_t rowWorkBytes = 48 * 1024;
+
 struct KernelTable {
     const char* name;
 
-    /// Splits a row into its even and odd samples, each as the word 256·s + (s mod 256), s = b − 128 raised by one from
-    /// 128 on and limited to 127. count even; even and odd are slack rows of count / 2 words.
-    void (*splitRow)(const uint8_t* row, int16_t* even, int16_t* odd, int32_t count);
+    /// Rows that enlargeRows makes at a time: fewer cost as much.
+    int32_t rowGroup;
 
-    /// Three outputs for each pair of inputs: out[3n + j] = sat8((Σk hi(taps[8j + k], p[2n + j + k − 4]) + 8160) >> 6),
-    /// p in the words of splitRow. All rows are slack, but two words beyond both ends of even and odd count; pairs
-    /// inputs give 3 · pairs outputs.
-    void (*enlargeRow)(const int16_t* even, const int16_t* odd, const int16_t* taps, uint8_t* out, int32_t pairs);
+    /// Rows enlarged by 3/2, their edges limited and filtered, each a row on its own. X(b) being the word 256·s + (s mod 256),
+    /// s = b − 128 raised by one from 128 on and limited to 127, and p[x] = X(in[x]); left of a row p is that of its first
+    /// sample, right of it once more that of the last one, then 0:
+    ///   out[3n + j] = sat8((Σk hi(taps[8j + k], p[2n + j + k − 4]) + 8160) >> 6)
+    /// then limitEdges on the row's `width` columns and fir7 on filters.span, where they are asked for. Rows of input and
+    /// output may not overlap. work: rowWorkBytes for the kernel's use, best at a multiple of 64.
+    void (*enlargeRows)(const RowBand& band, const RowFilters& filters, uint8_t* work);
 
     /// Full edge limiter: columns 8 … 8 + 8·((width − 16) >> 3) − 1, the others are copied. Slack rows, not in place.
     /// With c a sample, l and r the two beside it, l3 and r3 the two three columns away, a = c − l3 and b = c − r3:
@@ -108,7 +131,7 @@ struct KernelTable {
     void (*limitEdges)(const uint8_t* in, uint8_t* out, int32_t width, const EdgeLimits& limits);
 
     /// Seven or five taps along a row: out[x] = sat8((Σ hi(taps[k], X(in[x + k − before])) + bias) >> 5), bias 4088 on even
-    /// and 4072 on odd columns, X as in splitRow; before is 3 and 2. first is at least `before`. in is a slack row whose
+    /// and 4072 on odd columns, X as in enlargeRows; before is 3 and 2. first is at least `before`. in is a slack row whose
     /// samples behind its end count as far as taps reach them; words is a slack row of `columns` words for the kernel's
     /// use; out gets exactly `columns`.
     using FirRow = void (*)(const uint8_t* in, uint8_t* out, const FirSpan& span, const int16_t* taps, int16_t* words);

@@ -67,8 +67,6 @@ concept ConvertingLanes = requires(typename L::U8 v, typename L::I16 a, typename
     { L::OddBytes(v) } -> GivesWords<L>;            // bytes 1, 3, 5 …
     { L::SignedRepeatLow(v) } -> GivesWords<L>;     // 256·s + (s mod 256) of the first `width` bytes
     { L::SignedRepeatHigh(v) } -> GivesWords<L>;    // … of the others
-    { L::SignedRepeatEven(v) } -> GivesWords<L>;    // … of bytes 0, 2, 4 …
-    { L::SignedRepeatOdd(v) } -> GivesWords<L>;     // … of bytes 1, 3, 5 …
     { L::CentredRepeatLow(v) } -> GivesWords<L>;    // 257 · byte − 32768 of the first `width` bytes
     { L::CentredRepeatHigh(v) } -> GivesWords<L>;   // … of the others
     { L::Pack(a, b) } -> GivesBytes<L>;             // a's words, then b's, limited to 0 … 255
@@ -80,12 +78,20 @@ concept ConvertingLanes = requires(typename L::U8 v, typename L::I16 a, typename
 template <class L>
 concept PairLanes = requires(typename L::U8 a, typename L::U8 b, typename L::Pair pair, uint8_t* out) {
     { L::Unpack(a) } -> GivesPair<L>;                                // bytes as words of 0 … 255
+    { L::SignedRepeat(a) } -> GivesPair<L>;                          // 256·s + (s mod 256)
     { L::Sum(a, b) } -> GivesPair<L>;                                // a + b
     {L::MakeWeights(64, -64)};                                       // weights of a and b: 0 … 127 and −128 … 127
     { L::WeighSum(a, b, L::MakeWeights(64, -64)) } -> GivesPair<L>;  // their sum, if 16 bits hold it
     { L::PackUnpacked(pair) } -> GivesBytes<L>;                      // limited to 0 … 255
     // Three pairs in memory order, limited to 0 … 255: a[0] b[0] c[0] a[1] b[1] …, 6 · `width` bytes.
     { L::StoreTriples(out, pair, pair, pair) } -> std::same_as<void>;
+};
+
+/// Rows as many as a register has bytes, in tiles of 16 columns: a column of a tile is a register of bytes, the first row's first.
+template <class L>
+concept TileLanes = requires(const uint8_t* const* rows, uint8_t* const* out, uint8_t* columns) {
+    { L::LoadColumns(rows, 1, columns) } -> std::same_as<void>;  // columns 1 … 16 of rows, one behind the other
+    { L::StoreColumns(out, 1, columns) } -> std::same_as<void>;  // the reverse
 };
 
 /// Sums of 32 bits, one for each word of a register, in an order of the width's own that PackSums undoes.
@@ -107,6 +113,6 @@ concept SumLanes = requires(typename L::Sums a, typename L::Sums b, typename L::
 
 /// All that kernels ask for.
 template <class L>
-concept KernelLanes = WordLanes<L> && ByteLanes<L> && ConvertingLanes<L> && PairLanes<L> && SumLanes<L>;
+concept KernelLanes = WordLanes<L> && ByteLanes<L> && ConvertingLanes<L> && PairLanes<L> && TileLanes<L> && SumLanes<L>;
 
 }  // namespace clarivex

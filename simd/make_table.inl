@@ -9,6 +9,7 @@
 #include "simd/kernel_table.h"
 #include "simd/lanes.h"
 #include "simd/overlay.inl"
+#include "simd/rows.inl"
 #include "simd/sleeping/even_fir.inl"
 #include "simd/sleeping/twofold.inl"
 #include "simd/tone.inl"
@@ -20,8 +21,8 @@ template <KernelLanes Lanes>
 constexpr KernelTable MakeTable(const char* name) {
     return {
         .name = name,
-        .splitRow = SplitRow<Lanes>,
-        .enlargeRow = EnlargeRow<Lanes>,
+        .rowGroup = RowGroup<Lanes>::rows,
+        .enlargeRows = EnlargeRows<Lanes>,
         .limitEdges = LimitEdges<Lanes>,
         .fir7 = FirRow<Lanes, 3, 7>,
         .fir5 = FirRow<Lanes, 2, 5>,

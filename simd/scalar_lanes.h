@@ -92,8 +92,6 @@ struct ScalarLanes {
     static I16 CentredRepeat(uint8_t v) { return Wrap((v << 8 | v) ^ 0x8000); }
     static I16 CentredRepeatLow(U8 v) { return CentredRepeat(v.sample[0]); }
     static I16 CentredRepeatHigh(U8 v) { return CentredRepeat(v.sample[1]); }
-    static I16 SignedRepeatEven(U8 v) { return SignedRepeat(v.sample[0]); }
-    static I16 SignedRepeatOdd(U8 v) { return SignedRepeat(v.sample[1]); }
     static I16 EvenBytes(U8 v) { return v.sample[0]; }
     static I16 OddBytes(U8 v) { return v.sample[1]; }
 
@@ -108,11 +106,19 @@ struct ScalarLanes {
 
     static Weights MakeWeights(int32_t a, int32_t b) { return {a, b}; }
     static Pair Unpack(U8 v) { return {v.sample[0], v.sample[1]}; }
+    static Pair SignedRepeat(U8 v) { return {SignedRepeatLow(v), SignedRepeatHigh(v)}; }
     static Pair Sum(U8 a, U8 b) { return WeighSum(a, b, {1, 1}); }
     static Pair WeighSum(U8 a, U8 b, Weights w) {
         return {Wrap(a.sample[0] * w.a + b.sample[0] * w.b), Wrap(a.sample[1] * w.a + b.sample[1] * w.b)};
     }
     static U8 PackUnpacked(Pair words) { return Pack(words.low, words.high); }
+
+    static void LoadColumns(const uint8_t* const* rows, int32_t x, uint8_t* columns) {
+        for (int32_t i = 0; i < 32; ++i) columns[i] = rows[i % 2][x + i / 2];
+    }
+    static void StoreColumns(uint8_t* const* rows, int32_t x, const uint8_t* columns) {
+        for (int32_t i = 0; i < 32; ++i) rows[i % 2][x + i / 2] = columns[i];
+    }
 
     /// 32-bit sums of a register of words. They wrap.
     using Sums = int32_t;

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "simd/lanes.h"
+#include "simd/transpose.h"
 
 namespace clarivex {
 namespace {
@@ -83,14 +84,6 @@ struct Sse2Lanes {
     static I16 SignedRepeatHigh(U8 v) { return _mm_unpackhi_epi8(FlipSigns(v), FlipSigns(v)); }
     static I16 CentredRepeatLow(U8 v) { return _mm_unpacklo_epi8(v, FlipSigns(v)); }
     static I16 CentredRepeatHigh(U8 v) { return _mm_unpackhi_epi8(v, FlipSigns(v)); }
-    static I16 SignedRepeatEven(U8 v) {
-        const I16 even = EvenBytes(FlipSigns(v));
-        return Or(even, ShiftLeft<8>(even));
-    }
-    static I16 SignedRepeatOdd(U8 v) {
-        const I16 odd = OddBytes(FlipSigns(v));
-        return Or(odd, ShiftLeft<8>(odd));
-    }
     static I16 EvenBytes(U8 v) { return _mm_and_si128(v, _mm_set1_epi16(0xFF)); }
     static I16 OddBytes(U8 v) { return _mm_srli_epi16(v, 8); }
 
@@ -121,11 +114,28 @@ struct Sse2Lanes {
         return {Set(static_cast<int16_t>(a)), Set(static_cast<int16_t>(b))};
     }
     static Pair Unpack(U8 v) { return {Low(v), High(v)}; }
+    static Pair SignedRepeat(U8 v) {
+        const U8 flipped = FlipSigns(v);
+        return {_mm_unpacklo_epi8(flipped, flipped), _mm_unpackhi_epi8(flipped, flipped)};
+    }
     static Pair Sum(U8 a, U8 b) { return {AddWrap(Low(a), Low(b)), AddWrap(High(a), High(b))}; }
     static Pair WeighSum(U8 a, U8 b, Weights w) {
         return {AddWrap(MulLow(Low(a), w.a), MulLow(Low(b), w.b)), AddWrap(MulLow(High(a), w.a), MulLow(High(b), w.b))};
     }
     static U8 PackUnpacked(Pair words) { return Pack(words.low, words.high); }
+
+    static void LoadColumns(const uint8_t* const* rows, int32_t x, uint8_t* columns) {
+        U8 tile[16];
+        for (int32_t i = 0; i < 16; ++i) tile[i] = LoadBytes(rows[i] + x);
+        Transpose(tile);
+        for (int32_t i = 0; i < 16; ++i) StoreBytes(columns + 16 * i, tile[i]);
+    }
+    static void StoreColumns(uint8_t* const* rows, int32_t x, const uint8_t* columns) {
+        U8 tile[16];
+        for (int32_t i = 0; i < 16; ++i) tile[i] = LoadBytes(columns + 16 * i);
+        Transpose(tile);
+        for (int32_t i = 0; i < 16; ++i) StoreBytes(rows[i] + x, tile[i]);
+    }
 
     /// Sums stand in the order of unpacked words, and packing undoes it.
     struct Sums {
@@ -165,6 +175,12 @@ struct Sse2Lanes {
     }
 
 private:
+    static void Transpose(U8 (&tile)[16]) {
+        TransposeSquares(
+            tile, [](U8 a, U8 b) { return _mm_unpacklo_epi8(a, b); },
+            [](U8 a, U8 b) { return _mm_unpackhi_epi8(a, b); });
+    }
+
     static I16 Low(U8 v) { return _mm_unpacklo_epi8(v, _mm_setzero_si128()); }
     static I16 High(U8 v) { return _mm_unpackhi_epi8(v, _mm_setzero_si128()); }
 

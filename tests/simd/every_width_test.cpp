@@ -45,10 +45,6 @@ constexpr Room slackToWrite{0, slackBehind};
 
 int32_t Width(CallRows&, int32_t width) { return width; }
 
-auto Times(int32_t factor) {
-    return [=](CallRows&, int32_t width) { return factor * width; };
-}
-
 /// Rows of `per` samples a column.
 auto Bytes(int32_t per = 1) {
     return [=](CallRows& rows, int32_t width) { return rows.Bytes(per * width); };
@@ -114,15 +110,6 @@ auto Taps(int32_t count, bool zeros = false) {
         if (count == 16) std::fill_n(taps + count - cleared, cleared, static_cast<int16_t>(0));
         return taps;
     };
-}
-
-/// Words as splitRow makes them; two on either side of the row count as well.
-const int16_t* CentredWords(CallRows& rows, int32_t count) {
-    constexpr Room reach{2, 2};
-    int16_t* words = rows.RoomyWords(count, slackToRead, reach, -128, 127);
-    for (int32_t i = -reach.before; i < count + reach.behind; ++i)
-        words[i] = static_cast<int16_t>(256 * words[i] + (words[i] & 255));
-    return words;
 }
 
 /// Limits as they are in use, and at the ends of their ranges; the dead zone is a multiple of the gain or not.
@@ -253,12 +240,34 @@ void CallEnlargeColumns(const KernelTable& table, CallRows& rows, int32_t width)
     table.enlargeColumns(words.data(), taps, rows.Out(width), width);
 }
 
+/// Rows in whole groups and not; read up to a multiple of 8 samples and written up to one of 4.
+void CallEnlargeRows(const KernelTable& table, CallRows& rows, int32_t width) {
+    const int32_t count = rows.Pick("rows", {1, 1, 2, 3, 17, 64, 65});
+    const int32_t enlarged = 3 * width / 2;
+    std::vector<const uint8_t*> in;
+    std::vector<uint8_t*> out;
+    const RowBand band{nullptr, nullptr, count, std::max((width + 7) & ~7, 8), enlarged, (enlarged + 3) & ~3};
+    for (int32_t y = 0; y < count; ++y) {
+        in.push_back(rows.Bytes(band.inColumns));
+        out.push_back(rows.Out(band.columns));
+    }
+    const int16_t* taps = Taps(24)(rows, width);
+    const EdgeLimits limits = Limits(rows, width);
+    const int16_t* post = Taps(7)(rows, width);
+    const FirSpan span{band.columns, rows.Pick("first", {3, 4, 16}),
+                       rows.Pick("end", {enlarged - 3, enlarged - 4, enlarged / 2, 0})};
+    auto* work = reinterpret_cast<uint8_t*>(rows.Scratch(rowWorkBytes / 2, {}));
+    table.enlargeRows({in.data(), out.data(), count, band.inColumns, band.width, band.columns},
+                      {taps, rows.Pick("limiter", {0, 1, 1}) == 0 ? nullptr : &limits,
+                       rows.Pick("filter", {0, 1, 1}) == 0 ? nullptr : post, span},
+                      work);
+}
+
 std::ostream& operator<<(std::ostream& out, const KernelCheck& check) { return out << check.name; }
 
 using Table = KernelTable;
 const KernelCheck kernelChecks[] = {
-    Check("splitRow", &Table::splitRow, Bytes(2), SlackOutWords(), SlackOutWords(), Times(2)),
-    Check("enlargeRow", &Table::enlargeRow, CentredWords, CentredWords, Taps(24), SlackOut(3), Width),
+    {"enlargeRows", CallEnlargeRows},
     Check("limitEdges", &Table::limitEdges, SlackBytes(), SlackOut(), Width, Limits),
     Check("fir7", &Table::fir7, SlackBytes({0, 4}), Out(), Span(4), Taps(7), Scratch),
     Check("fir5", &Table::fir5, SlackBytes({0, 4}), Out(), Span(4), Taps(5), Scratch),

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 namespace clarivex {
 namespace {
@@ -18,26 +19,6 @@ int32_t MulHigh(int32_t a, int32_t b) { return (a * b) >> 16; }
 
 /// Towards zero by the threshold, zero within it.
 int32_t Core(int32_t x, int32_t threshold) { return x - std::clamp(x, -threshold, threshold); }
-
-void SplitRow(const uint8_t* row, int16_t* even, int16_t* odd, int32_t count) {
-    for (int32_t i = 0; i < count; ++i) {
-        int16_t* words = i % 2 == 0 ? even : odd;
-        words[i / 2] = static_cast<int16_t>(PlainCentred(row[i]));
-    }
-}
-
-void EnlargeRow(const int16_t* even, const int16_t* odd, const int16_t* taps, uint8_t* out, int32_t pairs) {
-    for (int32_t o = 0; o < 3 * pairs; ++o) {
-        const int32_t phase = o % 3;
-        int32_t sum = 8160;
-        for (int32_t k = 0; k < 8; ++k) {
-            const int32_t position = 2 * (o / 3) + phase + k - 4;
-            const int16_t* words = (position & 1) == 0 ? even : odd;
-            sum += MulHigh(taps[8 * phase + k], words[position >> 1]);
-        }
-        out[o] = Saturate8(Wrap16(sum) >> 6);
-    }
-}
 
 void LimitEdges(const uint8_t* in, uint8_t* out, int32_t width, const EdgeLimits& limits) {
     const int32_t end = 8 + 8 * std::max((width - 16) >> 3, 0);
@@ -70,6 +51,35 @@ void FirRow(const uint8_t* in, uint8_t* out, const FirSpan& span, const int16_t*
         int32_t sum = x % 2 == 0 ? 4088 : 4072;
         for (int32_t k = 0; k < length; ++k) sum += MulHigh(taps[k], PlainCentred(in[x + k - before]));
         out[x] = Saturate8(Wrap16(sum) >> 5);
+    }
+}
+
+void EnlargeRow(const uint8_t* in, const int16_t* taps, uint8_t* out, const RowBand& band) {
+    for (int32_t o = 0; o < band.columns; ++o) {
+        const int32_t phase = o % 3;
+        int32_t sum = 8160;
+        for (int32_t k = 0; k < 8; ++k) {
+            const int32_t x = 2 * (o / 3) + phase + k - 4;
+            if (x <= band.inColumns)  // mid-grey adds nothing
+                sum += MulHigh(taps[8 * phase + k], PlainCentred(in[std::clamp(x, 0, band.inColumns - 1)]));
+        }
+        out[o] = Saturate8(Wrap16(sum) >> 6);
+    }
+}
+
+void EnlargeRows(const RowBand& band, const RowFilters& filters, uint8_t*) {
+    for (int32_t y = 0; y < band.rows; ++y) {
+        std::vector<uint8_t> row(static_cast<size_t>(band.columns) + 1), last(row);
+        EnlargeRow(band.in[y], filters.taps, row.data(), band);
+        if (filters.limits != nullptr && band.width > 16) {
+            last = row;
+            LimitEdges(last.data(), row.data(), band.width, *filters.limits);
+        }
+        if (filters.post != nullptr) {
+            last = row;
+            FirRow<3, 7>(last.data(), row.data(), filters.span, filters.post, nullptr);
+        }
+        std::copy_n(row.data(), band.columns, band.out[y]);
     }
 }
 
@@ -215,8 +225,7 @@ int32_t PlainCentred(int32_t sample) {
 constinit const KernelTable plainKernels = [] {
     KernelTable table{};
     table.name = "plain";
-    table.splitRow = SplitRow;
-    table.enlargeRow = EnlargeRow;
+    table.enlargeRows = EnlargeRows;
     table.limitEdges = LimitEdges;
     table.fir7 = FirRow<3, 7>;
     table.fir5 = FirRow<2, 5>;

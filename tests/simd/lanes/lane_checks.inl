@@ -39,6 +39,7 @@ public:
         CheckBytes();
         CheckConversions();
         CheckPairs();
+        CheckTiles();
         CheckSums();
     }
 
@@ -96,8 +97,6 @@ private:
         Words("OddBytes", Lanes::OddBytes(v), [&](int32_t i) { return x[2 * i + 1]; });
         Words("SignedRepeatLow", Lanes::SignedRepeatLow(v), [&](int32_t i) { return SignedRepeat(x[i]); });
         Words("SignedRepeatHigh", Lanes::SignedRepeatHigh(v), [&](int32_t i) { return SignedRepeat(x[width + i]); });
-        Words("SignedRepeatEven", Lanes::SignedRepeatEven(v), [&](int32_t i) { return SignedRepeat(x[2 * i]); });
-        Words("SignedRepeatOdd", Lanes::SignedRepeatOdd(v), [&](int32_t i) { return SignedRepeat(x[2 * i + 1]); });
         Words("CentredRepeatLow", Lanes::CentredRepeatLow(v), [&](int32_t i) { return 257 * x[i] - 32768; });
         Words("CentredRepeatHigh", Lanes::CentredRepeatHigh(v), [&](int32_t i) { return 257 * x[width + i] - 32768; });
         Bytes("Pack", Lanes::Pack(a, b), [&](int32_t i) { return LimitToByte(i < width ? p[i] : q[i - width]); });
@@ -109,6 +108,7 @@ private:
         const U8 a = Lanes::LoadBytes(x), b = Lanes::LoadBytes(y);
         const int32_t weightA = p[0] & 127, weightB = Limit(q[0] % 128, -128, 127 - weightA);
         Unpacked("Unpack", Lanes::Unpack(a), [&](int32_t i) { return x[i]; });
+        Unpacked("SignedRepeat", Lanes::SignedRepeat(a), [&](int32_t i) { return SignedRepeat(x[i]); });
         Unpacked("Sum", Lanes::Sum(a, b), [&](int32_t i) { return x[i] + y[i]; });
         Unpacked("WeighSum", Lanes::WeighSum(a, b, Lanes::MakeWeights(weightA, weightB)),
                  [&](int32_t i) { return x[i] * weightA + y[i] * weightB; });
@@ -122,6 +122,27 @@ private:
         Stored<uint8_t, 6 * width>(
             "StoreTriples", [&](uint8_t* out) { Lanes::StoreTriples(out, pair(0), pair(2), pair(4)); },
             [&](int32_t i) { return LimitToByte(Row(2 * (i % 3) + i / 3 / width)[i / 3 % width]); });
+    }
+
+    /// Rows that begin at any column of the samples.
+    void CheckTiles() {
+        constexpr int32_t rows = 2 * width, columns = 16, length = columns + 1;
+        uint8_t turned[columns * rows], out[rows][length] = {};
+        const uint8_t* in[rows];
+        uint8_t* targets[rows];
+        for (int32_t i = 0; i < rows; ++i) {
+            in[i] = samples.bytes[i % 2] + i % 32;
+            targets[i] = out[i];
+        }
+        Lanes::LoadColumns(in, 1, turned);
+        for (int32_t i = 0; i < columns * rows; ++i)
+            if (turned[i] != in[i % rows][1 + i / rows])
+                return report("LoadColumns", i, turned[i], in[i % rows][1 + i / rows]);
+        Lanes::StoreColumns(targets, 1, turned);
+        for (int32_t i = 0; i < rows * length; ++i) {
+            const int32_t y = i / length, x = i % length, expected = x == 0 ? 0 : in[y][x];
+            if (out[y][x] != expected) return report("StoreColumns", i, out[y][x], expected);
+        }
     }
 
     void CheckSums() {

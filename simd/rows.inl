@@ -1,0 +1,290 @@
+// Rows enlarged by 3/2 and sharpened, in groups that lie across the lanes: what is a column of the picture is a register, so
+// the neighbours of a sample are other registers at the same lane, and no row end falls into the middle of one.
+//
+// A group walks along its rows in tiles. Each stage makes as many columns as the one before it allows and leaves them in a
+// window, all of which stay in the first-level cache.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+#include "simd/blocks.inl"
+#include "simd/edge.inl"
+#include "simd/fir.inl"
+#include "simd/kernel_table.h"
+
+namespace clarivex {
+namespace {
+
+constexpr int32_t tileColumns = 16;    // that lanes load and store at a time
+constexpr int32_t sourceColumns = 32;  // read before the stages run
+constexpr int32_t windowColumns = 96;  // kept of each stage: what comes of those, and what the next stage still needs
+
+/// A run of a stage's columns, `Column` elements each; it begins at any column and holds up to windowColumns.
+template <class Element, int32_t column>
+class ColumnWindow {
+public:
+    explicit ColumnWindow(Element* memory) : elements(memory) {}
+
+    static constexpr int32_t size = column * windowColumns;
+
+    Element* At(int32_t x) const { return elements + (x - start) * column; }
+
+    /// Forgets what is left of column x; `end` is the one behind the last.
+    void KeepFrom(int32_t x, int32_t end) {
+        std::memmove(elements, At(x), static_cast<size_t>((end - x) * column) * sizeof(Element));
+        start = x;
+    }
+    void StartAt(int32_t x) { start = x; }
+
+private:
+    Element* elements;
+    int32_t start = 0;
+};
+
+/// Eight or fewer taps on columns of words, each a lower and an upper register.
+template <class Lanes, int32_t count>
+class ColumnSum {
+public:
+    explicit ColumnSum(const int16_t* values) {
+        for (int32_t k = 0; k < count; ++k) taps[k] = Lanes::Set(values[k]);
+    }
+
+    /// start plus the products' upper halves of `count` columns.
+    typename Lanes::Pair operator()(const int16_t* columns, typename Lanes::I16 start) const {
+        return {Sum(columns, start), Sum(columns + Lanes::width, start)};
+    }
+
+private:
+    typename Lanes::I16 Sum(const int16_t* words, typename Lanes::I16 start) const {
+        const auto product = [&](int32_t k) {
+            return Lanes::MulHigh(Lanes::Load(words + k * blockLength<Lanes>), taps[k]);
+        };
+        return SumByTurns<Lanes, count>(start, product);
+    }
+
+    typename Lanes::I16 taps[count];
+};
+
+template <class Lanes, int bits>
+typename Lanes::U8 FinishColumn(const typename Lanes::Pair& sum) {
+    return Lanes::PackUnpacked({Lanes::template ShiftRight<bits>(sum.low), Lanes::template ShiftRight<bits>(sum.high)});
+}
+
+/// Columns of bytes as the words that taps are laid on.
+template <class Lanes>
+void CentreColumns(const uint8_t* from, int16_t* to, int32_t count) {
+    for (; count > 0; --count, from += blockLength<Lanes>, to += blockLength<Lanes>) {
+        const auto pair = Lanes::SignedRepeat(Lanes::RaiseUpperHalf(Lanes::LoadBytes(from)));
+        Lanes::Store(to, pair.low);
+        Lanes::Store(to + Lanes::width, pair.high);
+    }
+}
+
+/// Every third column, of each of `pairs` pairs one.
+template <class Lanes>
+void EnlargePhase(const int16_t* from, const int16_t* taps, uint8_t* to, int32_t pairs) {
+    const ColumnSum<Lanes, 8> sum(taps);
+    const auto rounding = Lanes::Set(8160);
+    for (; pairs > 0; --pairs, from += 2 * blockLength<Lanes>, to += 3 * blockLength<Lanes>)
+        Lanes::StoreBytes(to, FinishColumn<Lanes, 6>(sum(from, rounding)));
+}
+
+template <class Lanes>
+void LimitColumns(const uint8_t* from, uint8_t* to, int32_t count, const EdgeLimits& limits) {
+    constexpr int32_t step = blockLength<Lanes>;
+    WithEdges<Lanes>(limits, [&](const auto& decide) {
+        for (int32_t i = 0; i < count; ++i)
+            Lanes::StoreBytes(to + i * step, LimitBlock<Lanes>(from + i * step, step, decide));
+    });
+}
+
+/// Columns first … end − 1; `from` is the column three before the first.
+template <class Lanes>
+void FilterColumns(const int16_t* from, const int16_t* taps, uint8_t* to, int32_t first, int32_t end) {
+    const ColumnSum<Lanes, 7> sum(taps);
+    for (int32_t x = first; x < end; ++x, from += blockLength<Lanes>, to += blockLength<Lanes>)
+        Lanes::StoreBytes(to, FinishColumn<Lanes, 5>(sum(from, Lanes::Set(orderedBias.words[x % 2]))));
+}
+
+/// One group of rows on its way through the stages.
+template <class Lanes>
+class RowGroup {
+public:
+    static constexpr int32_t rows = blockLength<Lanes>;
+
+    /// first  row of the band that the group begins with
+    RowGroup(const RowBand& band, int32_t first, const RowFilters& filters, uint8_t* work)
+        : band(band),
+          filters(filters),
+          count(std::min(rows, band.rows - first)),
+          source(reinterpret_cast<int16_t*>(work)),
+          centred(source.At(windowColumns)),
+          enlarged(reinterpret_cast<uint8_t*>(centred.At(windowColumns))),
+          limited(enlarged.At(windowColumns)),
+          filtered(limited.At(windowColumns)),
+          tile(filtered.At(windowColumns)),
+          cut(tile + tileColumns * rows) {
+        for (int32_t i = 0; i < rows; ++i) {
+            in[i] = band.in[first + std::min(i, count - 1)];
+            out[i] = band.out[first + std::min(i, count - 1)];
+            cutIn[i] = cutOut[i] = cut + i * tileColumns;
+        }
+    }
+
+    static constexpr int32_t workBytes =
+        3 * ColumnWindow<uint8_t, rows>::size + 2 * 2 * ColumnWindow<int16_t, rows>::size + 2 * tileColumns * rows;
+
+    void Run() {
+        source.StartAt(-tapsBefore);
+        while (written < band.columns) {
+            Read();
+            Enlarge();
+            Limit();
+            Filter();
+            Write();
+            Forget();
+        }
+    }
+
+private:
+    static constexpr int32_t tapsBefore = 4;  // columns of the source that a sum reaches back
+    static constexpr int32_t tapsBehind = 4;  // and ahead of its pair
+
+    bool SourceIsRead() const { return sourceEnd >= band.inColumns; }
+
+    void Read() {
+        const int32_t end = std::min(sourceEnd + sourceColumns, band.inColumns);
+        for (int32_t x = sourceEnd; x < end; x += tileColumns) ReadTile(x, std::min(tileColumns, end - x));
+        if (sourceEnd == 0) RepeatFirstColumn();
+        sourceEnd = end;
+        if (SourceIsRead()) EndSource();
+    }
+
+    void ReadTile(int32_t x, int32_t columns) {
+        if (columns == tileColumns) {
+            Lanes::LoadColumns(in, x, tile);
+        } else {
+            for (int32_t i = 0; i < rows; ++i)
+                std::memcpy(cut + i * tileColumns, in[i] + x, static_cast<size_t>(columns));
+            Lanes::LoadColumns(cutIn, 0, tile);
+        }
+        CentreColumns<Lanes>(tile, source.At(x), columns);
+    }
+
+    void RepeatFirstColumn() {
+        for (int32_t x = -tapsBefore; x < 0; ++x) std::copy_n(source.At(0), rows, source.At(x));
+    }
+
+    /// One more column is a copy of the last; behind it the far taps see mid-grey.
+    void EndSource() {
+        std::copy_n(source.At(sourceEnd - 1), rows, source.At(sourceEnd));
+        std::fill_n(source.At(sourceEnd + 1), (tapsBehind - 1) * rows, static_cast<int16_t>(0));
+        sourceEnd += tapsBehind;
+    }
+
+    void Enlarge() {
+        const int32_t end = (sourceEnd - tapsBehind) / 2;
+        for (int32_t phase = 0; phase < 3; ++phase)
+            EnlargePhase<Lanes>(source.At(2 * pairs + phase - tapsBefore), filters.taps + 8 * phase,
+                                enlarged.At(3 * pairs + phase), end - pairs);
+        pairs = end;
+        enlargedEnd = 3 * pairs;
+    }
+
+    void Limit() {
+        constexpr int32_t reach = 3;
+        const int32_t end = SourceIsRead() ? enlargedEnd : enlargedEnd - reach;
+        const int32_t limits = filters.limits == nullptr ? 0 : EndOfLimits(band.width);
+        const int32_t first = std::min(std::max(limitedEnd, edgeMarginColumns), end);
+        const int32_t last = std::max(std::min(end, limits), first);
+        CopyColumns(enlarged, limited, limitedEnd, first);
+        if (first < last) LimitColumns<Lanes>(enlarged.At(first), limited.At(first), last - first, *filters.limits);
+        CopyColumns(enlarged, limited, last, end);
+        limitedEnd = end;
+    }
+
+    void Filter() {
+        constexpr int32_t reach = 3;
+        const int32_t end = SourceIsRead() ? limitedEnd : limitedEnd - reach;
+        const FirSpan span = filters.post == nullptr ? FirSpan{} : filters.span;
+        if (filters.post != nullptr)
+            CentreColumns<Lanes>(limited.At(centredEnd), centred.At(centredEnd), limitedEnd - centredEnd);
+        centredEnd = limitedEnd;
+        const int32_t first = std::min(std::max(filteredEnd, span.first), end);
+        const int32_t last = std::max(std::min(end, span.end), first);
+        CopyColumns(limited, filtered, filteredEnd, first);
+        if (first < last)
+            FilterColumns<Lanes>(centred.At(first - reach), filters.post, filtered.At(first), first, last);
+        CopyColumns(limited, filtered, last, end);
+        filteredEnd = end;
+    }
+
+    using Bytes = ColumnWindow<uint8_t, rows>;
+    using Words = ColumnWindow<int16_t, rows>;
+
+    static void CopyColumns(const Bytes& from, const Bytes& to, int32_t first, int32_t end) {
+        if (first < end) std::memcpy(to.At(first), from.At(first), static_cast<size_t>((end - first) * rows));
+    }
+
+    void Write() {
+        for (; filteredEnd - written >= tileColumns && band.columns - written >= tileColumns; written += tileColumns)
+            WriteTile(tileColumns);
+        if (SourceIsRead() && written < band.columns) {
+            WriteTile(band.columns - written);
+            written = band.columns;
+        }
+    }
+
+    void WriteTile(int32_t columns) {
+        const uint8_t* from = filtered.At(written);
+        if (columns == tileColumns && count == rows) return Lanes::StoreColumns(out, written, from);
+        Lanes::StoreColumns(cutOut, 0, from);
+        for (int32_t i = 0; i < count; ++i)
+            std::memcpy(out[i] + written, cut + i * tileColumns, static_cast<size_t>(columns));
+    }
+
+    void Forget() {
+        if (SourceIsRead()) return;
+        source.KeepFrom(2 * pairs - tapsBefore, sourceEnd);
+        enlarged.KeepFrom(limitedEnd - 3, enlargedEnd);
+        limited.KeepFrom(filteredEnd, limitedEnd);
+        centred.KeepFrom(filteredEnd - 3, limitedEnd);
+        filtered.KeepFrom(written, filteredEnd);
+    }
+
+    const RowBand& band;
+    const RowFilters& filters;
+    int32_t count;  // of the rows that belong to the band; the last one stands for those that do not
+    Words source;
+    Words centred;
+    Bytes enlarged;
+    Bytes limited;
+    Bytes filtered;
+    uint8_t* tile;
+    uint8_t* cut;
+    const uint8_t* in[rows];
+    uint8_t* out[rows];
+    const uint8_t* cutIn[rows];
+    uint8_t* cutOut[rows];
+
+    // How far each stage has come.
+    int32_t sourceEnd = 0;
+    int32_t pairs = 0;
+    int32_t enlargedEnd = 0;
+    int32_t limitedEnd = 0;
+    int32_t centredEnd = 0;
+    int32_t filteredEnd = 0;
+    int32_t written = 0;
+};
+
+template <class Lanes>
+void EnlargeRows(const RowBand& band, const RowFilters& filters, uint8_t* work) {
+    static_assert(RowGroup<Lanes>::workBytes <= rowWorkBytes);
+    for (int32_t first = 0; first < band.rows; first += RowGroup<Lanes>::rows)
+        RowGroup<Lanes>(band, first, filters, work).Run();
+}
+
+}  // namespace
+}  // namespace clarivex
