@@ -18,6 +18,7 @@ struct Avx2Lanes {
     struct Pair {
         I16 low, high;
     };
+    using Both = Pair;  // bytes by turns
     using Weights = __m256i;
 
     static I16 Set(int16_t v) { return _mm256_set1_epi16(v); }
@@ -127,17 +128,20 @@ struct Avx2Lanes {
     static Weights MakeWeights(int32_t a, int32_t b) {
         return _mm256_set1_epi16(static_cast<int16_t>((b << 8) | (a & 0xFF)));
     }
+    static Weights Swap(Weights w) { return _mm256_or_si256(_mm256_slli_epi16(w, 8), _mm256_srli_epi16(w, 8)); }
     static Pair Unpack(U8 v) {
         return {_mm256_unpacklo_epi8(v, _mm256_setzero_si256()), _mm256_unpackhi_epi8(v, _mm256_setzero_si256())};
     }
     static Pair SignedRepeat(U8 v) {
         const U8 flipped = FlipSigns(v);
-        return {_mm256_unpacklo_epi8(flipped, flipped), _mm256_unpackhi_epi8(flipped, flipped)};
+        const U8 raised =
+            _mm256_subs_epi8(flipped, _mm256_cmpgt_epi8(flipped, _mm256_set1_epi8(-1)));  // less −1 from 0 on
+        return {_mm256_unpacklo_epi8(raised, raised), _mm256_unpackhi_epi8(raised, raised)};
     }
-    static Pair Sum(U8 a, U8 b) { return WeighSum(a, b, _mm256_set1_epi8(1)); }
-    static Pair WeighSum(U8 a, U8 b, Weights w) {
-        return {_mm256_maddubs_epi16(_mm256_unpacklo_epi8(a, b), w),
-                _mm256_maddubs_epi16(_mm256_unpackhi_epi8(a, b), w)};
+    static Pair Sum(U8 a, U8 b) { return WeighSum(Together(a, b), _mm256_set1_epi8(1)); }
+    static Both Together(U8 a, U8 b) { return {_mm256_unpacklo_epi8(a, b), _mm256_unpackhi_epi8(a, b)}; }
+    static Pair WeighSum(Both v, Weights w) {
+        return {_mm256_maddubs_epi16(v.low, w), _mm256_maddubs_epi16(v.high, w)};
     }
     static U8 PackUnpacked(Pair words) { return _mm256_packus_epi16(words.low, words.high); }
 

@@ -23,6 +23,7 @@ struct Avx512Lanes {
     struct Pair {
         I16 low, high;
     };
+    using Both = Pair;  // bytes by turns
     using Weights = __m512i;
 
     static I16 Set(int16_t v) { return _mm512_set1_epi16(v); }
@@ -131,17 +132,18 @@ struct Avx512Lanes {
     static Weights MakeWeights(int32_t a, int32_t b) {
         return _mm512_set1_epi16(static_cast<int16_t>((b << 8) | (a & 0xFF)));
     }
+    static Weights Swap(Weights w) { return _mm512_or_si512(_mm512_slli_epi16(w, 8), _mm512_srli_epi16(w, 8)); }
     static Pair Unpack(U8 v) {
         return {_mm512_unpacklo_epi8(v, _mm512_setzero_si512()), _mm512_unpackhi_epi8(v, _mm512_setzero_si512())};
     }
     static Pair SignedRepeat(U8 v) {
-        const U8 flipped = FlipSigns(v);
-        return {_mm512_unpacklo_epi8(flipped, flipped), _mm512_unpackhi_epi8(flipped, flipped)};
+        const U8 raised = FlipSigns(RaiseUpperHalf(v));
+        return {_mm512_unpacklo_epi8(raised, raised), _mm512_unpackhi_epi8(raised, raised)};
     }
-    static Pair Sum(U8 a, U8 b) { return WeighSum(a, b, _mm512_set1_epi8(1)); }
-    static Pair WeighSum(U8 a, U8 b, Weights w) {
-        return {_mm512_maddubs_epi16(_mm512_unpacklo_epi8(a, b), w),
-                _mm512_maddubs_epi16(_mm512_unpackhi_epi8(a, b), w)};
+    static Pair Sum(U8 a, U8 b) { return WeighSum(Together(a, b), _mm512_set1_epi8(1)); }
+    static Both Together(U8 a, U8 b) { return {_mm512_unpacklo_epi8(a, b), _mm512_unpackhi_epi8(a, b)}; }
+    static Pair WeighSum(Both v, Weights w) {
+        return {_mm512_maddubs_epi16(v.low, w), _mm512_maddubs_epi16(v.high, w)};
     }
     static U8 PackUnpacked(Pair words) { return _mm512_packus_epi16(words.low, words.high); }
 

@@ -69,16 +69,21 @@ public:
           minusDeadZone(Lanes::Set(static_cast<int16_t>(-(limits.deadZone / limits.gain)))),
           centreWeight(Lanes::Set(static_cast<int16_t>(limits.outerWeight - 128))),
           outerWeights(Lanes::MakeWeights(64, 64 - limits.outerWeight)),
+          swappedWeights(Lanes::Swap(outerWeights)),
           slope(Lanes::Set(limits.slope)),
           minusSlope(Lanes::Set(static_cast<int16_t>(-limits.slope))) {}
 
     EdgeDecision<Lanes> operator()(const EdgeWindow<Lanes>& window) const {
-        const auto centre = Lanes::Unpack(window.centre);
-        const auto sides = Lanes::Sum(window.left, window.right);
-        const auto most = Lanes::MaxBytes(window.left3, window.right3);
-        const auto least = Lanes::MinBytes(window.left3, window.right3);
-        const auto above = Lanes::WeighSum(most, least, outerWeights);
-        const auto below = Lanes::WeighSum(least, most, outerWeights);
+        return (*this)(window, Lanes::Unpack(window.centre), Lanes::Sum(window.left, window.right));
+    }
+
+    /// With the words of the centre and of the sum of its sides at hand.
+    EdgeDecision<Lanes> operator()(const EdgeWindow<Lanes>& window, const typename Lanes::Pair& centre,
+                                   const typename Lanes::Pair& sides) const {
+        const auto outer =
+            Lanes::Together(Lanes::MaxBytes(window.left3, window.right3), Lanes::MinBytes(window.left3, window.right3));
+        const auto above = Lanes::WeighSum(outer, outerWeights);
+        const auto below = Lanes::WeighSum(outer, swappedWeights);
         const typename Lanes::Pair inner{Lanes::MulLow(centre.low, centreWeight),
                                          Lanes::MulLow(centre.high, centreWeight)};
         return {
@@ -97,7 +102,7 @@ private:
     static I16 Allow(I16 inner, I16 outer, I16 slopes) { return Lanes::MulHigh(Lanes::AddWrap(inner, outer), slopes); }
 
     I16 gain, deadZone, minusDeadZone, centreWeight;
-    typename Lanes::Weights outerWeights;
+    typename Lanes::Weights outerWeights, swappedWeights;
     I16 slope, minusSlope;
 };
 
@@ -116,8 +121,10 @@ public:
           margin(Lanes::Set(limits.margin)) {}
 
     InwardEdgeDecision<Lanes> operator()(const EdgeWindow<Lanes>& window) const {
-        const auto centre = Lanes::Unpack(window.centre);
-        const auto sides = Lanes::Sum(window.left, window.right);
+        return (*this)(window, Lanes::Unpack(window.centre), Lanes::Sum(window.left, window.right));
+    }
+    InwardEdgeDecision<Lanes> operator()(const EdgeWindow<Lanes>& window, const typename Lanes::Pair& centre,
+                                         const typename Lanes::Pair& sides) const {
         const auto left3 = Lanes::Unpack(window.left3);
         const auto right3 = Lanes::Unpack(window.right3);
         typename Lanes::Pair up, down;
@@ -154,10 +161,8 @@ private:
     I16 gain, deadZone, minusDeadZone, outerWeight, slope, minusSlope, offset, margin;
 };
 
-template <class Lanes, class Decide>
-typename Lanes::U8 LimitBlock(const uint8_t* in, int32_t step, const Decide& decide) {
-    const EdgeWindow<Lanes> window(in, step);
-    const auto decision = decide(window);
+template <class Lanes, class Decision>
+typename Lanes::U8 LimitBlock(const EdgeWindow<Lanes>& window, const Decision& decision) {
     const auto most = Lanes::MaxBytes(Lanes::MaxBytes(window.left, window.right), window.centre);
     const auto least = Lanes::MinBytes(Lanes::MinBytes(window.left, window.right), window.centre);
     // Packing has limited negative allowances to 0: without a margin the local extremes are always allowed.
@@ -187,7 +192,10 @@ template <class Lanes, class Decide>
 void LimitEdgesWith(const uint8_t* in, uint8_t* out, int32_t end, const Decide& decide) {
     constexpr int32_t block = blockLength<Lanes>;
     constexpr int32_t head = block > edgeMarginColumns ? block : edgeMarginColumns;
-    const auto limit = [&](int32_t x) { Lanes::StoreBytes(out + x, LimitBlock<Lanes>(in + x, 1, decide)); };
+    const auto limit = [&](int32_t x) {
+        const EdgeWindow<Lanes> window(in + x, 1);
+        Lanes::StoreBytes(out + x, LimitBlock<Lanes>(window, decide(window)));
+    };
     for (int32_t x = 0; x < head; x += block) limit(x);
     std::memcpy(out, in, edgeMarginColumns);
     for (int32_t x = head; x < end; x += block) limit(x);

@@ -77,12 +77,14 @@ concept ConvertingLanes = requires(typename L::U8 v, typename L::I16 a, typename
 /// all pairs, and PackUnpacked undoes it.
 template <class L>
 concept PairLanes = requires(typename L::U8 a, typename L::U8 b, typename L::Pair pair, uint8_t* out) {
-    { L::Unpack(a) } -> GivesPair<L>;                                // bytes as words of 0 … 255
-    { L::SignedRepeat(a) } -> GivesPair<L>;                          // 256·s + (s mod 256)
-    { L::Sum(a, b) } -> GivesPair<L>;                                // a + b
-    {L::MakeWeights(64, -64)};                                       // weights of a and b: 0 … 127 and −128 … 127
-    { L::WeighSum(a, b, L::MakeWeights(64, -64)) } -> GivesPair<L>;  // their sum, if 16 bits hold it
-    { L::PackUnpacked(pair) } -> GivesBytes<L>;                      // limited to 0 … 255
+    { L::Unpack(a) } -> GivesPair<L>;                         // bytes as words of 0 … 255
+    { L::SignedRepeat(a) } -> GivesPair<L>;                   // 256·s + (s mod 256), bytes from 128 raised by one
+    { L::Sum(a, b) } -> GivesPair<L>;                         // a + b
+    {L::MakeWeights(64, -64)};                                // weights of a and b: 0 … 127 and −128 … 127, and
+    {L::Swap(L::MakeWeights(64, -64))};                       // the other way round
+    { L::Together(a, b) } -> std::same_as<typename L::Both>;  // both, as WeighSum takes them
+    { L::WeighSum(L::Together(a, b), L::MakeWeights(64, -64)) } -> GivesPair<L>;  // their sum, if 16 bits hold it
+    { L::PackUnpacked(pair) } -> GivesBytes<L>;                                   // limited to 0 … 255
     // Three pairs in memory order, limited to 0 … 255: a[0] b[0] c[0] a[1] b[1] …, 6 · `width` bytes.
     { L::StoreTriples(out, pair, pair, pair) } -> std::same_as<void>;
 };

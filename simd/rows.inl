@@ -17,23 +17,30 @@
 namespace clarivex {
 namespace {
 
-constexpr int32_t tileColumns = 16;    // that lanes load and store at a time
-constexpr int32_t sourceColumns = 32;  // read before the stages run
+constexpr int32_t tileColumns = 16;  // that lanes load and store at a time
+constexpr int32_t cacheLine = 64;
+constexpr int32_t sourceColumns = 32;  // read before the stages run; more would not stay in the first-level cache
 constexpr int32_t windowColumns = 96;  // kept of each stage: what comes of those, and what the next stage still needs
 
-/// A run of a stage's columns, `Column` elements each; it begins at any column and holds up to windowColumns.
-template <class Element, int32_t column>
+/// A run of a stage's columns that begins at any one of them.
+template <class Lanes, class Element>
 class ColumnWindow {
+    static constexpr int32_t column = blockLength<Lanes>;
+
 public:
     explicit ColumnWindow(Element* memory) : elements(memory) {}
 
     static constexpr int32_t size = column * windowColumns;
+    Element* End() const { return elements + size; }
 
     Element* At(int32_t x) const { return elements + (x - start) * column; }
 
-    /// Forgets what is left of column x; `end` is the one behind the last.
+    /// Forgets what is left of column x; `end` is the one behind the last. A few registers: calling memmove would take longer.
     void KeepFrom(int32_t x, int32_t end) {
-        std::memmove(elements, At(x), static_cast<size_t>((end - x) * column) * sizeof(Element));
+        constexpr auto registerElements = static_cast<int32_t>(sizeof(typename Lanes::U8) / sizeof(Element));
+        const Element* from = At(x);
+        for (int32_t i = 0; i < (end - x) * column; i += registerElements)
+            std::memcpy(elements + i, from + i, sizeof(typename Lanes::U8));
         start = x;
     }
     void StartAt(int32_t x) { start = x; }
@@ -76,7 +83,7 @@ typename Lanes::U8 FinishColumn(const typename Lanes::Pair& sum) {
 template <class Lanes>
 void CentreColumns(const uint8_t* from, int16_t* to, int32_t count) {
     for (; count > 0; --count, from += blockLength<Lanes>, to += blockLength<Lanes>) {
-        const auto pair = Lanes::SignedRepeat(Lanes::RaiseUpperHalf(Lanes::LoadBytes(from)));
+        const auto pair = Lanes::SignedRepeat(Lanes::LoadBytes(from));
         Lanes::Store(to, pair.low);
         Lanes::Store(to + Lanes::width, pair.high);
     }
@@ -91,13 +98,25 @@ void EnlargePhase(const int16_t* from, const int16_t* taps, uint8_t* to, int32_t
         Lanes::StoreBytes(to, FinishColumn<Lanes, 6>(sum(from, rounding)));
 }
 
+/// Words of a column are those of the next one's left and of the last one's right side.
+template <class Lanes, class Decide>
+void LimitColumnsWith(const uint8_t* from, uint8_t* to, int32_t count, const Decide& decide) {
+    constexpr int32_t step = blockLength<Lanes>;
+    auto left = Lanes::Unpack(Lanes::LoadBytes(from - step));
+    auto centre = Lanes::Unpack(Lanes::LoadBytes(from));
+    for (; count > 0; --count, from += step, to += step) {
+        const EdgeWindow<Lanes> window(from, step);
+        const auto right = Lanes::Unpack(window.right);
+        const typename Lanes::Pair sides{Lanes::AddWrap(left.low, right.low), Lanes::AddWrap(left.high, right.high)};
+        Lanes::StoreBytes(to, LimitBlock<Lanes>(window, decide(window, centre, sides)));
+        left = centre;
+        centre = right;
+    }
+}
+
 template <class Lanes>
 void LimitColumns(const uint8_t* from, uint8_t* to, int32_t count, const EdgeLimits& limits) {
-    constexpr int32_t step = blockLength<Lanes>;
-    WithEdges<Lanes>(limits, [&](const auto& decide) {
-        for (int32_t i = 0; i < count; ++i)
-            Lanes::StoreBytes(to + i * step, LimitBlock<Lanes>(from + i * step, step, decide));
-    });
+    WithEdges<Lanes>(limits, [&](const auto& decide) { LimitColumnsWith<Lanes>(from, to, count, decide); });
 }
 
 /// Columns first … end − 1; `from` is the column three before the first.
@@ -120,11 +139,11 @@ public:
           filters(filters),
           count(std::min(rows, band.rows - first)),
           source(reinterpret_cast<int16_t*>(work)),
-          centred(source.At(windowColumns)),
-          enlarged(reinterpret_cast<uint8_t*>(centred.At(windowColumns))),
-          limited(enlarged.At(windowColumns)),
-          filtered(limited.At(windowColumns)),
-          tile(filtered.At(windowColumns)),
+          centred(source.End()),
+          enlarged(reinterpret_cast<uint8_t*>(centred.End())),
+          limited(enlarged.End()),
+          filtered(limited.End()),
+          tile(filtered.End()),
           cut(tile + tileColumns * rows) {
         for (int32_t i = 0; i < rows; ++i) {
             in[i] = band.in[first + std::min(i, count - 1)];
@@ -134,7 +153,7 @@ public:
     }
 
     static constexpr int32_t workBytes =
-        3 * ColumnWindow<uint8_t, rows>::size + 2 * 2 * ColumnWindow<int16_t, rows>::size + 2 * tileColumns * rows;
+        3 * ColumnWindow<Lanes, uint8_t>::size + 2 * 2 * ColumnWindow<Lanes, int16_t>::size + 2 * tileColumns * rows;
 
     void Run() {
         source.StartAt(-tapsBefore);
@@ -164,6 +183,8 @@ private:
 
     void ReadTile(int32_t x, int32_t columns) {
         if (columns == tileColumns) {
+            if (x % cacheLine == 0)
+                for (int32_t i = 0; i < rows; ++i) __builtin_prefetch(in[i] + x + cacheLine);
             Lanes::LoadColumns(in, x, tile);
         } else {
             for (int32_t i = 0; i < rows; ++i)
@@ -202,6 +223,8 @@ private:
         CopyColumns(enlarged, limited, limitedEnd, first);
         if (first < last) LimitColumns<Lanes>(enlarged.At(first), limited.At(first), last - first, *filters.limits);
         CopyColumns(enlarged, limited, last, end);
+        if (filters.post != nullptr && limitedEnd < end)
+            CentreColumns<Lanes>(limited.At(limitedEnd), centred.At(limitedEnd), end - limitedEnd);
         limitedEnd = end;
     }
 
@@ -209,9 +232,6 @@ private:
         constexpr int32_t reach = 3;
         const int32_t end = SourceIsRead() ? limitedEnd : limitedEnd - reach;
         const FirSpan span = filters.post == nullptr ? FirSpan{} : filters.span;
-        if (filters.post != nullptr)
-            CentreColumns<Lanes>(limited.At(centredEnd), centred.At(centredEnd), limitedEnd - centredEnd);
-        centredEnd = limitedEnd;
         const int32_t first = std::min(std::max(filteredEnd, span.first), end);
         const int32_t last = std::max(std::min(end, span.end), first);
         CopyColumns(limited, filtered, filteredEnd, first);
@@ -221,8 +241,8 @@ private:
         filteredEnd = end;
     }
 
-    using Bytes = ColumnWindow<uint8_t, rows>;
-    using Words = ColumnWindow<int16_t, rows>;
+    using Bytes = ColumnWindow<Lanes, uint8_t>;
+    using Words = ColumnWindow<Lanes, int16_t>;
 
     static void CopyColumns(const Bytes& from, const Bytes& to, int32_t first, int32_t end) {
         if (first < end) std::memcpy(to.At(first), from.At(first), static_cast<size_t>((end - first) * rows));
@@ -274,7 +294,6 @@ private:
     int32_t pairs = 0;
     int32_t enlargedEnd = 0;
     int32_t limitedEnd = 0;
-    int32_t centredEnd = 0;
     int32_t filteredEnd = 0;
     int32_t written = 0;
 };

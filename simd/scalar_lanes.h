@@ -21,6 +21,9 @@ struct ScalarLanes {
     struct Pair {
         I16 low, high;
     };
+    struct Both {
+        U8 a, b;
+    };
     struct Weights {
         int32_t a, b;
     };
@@ -105,11 +108,15 @@ struct ScalarLanes {
     }
 
     static Weights MakeWeights(int32_t a, int32_t b) { return {a, b}; }
+    static Weights Swap(Weights w) { return {w.b, w.a}; }
     static Pair Unpack(U8 v) { return {v.sample[0], v.sample[1]}; }
-    static Pair SignedRepeat(U8 v) { return {SignedRepeatLow(v), SignedRepeatHigh(v)}; }
-    static Pair Sum(U8 a, U8 b) { return WeighSum(a, b, {1, 1}); }
-    static Pair WeighSum(U8 a, U8 b, Weights w) {
-        return {Wrap(a.sample[0] * w.a + b.sample[0] * w.b), Wrap(a.sample[1] * w.a + b.sample[1] * w.b)};
+    static Pair SignedRepeat(U8 v) {
+        return {SignedRepeat(RaiseUpperHalf(v.sample[0])), SignedRepeat(RaiseUpperHalf(v.sample[1]))};
+    }
+    static Pair Sum(U8 a, U8 b) { return WeighSum({a, b}, {1, 1}); }
+    static Both Together(U8 a, U8 b) { return {a, b}; }
+    static Pair WeighSum(Both v, Weights w) {
+        return {Wrap(v.a.sample[0] * w.a + v.b.sample[0] * w.b), Wrap(v.a.sample[1] * w.a + v.b.sample[1] * w.b)};
     }
     static U8 PackUnpacked(Pair words) { return Pack(words.low, words.high); }
 

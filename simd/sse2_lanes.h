@@ -19,6 +19,9 @@ struct Sse2Lanes {
     struct Pair {
         I16 low, high;
     };
+    struct Both {
+        Pair a, b;
+    };
     struct Weights {
         I16 a, b;
     };
@@ -113,14 +116,18 @@ struct Sse2Lanes {
     static Weights MakeWeights(int32_t a, int32_t b) {
         return {Set(static_cast<int16_t>(a)), Set(static_cast<int16_t>(b))};
     }
+    static Weights Swap(const Weights& w) { return {w.b, w.a}; }
     static Pair Unpack(U8 v) { return {Low(v), High(v)}; }
     static Pair SignedRepeat(U8 v) {
         const U8 flipped = FlipSigns(v);
-        return {_mm_unpacklo_epi8(flipped, flipped), _mm_unpackhi_epi8(flipped, flipped)};
+        const U8 raised = _mm_subs_epi8(flipped, _mm_cmpgt_epi8(flipped, _mm_set1_epi8(-1)));  // less −1 from 0 on
+        return {_mm_unpacklo_epi8(raised, raised), _mm_unpackhi_epi8(raised, raised)};
     }
     static Pair Sum(U8 a, U8 b) { return {AddWrap(Low(a), Low(b)), AddWrap(High(a), High(b))}; }
-    static Pair WeighSum(U8 a, U8 b, Weights w) {
-        return {AddWrap(MulLow(Low(a), w.a), MulLow(Low(b), w.b)), AddWrap(MulLow(High(a), w.a), MulLow(High(b), w.b))};
+    static Both Together(U8 a, U8 b) { return {Unpack(a), Unpack(b)}; }
+    static Pair WeighSum(const Both& v, const Weights& w) {
+        return {AddWrap(MulLow(v.a.low, w.a), MulLow(v.b.low, w.b)),
+                AddWrap(MulLow(v.a.high, w.a), MulLow(v.b.high, w.b))};
     }
     static U8 PackUnpacked(Pair words) { return Pack(words.low, words.high); }
 
