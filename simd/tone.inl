@@ -1,6 +1,7 @@
 // The arithmetic of the output stages: tone curve, chroma gain, noise, ordered dither and overlay, in sixteenths.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "simd/blocks.inl"
@@ -31,12 +32,27 @@ Words<Lanes> LoadRow(const int16_t* row) {
     return {Lanes::Load(row), Lanes::Load(row + Lanes::width)};
 }
 
-/// The same of a column pattern; at most widths both are the same words, which is left to the compiler to see.
+/// A column pattern from a block on. Where its period fits into a block all blocks behind see the same words, which stay in
+/// registers.
 template <class Lanes>
-Words<Lanes> LoadPattern(const int16_t* pattern, int32_t x) {
-    const auto at = [&](int32_t column) { return Lanes::Load(pattern + (column & (patternPeriod - 1))); };
-    return {at(x), at(x + Lanes::width)};
-}
+class PatternWords {
+public:
+    PatternWords(const int16_t* pattern, int32_t x) : pattern(pattern), words(At(x)) {}
+
+    Words<Lanes> operator()(int32_t x) const {
+        if constexpr (blockLength<Lanes> % patternPeriod == 0) return words;
+        return At(x);
+    }
+
+private:
+    Words<Lanes> At(int32_t x) const {
+        const auto at = [&](int32_t column) { return Lanes::Load(pattern + (column & (patternPeriod - 1))); };
+        return {at(x), at(x + Lanes::width)};
+    }
+
+    const int16_t* pattern;
+    Words<Lanes> words;
+};
 
 template <class Lanes>
 Words<Lanes> LoadNoise(const GrainRow& grain, int32_t x) {
@@ -63,36 +79,56 @@ typename Lanes::U8 Finish(const Words<Lanes>& parts) {
 template <class Lanes>
 class TonedLuma {
 public:
-    explicit TonedLuma(const LumaTone& tone) : curve(tone.curve), pattern(tone.pattern) {}
+    using Tone = LumaTone;
+
+    TonedLuma(const LumaTone& tone, int32_t x) : curve(tone.curve), pattern(tone.pattern, x) {}
 
     Words<Lanes> operator()(const Words<Lanes>& luma, int32_t x) const {
-        return Add<Lanes>({curve(luma.low), curve(luma.high)}, LoadPattern<Lanes>(pattern, x));
+        return Add<Lanes>({curve(luma.low), curve(luma.high)}, pattern(x));
     }
 
 private:
     CurveWords<Lanes> curve;
-    const int16_t* pattern;
+    PatternWords<Lanes> pattern;
 };
 
 /// Chroma times its column's gain with the column pattern: sixteenths.
 template <class Lanes>
 class TonedChroma {
 public:
-    explicit TonedChroma(const ChromaTone& tone) : gains(tone.gains), pattern(tone.pattern) {}
+    using Tone = ChromaTone;
+
+    TonedChroma(const ChromaTone& tone, int32_t x) : gains(tone.gains, x), pattern(tone.pattern, x) {}
 
     Words<Lanes> operator()(const Words<Lanes>& chroma, int32_t x) const {
         const Words<Lanes> q{Lanes::template ShiftLeft<7>(chroma.low), Lanes::template ShiftLeft<7>(chroma.high)};
-        return Add<Lanes>(MulHigh<Lanes>(q, LoadPattern<Lanes>(gains, x)), LoadPattern<Lanes>(pattern, x));
+        return Add<Lanes>(MulHigh<Lanes>(q, gains(x)), pattern(x));
     }
 
 private:
-    const int16_t* gains;
-    const int16_t* pattern;
+    PatternWords<Lanes> gains;
+    PatternWords<Lanes> pattern;
 };
 
+/// Calls step(x, block, toned) as ForEachBlock does, with what the tone makes of blocks from there on. The last block may
+/// begin within a pattern's period.
+template <class Lanes, class Toned, class Step>
+[[gnu::always_inline]] inline void ForEachTonedBlock(int32_t width, const typename Toned::Tone& tone, const Step& step) {
+    const int32_t whole = width - width % blockLength<Lanes>;
+    const Toned toned(tone, 0);
+    for (int32_t x = 0; x < whole; x += blockLength<Lanes>) step(x, WholeBlock<Lanes>{}, toned);
+    if (whole == width) return;
+    const int32_t last = std::max(width - blockLength<Lanes>, 0);
+    const Toned tonedLast(tone, last);
+    if (width >= blockLength<Lanes>)
+        step(last, WholeBlock<Lanes>{}, tonedLast);
+    else
+        step(last, PartialBlock<Lanes>{width}, tonedLast);
+}
+
 template <class Lanes, class Toned>
-void NoisyRow(const uint8_t* in, uint8_t* out, int32_t width, const Toned& toned, GrainRow grain) {
-    ForEachBlock<Lanes>(width, [&](int32_t x, auto block) {
+void NoisyRow(const uint8_t* in, uint8_t* out, int32_t width, const typename Toned::Tone& tone, GrainRow grain) {
+    ForEachTonedBlock<Lanes, Toned>(width, tone, [&](int32_t x, auto block, const Toned& toned) {
         const Words<Lanes> video = toned(block.LoadWords(in + x), x);
         block.Store(out + x, Finish<Lanes, 4>(Add<Lanes>(video, LoadNoise<Lanes>(grain, x))));
     });
@@ -100,45 +136,45 @@ void NoisyRow(const uint8_t* in, uint8_t* out, int32_t width, const Toned& toned
 
 /// The keep factor also halves, so that eighths remain.
 template <class Lanes, class Toned>
-void OverlaidRow(const uint8_t* in, uint8_t* out, int32_t width, const Toned& toned, GrainRow grain,
+void OverlaidRow(const uint8_t* in, uint8_t* out, int32_t width, const typename Toned::Tone& tone, GrainRow grain,
                  OverlayRow overlay) {
-    ForEachBlock<Lanes>(width, [&](int32_t x, auto block) {
+    ForEachTonedBlock<Lanes, Toned>(width, tone, [&](int32_t x, auto block, const Toned& toned) {
         const Words<Lanes> video = toned(block.LoadWords(in + x), x);
         const Words<Lanes> noisy = Add<Lanes>(video, LoadNoise<Lanes>(grain, x));
         const Words<Lanes> kept = MulHigh<Lanes>(noisy, LoadRow<Lanes>(overlay.keep + x));
-        const auto samples = Finish<Lanes, 3>(Add<Lanes>(kept, LoadPattern<Lanes>(overlay.dither, x)));
+        const auto samples = Finish<Lanes, 3>(Add<Lanes>(kept, PatternWords<Lanes>(overlay.dither, x)(x)));
         block.Store(out + x, Lanes::AddBytes(samples, block.Load(overlay.terms + x)));
     });
 }
 
 template <class Lanes>
 void ToneLuma(const uint8_t* in, uint8_t* out, int32_t width, const LumaTone& tone, const GrainRow& grain) {
-    NoisyRow<Lanes>(in, out, width, TonedLuma<Lanes>(tone), grain);
+    NoisyRow<Lanes, TonedLuma<Lanes>>(in, out, width, tone, grain);
 }
 
 template <class Lanes>
 void ToneLumaOverlay(const uint8_t* in, uint8_t* out, int32_t width, const LumaTone& tone, const GrainRow& grain,
                      const OverlayRow& overlay) {
-    OverlaidRow<Lanes>(in, out, width, TonedLuma<Lanes>(tone), grain, overlay);
+    OverlaidRow<Lanes, TonedLuma<Lanes>>(in, out, width, tone, grain, overlay);
 }
 
 template <class Lanes>
 void ToneChroma(const uint8_t* in, uint8_t* out, int32_t width, const ChromaTone& tone) {
-    const TonedChroma<Lanes> toned(tone);
-    ForEachBlock<Lanes>(width, [&](int32_t x, auto block) {
+    using Toned = TonedChroma<Lanes>;
+    ForEachTonedBlock<Lanes, Toned>(width, tone, [&](int32_t x, auto block, const Toned& toned) {
         block.Store(out + x, Finish<Lanes, 4>(toned(block.LoadWords(in + x), x)));
     });
 }
 
 template <class Lanes>
 void ToneChromaNoise(const uint8_t* in, uint8_t* out, int32_t width, const ChromaTone& tone, const GrainRow& grain) {
-    NoisyRow<Lanes>(in, out, width, TonedChroma<Lanes>(tone), grain);
+    NoisyRow<Lanes, TonedChroma<Lanes>>(in, out, width, tone, grain);
 }
 
 template <class Lanes>
 void ToneChromaOverlay(const uint8_t* in, uint8_t* out, int32_t width, const ChromaTone& tone, const GrainRow& grain,
                        const OverlayRow& overlay) {
-    OverlaidRow<Lanes>(in, out, width, TonedChroma<Lanes>(tone), grain, overlay);
+    OverlaidRow<Lanes, TonedChroma<Lanes>>(in, out, width, tone, grain, overlay);
 }
 
 }  // namespace
