@@ -67,6 +67,11 @@ struct Avx2Lanes {
     static U8 AverageDown(U8 a, U8 b) {
         return _mm256_sub_epi8(_mm256_avg_epu8(a, b), _mm256_and_si256(_mm256_xor_si256(a, b), _mm256_set1_epi8(1)));
     }
+    template <int n>
+    static U8 LeanBytes(U8 a, U8 b) {
+        const Pair sum = WeighSum(Together(a, b), MakeWeights(64 - n, n));
+        return PackUnpacked({ShiftRight<6>(sum.low), ShiftRight<6>(sum.high)});
+    }
     static U8 RaiseUpperHalf(U8 a) {
         const U8 upperHalf = _mm256_cmpgt_epi8(_mm256_setzero_si256(), a);  // −1 from 128 on
         return _mm256_adds_epu8(a, _mm256_and_si256(upperHalf, _mm256_set1_epi8(1)));

@@ -72,6 +72,11 @@ struct Avx512Lanes {
     static U8 AverageDown(U8 a, U8 b) {
         return _mm512_sub_epi8(_mm512_avg_epu8(a, b), _mm512_and_si512(_mm512_xor_si512(a, b), _mm512_set1_epi8(1)));
     }
+    template <int n>
+    static U8 LeanBytes(U8 a, U8 b) {
+        const Pair sum = WeighSum(Together(a, b), MakeWeights(64 - n, n));
+        return PackUnpacked({ShiftRight<6>(sum.low), ShiftRight<6>(sum.high)});
+    }
     static U8 RaiseUpperHalf(U8 a) { return _mm512_mask_adds_epu8(a, _mm512_movepi8_mask(a), a, _mm512_set1_epi8(1)); }
 
     static U8 Pack(I16 low, I16 high) {

@@ -67,7 +67,7 @@ struct PartialBlock {
 /// Calls step(x, block) for blocks that cover a row of `width` samples. The last whole block lies at the row's end and may
 /// overlap the one before it, so a row must not be written over while it is read.
 template <class Lanes, class Step>
-void ForEachBlock(int32_t width, Step step) {
+[[gnu::always_inline]] inline void ForEachBlock(int32_t width, Step step) {
     int32_t x = 0;
     for (; x + blockLength<Lanes> <= width; x += blockLength<Lanes>) step(x, WholeBlock<Lanes>{});
     if (x == width) return;

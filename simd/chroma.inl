@@ -46,17 +46,14 @@ void EnlargeChromaRow(const uint8_t* in, const int16_t* weights, uint8_t* out, i
 
 template <class Lanes>
 void EnlargeChromaColumns(const uint8_t* const* rows, uint8_t* const* outs, int32_t width) {
-    const auto weight = Lanes::Set(11 * 512);  // 11 of 64
+    const uint8_t* const in[4] = {rows[0], rows[1], rows[2], rows[3]};
+    uint8_t* const out[3] = {outs[0], outs[1], outs[2]};
     ForEachBlock<Lanes>(width, [&](int32_t x, auto block) {
-        const Words<Lanes> r0 = block.LoadWords(rows[0] + x);
-        const Words<Lanes> r1 = block.LoadWords(rows[1] + x);
-        const Words<Lanes> r2 = block.LoadWords(rows[2] + x);
-        const Words<Lanes> r3 = block.LoadWords(rows[3] + x);
-        block.Store(outs[0] + x,
-                    Lanes::Pack(Pull<Lanes>(r1.low, r0.low, weight), Pull<Lanes>(r1.high, r0.high, weight)));
-        block.Store(outs[1] + x, Lanes::AverageDown(block.Load(rows[1] + x), block.Load(rows[2] + x)));
-        block.Store(outs[2] + x,
-                    Lanes::Pack(Pull<Lanes>(r2.low, r3.low, weight), Pull<Lanes>(r2.high, r3.high, weight)));
+        const auto upper = block.Load(in[1] + x);
+        const auto lower = block.Load(in[2] + x);
+        block.Store(out[0] + x, Lanes::template LeanBytes<11>(upper, block.Load(in[0] + x)));
+        block.Store(out[1] + x, Lanes::AverageDown(upper, lower));
+        block.Store(out[2] + x, Lanes::template LeanBytes<11>(lower, block.Load(in[3] + x)));
     });
 }
 

@@ -56,6 +56,7 @@ concept ByteLanes = requires(typename L::U8 a, typename L::U8 b, const uint8_t* 
     { L::SubBytes(a, b) } -> GivesBytes<L>;                     // a − b, at least 0
     { L::Average(a, b) } -> GivesBytes<L>;                      // (a + b + 1) >> 1
     { L::AverageDown(a, b) } -> GivesBytes<L>;                  // (a + b) >> 1
+    { L::template LeanBytes<11>(a, b) } -> GivesBytes<L>;       // a pulled towards b by 64ths, 0 … 63: rounded down
     { L::RaiseUpperHalf(a) } -> GivesBytes<L>;                  // 128 … 254 raised by one
     { L::StoreInterleaved2(out, a, b) } -> std::same_as<void>;  // a[0] b[0] a[1] b[1] …: 4 · `width` bytes
 };

@@ -84,6 +84,11 @@ struct ScalarLanes {
         return {{static_cast<uint8_t>((a.sample[0] + b.sample[0]) >> 1),
                  static_cast<uint8_t>((a.sample[1] + b.sample[1]) >> 1)}};
     }
+    template <int n>
+    static U8 LeanBytes(U8 a, U8 b) {
+        const auto lean = [](int32_t from, int32_t to) { return static_cast<uint8_t>((from * (64 - n) + to * n) >> 6); };
+        return {{lean(a.sample[0], b.sample[0]), lean(a.sample[1], b.sample[1])}};
+    }
     static U8 RaiseUpperHalf(U8 a) { return {{RaiseUpperHalf(a.sample[0]), RaiseUpperHalf(a.sample[1])}}; }
     static uint8_t RaiseUpperHalf(uint8_t v) { return static_cast<uint8_t>(v + (v >= 128 && v < 255 ? 1 : 0)); }
 

@@ -72,6 +72,13 @@ struct Sse2Lanes {
     static U8 AverageDown(U8 a, U8 b) {
         return _mm_sub_epi8(_mm_avg_epu8(a, b), _mm_and_si128(_mm_xor_si128(a, b), _mm_set1_epi8(1)));
     }
+    template <int n>
+    static U8 LeanBytes(U8 a, U8 b) {
+        const auto lean = [](I16 from, I16 to) {
+            return AddWrap(from, MulHigh(ShiftLeft<6>(SubWrap(to, from)), Set(16 * n)));
+        };
+        return Pack(lean(Low(a), Low(b)), lean(High(a), High(b)));
+    }
     static U8 RaiseUpperHalf(U8 a) {
         const U8 upperHalf = _mm_cmpgt_epi8(_mm_setzero_si128(), a);  // −1 from 128 on
         return _mm_adds_epu8(a, _mm_and_si128(upperHalf, _mm_set1_epi8(1)));

@@ -83,6 +83,7 @@ private:
         Bytes("SubBytes", Lanes::SubBytes(a, b), [&](int32_t i) { return LimitToByte(x[i] - y[i]); });
         Bytes("Average", Lanes::Average(a, b), [&](int32_t i) { return (x[i] + y[i] + 1) / 2; });
         Bytes("AverageDown", Lanes::AverageDown(a, b), [&](int32_t i) { return (x[i] + y[i]) / 2; });
+        Bytes("LeanBytes", Lanes::template LeanBytes<11>(a, b), [&](int32_t i) { return (53 * x[i] + 11 * y[i]) >> 6; });
         Bytes("RaiseUpperHalf", Lanes::RaiseUpperHalf(a),
               [&](int32_t i) { return x[i] < 128 ? x[i] : LimitToByte(x[i] + 1); });
         Stored<uint8_t, 4 * width>(
