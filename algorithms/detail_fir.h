@@ -23,8 +23,12 @@ DetailFirForm ChooseDetailFirForm(const DetailTaps& taps);
 struct DetailFirFilter {
     explicit DetailFirFilter(const DetailTaps& filterTaps) : taps(filterTaps), form(ChooseDetailFirForm(filterTaps)) {}
 
-    /// The seven taps of the general form.
+    /// The seven taps of the general form, and the middle one with those on its right.
     const int16_t* GeneralTaps() const { return &taps[5]; }
+    const int16_t* RightTaps() const { return &taps[8]; }
+
+    /// Whether the seven taps of the general form are the same on both sides.
+    bool HasEqualSides() const { return taps[5] == taps[11] && taps[6] == taps[10] && taps[7] == taps[9]; }
 
     DetailTaps taps;
     DetailFirForm form;

@@ -77,7 +77,7 @@ void RowScaler::EnlargeRows(int32_t y, int32_t count) {
 
 RowFilters RowScaler::Filters() const {
     return {taps.data(), LimitsInGroups() ? &stages.edgeLimits : nullptr,
-            PostFilterOnRow() && FiltersInGroups() ? postFilter.GeneralTaps() : nullptr,
+            PostFilterOnRow() && FiltersInGroups() ? postFilter.RightTaps() : nullptr,
             GeneralFirSpan({columns, target.width})};
 }
 
@@ -85,7 +85,8 @@ bool RowScaler::LimitsInGroups() const { return stages.edgeStage == EdgeStage::f
 
 /// Whether groups of rows are finished when they are enlarged.
 bool RowScaler::FiltersInGroups() const {
-    return stages.edgeStage != EdgeStage::simple && (!PostFilterOnRow() || postFilter.form == DetailFirForm::general);
+    const bool inGroups = postFilter.form == DetailFirForm::general && postFilter.HasEqualSides();
+    return stages.edgeStage != EdgeStage::simple && (!PostFilterOnRow() || inGroups);
 }
 
 void RowScaler::DoubleRowAt(int32_t y) {

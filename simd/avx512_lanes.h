@@ -152,11 +152,9 @@ struct Avx512Lanes {
     }
     static U8 PackUnpacked(Pair words) { return _mm512_packus_epi16(words.low, words.high); }
 
-    static void LoadColumns(const uint8_t* const* rows, int32_t x, uint8_t* columns) {
-        U8 tile[16];
+    static void LoadColumns(const uint8_t* const* rows, int32_t x, U8 (&tile)[16]) {
         for (int32_t i = 0; i < 16; ++i) tile[i] = Pieces(rows + i, x);
         Transpose(tile);
-        for (int32_t i = 0; i < 16; ++i) StoreBytes(columns + 64 * i, tile[i]);
     }
     static void StoreColumns(uint8_t* const* rows, int32_t x, const uint8_t* columns) {
         U8 tile[16];

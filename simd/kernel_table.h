@@ -100,7 +100,7 @@ struct RowBand {
 struct RowFilters {
     const int16_t* taps;       ///< eight for each of the three phases
     const EdgeLimits* limits;  ///< null for no limiter
-    const int16_t* post;       ///< seven taps, null for no filter
+    const int16_t* post;       ///< seven taps, the same on both sides, from the middle one on; null for no filter
     FirSpan span;              ///< of the filter: `first` at least 3, `end` at most width − 3
 };
 

@@ -92,8 +92,9 @@ concept PairLanes = requires(typename L::U8 a, typename L::U8 b, typename L::Pai
 
 /// Rows as many as a register has bytes, in tiles of 16 columns: a column of a tile is a register of bytes, the first row's first.
 template <class L>
-concept TileLanes = requires(const uint8_t* const* rows, uint8_t* const* out, uint8_t* columns) {
-    { L::LoadColumns(rows, 1, columns) } -> std::same_as<void>;  // columns 1 … 16 of rows, one behind the other
+concept TileLanes = requires(const uint8_t* const* rows, uint8_t* const* out, typename L::U8 (&tile)[16],
+                             uint8_t* columns) {
+    { L::LoadColumns(rows, 1, tile) } -> std::same_as<void>;     // columns 1 … 16 of rows, one behind the other
     { L::StoreColumns(out, 1, columns) } -> std::same_as<void>;  // the reverse
 };
 

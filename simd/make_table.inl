@@ -17,12 +17,13 @@
 namespace clarivex {
 namespace {
 
-template <KernelLanes Lanes>
+/// RowLanes are those of enlargeRows, which works through rows of its own and takes lanes of any width.
+template <KernelLanes Lanes, KernelLanes RowLanes = Lanes>
 constexpr KernelTable MakeTable(const char* name) {
     return {
         .name = name,
-        .rowGroup = RowGroup<Lanes>::rows,
-        .enlargeRows = EnlargeRows<Lanes>,
+        .rowGroup = RowGroup<RowLanes>::rows,
+        .enlargeRows = EnlargeRows<RowLanes>,
         .limitEdges = LimitEdges<Lanes>,
         .fir7 = FirRow<Lanes, 3, 7>,
         .fir5 = FirRow<Lanes, 2, 5>,

@@ -50,15 +50,15 @@ private:
     int32_t start = 0;
 };
 
-/// Eight or fewer taps on columns of words, each a lower and an upper register.
-template <class Lanes, int32_t count>
+/// Eight taps on columns of words, each a lower and an upper register.
+template <class Lanes>
 class ColumnSum {
 public:
     explicit ColumnSum(const int16_t* values) {
-        for (int32_t k = 0; k < count; ++k) taps[k] = Lanes::Set(values[k]);
+        for (int32_t k = 0; k < 8; ++k) taps[k] = Lanes::Set(values[k]);
     }
 
-    /// start plus the products' upper halves of `count` columns.
+    /// start plus the products' upper halves of eight columns.
     typename Lanes::Pair operator()(const int16_t* columns, typename Lanes::I16 start) const {
         return {Sum(columns, start), Sum(columns + Lanes::width, start)};
     }
@@ -68,10 +68,10 @@ private:
         const auto product = [&](int32_t k) {
             return Lanes::MulHigh(Lanes::Load(words + k * blockLength<Lanes>), taps[k]);
         };
-        return SumByTurns<Lanes, count>(start, product);
+        return SumByTurns<Lanes, 8>(start, product);
     }
 
-    typename Lanes::I16 taps[count];
+    typename Lanes::I16 taps[8];
 };
 
 template <class Lanes, int bits>
@@ -79,20 +79,10 @@ typename Lanes::U8 FinishColumn(const typename Lanes::Pair& sum) {
     return Lanes::PackUnpacked({Lanes::template ShiftRight<bits>(sum.low), Lanes::template ShiftRight<bits>(sum.high)});
 }
 
-/// Columns of bytes as the words that taps are laid on.
-template <class Lanes>
-void CentreColumns(const uint8_t* from, int16_t* to, int32_t count) {
-    for (; count > 0; --count, from += blockLength<Lanes>, to += blockLength<Lanes>) {
-        const auto pair = Lanes::SignedRepeat(Lanes::LoadBytes(from));
-        Lanes::Store(to, pair.low);
-        Lanes::Store(to + Lanes::width, pair.high);
-    }
-}
-
 /// Every third column, of each of `pairs` pairs one.
 template <class Lanes>
 void EnlargePhase(const int16_t* from, const int16_t* taps, uint8_t* to, int32_t pairs) {
-    const ColumnSum<Lanes, 8> sum(taps);
+    const ColumnSum<Lanes> sum(taps);
     const auto rounding = Lanes::Set(8160);
     for (; pairs > 0; --pairs, from += 2 * blockLength<Lanes>, to += 3 * blockLength<Lanes>)
         Lanes::StoreBytes(to, FinishColumn<Lanes, 6>(sum(from, rounding)));
@@ -119,13 +109,69 @@ void LimitColumns(const uint8_t* from, uint8_t* to, int32_t count, const EdgeLim
     WithEdges<Lanes>(limits, [&](const auto& decide) { LimitColumnsWith<Lanes>(from, to, count, decide); });
 }
 
-/// Columns first … end − 1; `from` is the column three before the first.
+/// Seven taps, the same on both sides, on columns one after the other. A product of a tap serves the outputs on both sides, and
+/// every column is read once: it is added to all outputs that are still open.
 template <class Lanes>
-void FilterColumns(const int16_t* from, const int16_t* taps, uint8_t* to, int32_t first, int32_t end) {
-    const ColumnSum<Lanes, 7> sum(taps);
-    for (int32_t x = first; x < end; ++x, from += blockLength<Lanes>, to += blockLength<Lanes>)
-        Lanes::StoreBytes(to, FinishColumn<Lanes, 5>(sum(from, Lanes::Set(orderedBias.words[x % 2]))));
-}
+class ColumnFilter {
+public:
+    static constexpr int32_t reach = 3;  // columns on either side that an output sees
+
+    /// taps    from the middle one on
+    /// memory  room for four registers: taps are multiplied from there, since the open outputs take all registers
+    ColumnFilter(const int16_t* taps, int16_t* memory) : memory(memory) {
+        for (int32_t i = 0; i < 4; ++i) Lanes::Store(memory + i * Lanes::width, Lanes::Set(taps[i]));
+    }
+
+    /// Makes outputs x … end − 1, x being where the last call ended; the first time it begins three columns early.
+    ///
+    /// from  column x + 3, the first time column x − 3
+    void Run(const uint8_t* from, uint8_t* to, int32_t x, int32_t end) {
+        constexpr int32_t step = blockLength<Lanes>;
+        Sums low = lower, high = upper;
+        const auto take = [&](int32_t column) __attribute__((always_inline)) {
+            const auto words = Lanes::SignedRepeat(Lanes::LoadBytes(from));
+            const auto start = Lanes::Set(orderedBias.words[column % 2]);
+            from += step;
+            const I16 lowWords = Add(words.low, memory, start, low);
+            return Lanes::PackUnpacked({lowWords, Add(words.high, memory, start, high)});
+        };
+        for (int32_t i = 0; i < openOutputs && !begun; ++i) take(x + i);
+        begun = true;
+        for (; x < end; ++x, to += step) Lanes::StoreBytes(to, take(x + openOutputs));
+        lower = low;
+        upper = high;
+    }
+
+private:
+    using I16 = typename Lanes::I16;
+
+    static constexpr int32_t openOutputs = 2 * reach;
+
+    /// Open outputs, the next one first.
+    struct Sums {
+        I16 next[openOutputs];
+    };
+
+    [[gnu::always_inline]] static I16 Add(I16 words, const int16_t* taps, I16 start, Sums& open) {
+        const auto product = [&](int32_t distance) {
+            return Lanes::MulHigh(words, Lanes::Load(taps + distance * Lanes::width));
+        };
+        const I16 p3 = product(3), p2 = product(2), p1 = product(1);
+        I16* next = open.next;
+        const I16 finished = Lanes::AddWrap(next[0], p3);
+        next[0] = Lanes::AddWrap(next[1], p2);
+        next[1] = Lanes::AddWrap(next[2], p1);
+        next[2] = Lanes::AddWrap(next[3], product(0));
+        next[3] = Lanes::AddWrap(next[4], p1);
+        next[4] = Lanes::AddWrap(next[5], p2);
+        next[5] = Lanes::AddWrap(start, p3);
+        return Lanes::template ShiftRight<5>(finished);
+    }
+
+    const int16_t* memory;
+    bool begun = false;
+    Sums lower{}, upper{};
+};
 
 /// One group of rows on its way through the stages.
 template <class Lanes>
@@ -139,12 +185,12 @@ public:
           filters(filters),
           count(std::min(rows, band.rows - first)),
           source(reinterpret_cast<int16_t*>(work)),
-          centred(source.End()),
-          enlarged(reinterpret_cast<uint8_t*>(centred.End())),
+          enlarged(reinterpret_cast<uint8_t*>(source.End())),
           limited(enlarged.End()),
           filtered(limited.End()),
-          tile(filtered.End()),
-          cut(tile + tileColumns * rows) {
+          cut(filtered.End()),
+          filter(filters.post == nullptr ? noTaps : filters.post,
+                 reinterpret_cast<int16_t*>(cut + tileColumns * rows)) {
         for (int32_t i = 0; i < rows; ++i) {
             in[i] = band.in[first + std::min(i, count - 1)];
             out[i] = band.out[first + std::min(i, count - 1)];
@@ -153,7 +199,7 @@ public:
     }
 
     static constexpr int32_t workBytes =
-        3 * ColumnWindow<Lanes, uint8_t>::size + 2 * 2 * ColumnWindow<Lanes, int16_t>::size + 2 * tileColumns * rows;
+        3 * ColumnWindow<Lanes, uint8_t>::size + 2 * ColumnWindow<Lanes, int16_t>::size + (tileColumns + 4) * rows;
 
     void Run() {
         source.StartAt(-tapsBefore);
@@ -170,6 +216,7 @@ public:
 private:
     static constexpr int32_t tapsBefore = 4;  // columns of the source that a sum reaches back
     static constexpr int32_t tapsBehind = 4;  // and ahead of its pair
+    static constexpr int16_t noTaps[4] = {};
 
     bool SourceIsRead() const { return sourceEnd >= band.inColumns; }
 
@@ -182,6 +229,7 @@ private:
     }
 
     void ReadTile(int32_t x, int32_t columns) {
+        typename Lanes::U8 tile[tileColumns];
         if (columns == tileColumns) {
             if (x % cacheLine == 0)
                 for (int32_t i = 0; i < rows; ++i) __builtin_prefetch(in[i] + x + cacheLine);
@@ -191,7 +239,11 @@ private:
                 std::memcpy(cut + i * tileColumns, in[i] + x, static_cast<size_t>(columns));
             Lanes::LoadColumns(cutIn, 0, tile);
         }
-        CentreColumns<Lanes>(tile, source.At(x), columns);
+        for (int32_t i = 0; i < tileColumns; ++i) {  // those behind the last column are written over
+            const auto words = Lanes::SignedRepeat(tile[i]);
+            Lanes::Store(source.At(x + i), words.low);
+            Lanes::Store(source.At(x + i) + Lanes::width, words.high);
+        }
     }
 
     void RepeatFirstColumn() {
@@ -223,20 +275,20 @@ private:
         CopyColumns(enlarged, limited, limitedEnd, first);
         if (first < last) LimitColumns<Lanes>(enlarged.At(first), limited.At(first), last - first, *filters.limits);
         CopyColumns(enlarged, limited, last, end);
-        if (filters.post != nullptr && limitedEnd < end)
-            CentreColumns<Lanes>(limited.At(limitedEnd), centred.At(limitedEnd), end - limitedEnd);
         limitedEnd = end;
     }
 
     void Filter() {
-        constexpr int32_t reach = 3;
+        constexpr int32_t reach = ColumnFilter<Lanes>::reach;
         const int32_t end = SourceIsRead() ? limitedEnd : limitedEnd - reach;
         const FirSpan span = filters.post == nullptr ? FirSpan{} : filters.span;
         const int32_t first = std::min(std::max(filteredEnd, span.first), end);
         const int32_t last = std::max(std::min(end, span.end), first);
         CopyColumns(limited, filtered, filteredEnd, first);
-        if (first < last)
-            FilterColumns<Lanes>(centred.At(first - reach), filters.post, filtered.At(first), first, last);
+        if (first < last) {
+            const int32_t from = first == span.first ? first - reach : first + reach;
+            filter.Run(limited.At(from), filtered.At(first), first, last);
+        }
         CopyColumns(limited, filtered, last, end);
         filteredEnd = end;
     }
@@ -269,8 +321,7 @@ private:
         if (SourceIsRead()) return;
         source.KeepFrom(2 * pairs - tapsBefore, sourceEnd);
         enlarged.KeepFrom(limitedEnd - 3, enlargedEnd);
-        limited.KeepFrom(filteredEnd, limitedEnd);
-        centred.KeepFrom(filteredEnd - 3, limitedEnd);
+        limited.KeepFrom(filteredEnd - 3, limitedEnd);
         filtered.KeepFrom(written, filteredEnd);
     }
 
@@ -278,16 +329,16 @@ private:
     const RowFilters& filters;
     int32_t count;  // of the rows that belong to the band; the last one stands for those that do not
     Words source;
-    Words centred;
     Bytes enlarged;
     Bytes limited;
     Bytes filtered;
-    uint8_t* tile;
     uint8_t* cut;
     const uint8_t* in[rows];
     uint8_t* out[rows];
     const uint8_t* cutIn[rows];
     uint8_t* cutOut[rows];
+
+    ColumnFilter<Lanes> filter;
 
     // How far each stage has come.
     int32_t sourceEnd = 0;

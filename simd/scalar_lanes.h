@@ -86,7 +86,9 @@ struct ScalarLanes {
     }
     template <int n>
     static U8 LeanBytes(U8 a, U8 b) {
-        const auto lean = [](int32_t from, int32_t to) { return static_cast<uint8_t>((from * (64 - n) + to * n) >> 6); };
+        const auto lean = [](int32_t from, int32_t to) {
+            return static_cast<uint8_t>((from * (64 - n) + to * n) >> 6);
+        };
         return {{lean(a.sample[0], b.sample[0]), lean(a.sample[1], b.sample[1])}};
     }
     static U8 RaiseUpperHalf(U8 a) { return {{RaiseUpperHalf(a.sample[0]), RaiseUpperHalf(a.sample[1])}}; }
@@ -125,8 +127,8 @@ struct ScalarLanes {
     }
     static U8 PackUnpacked(Pair words) { return Pack(words.low, words.high); }
 
-    static void LoadColumns(const uint8_t* const* rows, int32_t x, uint8_t* columns) {
-        for (int32_t i = 0; i < 32; ++i) columns[i] = rows[i % 2][x + i / 2];
+    static void LoadColumns(const uint8_t* const* rows, int32_t x, U8 (&tile)[16]) {
+        for (int32_t i = 0; i < 16; ++i) tile[i] = {{rows[0][x + i], rows[1][x + i]}};
     }
     static void StoreColumns(uint8_t* const* rows, int32_t x, const uint8_t* columns) {
         for (int32_t i = 0; i < 32; ++i) rows[i % 2][x + i / 2] = columns[i];

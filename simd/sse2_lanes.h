@@ -126,8 +126,8 @@ struct Sse2Lanes {
     static Weights Swap(const Weights& w) { return {w.b, w.a}; }
     static Pair Unpack(U8 v) { return {Low(v), High(v)}; }
     static Pair SignedRepeat(U8 v) {
-        const U8 flipped = FlipSigns(v);
-        const U8 raised = _mm_subs_epi8(flipped, _mm_cmpgt_epi8(flipped, _mm_set1_epi8(-1)));  // less −1 from 0 on
+        const U8 upperHalf = _mm_cmpgt_epi8(_mm_setzero_si128(), v);  // −1 from 128 on
+        const U8 raised = _mm_subs_epi8(FlipSigns(v), upperHalf);
         return {_mm_unpacklo_epi8(raised, raised), _mm_unpackhi_epi8(raised, raised)};
     }
     static Pair Sum(U8 a, U8 b) { return {AddWrap(Low(a), Low(b)), AddWrap(High(a), High(b))}; }
@@ -138,11 +138,9 @@ struct Sse2Lanes {
     }
     static U8 PackUnpacked(Pair words) { return Pack(words.low, words.high); }
 
-    static void LoadColumns(const uint8_t* const* rows, int32_t x, uint8_t* columns) {
-        U8 tile[16];
+    static void LoadColumns(const uint8_t* const* rows, int32_t x, U8 (&tile)[16]) {
         for (int32_t i = 0; i < 16; ++i) tile[i] = LoadBytes(rows[i] + x);
         Transpose(tile);
-        for (int32_t i = 0; i < 16; ++i) StoreBytes(columns + 16 * i, tile[i]);
     }
     static void StoreColumns(uint8_t* const* rows, int32_t x, const uint8_t* columns) {
         U8 tile[16];

@@ -113,7 +113,8 @@ private:
 /// Calls step(x, block, toned) as ForEachBlock does, with what the tone makes of blocks from there on. The last block may
 /// begin within a pattern's period.
 template <class Lanes, class Toned, class Step>
-[[gnu::always_inline]] inline void ForEachTonedBlock(int32_t width, const typename Toned::Tone& tone, const Step& step) {
+[[gnu::always_inline]] inline void ForEachTonedBlock(int32_t width, const typename Toned::Tone& tone,
+                                                     const Step& step) {
     const int32_t whole = width - width % blockLength<Lanes>;
     const Toned toned(tone, 0);
     for (int32_t x = 0; x < whole; x += blockLength<Lanes>) step(x, WholeBlock<Lanes>{}, toned);

@@ -77,7 +77,9 @@ void EnlargeRows(const RowBand& band, const RowFilters& filters, uint8_t*) {
         }
         if (filters.post != nullptr) {
             last = row;
-            FirRow<3, 7>(last.data(), row.data(), filters.span, filters.post, nullptr);
+            const int16_t* post = filters.post;
+            const int16_t taps[7] = {post[3], post[2], post[1], post[0], post[1], post[2], post[3]};
+            FirRow<3, 7>(last.data(), row.data(), filters.span, taps, nullptr);
         }
         std::copy_n(row.data(), band.columns, band.out[y]);
     }

@@ -83,7 +83,8 @@ private:
         Bytes("SubBytes", Lanes::SubBytes(a, b), [&](int32_t i) { return LimitToByte(x[i] - y[i]); });
         Bytes("Average", Lanes::Average(a, b), [&](int32_t i) { return (x[i] + y[i] + 1) / 2; });
         Bytes("AverageDown", Lanes::AverageDown(a, b), [&](int32_t i) { return (x[i] + y[i]) / 2; });
-        Bytes("LeanBytes", Lanes::template LeanBytes<11>(a, b), [&](int32_t i) { return (53 * x[i] + 11 * y[i]) >> 6; });
+        Bytes("LeanBytes", Lanes::template LeanBytes<11>(a, b),
+              [&](int32_t i) { return (53 * x[i] + 11 * y[i]) >> 6; });
         Bytes("RaiseUpperHalf", Lanes::RaiseUpperHalf(a),
               [&](int32_t i) { return x[i] < 128 ? x[i] : LimitToByte(x[i] + 1); });
         Stored<uint8_t, 4 * width>(
@@ -139,7 +140,9 @@ private:
             in[i] = samples.bytes[i % 2] + i % 32;
             targets[i] = out[i];
         }
-        Lanes::LoadColumns(in, 1, turned);
+        U8 tile[columns];
+        Lanes::LoadColumns(in, 1, tile);
+        for (int32_t i = 0; i < columns; ++i) Lanes::StoreBytes(turned + i * rows, tile[i]);
         for (int32_t i = 0; i < columns * rows; ++i)
             if (turned[i] != in[i % rows][1 + i / rows])
                 return report("LoadColumns", i, turned[i], in[i % rows][1 + i / rows]);
