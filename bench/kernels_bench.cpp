@@ -243,7 +243,7 @@ bool RegisterKernels() {
                 if (CanRun(*table, sets)) {
                     const std::string name =
                         std::string("kernel/") + bench.name + "/" + std::to_string(width) + "/" + table->name;
-                    benchmark::RegisterBenchmark(name.c_str(), RunKernel, bench, *table, width)->MinTime(0.05);
+                    benchmark::RegisterBenchmark(name.c_str(), RunKernel, bench, *table, width)->MinTime(0.02);
                 }
     return true;
 }
