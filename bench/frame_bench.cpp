@@ -1,6 +1,6 @@
 // Whole frames a second through the frame path, for the three formats, enlarged and not, at every width; the memory
 // that takes; and that it does not grow with the number of frames. Then frames through the engine alone in the modes that
-// the frame path does not set.
+// the frame path does not set, and what looking at a frame's lighting takes.
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 #include <sys/resource.h>
@@ -10,6 +10,7 @@
 #include <fstream>
 #include <string>
 
+#include "algorithms/lighting.h"
 #include "bench/frame_stream.h"
 #include "engine/enhancement_pass.h"
 #include "runtime/cpu_features.h"
@@ -120,6 +121,15 @@ void RunPasses(benchmark::State& state, const FrameSize& size, const PassModes& 
     state.SetItemsProcessed(state.iterations());
 }
 
+void RunLighting(benchmark::State& state, const KernelTable& kernels) {
+    constexpr int64_t oneFrame = 400000;
+    const WorkingImage picture = TexturedImage({640, 480});
+    LightingState tracked;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(AnalyseLighting(SourceOf(picture).planes, oneFrame, tracked, kernels));
+    state.SetItemsProcessed(state.iterations());
+}
+
 std::string NameOf(const FrameCase& frames) {
     return std::string(frames.format.name) + "/" + std::to_string(frames.size.width) + "x" +
            std::to_string(frames.size.height) + (frames.scaled ? "/scaled" : "/unscaled");
@@ -165,8 +175,20 @@ bool RegisterPasses() {
     return true;
 }
 
+bool RegisterLighting() {
+    const SimdSupport support = DetectSimdSupport();
+    const InstructionSets sets{.sse2 = support.sse2, .avx2 = support.avx2, .avx512 = support.avx512bw};
+    for (const KernelTable* table : AllKernels())
+        if (CanRun(*table, sets))
+            benchmark::RegisterBenchmark((std::string("lighting/640x480/") + table->name).c_str(), RunLighting, *table)
+                ->Unit(benchmark::kMicrosecond)
+                ->MinTime(0.05);
+    return true;
+}
+
 [[maybe_unused]] const bool framesRegistered = RegisterFrames();
 [[maybe_unused]] const bool passesRegistered = RegisterPasses();
+[[maybe_unused]] const bool lightingRegistered = RegisterLighting();
 
 }  // namespace
 }  // namespace clarivex
