@@ -23,11 +23,11 @@ ffmpeg=("${pinned[@]}" "${plain_ffmpeg[@]}" -threads 1 -filter_threads 1)
 every_set=$("$clarivex" info | sed -n 's/^instruction sets: *//p' | tr -d ,)
 vector_sets=${every_set#scalar }
 
-# make_clip WIDTHxHEIGHT: a clip of as many frames as make 30 million samples, and forgets what was kept.
+# make_clip WIDTHxHEIGHT [FILE]: a clip of as many frames as make 30 million samples, and forgets what was kept.
 make_clip() {
     frames=$((30000000 / (${1%x*} * ${1#*x})))
     "${ffmpeg[@]}" -f lavfi -i "testsrc2=size=$1:rate=25,noise=alls=8:allf=t,format=yuv420p" -frames:v "$frames" \
-        -f yuv4mpegpipe "$clip"
+        -f yuv4mpegpipe "${2:-$clip}"
     best=()
 }
 
