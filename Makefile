@@ -32,12 +32,12 @@ soak: setup
 	scripts/build.sh tsan clarivex_tests
 	TSAN_OPTIONS=halt_on_error=1 build/tsan/clarivex_tests --gtest_filter='*Threads*' --gtest_repeat=20 --gtest_brief=1
 
-# ARGS=... goes to Google Benchmark, such as ARGS=--benchmark_filter=Frame
+# Writes docs/figures.md and README's table of figures; bench/compare prints the same and writes nothing. With ARGS=... the
+# program of benches runs instead, with these arguments, such as ARGS=--benchmark_filter=frame
 bench:
 	scripts/setup.sh native
 	scripts/build.sh native clarivex clarivex_bench enhance_raw gstclarivex
-	build/native/clarivex_bench $(ARGS)
-	bench/compare
+	$(if $(ARGS),build/native/clarivex_bench $(ARGS),bench/keep_figures)
 
 # Makes build/clarivex-VERSION-windows.zip, with both DLLs, the command line, and how to install them, the same as an installer,
 # build/clarivex-VERSION-setup.exe, which is tried under Wine, and the Debian packages clarivex, libclarivex1, libclarivex-dev and
