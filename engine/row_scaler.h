@@ -1,4 +1,4 @@
-// Luma enlarged by three halves or by two along its rows, strip by strip, with all stages that work along the rows.
+// Luma enlarged by three halves or by two along its rows, band by band, with all stages that work along the rows.
 #pragma once
 
 #include <array>
@@ -17,7 +17,7 @@
 
 namespace clarivex {
 
-/// What runs on each strip, and with which values.
+/// What runs on each band, and with which values.
 struct RowStages {
     AxisScale scale = AxisScale::threeHalves;  ///< or twofold
     ThreeHalvesTaps taps;
@@ -46,7 +46,7 @@ int32_t BandRows(const KernelTable& kernels);
 /// Enlarges `source` into `target`, in bands of rows that go through all stages while they are in the cache.
 ///
 /// target     as many columns as the scale gives, stride a multiple of 64. Of the spare columns those up to the next
-///            multiple of 4 are written. A plane lower than the source, of whole strips, takes its rows in turn: row y
+///            multiple of 4 are written. A plane lower than the source, of whole bands, takes its rows in turn: row y
 ///            goes to row y modulo its height. With the stage across the rows it is as high as the source.
 /// source     width at least 1, for a twofold scale shortestDoubledRow; an active pre-stage works in place on it. Its
 ///            rows are read up to a multiple of 8 as far as memory goes, for a twofold scale up to their width.
@@ -60,8 +60,8 @@ public:
     RowScaler(const Plane& target, const SourcePlane& source, const RowStages& stages, RowScratch& scratch,
               const KernelTable& kernels);
 
-    /// Makes the band of rows from y on, as far as the source has them; y = 0, BandRows, 2 · BandRows … in order. With the stage across
-    /// the rows the band's last row is final only after the next band.
+    /// Makes the band of rows from y on, as far as the source has them; y = 0, BandRows, 2 · BandRows … in order. With the
+    /// stage across the rows the band's last row is final only after the next band.
     void ScaleBand(int32_t y);
 
 private:
