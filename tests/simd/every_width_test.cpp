@@ -254,7 +254,7 @@ void CallEnlargeRows(const KernelTable& table, CallRows& rows, int32_t width) {
     const int16_t* taps = Taps(24)(rows, width);
     const EdgeLimits limits = Limits(rows, width);
     const int16_t* post = Taps(4)(rows, width);
-    const FirSpan span{band.columns, rows.Pick("first", {3, 4, 16}),
+    const FirSpan span{band.columns, rows.Pick("first", {3, 4, 16, 36}),
                        rows.Pick("end", {enlarged - 3, enlarged - 4, enlarged / 2, 0})};
     auto* work = reinterpret_cast<uint8_t*>(rows.Scratch(rowWorkBytes / 2, {}));
     table.enlargeRows({in.data(), out.data(), count, band.inColumns, band.width, band.columns},
