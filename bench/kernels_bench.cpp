@@ -207,6 +207,12 @@ const KernelBench kernelBenches[] = {
          table.toneChromaOverlay(rows.Bytes(0), rows.Bytes(1), width, rows.Chroma(), rows.Grain(), rows.Overlay());
      }},
     {"blendChromaRows", 1, CallBlendChromaRows},
+    {"tonePackedRow", 2,
+     [](const KernelTable& table, BenchRows& rows, int32_t width) {
+         const std::array<const uint8_t*, 4> chroma{rows.Bytes(0), rows.Bytes(1), rows.Bytes(2), rows.Bytes(3)};
+         table.tonePackedRow(rows.Bytes(4), chroma.data(), rows.Bytes(5), width,
+                             {rows.Luma(), rows.Chroma(), rows.Grain(), rows.Grain()});
+     }},
     {"interleave", 1,
      [](const KernelTable& table, BenchRows& rows, int32_t width) {
          table.interleave(rows.Bytes(0), rows.Bytes(1), rows.Bytes(2), width / 2);

@@ -35,26 +35,34 @@ PackedOutput::PackedOutput(const Plane& target, const uint8_t* targetEnd, const 
 
 void PackedOutput::TakeLuma(int32_t y, uint8_t* row) {
     if (y >= height) return;
-    BlendChroma(y);
     // Of two rows that share their chroma both are copied or none.
-    if (!work && !overlay.Has(y & ~1) && !overlay.Has(y | 1)) {
-        Store(y, row, chroma);
-    } else {
+    if (overlay.Has(y)) {
+        ToneUnderOverlay(y, row);
+    } else if (work || overlay.Has(y ^ 1)) {
         Tone(y, row);
-        Store(y, tonedLuma, tonedChroma);
+    } else {
+        kernels.blendChromaRows(ChromaOf(y).data(), chroma, width / 2);
+        Store(y, row, chroma);
     }
     FillMargin(y);
 }
 
+void PackedOutput::ToneUnderOverlay(int32_t y, const uint8_t* luma) {
+    kernels.blendChromaRows(ChromaOf(y).data(), chroma, width / 2);
+    const OverlayTerms terms = overlay.Terms(y);
+    toner.LumaUnder(terms, y, luma, tonedLuma, width);
+    toner.ChromaUnder(terms, y, chroma, tonedChroma, width);
+    Store(y, tonedLuma, tonedChroma);
+}
+
+/// Straight into the target where it has room for the whole row.
 void PackedOutput::Tone(int32_t y, const uint8_t* luma) {
-    if (overlay.Has(y)) {
-        const OverlayTerms terms = overlay.Terms(y);
-        toner.LumaUnder(terms, y, luma, tonedLuma, width);
-        toner.ChromaUnder(terms, y, chroma, tonedChroma, width);
-    } else {
-        toner.Luma(y, luma, tonedLuma, width);
-        toner.Chroma(y, chroma, tonedChroma, width);
-    }
+    const ChromaRows rows = ChromaOf(y);
+    if (RowBytes(y) >= 2 * width) return toner.Packed(y, luma, rows.data(), target.Row(y), width);
+    kernels.blendChromaRows(rows.data(), chroma, width / 2);
+    toner.Luma(y, luma, tonedLuma, width);
+    toner.Chroma(y, chroma, tonedChroma, width);
+    Store(y, tonedLuma, tonedChroma);
 }
 
 void PackedOutput::Finish() {
@@ -64,7 +72,7 @@ void PackedOutput::Finish() {
 }
 
 /// Even rows lean towards the chroma row above, odd rows towards the one below.
-void PackedOutput::BlendChroma(int32_t y) {
+PackedOutput::ChromaRows PackedOutput::ChromaOf(int32_t y) const {
     const int32_t pair = y & ~1;
     const int32_t current = pair / 2;
     int32_t neighbour = current;
@@ -72,9 +80,8 @@ void PackedOutput::BlendChroma(int32_t y) {
         neighbour = pair > 1 ? current - 1 : current;
     else if (pair < height - 2)
         neighbour = current + 1;
-    const uint8_t* rows[4] = {source.third.Row(current), source.third.Row(neighbour), source.second.Row(current),
-                              source.second.Row(neighbour)};
-    kernels.blendChromaRows(rows, chroma, width / 2);
+    return {source.third.Row(current), source.third.Row(neighbour), source.second.Row(current),
+            source.second.Row(neighbour)};
 }
 
 /// Bytes that may be written to a row from its start on, within its stride and the buffer.

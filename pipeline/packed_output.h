@@ -1,6 +1,7 @@
 // The output stage of YUY2: writes every byte of the picture once, with tone curve, chroma gain, noise, dither and overlay.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "engine/row_sink.h"
@@ -30,8 +31,11 @@ public:
     void Finish();
 
 private:
+    /// The chroma rows of a row of luma as the kernels take them: U and its neighbour, V and its neighbour.
+    using ChromaRows = std::array<const uint8_t*, 4>;
+    ChromaRows ChromaOf(int32_t y) const;
+    void ToneUnderOverlay(int32_t y, const uint8_t* luma);
     void Tone(int32_t y, const uint8_t* luma);
-    void BlendChroma(int32_t y);
     int32_t RowBytes(int32_t y) const;
     void Store(int32_t y, const uint8_t* luma, const uint8_t* chromaRow);
     void FillBlack(int32_t y, int32_t pairs, int32_t firstByte);

@@ -41,6 +41,14 @@ void RowToner::Chroma(int32_t y, const uint8_t* in, uint8_t* out, int32_t sample
         kernels.toneChroma(in, out, samples, tone);
 }
 
+void RowToner::Packed(int32_t y, const uint8_t* luma, const uint8_t* const* chroma, uint8_t* out,
+                      int32_t columns) const {
+    const RowPatterns& row = PatternsOf(y);
+    kernels.tonePackedRow(
+        luma, chroma, out, columns,
+        {{curve, row.luma.Data()}, {chromaGains.Data(), row.chroma.Data()}, noise.LumaGrain(y), noise.ChromaGrain(y)});
+}
+
 void RowToner::LumaUnder(const OverlayTerms& overlay, int32_t y, const uint8_t* in, uint8_t* out,
                          int32_t columns) const {
     kernels.toneLumaOverlay(in, out, columns, {curve, noisyLumaOffset.Data()}, noise.LumaGrain(y),

@@ -28,6 +28,9 @@ public:
     void Luma(int32_t y, const uint8_t* in, uint8_t* out, int32_t columns) const;
     void Chroma(int32_t y, const uint8_t* in, uint8_t* out, int32_t samples) const;
 
+    /// A packed row of video, with noise on its chroma: U of a row and of the neighbour that it leans to, then V of both.
+    void Packed(int32_t y, const uint8_t* luma, const uint8_t* const* chroma, uint8_t* out, int32_t columns) const;
+
     /// Rows under the overlay; chroma samples of U and V in turn.
     void LumaUnder(const OverlayTerms& overlay, int32_t y, const uint8_t* in, uint8_t* out, int32_t columns) const;
     void ChromaUnder(const OverlayTerms& overlay, int32_t y, const uint8_t* in, uint8_t* out, int32_t samples) const;

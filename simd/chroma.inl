@@ -57,14 +57,19 @@ void EnlargeChromaColumns(const uint8_t* const* rows, uint8_t* const* outs, int3
     });
 }
 
+/// A block of a row pulled a quarter of the way to its neighbour.
+template <class Lanes, class Block = WholeBlock<Lanes>>
+typename Lanes::U8 BlendedRow(const uint8_t* row, const uint8_t* neighbour, const Block& block = {}) {
+    const auto current = block.Load(row);
+    return Lanes::Average(Lanes::Average(block.Load(neighbour), current), current);
+}
+
 template <class Lanes>
 void BlendChromaRows(const uint8_t* const* rows, uint8_t* out, int32_t width) {
+    const uint8_t* const in[4] = {rows[0], rows[1], rows[2], rows[3]};
     ForEachBlock<Lanes>(width, [&](int32_t x, auto block) {
-        const auto quarter = [&](const uint8_t* row, const uint8_t* neighbour) {
-            const auto current = block.Load(row + x);
-            return Lanes::Average(Lanes::Average(block.Load(neighbour + x), current), current);
-        };
-        block.StoreInterleaved2(out + 2 * x, quarter(rows[0], rows[1]), quarter(rows[2], rows[3]));
+        block.StoreInterleaved2(out + 2 * x, BlendedRow<Lanes>(in[0] + x, in[1] + x, block),
+                                BlendedRow<Lanes>(in[2] + x, in[3] + x, block));
     });
 }
 

@@ -78,6 +78,14 @@ struct GrainRow {
     int32_t firstColumn;
 };
 
+/// What a packed row goes through.
+struct PackedTone {
+    LumaTone luma;
+    ChromaTone chroma;
+    GrainRow lumaGrain;
+    GrainRow chromaGrain;
+};
+
 /// What the overlay does to a row: the share of the video that it keeps, 0 … 32767 (a slack row), what it adds, and the
 /// rounding of what was kept, in eighths and by column. keep and terms have one entry a column.
 struct OverlayRow {
@@ -190,6 +198,11 @@ struct KernelTable {
     /// averages: out[2i] from the first plane, out[2i + 1] from the second. rows: first, its neighbour, second, its
     /// neighbour. out gets exactly 2 · width samples.
     void (*blendChromaRows)(const uint8_t* const* rows, uint8_t* out, int32_t width);
+
+    /// A row of packed pixel pairs: luma as toneLuma makes it, by turns with chroma as blendChromaRows and toneChromaNoise do.
+    /// width is even; out gets exactly 2 · width samples.
+    void (*tonePackedRow)(const uint8_t* luma, const uint8_t* const* chroma, uint8_t* out, int32_t width,
+                          const PackedTone& tone);
 
     /// out[2i] = a[i], out[2i + 1] = b[i].
     void (*interleave)(const uint8_t* a, const uint8_t* b, uint8_t* out, int32_t width);

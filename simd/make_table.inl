@@ -40,6 +40,7 @@ constexpr KernelTable MakeTable(const char* name) {
         .toneChromaNoise = ToneChromaNoise<Lanes>,
         .toneChromaOverlay = ToneChromaOverlay<Lanes>,
         .blendChromaRows = BlendChromaRows<Lanes>,
+        .tonePackedRow = TonePackedRow<Lanes>,
         .interleave = Interleave<Lanes>,
         .deinterleave = Deinterleave<Lanes>,
         .paintCoverage = PaintCoverage<Lanes>,

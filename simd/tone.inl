@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 #include "simd/blocks.inl"
+#include "simd/chroma.inl"
 #include "simd/kernel_table.h"
 
 namespace clarivex {
@@ -176,6 +178,70 @@ template <class Lanes>
 void ToneChromaOverlay(const uint8_t* in, uint8_t* out, int32_t width, const ChromaTone& tone, const GrainRow& grain,
                        const OverlayRow& overlay) {
     OverlaidRow<Lanes, TonedChroma<Lanes>>(in, out, width, tone, grain, overlay);
+}
+
+/// Blocks of a packed row: two registers of luma, and one of each chroma plane for both.
+template <class Lanes>
+class PackedBlocks {
+public:
+    static constexpr int32_t length = 2 * blockLength<Lanes>;
+
+    /// x  a column that all blocks begin a multiple of `length` behind
+    PackedBlocks(const PackedTone& tone, int32_t x) : luma(tone.luma, x), chroma(tone.chroma, x), tone(tone) {}
+
+    /// Makes columns x … x + length − 1 from pointers to their own samples.
+    void Make(const uint8_t* lumaRow, const uint8_t* const* chromaRows, uint8_t* out, int32_t x) const {
+        uint8_t blended[length];
+        Lanes::StoreInterleaved2(blended, BlendedRow<Lanes>(chromaRows[0], chromaRows[1]),
+                                 BlendedRow<Lanes>(chromaRows[2], chromaRows[3]));
+        for (int32_t i = 0; i < length; i += blockLength<Lanes>) {
+            const auto samples = Noisy(luma, tone.lumaGrain, lumaRow + i, x + i);
+            Lanes::StoreInterleaved2(out + 2 * i, samples, Noisy(chroma, tone.chromaGrain, blended + i, x + i));
+        }
+    }
+
+private:
+    template <class Toned>
+    static typename Lanes::U8 Noisy(const Toned& toned, const GrainRow& grain, const uint8_t* samples, int32_t x) {
+        const Words<Lanes> video = toned(WholeBlock<Lanes>::LoadWords(samples), x);
+        return Finish<Lanes, 4>(Add<Lanes>(video, LoadNoise<Lanes>(grain, x)));
+    }
+
+    TonedLuma<Lanes> luma;
+    TonedChroma<Lanes> chroma;
+    const PackedTone& tone;
+};
+
+/// A row shorter than a block goes through copies.
+template <class Lanes>
+void TonePackedShortRow(const uint8_t* luma, const uint8_t* const* chroma, uint8_t* out, int32_t width,
+                        const PackedTone& tone) {
+    constexpr int32_t length = PackedBlocks<Lanes>::length;
+    uint8_t lumaCopy[length] = {}, chromaCopies[4][length / 2] = {}, packed[2 * length];
+    std::memcpy(lumaCopy, luma, static_cast<size_t>(width));
+    const uint8_t* rows[4];
+    for (int32_t i = 0; i < 4; ++i) {
+        std::memcpy(chromaCopies[i], chroma[i], static_cast<size_t>(width / 2));
+        rows[i] = chromaCopies[i];
+    }
+    PackedBlocks<Lanes>(tone, 0).Make(lumaCopy, rows, packed, 0);
+    std::memcpy(out, packed, 2 * static_cast<size_t>(width));
+}
+
+template <class Lanes>
+void TonePackedRow(const uint8_t* luma, const uint8_t* const* chroma, uint8_t* out, int32_t width,
+                   const PackedTone& tone) {
+    constexpr int32_t length = PackedBlocks<Lanes>::length;
+    if (width < length) return TonePackedShortRow<Lanes>(luma, chroma, out, width, tone);
+    const uint8_t* const rows[4] = {chroma[0], chroma[1], chroma[2], chroma[3]};
+    const auto make = [&](const PackedBlocks<Lanes>& blocks, int32_t x) __attribute__((always_inline)) {
+        const uint8_t* const from[4] = {rows[0] + x / 2, rows[1] + x / 2, rows[2] + x / 2, rows[3] + x / 2};
+        blocks.Make(luma + x, from, out + 2 * x, x);
+    };
+    const PackedBlocks<Lanes> blocks(tone, 0);
+    int32_t x = 0;
+    for (; x + length <= width; x += length) make(blocks, x);
+    if (x < width) make(PackedBlocks<Lanes>(tone, width - length), width - length);
 }
 
 }  // namespace

@@ -263,6 +263,14 @@ void CallEnlargeRows(const KernelTable& table, CallRows& rows, int32_t width) {
                       work);
 }
 
+void CallTonePackedRow(const KernelTable& table, CallRows& rows, int32_t width) {
+    width &= ~1;
+    const uint8_t* luma = rows.Bytes(width);
+    const auto chroma = Several<4>(Bytes())(rows, width / 2);
+    const PackedTone tone{Luma(rows, width), Chroma(rows, width), Grain(rows, width), Grain(rows, width)};
+    table.tonePackedRow(luma, chroma, rows.Out(2 * width), width, tone);
+}
+
 std::ostream& operator<<(std::ostream& out, const KernelCheck& check) { return out << check.name; }
 
 using Table = KernelTable;
@@ -291,6 +299,7 @@ const KernelCheck kernelChecks[] = {
     Check("toneChromaNoise", &Table::toneChromaNoise, Bytes(), Out(), Width, Chroma, Grain),
     Check("toneChromaOverlay", &Table::toneChromaOverlay, Bytes(), Out(), Width, Chroma, Grain, Overlay),
     Check("blendChromaRows", &Table::blendChromaRows, Several<4>(Bytes()), Out(2), Width),
+    {"tonePackedRow", CallTonePackedRow},
     Check("interleave", &Table::interleave, Bytes(), Bytes(), Out(2), Width),
     Check("deinterleave", &Table::deinterleave, Bytes(2), Out(), Out(), Width),
     Check("paintCoverage", &Table::paintCoverage, Bytes(), Colour, Pixels, Width),

@@ -85,6 +85,16 @@ void EnlargeRows(const RowBand& band, const RowFilters& filters, uint8_t*) {
     }
 }
 
+/// What the row is said to be made of, one step after the other.
+void TonePackedRow(const uint8_t* luma, const uint8_t* const* chroma, uint8_t* out, int32_t width,
+                   const PackedTone& tone) {
+    std::vector<uint8_t> blended(static_cast<size_t>(width)), toned(blended), tonedChroma(blended);
+    scalarKernels.blendChromaRows(chroma, blended.data(), width / 2);
+    scalarKernels.toneLuma(luma, toned.data(), width, tone.luma, tone.lumaGrain);
+    scalarKernels.toneChromaNoise(blended.data(), tonedChroma.data(), width, tone.chroma, tone.chromaGrain);
+    scalarKernels.interleave(toned.data(), tonedChroma.data(), out, width);
+}
+
 void FirEven(const uint8_t* in, uint8_t* out, const FirSpan& span, const int16_t* taps, int32_t rounding) {
     for (int32_t x = 0; x < span.columns; ++x) {
         out[x] = in[x];
@@ -228,6 +238,7 @@ constinit const KernelTable plainKernels = [] {
     KernelTable table{};
     table.name = "plain";
     table.enlargeRows = EnlargeRows;
+    table.tonePackedRow = TonePackedRow;
     table.limitEdges = LimitEdges;
     table.fir7 = FirRow<3, 7>;
     table.fir5 = FirRow<2, 5>;
