@@ -118,7 +118,7 @@ constexpr int32_t rowWorkBytes = 48 * 1024;
 struct KernelTable {
     const char* name;
 
-    /// Rows that enlargeRows makes at a time: fewer cost as much.
+    /// Rows that enlargeRows makes at a time, up to 64: fewer cost as much.
     int32_t rowGroup;
 
     /// Rows enlarged by 3/2, their edges limited and filtered, each a row on its own. X(b) being the word 256·s + (s mod 256),
@@ -129,21 +129,11 @@ struct KernelTable {
     /// output may not overlap. work: rowWorkBytes for the kernel's use, best at a multiple of 64.
     void (*enlargeRows)(const RowBand& band, const RowFilters& filters, uint8_t* work);
 
-    /// Full edge limiter: columns 8 … 8 + 8·((width − 16) >> 3) − 1, the others are copied. Slack rows, not in place.
-    /// With c a sample, l and r the two beside it, l3 and r3 the two three columns away, a = c − l3 and b = c − r3:
-    ///   sharpened = sat8(c + ((core(gain·(2c − l − r), T) + 16) >> 5))
-    ///   rise = hi(sat16(max(a, b)·K − 64·(a + b)), −Q) + O, fall = hi(sat16(min(a, b)·K − 64·(a + b)), Q) + O
-    ///   upper = sat8(max(l, c, r) + max(rise, 0) + M), lower = sat8(min(l, c, r) − max(fall, 0) − M)
-    ///   out = min(max(sharpened, lower), upper)
-    /// Only max(a, b)·K and min(a, b)·K wrap inside a sat16, and the sums inside the last two sat8 do not.
-    void (*limitEdges)(const uint8_t* in, uint8_t* out, int32_t width, const EdgeLimits& limits);
-
-    /// Seven or five taps along a row: out[x] = sat8((Σ hi(taps[k], X(in[x + k − before])) + bias) >> 5), bias 4088 on even
-    /// and 4072 on odd columns, X as in enlargeRows; before is 3 and 2. first is at least `before`. in is a slack row whose
+    /// Five taps along a row: out[x] = sat8((Σ hi(taps[k], X(in[x + k − before])) + bias) >> 5), bias 4088 on even
+    /// and 4072 on odd columns, X as in enlargeRows; before is 2. first is at least `before`. in is a slack row whose
     /// samples behind its end count as far as taps reach them; words is a slack row of `columns` words for the kernel's
     /// use; out gets exactly `columns`.
     using FirRow = void (*)(const uint8_t* in, uint8_t* out, const FirSpan& span, const int16_t* taps, int16_t* words);
-    FirRow fir7;
     FirRow fir5;
 
     /// Words 257·b − 32768 for enlargeColumns. words is a slack row.
@@ -223,11 +213,23 @@ struct KernelTable {
 
     // ---- Kernels that the plug-in never calls: for engine settings that only other programs make ----
 
-    /// Eight taps along a row, as fir7; before is 4.
+    /// Full edge limiter: columns 8 … 8 + 8·((width − 16) >> 3) − 1, the others are copied. Slack rows, not in place.
+    /// With c a sample, l and r the two beside it, l3 and r3 the two three columns away, a = c − l3 and b = c − r3:
+    ///   sharpened = sat8(c + ((core(gain·(2c − l − r), T) + 16) >> 5))
+    ///   rise = hi(sat16(max(a, b)·K − 64·(a + b)), −Q) + O, fall = hi(sat16(min(a, b)·K − 64·(a + b)), Q) + O
+    ///   upper = sat8(max(l, c, r) + max(rise, 0) + M), lower = sat8(min(l, c, r) − max(fall, 0) − M)
+    ///   out = min(max(sharpened, lower), upper)
+    /// Only max(a, b)·K and min(a, b)·K wrap inside a sat16, and the sums inside the last two sat8 do not.
+    void (*limitEdges)(const uint8_t* in, uint8_t* out, int32_t width, const EdgeLimits& limits);
+
+    /// Seven taps along a row, as fir5; before is 3.
+    FirRow fir7;
+
+    /// Eight taps along a row, as fir5; before is 4.
     FirRow fir8;
 
     /// Sixteen taps that are the same on both sides of the place between in[x − 1] and in[x]: out[x] = sat8((Σj
-    /// hi(64·(in[x − 8 + j] + in[x + 7 − j]), taps[j]) + rounding) >> 3), j = 0 … 7. Rows as in fir7; first is at least 8.
+    /// hi(64·(in[x − 8 + j] + in[x + 7 − j]), taps[j]) + rounding) >> 3), j = 0 … 7. Rows as in fir5; first is at least 8.
     void (*firEven)(const uint8_t* in, uint8_t* out, const FirSpan& span, const int16_t* taps, int32_t rounding);
 
     /// out = row pulled towards another row by weight / 32768, 0 … 32767, rounded down.

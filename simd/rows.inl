@@ -239,7 +239,7 @@ private:
                 std::memcpy(cut + i * tileColumns, in[i] + x, static_cast<size_t>(columns));
             Lanes::LoadColumns(cutIn, 0, tile);
         }
-        for (int32_t i = 0; i < tileColumns; ++i) {  // those behind the last column are written over
+        for (int32_t i = 0; i < tileColumns; ++i) {  // nobody looks at those behind the last column
             const auto words = Lanes::SignedRepeat(tile[i]);
             Lanes::Store(source.At(x + i), words.low);
             Lanes::Store(source.At(x + i) + Lanes::width, words.high);
