@@ -56,10 +56,19 @@ private:
     Words<Lanes> words;
 };
 
+/// Noise of a row. Copied member by member: copied as a whole, a row that was just put together would be waited for until
+/// all before it is done.
 template <class Lanes>
-Words<Lanes> LoadNoise(const GrainRow& grain, int32_t x) {
-    return LoadRow<Lanes>(grain.words + ((grain.firstColumn + x) & (noisePeriod - 1)));
-}
+class NoiseWords {
+public:
+    explicit NoiseWords(const GrainRow& grain) : row(grain.words), firstColumn(grain.firstColumn) {}
+
+    Words<Lanes> operator()(int32_t x) const { return LoadRow<Lanes>(row + ((firstColumn + x) & (noisePeriod - 1))); }
+
+private:
+    const int16_t* row;
+    int32_t firstColumn;
+};
 
 template <class Lanes>
 Words<Lanes> Add(const Words<Lanes>& a, const Words<Lanes>& b) {
@@ -130,23 +139,26 @@ template <class Lanes, class Toned, class Step>
 }
 
 template <class Lanes, class Toned>
-void NoisyRow(const uint8_t* in, uint8_t* out, int32_t width, const typename Toned::Tone& tone, GrainRow grain) {
+void NoisyRow(const uint8_t* in, uint8_t* out, int32_t width, const typename Toned::Tone& tone, const GrainRow& grain) {
+    const NoiseWords<Lanes> noise(grain);
     ForEachTonedBlock<Lanes, Toned>(width, tone, [&](int32_t x, auto block, const Toned& toned) {
         const Words<Lanes> video = toned(block.LoadWords(in + x), x);
-        block.Store(out + x, Finish<Lanes, 4>(Add<Lanes>(video, LoadNoise<Lanes>(grain, x))));
+        block.Store(out + x, Finish<Lanes, 4>(Add<Lanes>(video, noise(x))));
     });
 }
 
 /// The keep factor also halves, so that eighths remain.
 template <class Lanes, class Toned>
-void OverlaidRow(const uint8_t* in, uint8_t* out, int32_t width, const typename Toned::Tone& tone, GrainRow grain,
-                 OverlayRow overlay) {
+void OverlaidRow(const uint8_t* in, uint8_t* out, int32_t width, const typename Toned::Tone& tone,
+                 const GrainRow& grain, const OverlayRow& overlay) {
+    const NoiseWords<Lanes> noise(grain);
+    const OverlayRow terms{overlay.keep, overlay.terms, overlay.dither};
     ForEachTonedBlock<Lanes, Toned>(width, tone, [&](int32_t x, auto block, const Toned& toned) {
         const Words<Lanes> video = toned(block.LoadWords(in + x), x);
-        const Words<Lanes> noisy = Add<Lanes>(video, LoadNoise<Lanes>(grain, x));
-        const Words<Lanes> kept = MulHigh<Lanes>(noisy, LoadRow<Lanes>(overlay.keep + x));
-        const auto samples = Finish<Lanes, 3>(Add<Lanes>(kept, PatternWords<Lanes>(overlay.dither, x)(x)));
-        block.Store(out + x, Lanes::AddBytes(samples, block.Load(overlay.terms + x)));
+        const Words<Lanes> noisy = Add<Lanes>(video, noise(x));
+        const Words<Lanes> kept = MulHigh<Lanes>(noisy, LoadRow<Lanes>(terms.keep + x));
+        const auto samples = Finish<Lanes, 3>(Add<Lanes>(kept, PatternWords<Lanes>(terms.dither, x)(x)));
+        block.Store(out + x, Lanes::AddBytes(samples, block.Load(terms.terms + x)));
     });
 }
 
@@ -187,7 +199,8 @@ public:
     static constexpr int32_t length = 2 * blockLength<Lanes>;
 
     /// x  a column that all blocks begin a multiple of `length` behind
-    PackedBlocks(const PackedTone& tone, int32_t x) : luma(tone.luma, x), chroma(tone.chroma, x), tone(tone) {}
+    PackedBlocks(const PackedTone& tone, int32_t x)
+        : luma(tone.luma, x), chroma(tone.chroma, x), lumaNoise(tone.lumaGrain), chromaNoise(tone.chromaGrain) {}
 
     /// Makes columns x … x + length − 1 from pointers to their own samples.
     void Make(const uint8_t* lumaRow, const uint8_t* const* chromaRows, uint8_t* out, int32_t x) const {
@@ -195,21 +208,23 @@ public:
         Lanes::StoreInterleaved2(blended, BlendedRow<Lanes>(chromaRows[0], chromaRows[1]),
                                  BlendedRow<Lanes>(chromaRows[2], chromaRows[3]));
         for (int32_t i = 0; i < length; i += blockLength<Lanes>) {
-            const auto samples = Noisy(luma, tone.lumaGrain, lumaRow + i, x + i);
-            Lanes::StoreInterleaved2(out + 2 * i, samples, Noisy(chroma, tone.chromaGrain, blended + i, x + i));
+            const auto samples = Noisy(luma, lumaNoise, lumaRow + i, x + i);
+            Lanes::StoreInterleaved2(out + 2 * i, samples, Noisy(chroma, chromaNoise, blended + i, x + i));
         }
     }
 
 private:
     template <class Toned>
-    static typename Lanes::U8 Noisy(const Toned& toned, const GrainRow& grain, const uint8_t* samples, int32_t x) {
+    static typename Lanes::U8 Noisy(const Toned& toned, const NoiseWords<Lanes>& noise, const uint8_t* samples,
+                                    int32_t x) {
         const Words<Lanes> video = toned(WholeBlock<Lanes>::LoadWords(samples), x);
-        return Finish<Lanes, 4>(Add<Lanes>(video, LoadNoise<Lanes>(grain, x)));
+        return Finish<Lanes, 4>(Add<Lanes>(video, noise(x)));
     }
 
     TonedLuma<Lanes> luma;
     TonedChroma<Lanes> chroma;
-    const PackedTone& tone;
+    NoiseWords<Lanes> lumaNoise;
+    NoiseWords<Lanes> chromaNoise;
 };
 
 /// A row shorter than a block goes through copies.
