@@ -13,6 +13,11 @@ namespace {
 
 struct Avx2Lanes {
     static constexpr int32_t width = 16;
+#ifdef __AVX512VL__
+    static constexpr bool sumsByHalves = false;  // there are registers for all
+#else
+    static constexpr bool sumsByHalves = true;
+#endif
     using I16 = __m256i;
     using U8 = __m256i;
     struct Pair {
@@ -138,9 +143,8 @@ struct Avx2Lanes {
         return {_mm256_unpacklo_epi8(v, _mm256_setzero_si256()), _mm256_unpackhi_epi8(v, _mm256_setzero_si256())};
     }
     static Pair SignedRepeat(U8 v) {
-        const U8 flipped = FlipSigns(v);
-        const U8 raised =
-            _mm256_subs_epi8(flipped, _mm256_cmpgt_epi8(flipped, _mm256_set1_epi8(-1)));  // less −1 from 0 on
+        const U8 upperHalf = _mm256_cmpgt_epi8(_mm256_setzero_si256(), v);  // −1 from 128 on
+        const U8 raised = _mm256_subs_epi8(FlipSigns(v), upperHalf);
         return {_mm256_unpacklo_epi8(raised, raised), _mm256_unpackhi_epi8(raised, raised)};
     }
     static Pair Sum(U8 a, U8 b) { return WeighSum(Together(a, b), _mm256_set1_epi8(1)); }

@@ -25,6 +25,9 @@ template <class L>
 concept WordLanes = requires(typename L::I16 a, typename L::I16 b, const int16_t* row, int16_t* out,
                              const uint8_t* bytes, int16_t v) {
     { L::width } -> std::convertible_to<int32_t>;
+    // Whether long sums of pairs of registers are made for one of the two after the other, since both fill more registers
+    // than there are.
+    { L::sumsByHalves } -> std::convertible_to<bool>;
     { L::Set(v) } -> GivesWords<L>;                            // v in all lanes
     { L::Load(row) } -> GivesWords<L>;                         // `width` words
     { L::LoadU8(bytes) } -> GivesWords<L>;                     // `width` bytes, each as a word of 0 … 255

@@ -117,34 +117,30 @@ public:
     static constexpr int32_t reach = 3;  // columns on either side that an output sees
 
     /// taps    from the middle one on
-    /// memory  room for four registers: taps are multiplied from there, since the open outputs take all registers
-    ColumnFilter(const int16_t* taps, int16_t* memory) : memory(memory) {
-        for (int32_t i = 0; i < 4; ++i) Lanes::Store(memory + i * Lanes::width, Lanes::Set(taps[i]));
+    /// memory  workWords of it: for the taps, and for outputs of which one half is done
+    ColumnFilter(const int16_t* taps, int16_t* memory)
+        : tapWords(memory), halves(memory + distinctTaps * Lanes::width) {
+        for (int32_t i = 0; i < distinctTaps; ++i) Lanes::Store(tapWords + i * Lanes::width, Lanes::Set(taps[i]));
     }
+
+    static constexpr int32_t workWords = (reach + 1 + windowColumns) * Lanes::width;
 
     /// Makes outputs x … end − 1, x being where the last call ended; the first time it begins three columns early.
     ///
     /// from  column x + 3, the first time column x − 3
     void Run(const uint8_t* from, uint8_t* to, int32_t x, int32_t end) {
-        constexpr int32_t step = blockLength<Lanes>;
-        Sums low = lower, high = upper;
-        const auto take = [&](int32_t column) __attribute__((always_inline)) {
-            const auto words = Lanes::SignedRepeat(Lanes::LoadBytes(from));
-            const auto start = Lanes::Set(orderedBias.words[column % 2]);
-            from += step;
-            const I16 lowWords = Add(words.low, memory, start, low);
-            return Lanes::PackUnpacked({lowWords, Add(words.high, memory, start, high)});
-        };
-        for (int32_t i = 0; i < openOutputs && !begun; ++i) take(x + i);
+        const Columns columns{from, x, begun ? 0 : openOutputs, end};
         begun = true;
-        for (; x < end; ++x, to += step) Lanes::StoreBytes(to, take(x + openOutputs));
-        lower = low;
-        upper = high;
+        if constexpr (Lanes::sumsByHalves)
+            RunHalves(columns, to);
+        else
+            RunPairs(columns, to);
     }
 
 private:
     using I16 = typename Lanes::I16;
 
+    static constexpr int32_t distinctTaps = reach + 1;
     static constexpr int32_t openOutputs = 2 * reach;
 
     /// Open outputs, the next one first.
@@ -152,23 +148,96 @@ private:
         I16 next[openOutputs];
     };
 
-    [[gnu::always_inline]] static I16 Add(I16 words, const int16_t* taps, I16 start, Sums& open) {
-        const auto product = [&](int32_t distance) {
-            return Lanes::MulHigh(words, Lanes::Load(taps + distance * Lanes::width));
+    struct Columns {
+        const uint8_t* from;
+        int32_t first;
+        int32_t early;  // columns before the first output
+        int32_t end;
+    };
+
+    /// The taps in registers.
+    class Taps {
+    public:
+        explicit Taps(const int16_t* words) {
+            for (int32_t i = 0; i < distinctTaps; ++i)
+                taps[i] = Lanes::InRegister(Lanes::Load(words + i * Lanes::width));
+        }
+
+        /// Adds a column to the open outputs and opens one that begins with `start`; returns the one that is done.
+        [[gnu::always_inline]] I16 Add(I16 words, I16 start, Sums& open) const {
+            const I16 p3 = Lanes::MulHigh(words, taps[3]);
+            const I16 p2 = Lanes::MulHigh(words, taps[2]);
+            const I16 p1 = Lanes::MulHigh(words, taps[1]);
+            I16* next = open.next;
+            const I16 finished = Lanes::AddWrap(next[0], p3);
+            next[0] = Lanes::AddWrap(next[1], p2);
+            next[1] = Lanes::AddWrap(next[2], p1);
+            next[2] = Lanes::AddWrap(next[3], Lanes::MulHigh(words, taps[0]));
+            next[3] = Lanes::AddWrap(next[4], p1);
+            next[4] = Lanes::AddWrap(next[5], p2);
+            next[5] = Lanes::AddWrap(start, p3);
+            return Lanes::template ShiftRight<5>(finished);
+        }
+
+    private:
+        I16 taps[distinctTaps];
+    };
+
+    /// Calls add(words, start) for the columns in turn, and give with what it returns for those behind the early ones.
+    template <class AddColumn, class Give>
+    [[gnu::always_inline]] static void ForEachColumn(Columns columns, const AddColumn& add, const Give& give) {
+        const auto take = [&](int32_t x) __attribute__((always_inline)) {
+            const auto words = Lanes::SignedRepeat(Lanes::LoadBytes(columns.from));
+            columns.from += blockLength<Lanes>;
+            return add(words, Lanes::Set(orderedBias.words[x & 1]));
         };
-        const I16 p3 = product(3), p2 = product(2), p1 = product(1);
-        I16* next = open.next;
-        const I16 finished = Lanes::AddWrap(next[0], p3);
-        next[0] = Lanes::AddWrap(next[1], p2);
-        next[1] = Lanes::AddWrap(next[2], p1);
-        next[2] = Lanes::AddWrap(next[3], product(0));
-        next[3] = Lanes::AddWrap(next[4], p1);
-        next[4] = Lanes::AddWrap(next[5], p2);
-        next[5] = Lanes::AddWrap(start, p3);
-        return Lanes::template ShiftRight<5>(finished);
+        for (int32_t i = 0; i < columns.early; ++i) take(columns.first + i);
+        for (int32_t x = columns.first; x < columns.end; ++x) give(take(x));
     }
 
-    const int16_t* memory;
+    void RunPairs(const Columns& columns, uint8_t* to) {
+        const Taps taps(tapWords);
+        Sums low = lower, high = upper;
+        const auto add = [&](const typename Lanes::Pair& words, I16 start) __attribute__((always_inline)) {
+            const I16 lowWords = taps.Add(words.low, start, low);
+            return typename Lanes::Pair{lowWords, taps.Add(words.high, start, high)};
+        };
+        ForEachColumn(columns, add, [&](const typename Lanes::Pair& output) {
+            Lanes::StoreBytes(to, Lanes::PackUnpacked(output));
+            to += blockLength<Lanes>;
+        });
+        lower = low;
+        upper = high;
+    }
+
+    /// The lower half of all columns first, which has the registers to itself.
+    void RunHalves(const Columns& columns, uint8_t* to) {
+        const Taps taps(tapWords);
+        int16_t* half = halves;
+        Sums open = lower;
+        const auto addLow = [&](const typename Lanes::Pair& words, I16 start) __attribute__((always_inline)) {
+            return taps.Add(words.low, start, open);
+        };
+        ForEachColumn(columns, addLow, [&](I16 output) {
+            Lanes::Store(half, output);
+            half += Lanes::width;
+        });
+        lower = open;
+        open = upper;
+        half = halves;
+        const auto addHigh = [&](const typename Lanes::Pair& words, I16 start) __attribute__((always_inline)) {
+            return taps.Add(words.high, start, open);
+        };
+        ForEachColumn(columns, addHigh, [&](I16 output) {
+            Lanes::StoreBytes(to, Lanes::PackUnpacked({Lanes::Load(half), output}));
+            half += Lanes::width;
+            to += blockLength<Lanes>;
+        });
+        upper = open;
+    }
+
+    int16_t* tapWords;
+    int16_t* halves;
     bool begun = false;
     Sums lower{}, upper{};
 };
@@ -198,8 +267,9 @@ public:
         }
     }
 
-    static constexpr int32_t workBytes =
-        3 * ColumnWindow<Lanes, uint8_t>::size + 2 * ColumnWindow<Lanes, int16_t>::size + (tileColumns + 4) * rows;
+    static constexpr int32_t workBytes = 3 * ColumnWindow<Lanes, uint8_t>::size +
+                                         2 * ColumnWindow<Lanes, int16_t>::size + tileColumns * rows +
+                                         2 * ColumnFilter<Lanes>::workWords;
 
     void Run() {
         source.StartAt(-tapsBefore);
