@@ -13,11 +13,7 @@ namespace {
 
 struct Avx2Lanes {
     static constexpr int32_t width = 16;
-#ifdef __AVX512VL__
-    static constexpr bool sumsByHalves = false;  // there are registers for all
-#else
     static constexpr bool sumsByHalves = true;
-#endif
     using I16 = __m256i;
     using U8 = __m256i;
     struct Pair {
@@ -138,15 +134,14 @@ struct Avx2Lanes {
     static Weights MakeWeights(int32_t a, int32_t b) {
         return _mm256_set1_epi16(static_cast<int16_t>((b << 8) | (a & 0xFF)));
     }
-    static Weights Swap(Weights w) { return _mm256_or_si256(_mm256_slli_epi16(w, 8), _mm256_srli_epi16(w, 8)); }
     static Pair Unpack(U8 v) {
         return {_mm256_unpacklo_epi8(v, _mm256_setzero_si256()), _mm256_unpackhi_epi8(v, _mm256_setzero_si256())};
     }
-    static Pair SignedRepeat(U8 v) {
+    static U8 Centre(U8 v) {
         const U8 upperHalf = _mm256_cmpgt_epi8(_mm256_setzero_si256(), v);  // −1 from 128 on
-        const U8 raised = _mm256_subs_epi8(FlipSigns(v), upperHalf);
-        return {_mm256_unpacklo_epi8(raised, raised), _mm256_unpackhi_epi8(raised, raised)};
+        return _mm256_subs_epi8(FlipSigns(v), upperHalf);
     }
+    static Pair Repeat(U8 v) { return {_mm256_unpacklo_epi8(v, v), _mm256_unpackhi_epi8(v, v)}; }
     static Pair Sum(U8 a, U8 b) { return WeighSum(Together(a, b), _mm256_set1_epi8(1)); }
     static Both Together(U8 a, U8 b) { return {_mm256_unpacklo_epi8(a, b), _mm256_unpackhi_epi8(a, b)}; }
     static Pair WeighSum(Both v, Weights w) {

@@ -138,14 +138,11 @@ struct Avx512Lanes {
     static Weights MakeWeights(int32_t a, int32_t b) {
         return _mm512_set1_epi16(static_cast<int16_t>((b << 8) | (a & 0xFF)));
     }
-    static Weights Swap(Weights w) { return _mm512_or_si512(_mm512_slli_epi16(w, 8), _mm512_srli_epi16(w, 8)); }
     static Pair Unpack(U8 v) {
         return {_mm512_unpacklo_epi8(v, _mm512_setzero_si512()), _mm512_unpackhi_epi8(v, _mm512_setzero_si512())};
     }
-    static Pair SignedRepeat(U8 v) {
-        const U8 raised = FlipSigns(RaiseUpperHalf(v));
-        return {_mm512_unpacklo_epi8(raised, raised), _mm512_unpackhi_epi8(raised, raised)};
-    }
+    static U8 Centre(U8 v) { return FlipSigns(RaiseUpperHalf(v)); }
+    static Pair Repeat(U8 v) { return {_mm512_unpacklo_epi8(v, v), _mm512_unpackhi_epi8(v, v)}; }
     static Pair Sum(U8 a, U8 b) { return WeighSum(Together(a, b), _mm512_set1_epi8(1)); }
     static Both Together(U8 a, U8 b) { return {_mm512_unpacklo_epi8(a, b), _mm512_unpackhi_epi8(a, b)}; }
     static Pair WeighSum(Both v, Weights w) {

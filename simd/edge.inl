@@ -52,58 +52,54 @@ struct InwardEdgeDecision {
     }
 };
 
-/// Limits as they usually are. A dead zone of whole gains lets the gain follow it in one rounding multiply, and with
-/// a = c − left3, b = c − right3 the allowance (max(a, b)·K − 64·(a + b)) is (K − 128)·c + 64·max(left3, right3) +
-/// (64 − K)·min(left3, right3), the other one with maximum and minimum exchanged; nothing here leaves 16 bits.
+/// Limits as they usually are. A dead zone of whole gains lets the gain follow it in one rounding multiply.
+///
+/// A sample that stands beyond both of its wider neighbours, by `beyond` past the nearer one, may go on by
+/// ((128 − K)·beyond + (64 − K)·apart)·Q / 65536, `apart` being what the two are apart: less than `beyond`. To the other side,
+/// and with a sample between the two, both formulas of the limiter come to 0 or less, so one product serves both.
 template <class Lanes>
 class UsualEdges {
 public:
     static bool Covers(const EdgeLimits& limits) {
-        return limits.gain > 0 && limits.gain <= 31 && limits.deadZone % limits.gain == 0 && limits.outerWeight > 0 &&
-               limits.outerWeight < 128 && limits.offset == 0 && limits.margin == 0;
+        const int32_t beyondWeight = 128 - limits.outerWeight;
+        return limits.gain > 0 && limits.gain <= 31 && limits.deadZone % limits.gain == 0 && beyondWeight > 0 &&
+               beyondWeight <= 64 && limits.slope >= 0 && beyondWeight * limits.slope <= 65536 && limits.offset == 0 &&
+               limits.margin == 0;
     }
 
     explicit UsualEdges(const EdgeLimits& limits)
         : gain(Lanes::GainFactor(limits.gain)),
           deadZone(Lanes::Set(static_cast<int16_t>(limits.deadZone / limits.gain))),
           minusDeadZone(Lanes::Set(static_cast<int16_t>(-(limits.deadZone / limits.gain)))),
-          centreWeight(Lanes::Set(static_cast<int16_t>(limits.outerWeight - 128))),
-          outerWeights(Lanes::MakeWeights(64, 64 - limits.outerWeight)),
-          swappedWeights(Lanes::Swap(outerWeights)),
-          slope(Lanes::Set(limits.slope)),
-          minusSlope(Lanes::Set(static_cast<int16_t>(-limits.slope))) {}
+          outerWeights(Lanes::MakeWeights(128 - limits.outerWeight, 64 - limits.outerWeight)),
+          slope(Lanes::Set(limits.slope)) {}
 
-    EdgeDecision<Lanes> operator()(const EdgeWindow<Lanes>& window) const {
-        return (*this)(window, Lanes::Unpack(window.centre), Lanes::Sum(window.left, window.right));
-    }
-
-    /// With the words of the centre and of the sum of its sides at hand.
+    /// centre   words of the window's centre
+    /// measure  L
     EdgeDecision<Lanes> operator()(const EdgeWindow<Lanes>& window, const typename Lanes::Pair& centre,
-                                   const typename Lanes::Pair& sides) const {
-        const auto outer =
-            Lanes::Together(Lanes::MaxBytes(window.left3, window.right3), Lanes::MinBytes(window.left3, window.right3));
-        const auto above = Lanes::WeighSum(outer, outerWeights);
-        const auto below = Lanes::WeighSum(outer, swappedWeights);
-        const typename Lanes::Pair inner{Lanes::MulLow(centre.low, centreWeight),
-                                         Lanes::MulLow(centre.high, centreWeight)};
-        return {
-            Lanes::PackUnpacked({Sharpen(centre.low, sides.low), Sharpen(centre.high, sides.high)}),
-            Lanes::PackUnpacked({Allow(inner.low, above.low, minusSlope), Allow(inner.high, above.high, minusSlope)}),
-            Lanes::PackUnpacked({Allow(inner.low, below.low, slope), Allow(inner.high, below.high, slope)})};
+                                   const typename Lanes::Pair& measure) const {
+        const auto most = Lanes::MaxBytes(window.left3, window.right3);
+        const auto least = Lanes::MinBytes(window.left3, window.right3);
+        const auto above = Lanes::SubBytes(window.centre, most);  // one of these two is 0
+        const auto below = Lanes::SubBytes(least, window.centre);
+        const auto beyond = Lanes::MaxBytes(above, below);
+        const auto reach = Lanes::WeighSum(Lanes::Together(beyond, Lanes::SubBytes(most, least)), outerWeights);
+        const auto allowance =
+            Lanes::PackUnpacked({Lanes::MulHigh(reach.low, slope), Lanes::MulHigh(reach.high, slope)});
+        return {Lanes::PackUnpacked({Sharpen(centre.low, measure.low), Sharpen(centre.high, measure.high)}),
+                Lanes::MinBytes(allowance, above), Lanes::MinBytes(allowance, below)};
     }
 
 private:
     using I16 = typename Lanes::I16;
 
-    I16 Sharpen(I16 centre, I16 sides) const {
-        const auto measure = Lanes::SubWrap(Lanes::AddWrap(centre, centre), sides);
+    I16 Sharpen(I16 centre, I16 measure) const {
         return Lanes::AddWrap(centre, Lanes::GainOver32(Core<Lanes>(measure, deadZone, minusDeadZone), gain));
     }
-    static I16 Allow(I16 inner, I16 outer, I16 slopes) { return Lanes::MulHigh(Lanes::AddWrap(inner, outer), slopes); }
 
-    I16 gain, deadZone, minusDeadZone, centreWeight;
-    typename Lanes::Weights outerWeights, swappedWeights;
-    I16 slope, minusSlope;
+    I16 gain, deadZone, minusDeadZone;
+    typename Lanes::Weights outerWeights;
+    I16 slope;
 };
 
 /// Limits of any values, with the wrapping and saturating steps one by one.
@@ -120,17 +116,14 @@ public:
           offset(Lanes::Set(limits.offset)),
           margin(Lanes::Set(limits.margin)) {}
 
-    InwardEdgeDecision<Lanes> operator()(const EdgeWindow<Lanes>& window) const {
-        return (*this)(window, Lanes::Unpack(window.centre), Lanes::Sum(window.left, window.right));
-    }
     InwardEdgeDecision<Lanes> operator()(const EdgeWindow<Lanes>& window, const typename Lanes::Pair& centre,
-                                         const typename Lanes::Pair& sides) const {
+                                         const typename Lanes::Pair& measure) const {
         const auto left3 = Lanes::Unpack(window.left3);
         const auto right3 = Lanes::Unpack(window.right3);
         typename Lanes::Pair up, down;
         Allow(Lanes::SubWrap(centre.low, left3.low), Lanes::SubWrap(centre.low, right3.low), up.low, down.low);
         Allow(Lanes::SubWrap(centre.high, left3.high), Lanes::SubWrap(centre.high, right3.high), up.high, down.high);
-        return {Lanes::PackUnpacked({Sharpen(centre.low, sides.low), Sharpen(centre.high, sides.high)}),
+        return {Lanes::PackUnpacked({Sharpen(centre.low, measure.low), Sharpen(centre.high, measure.high)}),
                 Lanes::PackUnpacked(up), Lanes::PackUnpacked(down), Lanes::PackUnpacked(Back(up)),
                 Lanes::PackUnpacked(Back(down))};
     }
@@ -138,8 +131,7 @@ public:
 private:
     using I16 = typename Lanes::I16;
 
-    I16 Sharpen(I16 centre, I16 sides) const {
-        const auto measure = Lanes::SubWrap(Lanes::AddWrap(centre, centre), sides);
+    I16 Sharpen(I16 centre, I16 measure) const {
         const auto cored = Core<Lanes>(Lanes::MulLow(measure, gain), deadZone, minusDeadZone);
         return Lanes::AddWrap(centre, Lanes::template ShiftRight<5>(Lanes::AddWrap(cored, Lanes::Set(16))));
     }
@@ -194,7 +186,11 @@ void LimitEdgesWith(const uint8_t* in, uint8_t* out, int32_t end, const Decide& 
     constexpr int32_t head = block > edgeMarginColumns ? block : edgeMarginColumns;
     const auto limit = [&](int32_t x) {
         const EdgeWindow<Lanes> window(in + x, 1);
-        Lanes::StoreBytes(out + x, LimitBlock<Lanes>(window, decide(window)));
+        const auto centre = Lanes::Unpack(window.centre);
+        const auto sides = Lanes::Sum(window.left, window.right);
+        const typename Lanes::Pair measure{Lanes::SubWrap(Lanes::AddWrap(centre.low, centre.low), sides.low),
+                                           Lanes::SubWrap(Lanes::AddWrap(centre.high, centre.high), sides.high)};
+        Lanes::StoreBytes(out + x, LimitBlock<Lanes>(window, decide(window, centre, measure)));
     };
     for (int32_t x = 0; x < head; x += block) limit(x);
     std::memcpy(out, in, edgeMarginColumns);

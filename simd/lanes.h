@@ -82,10 +82,10 @@ concept ConvertingLanes = requires(typename L::U8 v, typename L::I16 a, typename
 template <class L>
 concept PairLanes = requires(typename L::U8 a, typename L::U8 b, typename L::Pair pair, uint8_t* out) {
     { L::Unpack(a) } -> GivesPair<L>;                         // bytes as words of 0 … 255
-    { L::SignedRepeat(a) } -> GivesPair<L>;                   // 256·s + (s mod 256), bytes from 128 raised by one
+    { L::Centre(a) } -> GivesBytes<L>;                        // s mod 256, bytes from 128 raised by one
+    { L::Repeat(a) } -> GivesPair<L>;                         // bytes in both halves of their words
     { L::Sum(a, b) } -> GivesPair<L>;                         // a + b
-    {L::MakeWeights(64, -64)};                                // weights of a and b: 0 … 127 and −128 … 127, and
-    {L::Swap(L::MakeWeights(64, -64))};                       // the other way round
+    {L::MakeWeights(64, -64)};                                // weights of a and b: 0 … 127 and −128 … 127
     { L::Together(a, b) } -> std::same_as<typename L::Both>;  // both, as WeighSum takes them
     { L::WeighSum(L::Together(a, b), L::MakeWeights(64, -64)) } -> GivesPair<L>;  // their sum, if 16 bits hold it
     { L::PackUnpacked(pair) } -> GivesBytes<L>;                                   // limited to 0 … 255

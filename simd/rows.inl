@@ -88,18 +88,23 @@ void EnlargePhase(const int16_t* from, const int16_t* taps, uint8_t* to, int32_t
         Lanes::StoreBytes(to, FinishColumn<Lanes, 6>(sum(from, rounding)));
 }
 
-/// Words of a column are those of the next one's left and of the last one's right side.
+template <class Lanes>
+typename Lanes::Pair Difference(const typename Lanes::Pair& a, const typename Lanes::Pair& b) {
+    return {Lanes::SubWrap(a.low, b.low), Lanes::SubWrap(a.high, b.high)};
+}
+
+/// A column's step to the next one is the next one's step from the last.
 template <class Lanes, class Decide>
 void LimitColumnsWith(const uint8_t* from, uint8_t* to, int32_t count, const Decide& decide) {
     constexpr int32_t step = blockLength<Lanes>;
-    auto left = Lanes::Unpack(Lanes::LoadBytes(from - step));
     auto centre = Lanes::Unpack(Lanes::LoadBytes(from));
+    auto rise = Difference<Lanes>(centre, Lanes::Unpack(Lanes::LoadBytes(from - step)));
     for (; count > 0; --count, from += step, to += step) {
         const EdgeWindow<Lanes> window(from, step);
         const auto right = Lanes::Unpack(window.right);
-        const typename Lanes::Pair sides{Lanes::AddWrap(left.low, right.low), Lanes::AddWrap(left.high, right.high)};
-        Lanes::StoreBytes(to, LimitBlock<Lanes>(window, decide(window, centre, sides)));
-        left = centre;
+        const auto nextRise = Difference<Lanes>(right, centre);
+        Lanes::StoreBytes(to, LimitBlock<Lanes>(window, decide(window, centre, Difference<Lanes>(rise, nextRise))));
+        rise = nextRise;
         centre = right;
     }
 }
@@ -117,13 +122,15 @@ public:
     static constexpr int32_t reach = 3;  // columns on either side that an output sees
 
     /// taps    from the middle one on
-    /// memory  workWords of it: for the taps, and for outputs of which one half is done
-    ColumnFilter(const int16_t* taps, int16_t* memory)
-        : tapWords(memory), halves(memory + distinctTaps * Lanes::width) {
+    /// memory  workBytes of it: for the taps, and for columns of which one half is done
+    ColumnFilter(const int16_t* taps, uint8_t* memory)
+        : tapWords(reinterpret_cast<int16_t*>(memory)),
+          halves(tapWords + distinctTaps * Lanes::width),
+          centred(reinterpret_cast<uint8_t*>(halves + windowColumns * Lanes::width)) {
         for (int32_t i = 0; i < distinctTaps; ++i) Lanes::Store(tapWords + i * Lanes::width, Lanes::Set(taps[i]));
     }
 
-    static constexpr int32_t workWords = (reach + 1 + windowColumns) * Lanes::width;
+    static constexpr int32_t workBytes = (reach + 1 + 2 * windowColumns) * blockLength<Lanes>;
 
     /// Makes outputs x … end − 1, x being where the last call ended; the first time it begins three columns early.
     ///
@@ -140,6 +147,7 @@ public:
 private:
     using I16 = typename Lanes::I16;
 
+    static constexpr int32_t step = blockLength<Lanes>;  // from one column to the next
     static constexpr int32_t distinctTaps = reach + 1;
     static constexpr int32_t openOutputs = 2 * reach;
 
@@ -183,61 +191,70 @@ private:
         I16 taps[distinctTaps];
     };
 
-    /// Calls add(words, start) for the columns in turn, and give with what it returns for those behind the early ones.
-    template <class AddColumn, class Give>
-    [[gnu::always_inline]] static void ForEachColumn(Columns columns, const AddColumn& add, const Give& give) {
-        const auto take = [&](int32_t x) __attribute__((always_inline)) {
-            const auto words = Lanes::SignedRepeat(Lanes::LoadBytes(columns.from));
-            columns.from += blockLength<Lanes>;
-            return add(words, Lanes::Set(orderedBias.words[x & 1]));
-        };
-        for (int32_t i = 0; i < columns.early; ++i) take(columns.first + i);
-        for (int32_t x = columns.first; x < columns.end; ++x) give(take(x));
+    /// Calls take(start) for the columns in turn, and give with what it returns for those behind the early ones.
+    template <class Take, class Give>
+    [[gnu::always_inline]] static void ForEachColumn(const Columns& columns, const Take& take, const Give& give) {
+        const auto start = [](int32_t x) { return Lanes::Set(orderedBias.words[x & 1]); };
+        for (int32_t i = 0; i < columns.early; ++i) take(start(columns.first + i));
+        for (int32_t x = columns.first; x < columns.end; ++x) give(take(start(x)));
     }
 
     void RunPairs(const Columns& columns, uint8_t* to) {
         const Taps taps(tapWords);
         Sums low = lower, high = upper;
-        const auto add = [&](const typename Lanes::Pair& words, I16 start) __attribute__((always_inline)) {
+        const uint8_t* from = columns.from;
+        const auto take = [&](I16 start) __attribute__((always_inline)) {
+            const auto words = Lanes::Repeat(Lanes::Centre(Lanes::LoadBytes(from)));
+            from += step;
             const I16 lowWords = taps.Add(words.low, start, low);
             return typename Lanes::Pair{lowWords, taps.Add(words.high, start, high)};
         };
-        ForEachColumn(columns, add, [&](const typename Lanes::Pair& output) {
+        ForEachColumn(columns, take, [&](const typename Lanes::Pair& output) {
             Lanes::StoreBytes(to, Lanes::PackUnpacked(output));
-            to += blockLength<Lanes>;
+            to += step;
         });
         lower = low;
         upper = high;
     }
 
-    /// The lower half of all columns first, which has the registers to itself.
+    /// The lower half of all columns first, which has the registers to itself; it leaves them centred.
     void RunHalves(const Columns& columns, uint8_t* to) {
         const Taps taps(tapWords);
         int16_t* half = halves;
+        const uint8_t* from = columns.from;
+        uint8_t* kept = centred;
         Sums open = lower;
-        const auto addLow = [&](const typename Lanes::Pair& words, I16 start) __attribute__((always_inline)) {
-            return taps.Add(words.low, start, open);
+        const auto takeLow = [&](I16 start) __attribute__((always_inline)) {
+            const auto bytes = Lanes::Centre(Lanes::LoadBytes(from));
+            Lanes::StoreBytes(kept, bytes);
+            from += step;
+            kept += step;
+            return taps.Add(Lanes::Repeat(bytes).low, start, open);
         };
-        ForEachColumn(columns, addLow, [&](I16 output) {
+        ForEachColumn(columns, takeLow, [&](I16 output) {
             Lanes::Store(half, output);
             half += Lanes::width;
         });
         lower = open;
         open = upper;
         half = halves;
-        const auto addHigh = [&](const typename Lanes::Pair& words, I16 start) __attribute__((always_inline)) {
-            return taps.Add(words.high, start, open);
+        kept = centred;
+        const auto takeHigh = [&](I16 start) __attribute__((always_inline)) {
+            const auto bytes = Lanes::LoadBytes(kept);
+            kept += step;
+            return taps.Add(Lanes::Repeat(bytes).high, start, open);
         };
-        ForEachColumn(columns, addHigh, [&](I16 output) {
+        ForEachColumn(columns, takeHigh, [&](I16 output) {
             Lanes::StoreBytes(to, Lanes::PackUnpacked({Lanes::Load(half), output}));
             half += Lanes::width;
-            to += blockLength<Lanes>;
+            to += step;
         });
         upper = open;
     }
 
     int16_t* tapWords;
     int16_t* halves;
+    uint8_t* centred;
     bool begun = false;
     Sums lower{}, upper{};
 };
@@ -258,8 +275,7 @@ public:
           limited(enlarged.End()),
           filtered(limited.End()),
           cut(filtered.End()),
-          filter(filters.post == nullptr ? noTaps : filters.post,
-                 reinterpret_cast<int16_t*>(cut + tileColumns * rows)) {
+          filter(filters.post == nullptr ? noTaps : filters.post, cut + tileColumns * rows) {
         for (int32_t i = 0; i < rows; ++i) {
             in[i] = band.in[first + std::min(i, count - 1)];
             out[i] = band.out[first + std::min(i, count - 1)];
@@ -269,7 +285,7 @@ public:
 
     static constexpr int32_t workBytes = 3 * ColumnWindow<Lanes, uint8_t>::size +
                                          2 * ColumnWindow<Lanes, int16_t>::size + tileColumns * rows +
-                                         2 * ColumnFilter<Lanes>::workWords;
+                                         ColumnFilter<Lanes>::workBytes;
 
     void Run() {
         source.StartAt(-tapsBefore);
@@ -310,7 +326,7 @@ private:
             Lanes::LoadColumns(cutIn, 0, tile);
         }
         for (int32_t i = 0; i < tileColumns; ++i) {  // nobody looks at those behind the last column
-            const auto words = Lanes::SignedRepeat(tile[i]);
+            const auto words = Lanes::Repeat(Lanes::Centre(tile[i]));
             Lanes::Store(source.At(x + i), words.low);
             Lanes::Store(source.At(x + i) + Lanes::width, words.high);
         }

@@ -116,11 +116,12 @@ struct ScalarLanes {
     }
 
     static Weights MakeWeights(int32_t a, int32_t b) { return {a, b}; }
-    static Weights Swap(Weights w) { return {w.b, w.a}; }
     static Pair Unpack(U8 v) { return {v.sample[0], v.sample[1]}; }
-    static Pair SignedRepeat(U8 v) {
-        return {SignedRepeat(RaiseUpperHalf(v.sample[0])), SignedRepeat(RaiseUpperHalf(v.sample[1]))};
+    static U8 Centre(U8 v) {
+        const U8 raised = RaiseUpperHalf(v);
+        return {{static_cast<uint8_t>(raised.sample[0] ^ 0x80), static_cast<uint8_t>(raised.sample[1] ^ 0x80)}};
     }
+    static Pair Repeat(U8 v) { return {Wrap(257 * v.sample[0]), Wrap(257 * v.sample[1])}; }
     static Pair Sum(U8 a, U8 b) { return WeighSum({a, b}, {1, 1}); }
     static Both Together(U8 a, U8 b) { return {a, b}; }
     static Pair WeighSum(Both v, Weights w) {

@@ -124,13 +124,12 @@ struct Sse2Lanes {
     static Weights MakeWeights(int32_t a, int32_t b) {
         return {Set(static_cast<int16_t>(a)), Set(static_cast<int16_t>(b))};
     }
-    static Weights Swap(const Weights& w) { return {w.b, w.a}; }
     static Pair Unpack(U8 v) { return {Low(v), High(v)}; }
-    static Pair SignedRepeat(U8 v) {
+    static U8 Centre(U8 v) {
         const U8 upperHalf = _mm_cmpgt_epi8(_mm_setzero_si128(), v);  // −1 from 128 on
-        const U8 raised = _mm_subs_epi8(FlipSigns(v), upperHalf);
-        return {_mm_unpacklo_epi8(raised, raised), _mm_unpackhi_epi8(raised, raised)};
+        return _mm_subs_epi8(FlipSigns(v), upperHalf);
     }
+    static Pair Repeat(U8 v) { return {_mm_unpacklo_epi8(v, v), _mm_unpackhi_epi8(v, v)}; }
     static Pair Sum(U8 a, U8 b) { return {AddWrap(Low(a), Low(b)), AddWrap(High(a), High(b))}; }
     static Both Together(U8 a, U8 b) { return {Unpack(a), Unpack(b)}; }
     static Pair WeighSum(const Both& v, const Weights& w) {

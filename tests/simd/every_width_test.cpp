@@ -122,8 +122,8 @@ EdgeLimits Limits(CallRows& rows, int32_t) {
     limits.gain = static_cast<int16_t>(gain);
     limits.deadZone = static_cast<int16_t>(zone >= 0 ? zone : rows.Note("zone", std::min(multiple, 32767)));
     limits.outerWeight =
-        static_cast<int16_t>(rows.Pick("outer weight", {64, 77, 1, 127, 128, 0, -1, INT16_MIN, INT16_MAX}));
-    limits.slope = static_cast<int16_t>(rows.Pick("slope", {800, 0, 1, -800, INT16_MIN, INT16_MAX}));
+        static_cast<int16_t>(rows.Pick("outer weight", {64, 77, 63, 1, 127, 128, 0, -1, INT16_MIN, INT16_MAX}));
+    limits.slope = static_cast<int16_t>(rows.Pick("slope", {800, 0, 1, 1024, 1040, -800, INT16_MIN, INT16_MAX}));
     if (rows.Pick("offset and margin", {0, 1}) == 0) return limits;
     limits.offset = static_cast<int16_t>(rows.Pick("offset", {0, 1, -1, 20, INT16_MIN, INT16_MAX}));
     limits.margin = static_cast<int16_t>(rows.Pick("margin", {0, 1, 5, 128, 254, 255, -1, -40, -255, -300, INT16_MIN}));

@@ -111,12 +111,10 @@ private:
         const int32_t weightA = p[0] & 127, weightB = Limit(q[0] % 128, -128, 127 - weightA);
         const auto weights = Lanes::MakeWeights(weightA, weightB);
         Unpacked("Unpack", Lanes::Unpack(a), [&](int32_t i) { return x[i]; });
-        Unpacked("SignedRepeat", Lanes::SignedRepeat(a),
+        Unpacked("Centre and Repeat", Lanes::Repeat(Lanes::Centre(a)),
                  [&](int32_t i) { return SignedRepeat(Limit(x[i] + (x[i] < 128 ? 0 : 1), 0, 255)); });
         Unpacked("Sum", Lanes::Sum(a, b), [&](int32_t i) { return x[i] + y[i]; });
         Unpacked("WeighSum", Lanes::WeighSum(Lanes::Together(a, b), weights),
-                 [&](int32_t i) { return x[i] * weightA + y[i] * weightB; });
-        Unpacked("Swap", Lanes::WeighSum(Lanes::Together(b, a), Lanes::Swap(weights)),
                  [&](int32_t i) { return x[i] * weightA + y[i] * weightB; });
         const Pair sides = Lanes::Sum(a, b);
         const auto limited = [&](int32_t offset) {
