@@ -317,8 +317,9 @@ private:
     void ReadTile(int32_t x, int32_t columns) {
         typename Lanes::U8 tile[tileColumns];
         if (columns == tileColumns) {
-            if (x % cacheLine == 0)
-                for (int32_t i = 0; i < rows; ++i) __builtin_prefetch(in[i] + x + cacheLine);
+            constexpr int32_t tiles = cacheLine / tileColumns;
+            const int32_t turn = x / tileColumns % tiles * (rows / tiles);
+            for (int32_t i = 0; i < rows / tiles; ++i) __builtin_prefetch(in[turn + i] + x + cacheLine);
             Lanes::LoadColumns(in, x, tile);
         } else {
             for (int32_t i = 0; i < rows; ++i)
