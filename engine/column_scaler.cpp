@@ -65,14 +65,15 @@ void ColumnScaler::Advance(int32_t finalRows, RowSink* sink) {
     // Rows below the picture are as final as its last one.
     const int32_t endSource = finalRows < height ? finalRows : height + tapCount;
     for (int32_t endRow = EndOfBatch(endSource); endRow > nextRow; endRow = EndOfBatch(endSource)) {
-        for (int32_t x = 0; x < columns; x += partColumns) ScalePart(x, endRow);
+        const Plane rows = RowsOf(target, sink == nullptr ? nextRow : 0, endRow - nextRow);
+        for (int32_t x = 0; x < columns; x += partColumns) ScalePart(x, rows);
         nextExpanded = EndOfTaps(endRow - 1);
-        for (; nextRow < endRow; ++nextRow)
-            if (sink != nullptr) sink->TakeLuma(nextRow, target.Row(nextRow % target.height));
+        if (sink != nullptr) sink->TakeLuma(nextRow, rows);
+        nextRow = endRow;
     }
 }
 
-/// The row behind those that can be made next: as many as the target holds at a time.
+/// The row behind those that can be made next, as many as the target holds.
 int32_t ColumnScaler::EndOfBatch(int32_t endSource) const {
     const int32_t most = std::min(rowCount, nextRow + target.height);
     int32_t endRow = nextRow;
@@ -80,20 +81,21 @@ int32_t ColumnScaler::EndOfBatch(int32_t endSource) const {
     return endRow;
 }
 
-void ColumnScaler::ScalePart(int32_t x, int32_t endRow) {
-    const Plane to = PartOf(RightOf(target, x), x, columns);
+void ColumnScaler::ScalePart(int32_t x, const Plane& targetRows) {
+    const Plane to = PartOf(RightOf(targetRows, x), x, columns);
     SourcePlane from = source.RightOf(x);
     from.plane = PartOf(from.plane, x, source.plane.width);
     const Window rows(window + x / partColumns * partWindow);
     int32_t expanded = nextExpanded;
-    for (int32_t y = nextRow; y < endRow; ++y) {
-        for (; expanded < EndOfTaps(y); ++expanded) {
+    for (int32_t i = 0; i < to.height; ++i) {
+        const int32_t endOfTaps = EndOfTaps(nextRow + i);
+        for (; expanded < endOfTaps; ++expanded) {
             const int32_t row = std::clamp(expanded, 0, height - 1);
             kernels.expandRow(ReadableRow(from, row % from.plane.height, to.width, copy), *rows.From(expanded),
                               to.width);
         }
-        kernels.enlargeColumns(rows.From(EndOfTaps(y) - tapCount), phases[static_cast<size_t>(y % 3)],
-                               to.Row(y % to.height), to.width);
+        kernels.enlargeColumns(rows.From(endOfTaps - tapCount), phases[static_cast<size_t>((nextRow + i) % 3)],
+                               to.Row(i), to.width);
     }
 }
 

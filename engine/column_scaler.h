@@ -25,7 +25,8 @@ struct ColumnScratch {
     SlackRow<uint8_t> source;
 };
 
-/// Rows of the pictures that a pass leads from and to. Planes may hold fewer: row y is then in row y modulo their height.
+/// Rows of the pictures that a pass leads from and to. Planes may hold fewer: row y of the source is then in row y modulo
+/// its height.
 struct ColumnHeights {
     int32_t source;
     int32_t target;
@@ -43,13 +44,13 @@ public:
                  const ThreeHalvesTaps& taps, ColumnScratch& scratch, const KernelTable& kernels);
 
     /// Makes all target rows that need no source row from `finalRows` on; those before it can be made anew. Calls come
-    /// with growing numbers, the last one with the source's height. A target that takes rows in turn needs a sink,
-    /// which gets each of them.
+    /// with growing numbers, the last one with the source's height. With a sink they go there, as many at a time as the
+    /// target holds.
     void Advance(int32_t finalRows, RowSink* sink = nullptr);
 
 private:
     int32_t EndOfBatch(int32_t endSource) const;
-    void ScalePart(int32_t x, int32_t endRow);
+    void ScalePart(int32_t x, const Plane& targetRows);
 
     Plane target;
     SourcePlane source;

@@ -1,5 +1,7 @@
 #include "engine/enhancement_pass.h"
 
+#include <algorithm>
+
 #include "algorithms/sleeping/edge_sharpeners.h"
 #include "engine/chroma_scalers.h"
 #include "engine/sleeping/chroma_doubling.h"
@@ -98,10 +100,14 @@ void EnhancementPass::KeepSize(const ImagePlanes& target, RowSink* sink) {
 void EnhancementPass::KeepLuma(const Plane& target, RowSink* sink) {
     UnscaledScratch& scratch = state.workspace.unscaled;
     const UnscaledWalk walk(work.Luma(), plan.postFilter.taps, plan.unscaledColumns, scratch, kernels);
-    uint8_t* row = scratch.finished.Prepare(plan.source.width + sinkRoom);
-    for (int32_t y = 0; y < plan.source.height && walk.WritesRows(); ++y) {
-        walk.MakeRow(y, sink == nullptr ? target.Row(y) : row);
-        if (sink != nullptr) sink->TakeLuma(y, row);
+    if (!walk.WritesRows()) return;
+    const int32_t height = plan.source.height;
+    const Plane kept = RowsIn(scratch.finished, plan.source.width, sinkRows);
+    for (int32_t y = 0; y < height; y += sinkRows) {
+        const int32_t count = std::min(sinkRows, height - y);
+        const Plane rows = sink == nullptr ? RowsOf(target, y, count) : RowsOf(kept, 0, count);
+        for (int32_t i = 0; i < rows.height; ++i) walk.MakeRow(y + i, rows.Row(i));
+        if (sink != nullptr) sink->TakeLuma(y, rows);
     }
 }
 

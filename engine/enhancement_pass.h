@@ -33,7 +33,7 @@ public:
     ///         plan.planes are written. Not looked at when the plan writes nothing. Must not overlap the source.
     void WritePlanes(const ImagePlanes& target);
 
-    /// Writes chroma as WritePlanes does, then gives luma to the sink row by row. For plans that give rows.
+    /// Writes chroma as WritePlanes does, then gives luma to the sink, a few rows at a time. For plans that give rows.
     ///
     /// chroma  as the target of WritePlanes; its luma needs no samples
     void GiveRows(const ImagePlanes& chroma, RowSink& sink);

@@ -9,15 +9,6 @@
 namespace clarivex {
 namespace {
 
-// Enlarged rows on their way to a sink: few enough to stay in the cache, and whole periods of the three phases.
-constexpr int32_t finishedRows = 12;
-
-/// Rows of working memory with room for a sink. An odd number of cache lines apart, so that they don't push each other out.
-Plane RowsIn(SlackRow<uint8_t>& memory, int32_t width, int32_t rows) {
-    const int32_t stride = ((width + sinkRoom + 63) & ~63) | 64;
-    return {memory.Prepare(stride * rows), width, rows, stride};
-}
-
 /// The two planes of a pass, without the columns that a split view leaves out.
 struct PassPlanes {
     Plane target;
@@ -96,7 +87,7 @@ void PictureScaler::ScaleLumaBothAxes(const Plane& target, const SourcePlane& so
 
 void PictureScaler::ScaleLumaBothAxes(RowSink& sink, const FrameSize& size, const SourcePlane& source,
                                       const RowStages& rowStages, const ThreeHalvesTaps& columnTaps) {
-    const Plane rows = RowsIn(scratch.finished, size.width, finishedRows);
+    const Plane rows = RowsIn(scratch.finished, size.width, sinkRows);
     ScaleStrips({rows, size.height, &sink}, source, rowStages, columnTaps);
 }
 

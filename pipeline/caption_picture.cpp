@@ -39,7 +39,7 @@ std::vector<uint8_t> DrawCaptionPicture(int32_t frame, int32_t width, int32_t he
     const LightingCorrection neutral;
     PlanarOutput stage(target, picture.data() + picture.size(), source,
                        {neutral, overlay.Tiles(), silent, kernels, scratch});
-    GiveRows(source.luma, stage);
+    stage.TakeLuma(0, source.luma);
     stage.Finish();
     return picture;
 }

@@ -46,20 +46,26 @@ PlanePart ChromaPart(const ImagePlanes& picture, const PictureView& source, cons
 
 }  // namespace
 
-void LumaCompletion::Complete(int32_t y, uint8_t* row) const {
+void LumaCompletion::Complete(int32_t y, const Plane& rows) const {
+    const bool odd = size.width % 2 != 0;
+    if (!odd && written.width >= size.width && y + rows.height <= written.height) return;
     const PlanePart part{written.width, written.height, written.width > source.width};
-    CompleteRow(row, y, size.width, source, part, blackLuma);
-    // Output stages take luma in pairs: an odd width goes on with its last column.
-    if (size.width % 2 != 0) row[size.width] = row[size.width - 1];
+    for (int32_t i = 0; i < rows.height; ++i) {
+        uint8_t* row = rows.Row(i);
+        CompleteRow(row, y + i, size.width, source, part, blackLuma);
+        // Output stages take luma in pairs: an odd width goes on with its last column.
+        if (odd) row[size.width] = row[size.width - 1];
+    }
 }
 
-void CompletingSink::TakeLuma(int32_t y, uint8_t* row) {
-    completion.Complete(y, row);
-    next.TakeLuma(y, row);
+void CompletingSink::TakeLuma(int32_t y, const Plane& rows) {
+    completion.Complete(y, rows);
+    next.TakeLuma(y, rows);
 }
 
 void CompletingSink::Finish(uint8_t* row) {
-    for (int32_t y = completion.written.height; y < completion.size.height; ++y) TakeLuma(y, row);
+    const int32_t width = completion.size.width;
+    for (int32_t y = completion.written.height; y < completion.size.height; ++y) TakeLuma(y, {row, width, 1, width});
 }
 
 void CompleteChroma(const ImagePlanes& picture, const PictureView& source, const FrameSize& written) {

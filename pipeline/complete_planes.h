@@ -18,8 +18,8 @@ struct LumaCompletion {
     FrameSize written;  ///< luma samples from the upper left that the engine wrote, 0 × 0 for none
     PlaneView source;
 
-    /// row  of the picture's width, one sample more where that is odd; completed in place
-    void Complete(int32_t y, uint8_t* row) const;
+    /// rows  row y of the picture and those behind it, one sample wider where its width is odd; completed in place
+    void Complete(int32_t y, const Plane& rows) const;
 };
 
 /// Completes rows before they go on to the next sink.
@@ -28,7 +28,7 @@ public:
     /// next  has to outlive the sink
     CompletingSink(const LumaCompletion& completion, RowSink& next) : completion(completion), next(next) {}
 
-    void TakeLuma(int32_t y, uint8_t* row) override;
+    void TakeLuma(int32_t y, const Plane& rows) override;
 
     /// Gives the rows that nobody wrote, behind the last one that was.
     ///

@@ -173,10 +173,10 @@ void FramePipeline::WritePlanar(const Frame& frame, EnhancementPass& pass, const
         sink.Finish(stream.workspace.unwritten.Prepare(size.width + 1));
     } else {
         pass.WritePlanes(enhanced);
-        for (int32_t y = 0; y < size.height; ++y) completion.Complete(y, enhanced.luma.Row(y));
+        completion.Complete(0, RowsOf(enhanced.luma, 0, size.height));
     }
     if (request.scalingOn) CompleteChroma(enhanced, source.planes, plan.written);
-    if (!streams) GiveRows(enhanced.luma, stage);
+    if (!streams) stage.TakeLuma(0, enhanced.luma);
     stage.Finish();
 }
 
@@ -194,7 +194,7 @@ void FramePipeline::WritePacked(const Frame& frame, EnhancementPass& pass, const
         pass.GiveRows(enhanced, stage);
     } else {
         pass.WritePlanes(enhanced);
-        GiveRows(enhanced.luma, stage);
+        stage.TakeLuma(0, enhanced.luma);
     }
     stage.Finish();
 }

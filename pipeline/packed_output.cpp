@@ -33,8 +33,12 @@ PackedOutput::PackedOutput(const Plane& target, const uint8_t* targetEnd, const 
       tonedLuma(inputs.scratch.tonedLuma.Prepare(width)),
       tonedChroma(inputs.scratch.tonedChroma.Prepare(width)) {}
 
-void PackedOutput::TakeLuma(int32_t y, uint8_t* row) {
-    if (y >= height) return;
+void PackedOutput::TakeLuma(int32_t y, const Plane& rows) {
+    const int32_t count = std::min(rows.height, height - y);
+    for (int32_t i = 0; i < count; ++i) TakeRow(y + i, rows.Row(i));
+}
+
+void PackedOutput::TakeRow(int32_t y, const uint8_t* row) {
     // Of two rows that share their chroma both are copied or none.
     if (overlay.Has(y)) {
         ToneUnderOverlay(y, row);

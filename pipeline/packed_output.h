@@ -25,7 +25,7 @@ public:
                  const OutputStageInputs& inputs);
 
     /// A row of an odd width has one sample more. Rows below the picture or the target are left out.
-    void TakeLuma(int32_t y, uint8_t* row) override;
+    void TakeLuma(int32_t y, const Plane& rows) override;
 
     /// Writes what is below the picture, behind its last row.
     void Finish();
@@ -34,6 +34,7 @@ private:
     /// The chroma rows of a row of luma as the kernels take them: U and its neighbour, V and its neighbour.
     using ChromaRows = std::array<const uint8_t*, 4>;
     ChromaRows ChromaOf(int32_t y) const;
+    void TakeRow(int32_t y, const uint8_t* row);
     void ToneUnderOverlay(int32_t y, const uint8_t* luma);
     void Tone(int32_t y, const uint8_t* luma);
     int32_t RowBytes(int32_t y) const;

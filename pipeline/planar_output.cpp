@@ -34,8 +34,12 @@ PlanarOutput::PlanarOutput(const ImagePlanes& target, const uint8_t* targetEnd, 
       toner(inputs, planarDithers),
       work(PlanarNeedsWork(inputs.params, inputs.noise.level)) {}
 
-void PlanarOutput::TakeLuma(int32_t y, uint8_t* row) {
-    if (y >= height) return;
+void PlanarOutput::TakeLuma(int32_t y, const Plane& rows) {
+    const int32_t count = std::min(rows.height, height - y);
+    for (int32_t i = 0; i < count; ++i) ToneLuma(y + i, rows.Row(i));
+}
+
+void PlanarOutput::ToneLuma(int32_t y, const uint8_t* row) {
     uint8_t* out = target.luma.Row(y);
     const int32_t columns = LumaColumns(out);
     if (overlay.Has(y))

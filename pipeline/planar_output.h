@@ -23,12 +23,13 @@ public:
 
     /// An odd width is written as an even one where the target has room; its rows have one sample more then. Rows below
     /// the picture or the target are left out.
-    void TakeLuma(int32_t y, uint8_t* row) override;
+    void TakeLuma(int32_t y, const Plane& rows) override;
 
     /// Writes chroma, behind the last row of luma.
     void Finish();
 
 private:
+    void ToneLuma(int32_t y, const uint8_t* row);
     ptrdiff_t RowLength(const Plane& plane, const uint8_t* row) const;
     int32_t LumaColumns(const uint8_t* out) const;
     void WriteSecondPlane();

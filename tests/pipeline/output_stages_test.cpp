@@ -205,7 +205,7 @@ protected:
             inputs.kernels, bytes, [&](uint8_t* data) { PlainPacked(target(data), picture, inputs); },
             [&](uint8_t* data) {
                 PackedOutput stage(target(data).plane, target(data).end, picture, inputs);
-                if (!size.empty) GiveRows(source.Planes().luma, stage);
+                if (!size.empty) stage.TakeLuma(0, source.Planes().luma);
                 stage.Finish();
             });
     }
@@ -232,7 +232,7 @@ protected:
             inputs.kernels, bytes, [&](uint8_t* data) { PlainPlanar(target(data), data + bytes, picture, inputs); },
             [&](uint8_t* data) {
                 PlanarOutput stage(target(data), data + bytes, picture, inputs);
-                GiveRows(source.Planes().luma, stage);
+                stage.TakeLuma(0, source.Planes().luma);
                 stage.Finish();
             });
     }
