@@ -98,7 +98,7 @@ void CallEnlargeChromaColumns(const KernelTable& table, BenchRows& rows, int32_t
 }
 
 void CallEnlargeChromaRow(const KernelTable& table, BenchRows& rows, int32_t width) {
-    constexpr std::array<int16_t, 3> weights{43 * 128, 16384, 43 * 128};
+    constexpr std::array<int16_t, 3> weights{43, 128, 43};
     table.enlargeChromaRow(rows.Bytes(0), weights.data(), rows.Bytes(1), width);
 }
 

@@ -6,9 +6,9 @@
 namespace clarivex {
 namespace {
 
-// Weights of the neighbour in 32768ths. 43 of 256 puts the outer outputs 1/6 off their sample, 85 of 256 a third.
-constexpr int16_t centredWeights[3] = {43 * 128, 16384, 43 * 128};
-constexpr int16_t shiftedWeights[3] = {85 * 128, 85 * 128, 0};
+// Weights of the neighbour in 256ths: 43 puts the outer outputs 1/6 off their sample, 85 a third.
+constexpr int16_t centredWeights[3] = {43, 128, 43};
+constexpr int16_t shiftedWeights[3] = {85, 85, 0};
 
 constexpr int32_t rowsBetween = 4;  // rows that the columns pass looks at together
 

@@ -7,6 +7,7 @@
 
 #include "simd/lanes.h"
 #include "simd/transpose.h"
+#include "simd/triples.h"
 
 namespace clarivex {
 namespace {
@@ -109,25 +110,41 @@ struct Avx2Lanes {
         StoreBytes(p, _mm256_permute2x128_si256(low, high, 0x20));
         StoreBytes(p + 32, _mm256_permute2x128_si256(low, high, 0x31));
     }
-    static void StoreTriples(uint8_t* p, Pair wordsA, Pair wordsB, Pair wordsC) {
-        U8 a = Pack(wordsA.low, wordsA.high);
-        U8 b = Pack(wordsB.low, wordsB.high);
-        U8 c = Pack(wordsC.low, wordsC.high);
-        // Turned within each half so that every output byte only needs a choice between the three.
-        const U8 turnA = Halves(_mm_setr_epi8(0, 11, 6, 1, 12, 7, 2, 13, 8, 3, 14, 9, 4, 15, 10, 5));
-        const U8 turnB = Halves(_mm_setr_epi8(5, 0, 11, 6, 1, 12, 7, 2, 13, 8, 3, 14, 9, 4, 15, 10));
-        const U8 turnC = Halves(_mm_setr_epi8(10, 5, 0, 11, 6, 1, 12, 7, 2, 13, 8, 3, 14, 9, 4, 15));
-        const U8 first = Halves(_mm_setr_epi8(-1, 0, 0, -1, 0, 0, -1, 0, 0, -1, 0, 0, -1, 0, 0, -1));
-        const U8 second = Halves(_mm_setr_epi8(0, -1, 0, 0, -1, 0, 0, -1, 0, 0, -1, 0, 0, -1, 0, 0));
-        a = _mm256_shuffle_epi8(a, turnA);
-        b = _mm256_shuffle_epi8(b, turnB);
-        c = _mm256_shuffle_epi8(c, turnC);
-        const U8 r0 = _mm256_blendv_epi8(_mm256_blendv_epi8(c, b, second), a, first);
-        const U8 r1 = _mm256_blendv_epi8(_mm256_blendv_epi8(a, c, second), b, first);
-        const U8 r2 = _mm256_blendv_epi8(_mm256_blendv_epi8(b, a, second), c, first);
-        StoreBytes(p, _mm256_permute2x128_si256(r0, r1, 0x20));
-        StoreBytes(p + 32, _mm256_permute2x128_si256(r2, r0, 0x30));
-        StoreBytes(p + 64, _mm256_permute2x128_si256(r1, r2, 0x31));
+    /// Samples less 128 have a sign, so that weights need none; what a weight of 0 would multiply by 256 counts 255 times and once.
+    struct TripleWeights {
+        U8 weights[TriplePieces::count];
+        U8 samples[TriplePieces::count];
+    };
+    static TripleWeights MakeTripleWeights(const int16_t* w) {
+        const __m128i words =
+            _mm_setr_epi16(TripleWeightWord(w[0]), TripleWeightWord(w[1]), TripleWeightWord(w[2]), 0, 0, 0, 0, 0);
+        TripleWeights made;
+        for (int32_t i = 0; i < TriplePieces::count; ++i) {
+            const auto piece = [](const uint8_t* bytes) {
+                return _mm_load_si128(reinterpret_cast<const __m128i*>(bytes));
+            };
+            const U8 weights = Halves(_mm_shuffle_epi8(words, piece(triplePieces.weights[i])));
+            const U8 samples = Halves(piece(triplePieces.samples[i]));
+            const U8 alone = _mm256_cmpeq_epi16(weights, _mm256_setzero_si256());
+            const U8 twice = _mm256_shuffle_epi8(
+                samples, Halves(_mm_setr_epi8(0, 0, 2, 2, 4, 4, 6, 6, 8, 8, 10, 10, 12, 12, 14, 14)));
+            made.weights[i] = _mm256_blendv_epi8(weights, _mm256_set1_epi16(0x01FF), alone);
+            made.samples[i] = _mm256_blendv_epi8(samples, twice, alone);
+        }
+        return made;
+    }
+    static void StorePulledTriples(uint8_t* out, const uint8_t* in, const TripleWeights& w) {
+        for (int32_t group = 0; group < 2; ++group, in += 32, out += 48) {
+            const auto piece = [&](int32_t i) {
+                const U8 samples = _mm256_shuffle_epi8(FlipSigns(LoadBytes(in + TriplePieces::begin[i])), w.samples[i]);
+                return ShiftRight<8>(_mm256_maddubs_epi16(w.weights[i], samples));
+            };
+            const I16 third = piece(2);
+            const U8 upper = FlipSigns(_mm256_packs_epi16(piece(0), piece(1)));
+            const U8 lower = FlipSigns(_mm256_packs_epi16(third, third));
+            StoreTripleHalf(out, _mm256_castsi256_si128(upper), _mm256_castsi256_si128(lower));
+            StoreTripleHalf(out + 24, _mm256_extracti128_si256(upper, 1), _mm256_extracti128_si256(lower, 1));
+        }
     }
 
     /// Unpacking and its reverse keep to the halves of a register, which is all that is needed between the two.
@@ -217,6 +234,10 @@ private:
         _mm_storeu_si128(reinterpret_cast<__m128i*>(rows[16] + x), _mm256_extracti128_si256(v, 1));
     }
 
+    static void StoreTripleHalf(uint8_t* out, __m128i sixteen, __m128i eight) {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), sixteen);
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 16), eight);
+    }
     static U8 Halves(__m128i v) { return _mm256_broadcastsi128_si256(v); }
 };
 static_assert(KernelLanes<Avx2Lanes>);

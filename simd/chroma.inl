@@ -8,39 +8,16 @@
 namespace clarivex {
 namespace {
 
-/// a pulled towards b by weight / 32768, rounded down.
-template <class Lanes>
-typename Lanes::I16 Pull(typename Lanes::I16 a, typename Lanes::I16 b, typename Lanes::I16 weight) {
-    const auto distance = Lanes::SubWrap(b, a);
-    return Lanes::AddWrap(a, Lanes::MulHigh(Lanes::AddWrap(distance, distance), weight));
-}
-
 template <class Lanes>
 void EnlargeChromaRow(const uint8_t* in, const int16_t* weights, uint8_t* out, int32_t count) {
-    const auto weightA = Lanes::Set(weights[0]);
-    const auto weightB = Lanes::Set(weights[1]);
-    const auto weightC = Lanes::Set(weights[2]);
-    constexpr int32_t pairs = Lanes::width;  // pairs of inputs a register holds
-    const auto triples = [&](const uint8_t* p, auto& a, auto& b, auto& c) {
-        const auto pair = Lanes::LoadBytes(p);
-        const auto even = Lanes::EvenBytes(pair);
-        const auto odd = Lanes::OddBytes(pair);
-        a = Pull<Lanes>(even, Lanes::OddBytes(Lanes::LoadBytes(p - 2)), weightA);
-        b = Pull<Lanes>(even, odd, weightB);
-        c = Pull<Lanes>(odd, Lanes::EvenBytes(Lanes::LoadBytes(p + 2)), weightC);
-    };
-    const auto step = [&](int32_t n, uint8_t* p) {
-        typename Lanes::Pair a, b, c;
-        triples(in + 2 * n, a.low, b.low, c.low);
-        triples(in + 2 * (n + pairs), a.high, b.high, c.high);
-        Lanes::StoreTriples(p, a, b, c);
-    };
-    int32_t n = 0;
-    for (; 3 * (n + 2 * pairs) <= count; n += 2 * pairs) step(n, out + 3 * n);
-    if (3 * n < count) {
-        uint8_t copy[3 * blockLength<Lanes>];
-        step(n, copy);
-        std::memcpy(out + 3 * n, copy, static_cast<size_t>(count - 3 * n));
+    const auto tripleWeights = Lanes::MakeTripleWeights(weights);
+    constexpr int32_t inputs = 4 * Lanes::width, outputs = 6 * Lanes::width;
+    for (; count >= outputs; count -= outputs, in += inputs, out += outputs)
+        Lanes::StorePulledTriples(out, in, tripleWeights);
+    if (count > 0) {
+        uint8_t copy[outputs];
+        Lanes::StorePulledTriples(copy, in, tripleWeights);
+        std::memcpy(out, copy, static_cast<size_t>(count));
     }
 }
 

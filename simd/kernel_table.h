@@ -144,7 +144,7 @@ struct KernelTable {
     void (*enlargeColumns)(const int16_t* const* rows, const int16_t* taps, uint8_t* out, int32_t width);
 
     /// Chroma along a row, three outputs for each pair of inputs: p[2n] pulled towards p[2n − 1], p[2n] towards p[2n + 1],
-    /// p[2n + 1] towards p[2n + 2], by weights[j] / 32768 each, 0 … 32767, rounded down. in is a slack row, but one
+    /// p[2n + 1] towards p[2n + 2], by weights[j] / 256 each, 0 … 255, rounded down. in is a slack row, but one
     /// sample beyond both ends counts; out gets exactly `count`.
     void (*enlargeChromaRow)(const uint8_t* in, const int16_t* weights, uint8_t* out, int32_t count);
 

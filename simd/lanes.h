@@ -89,8 +89,15 @@ concept PairLanes = requires(typename L::U8 a, typename L::U8 b, typename L::Pai
     { L::Together(a, b) } -> std::same_as<typename L::Both>;  // both, as WeighSum takes them
     { L::WeighSum(L::Together(a, b), L::MakeWeights(64, -64)) } -> GivesPair<L>;  // their sum, if 16 bits hold it
     { L::PackUnpacked(pair) } -> GivesBytes<L>;                                   // limited to 0 … 255
-    // Three pairs in memory order, limited to 0 … 255: a[0] b[0] c[0] a[1] b[1] …, 6 · `width` bytes.
-    { L::StoreTriples(out, pair, pair, pair) } -> std::same_as<void>;
+};
+
+/// Three outputs for each two inputs.
+template <class L>
+concept TripleLanes = requires(const int16_t* weights, const uint8_t* in, uint8_t* out) {
+    {L::MakeTripleWeights(weights)};  // three of 0 … 255, in 256ths
+    // 6 · `width` outputs: in[2n] pulled towards in[2n − 1], in[2n] towards in[2n + 1], in[2n + 1] towards in[2n + 2], each by
+    // its weight and rounded down. 64 samples more on either side of those named may be read.
+    { L::StorePulledTriples(out, in, L::MakeTripleWeights(weights)) } -> std::same_as<void>;
 };
 
 /// Rows as many as a register has bytes, in tiles of 16 columns: a column of a tile is a register of bytes, the first row's first.
@@ -120,6 +127,7 @@ concept SumLanes = requires(typename L::Sums a, typename L::Sums b, typename L::
 
 /// All that kernels ask for.
 template <class L>
-concept KernelLanes = WordLanes<L> && ByteLanes<L> && ConvertingLanes<L> && PairLanes<L> && TileLanes<L> && SumLanes<L>;
+concept KernelLanes =
+    WordLanes<L> && ByteLanes<L> && ConvertingLanes<L> && PairLanes<L> && TripleLanes<L> && TileLanes<L> && SumLanes<L>;
 
 }  // namespace clarivex

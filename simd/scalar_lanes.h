@@ -110,9 +110,17 @@ struct ScalarLanes {
         const uint8_t out[4] = {a.sample[0], b.sample[0], a.sample[1], b.sample[1]};
         std::memcpy(p, out, sizeof out);
     }
-    static void StoreTriples(uint8_t* p, Pair a, Pair b, Pair c) {
-        const I16 words[6] = {a.low, b.low, c.low, a.high, b.high, c.high};
-        for (int32_t i = 0; i < 6; ++i) p[i] = SaturateByte(words[i]);
+    using TripleWeights = const int16_t*;
+    static TripleWeights MakeTripleWeights(const int16_t* w) { return w; }
+    static void StorePulledTriples(uint8_t* out, const uint8_t* in, TripleWeights w) {
+        const auto pulled = [](int32_t v, int32_t towards, int32_t weight) {
+            return static_cast<uint8_t>(v + ((towards - v) * weight >> 8));
+        };
+        for (int32_t i = 0; i < 2; ++i, in += 2, out += 3) {
+            out[0] = pulled(in[0], in[-1], w[0]);
+            out[1] = pulled(in[0], in[1], w[1]);
+            out[2] = pulled(in[1], in[2], w[2]);
+        }
     }
 
     static Weights MakeWeights(int32_t a, int32_t b) { return {a, b}; }

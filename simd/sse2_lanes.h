@@ -102,23 +102,18 @@ struct Sse2Lanes {
         StoreBytes(p, _mm_unpacklo_epi8(a, b));
         StoreBytes(p + 16, _mm_unpackhi_epi8(a, b));
     }
-    static void StoreTriples(uint8_t* p, Pair wordsA, Pair wordsB, Pair wordsC) {
-        const U8 a = PackUnpacked(wordsA);
-        const U8 b = PackUnpacked(wordsB);
-        const U8 c = PackUnpacked(wordsC);
-        const U8 zero = _mm_setzero_si128();
-        const U8 pairsLow = _mm_unpacklo_epi8(a, b);
-        const U8 pairsHigh = _mm_unpackhi_epi8(a, b);
-        const U8 thirdLow = _mm_unpacklo_epi8(c, zero);
-        const U8 thirdHigh = _mm_unpackhi_epi8(c, zero);
-        // Four triples a store; its upper 4 bytes are zero and are overwritten by the next one, so the last is cut.
-        StoreBytes(p, CloseTriples(_mm_unpacklo_epi16(pairsLow, thirdLow)));
-        StoreBytes(p + 12, CloseTriples(_mm_unpackhi_epi16(pairsLow, thirdLow)));
-        StoreBytes(p + 24, CloseTriples(_mm_unpacklo_epi16(pairsHigh, thirdHigh)));
-        const U8 last = CloseTriples(_mm_unpackhi_epi16(pairsHigh, thirdHigh));
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(p + 36), last);
-        const int32_t end = _mm_cvtsi128_si32(_mm_srli_si128(last, 8));
-        std::memcpy(p + 44, &end, sizeof end);
+    struct TripleWeights {
+        I16 a, b, c;  // in 32768ths
+    };
+    static TripleWeights MakeTripleWeights(const int16_t* w) {
+        const auto word = [](int16_t weight) { return Set(static_cast<int16_t>(weight << 7)); };
+        return {word(w[0]), word(w[1]), word(w[2])};
+    }
+    static void StorePulledTriples(uint8_t* out, const uint8_t* in, const TripleWeights& w) {
+        Pair a, b, c;
+        PullTriples(in, w, a.low, b.low, c.low);
+        PullTriples(in + 16, w, a.high, b.high, c.high);
+        StoreTriples(out, a, b, c);
     }
 
     static Weights MakeWeights(int32_t a, int32_t b) {
@@ -187,6 +182,36 @@ struct Sse2Lanes {
     }
 
 private:
+    /// v pulled towards another by its weight.
+    static I16 Pull(I16 v, I16 towards, I16 weight) {
+        const I16 distance = SubWrap(towards, v);
+        return AddWrap(v, MulHigh(AddWrap(distance, distance), weight));
+    }
+    static void PullTriples(const uint8_t* p, const TripleWeights& w, I16& a, I16& b, I16& c) {
+        const U8 pairs = LoadBytes(p);
+        const I16 even = EvenBytes(pairs), odd = OddBytes(pairs);
+        a = Pull(even, OddBytes(LoadBytes(p - 2)), w.a);
+        b = Pull(even, odd, w.b);
+        c = Pull(odd, EvenBytes(LoadBytes(p + 2)), w.c);
+    }
+    static void StoreTriples(uint8_t* p, Pair wordsA, Pair wordsB, Pair wordsC) {
+        const U8 a = PackUnpacked(wordsA);
+        const U8 b = PackUnpacked(wordsB);
+        const U8 c = PackUnpacked(wordsC);
+        const U8 zero = _mm_setzero_si128();
+        const U8 pairsLow = _mm_unpacklo_epi8(a, b);
+        const U8 pairsHigh = _mm_unpackhi_epi8(a, b);
+        const U8 thirdLow = _mm_unpacklo_epi8(c, zero);
+        const U8 thirdHigh = _mm_unpackhi_epi8(c, zero);
+        // Four triples a store; its upper 4 bytes are zero and are overwritten by the next one, so the last is cut.
+        StoreBytes(p, CloseTriples(_mm_unpacklo_epi16(pairsLow, thirdLow)));
+        StoreBytes(p + 12, CloseTriples(_mm_unpackhi_epi16(pairsLow, thirdLow)));
+        StoreBytes(p + 24, CloseTriples(_mm_unpacklo_epi16(pairsHigh, thirdHigh)));
+        const U8 last = CloseTriples(_mm_unpackhi_epi16(pairsHigh, thirdHigh));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(p + 36), last);
+        const int32_t end = _mm_cvtsi128_si32(_mm_srli_si128(last, 8));
+        std::memcpy(p + 44, &end, sizeof end);
+    }
     static void Transpose(U8 (&tile)[16]) {
         TransposeSquares(
             tile, [](U8 a, U8 b) { return _mm_unpacklo_epi8(a, b); },

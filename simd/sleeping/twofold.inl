@@ -221,6 +221,13 @@ void NarrowRow(const int16_t* words, uint8_t* out, int32_t width) {
     });
 }
 
+/// a pulled towards b by weight / 32768, rounded down.
+template <class Lanes>
+typename Lanes::I16 Pull(typename Lanes::I16 a, typename Lanes::I16 b, typename Lanes::I16 weight) {
+    const auto distance = Lanes::SubWrap(b, a);
+    return Lanes::AddWrap(a, Lanes::MulHigh(Lanes::AddWrap(distance, distance), weight));
+}
+
 template <class Lanes>
 void PullRow(const uint8_t* row, const uint8_t* towards, int16_t weight, uint8_t* out, int32_t width) {
     const auto weights = Lanes::Set(weight);

@@ -141,8 +141,7 @@ const int16_t* ChromaWeights(CallRows& rows, int32_t) {
     int16_t* weights = rows.Words(3);
     const bool inUse = rows.Pick("weights in use", {0, 1}) == 1;
     for (int32_t i = 0; i < 3; ++i)
-        weights[i] = static_cast<int16_t>(inUse ? (i == 1 ? 16384 : 43 * 128)
-                                                : rows.Pick("weight", {0, 1, 85 * 128, 16384, 32766, 32767}));
+        weights[i] = static_cast<int16_t>(inUse ? (i == 1 ? 128 : 43) : rows.Pick("weight", {0, 1, 85, 128, 254, 255}));
     return weights;
 }
 

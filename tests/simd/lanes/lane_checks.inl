@@ -122,10 +122,14 @@ private:
             return Lanes::PackUnpacked({Lanes::SubWrap(sides.low, less), Lanes::SubWrap(sides.high, less)});
         };
         Bytes("PackUnpacked", limited(127), [&](int32_t i) { return LimitToByte(x[i] + y[i] - 127); });
-        const auto pair = [&](int32_t row) -> Pair { return {Lanes::Load(Row(row)), Lanes::Load(Row(row + 1))}; };
+        const int16_t pulls[3] = {static_cast<int16_t>(p[0] & 255), static_cast<int16_t>(q[0] & 127), 0};
         Stored<uint8_t, 6 * width>(
-            "StoreTriples", [&](uint8_t* out) { Lanes::StoreTriples(out, pair(0), pair(2), pair(4)); },
-            [&](int32_t i) { return LimitToByte(Row(2 * (i % 3) + i / 3 / width)[i / 3 % width]); });
+            "StorePulledTriples",
+            [&](uint8_t* out) { Lanes::StorePulledTriples(out, x + 1, Lanes::MakeTripleWeights(pulls)); },
+            [&](int32_t i) {
+                const uint8_t* own = x + 1 + i / 3 * 2 + i % 3 / 2;
+                return own[0] + ((own[i % 3 == 0 ? -1 : 1] - own[0]) * pulls[i % 3] >> 8);
+            });
     }
 
     /// Rows that begin at any column of the samples.
