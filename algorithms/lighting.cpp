@@ -40,7 +40,7 @@ SamplingGrid GridFor(int32_t height) {
 /// do not wait for one another.
 class VoteCounter {
 public:
-    static constexpr int32_t pieceLength = 256;
+    static constexpr int32_t pieceLength = 1024;
 
     struct Votes {
         uint8_t level[pieceLength];
