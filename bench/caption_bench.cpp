@@ -7,7 +7,7 @@
 
 #include "bench/frame_stream.h"
 #include "overlay/caption_style.h"
-#include "runtime/cpu_features.h"
+#include "pipeline/runnable_sets.h"
 
 namespace clarivex {
 namespace {
@@ -67,10 +67,8 @@ void OverlayAlone(benchmark::State& state, const CaptionTime& time, const Kernel
 }
 
 bool RegisterCaptions() {
-    const SimdSupport support = DetectSimdSupport();
-    const InstructionSets sets{.sse2 = support.sse2, .avx2 = support.avx2, .avx512 = support.avx512bw};
     for (const KernelTable* table : AllKernels().subspan(1)) {  // the scalar form would take most of the time
-        if (!CanRun(*table, sets)) continue;
+        if (RunnableKernels(table->name) != table) continue;
         for (const CaptionTime& time : times) {
             const std::string name = std::string("/960x720/") + time.name + "/" + table->name;
             benchmark::RegisterBenchmark(("caption/frame" + name).c_str(), WholeFrame, time, *table)

@@ -13,7 +13,7 @@
 #include "algorithms/lighting.h"
 #include "bench/frame_stream.h"
 #include "engine/enhancement_pass.h"
-#include "runtime/cpu_features.h"
+#include "pipeline/runnable_sets.h"
 #include "simd/kernel_table.h"
 
 namespace clarivex {
@@ -136,13 +136,11 @@ std::string NameOf(const FrameCase& frames) {
 }
 
 bool RegisterFrames() {
-    const SimdSupport support = DetectSimdSupport();
-    const InstructionSets sets{.sse2 = support.sse2, .avx2 = support.avx2, .avx512 = support.avx512bw};
     for (const FrameSize& size : sizes)
         for (const NamedFormat& format : formats)
             for (const bool scaled : {true, false})
                 for (const KernelTable* table : AllKernels())
-                    if (CanRun(*table, sets)) {
+                    if (RunnableKernels(table->name) == table) {
                         const FrameCase frames{format, size, scaled};
                         const std::string name = "frame/" + NameOf(frames) + "/" + table->name;
                         benchmark::RegisterBenchmark(name.c_str(), RunFrames, frames, *table)
@@ -152,7 +150,7 @@ bool RegisterFrames() {
     for (const NamedFormat& format : formats) {
         const FrameCase frames{format, sizes.front(), true};
         const std::string name = "memoryOver" + std::to_string(manyFrames) + "Frames/" + NameOf(frames);
-        benchmark::RegisterBenchmark(name.c_str(), MemoryStaysLevel, frames, SelectKernels(sets))
+        benchmark::RegisterBenchmark(name.c_str(), MemoryStaysLevel, frames, SelectKernels(RunnableSets()))
             ->Unit(benchmark::kMillisecond)
             ->Iterations(1);
     }
@@ -160,12 +158,10 @@ bool RegisterFrames() {
 }
 
 bool RegisterPasses() {
-    const SimdSupport support = DetectSimdSupport();
-    const InstructionSets sets{.sse2 = support.sse2, .avx2 = support.avx2, .avx512 = support.avx512bw};
     for (size_t size = 0; size < 2; ++size)
         for (const PassModes& modes : doublingModes)
             for (const KernelTable* table : AllKernels())
-                if (CanRun(*table, sets)) {
+                if (RunnableKernels(table->name) == table) {
                     const std::string name = "pass/" + std::to_string(sizes[size].width) + "x" +
                                              std::to_string(sizes[size].height) + "/" + modes.name + "/" + table->name;
                     benchmark::RegisterBenchmark(name.c_str(), RunPasses, sizes[size], modes, *table)
@@ -176,10 +172,8 @@ bool RegisterPasses() {
 }
 
 bool RegisterLighting() {
-    const SimdSupport support = DetectSimdSupport();
-    const InstructionSets sets{.sse2 = support.sse2, .avx2 = support.avx2, .avx512 = support.avx512bw};
     for (const KernelTable* table : AllKernels())
-        if (CanRun(*table, sets))
+        if (RunnableKernels(table->name) == table)
             benchmark::RegisterBenchmark((std::string("lighting/640x480/") + table->name).c_str(), RunLighting, *table)
                 ->Unit(benchmark::kMicrosecond)
                 ->MinTime(0.05);

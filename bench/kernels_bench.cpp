@@ -7,7 +7,7 @@
 #include <string>
 
 #include "algorithms/slack_row.h"
-#include "runtime/cpu_features.h"
+#include "pipeline/runnable_sets.h"
 #include "simd/kernel_table.h"
 
 namespace clarivex {
@@ -36,7 +36,7 @@ public:
     uint8_t* Picture(size_t i, int32_t y) { return pictures[i].Prepare(64 * pictureStride) + y * pictureStride; }
     uint8_t* Work() { return work.Prepare(rowWorkBytes); }
     int16_t* Words(size_t i) { return wordRows[i].Prepare(longestRow); }
-    LumaTone Luma() const { return {{.c3 = 900, .c2 = -400, .c1 = 8100}, pattern.data()}; }
+    LumaTone Luma() const { return {{.c3 = 900, .c2 = -400, .c1 = 8100}, pattern.data(), curveTable.data()}; }
     ChromaTone Chroma() const { return {pattern.data(), pattern.data()}; }
     GrainRow Grain() const { return {noise.data(), 40}; }
     OverlayRow Overlay() { return {keepRow.Prepare(longestRow), Bytes(2), pattern.data()}; }
@@ -47,6 +47,7 @@ public:
 private:
     alignas(64) std::array<int16_t, patternLength> pattern{};
     alignas(64) std::array<int16_t, noisePeriod + noiseRepeated> noise{};
+    alignas(64) std::array<uint8_t, lumaTableBytes> curveTable{};
     std::array<SlackRow<uint8_t>, 8> byteRows;
     std::array<SlackRow<uint8_t>, 2> pictures;
     SlackRow<uint8_t> work;
@@ -242,12 +243,10 @@ void RunKernel(benchmark::State& state, const KernelBench& bench, const KernelTa
 }
 
 bool RegisterKernels() {
-    const SimdSupport support = DetectSimdSupport();
-    const InstructionSets sets{.sse2 = support.sse2, .avx2 = support.avx2, .avx512 = support.avx512bw};
     for (const KernelBench& bench : kernelBenches)
         for (const int32_t width : {960, longestRow})
             for (const KernelTable* table : AllKernels())
-                if (CanRun(*table, sets)) {
+                if (RunnableKernels(table->name) == table) {
                     const std::string name =
                         std::string("kernel/") + bench.name + "/" + std::to_string(width) + "/" + table->name;
                     benchmark::RegisterBenchmark(name.c_str(), RunKernel, bench, *table, width)->MinTime(0.02);

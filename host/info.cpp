@@ -36,6 +36,7 @@ std::string ProcessorFeatures() {
         if ((flags & feature.flag) != 0) Append(list, feature.name);
     if (support.avx2) Append(list, "avx2");
     if (support.avx512bw) Append(list, "avx512bw");
+    if (support.avx512vbmi) Append(list, "avx512vbmi");
     return list.empty() ? "none" : list;
 }
 

@@ -19,6 +19,7 @@ RowToner::RowToner(const OutputStageInputs& inputs, const StageDithers& dithers)
     const int32_t luma = constants.c0 + noiseBias;
     const int32_t chromaBias = noisyChroma ? noiseBias : 0;
     curve = {constants.c3, constants.c2, constants.c1};
+    if (kernels.tabulateLuma != nullptr) kernels.tabulateLuma(curve, curveTable.data());
     chromaGains = MakePattern(constants.gU, constants.gV, noDither);
     for (size_t parity = 0; parity < 2; ++parity)
         patterns[parity] = {MakePattern(luma, luma, dithers.luma[parity]),
@@ -30,7 +31,7 @@ RowToner::RowToner(const OutputStageInputs& inputs, const StageDithers& dithers)
 }
 
 void RowToner::Luma(int32_t y, const uint8_t* in, uint8_t* out, int32_t columns) const {
-    kernels.toneLuma(in, out, columns, {curve, PatternsOf(y).luma.Data()}, noise.LumaGrain(y));
+    kernels.toneLuma(in, out, columns, {curve, PatternsOf(y).luma.Data(), curveTable.data()}, noise.LumaGrain(y));
 }
 
 void RowToner::Chroma(int32_t y, const uint8_t* in, uint8_t* out, int32_t samples) const {

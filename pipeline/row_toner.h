@@ -1,6 +1,7 @@
 // What both output stages do to samples, row by row: tone curve, chroma gain, noise, dither and overlay.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "pipeline/column_patterns.h"
@@ -50,6 +51,7 @@ private:
     const NoiseTable& noise;
     bool noisyChroma;
     LumaCurve curve;
+    alignas(64) std::array<uint8_t, lumaTableBytes> curveTable;
     ColumnPattern chromaGains;
     RowPatterns patterns[2];
     ColumnPattern noisyLumaOffset;

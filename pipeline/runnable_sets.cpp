@@ -1,7 +1,5 @@
 #include "pipeline/runnable_sets.h"
 
-#include <algorithm>
-
 #include "runtime/cpu_features.h"
 
 namespace clarivex {
@@ -9,17 +7,16 @@ namespace clarivex {
 // Asked once: in a virtual machine each question to the processor takes some microseconds.
 InstructionSets RunnableSets() {
     static const SimdSupport support = DetectSimdSupport();
-    return {.sse2 = support.sse2, .avx2 = support.avx2, .avx512 = support.avx512bw};
+    return {.sse2 = support.sse2, .avx2 = support.avx2, .avx512 = support.avx512bw, .avx512vbmi = support.avx512vbmi};
 }
 
 const KernelTable* RunnableKernels(std::string_view name) {
     const InstructionSets sets = RunnableSets();
     if (name == "auto") return &SelectKernels(sets);
-    const auto tables = AllKernels();
-    const auto found = std::find_if(tables.begin(), tables.end(), [&](const KernelTable* table) {
-        return table->name == name && CanRun(*table, sets);
-    });
-    return found == tables.end() ? nullptr : *found;
+    const KernelTable* widest = nullptr;
+    for (const KernelTable* table : AllKernels())
+        if (table->name == name && CanRun(*table, sets)) widest = table;
+    return widest;
 }
 
 }  // namespace clarivex

@@ -10,7 +10,7 @@ namespace clarivex {
 /// What runs here.
 InstructionSets RunnableSets();
 
-/// The kernels of a name, "auto" for the widest that run here; null for an unknown name and for those that do not run.
+/// The widest kernels of a name that run here, of "auto" the widest of all; null for an unknown name and for those that do not run.
 const KernelTable* RunnableKernels(std::string_view name);
 
 }  // namespace clarivex

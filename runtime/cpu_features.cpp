@@ -23,7 +23,11 @@ CpuRegisters ReadCpuRegisters() {
         registers.leaf1Ecx = leaf.ecx;
         registers.leaf1Edx = leaf.edx;
     }
-    if (highestLeaf >= 7) registers.leaf7Ebx = Cpuid(7, 0).ebx;
+    if (highestLeaf >= 7) {
+        const CpuidResult leaf = Cpuid(7, 0);
+        registers.leaf7Ebx = leaf.ebx;
+        registers.leaf7Ecx = leaf.ecx;
+    }
     if (Cpuid(0x80000000, 0).eax >= 0x80000001) registers.extendedEdx = Cpuid(0x80000001, 0).edx;
     constexpr int stateReadable = 27;
     if (Bit(registers.leaf1Ecx, stateReadable)) registers.enabledState = ReadXcr0();
@@ -53,6 +57,7 @@ SimdSupport SimdSupportOf(const CpuRegisters& registers) {
     const bool bytesAndWords = Bit(registers.leaf7Ebx, 30);
     const bool shortForms = Bit(registers.leaf7Ebx, 31);
     support.avx512bw = support.avx2 && foundation && bytesAndWords && shortForms && SavesState(registers, widestState);
+    support.avx512vbmi = support.avx512bw && Bit(registers.leaf7Ecx, 1);
     return support;
 }
 

@@ -19,6 +19,7 @@ struct CpuRegisters {
     uint32_t leaf1Ecx = 0;
     uint32_t leaf1Edx = 0;
     uint32_t leaf7Ebx = 0;
+    uint32_t leaf7Ecx = 0;
     uint32_t extendedEdx = 0;   ///< leaf 0x80000001
     uint64_t enabledState = 0;  ///< XCR0: register state that the operating system saves; 0 without xgetbv
 };
@@ -27,7 +28,8 @@ struct CpuRegisters {
 struct SimdSupport {
     bool sse2 = false;
     bool avx2 = false;
-    bool avx512bw = false;  ///< with the foundation and the 128- and 256-bit forms (VL)
+    bool avx512bw = false;    ///< with the foundation and the 128- and 256-bit forms (VL)
+    bool avx512vbmi = false;  ///< with all of these
 };
 
 CpuRegisters ReadCpuRegisters();

@@ -31,7 +31,7 @@ std::vector<std::string_view> RunnableInstructionSets() {
     std::vector<std::string_view> names;
     const InstructionSets sets = RunnableSets();
     for (const KernelTable* table : AllKernels())
-        if (CanRun(*table, sets)) names.push_back(table->name);
+        if (CanRun(*table, sets) && (names.empty() || names.back() != table->name)) names.push_back(table->name);
     return names;
 }
 

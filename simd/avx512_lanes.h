@@ -219,7 +219,7 @@ struct Avx512Lanes {
         Store(p + 32, _mm512_permutex2var_epi64(low, Qwords(4, 5, 12, 13, 6, 7, 14, 15), high));
     }
 
-private:
+protected:
     static void Transpose(U8 (&tile)[16]) {
         TransposeSquares(
             tile, [](U8 a, U8 b) { return _mm512_unpacklo_epi8(a, b); },

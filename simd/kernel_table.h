@@ -59,7 +59,11 @@ struct LumaCurve {
 struct LumaTone {
     LumaCurve curve;
     const int16_t* pattern;
+    const uint8_t* table = nullptr;  ///< what tabulateLuma made of the curve, where a kernel table has that
 };
+
+/// Bytes of a curve's table.
+constexpr int32_t lumaTableBytes = 512;
 
 /// A chroma row's gains, 8192 for 1, and what is added to it, in sixteenths, both by column.
 struct ChromaTone {
@@ -117,6 +121,7 @@ constexpr int32_t rowWorkBytes = 48 * 1024;
 
 struct KernelTable {
     const char* name;
+    const char* variant = "";  ///< tells tables of one name apart
 
     /// Rows that enlargeRows makes at a time, up to 64: fewer cost as much.
     int32_t rowGroup;
@@ -165,6 +170,9 @@ struct KernelTable {
 
     /// Splits a row of packed pixel pairs (Y0 U Y1 V) into planes; u and v may be null together.
     void (*splitPackedRow)(const uint8_t* packed, uint8_t* luma, uint8_t* u, uint8_t* v, int32_t pairs);
+
+    /// Makes a table of a curve, for toneLuma to look up. Null where that works its curve out for each sample.
+    void (*tabulateLuma)(const LumaCurve& curve, uint8_t* table) = nullptr;
 
     /// out = sat8((curve(Y) + pattern + noise) >> 4).
     void (*toneLuma)(const uint8_t* in, uint8_t* out, int32_t width, const LumaTone& tone, const GrainRow& grain);
@@ -271,12 +279,14 @@ extern const KernelTable scalarKernels;
 extern const KernelTable sse2Kernels;
 extern const KernelTable avx2Kernels;
 extern const KernelTable avx512Kernels;
+extern const KernelTable avx512VbmiKernels;
 
 /// What processor and operating system can run.
 struct InstructionSets {
     bool sse2 = false;
     bool avx2 = false;
     bool avx512 = false;
+    bool avx512vbmi = false;
 };
 
 /// The widest table that `sets` allows.

@@ -22,6 +22,7 @@ template <KernelLanes Lanes, KernelLanes RowLanes = Lanes>
 constexpr KernelTable MakeTable(const char* name) {
     return {
         .name = name,
+        .variant = "",
         .rowGroup = RowGroup<RowLanes>::rows,
         .enlargeRows = EnlargeRows<RowLanes>,
         .fir5 = FirRow<Lanes, 2, 5>,
@@ -32,6 +33,7 @@ constexpr KernelTable MakeTable(const char* name) {
         .sharpenColumns = SharpenColumns<Lanes>,
         .lightingVotes = LightingVotes<Lanes>,
         .splitPackedRow = SplitPackedRow<Lanes>,
+        .tabulateLuma = nullptr,
         .toneLuma = ToneLuma<Lanes>,
         .toneLumaOverlay = ToneLumaOverlay<Lanes>,
         .toneChroma = ToneChroma<Lanes>,

@@ -94,7 +94,9 @@ public:
 
     TonedLuma(const LumaTone& tone, int32_t x) : curve(tone.curve), pattern(tone.pattern, x) {}
 
-    Words<Lanes> operator()(const Words<Lanes>& luma, int32_t x) const {
+    template <class Block>
+    Words<Lanes> operator()(const Block& block, const uint8_t* samples, int32_t x) const {
+        const Words<Lanes> luma = block.LoadWords(samples);
         return Add<Lanes>({curve(luma.low), curve(luma.high)}, pattern(x));
     }
 
@@ -111,7 +113,9 @@ public:
 
     TonedChroma(const ChromaTone& tone, int32_t x) : gains(tone.gains, x), pattern(tone.pattern, x) {}
 
-    Words<Lanes> operator()(const Words<Lanes>& chroma, int32_t x) const {
+    template <class Block>
+    Words<Lanes> operator()(const Block& block, const uint8_t* samples, int32_t x) const {
+        const Words<Lanes> chroma = block.LoadWords(samples);
         const Words<Lanes> q{Lanes::template ShiftLeft<7>(chroma.low), Lanes::template ShiftLeft<7>(chroma.high)};
         return Add<Lanes>(MulHigh<Lanes>(q, gains(x)), pattern(x));
     }
@@ -142,7 +146,7 @@ template <class Lanes, class Toned>
 void NoisyRow(const uint8_t* in, uint8_t* out, int32_t width, const typename Toned::Tone& tone, const GrainRow& grain) {
     const NoiseWords<Lanes> noise(grain);
     ForEachTonedBlock<Lanes, Toned>(width, tone, [&](int32_t x, auto block, const Toned& toned) {
-        const Words<Lanes> video = toned(block.LoadWords(in + x), x);
+        const Words<Lanes> video = toned(block, in + x, x);
         block.Store(out + x, Finish<Lanes, 4>(Add<Lanes>(video, noise(x))));
     });
 }
@@ -154,7 +158,7 @@ void OverlaidRow(const uint8_t* in, uint8_t* out, int32_t width, const typename 
     const NoiseWords<Lanes> noise(grain);
     const OverlayRow terms{overlay.keep, overlay.terms, overlay.dither};
     ForEachTonedBlock<Lanes, Toned>(width, tone, [&](int32_t x, auto block, const Toned& toned) {
-        const Words<Lanes> video = toned(block.LoadWords(in + x), x);
+        const Words<Lanes> video = toned(block, in + x, x);
         const Words<Lanes> noisy = Add<Lanes>(video, noise(x));
         const Words<Lanes> kept = MulHigh<Lanes>(noisy, LoadRow<Lanes>(terms.keep + x));
         const auto samples = Finish<Lanes, 3>(Add<Lanes>(kept, PatternWords<Lanes>(terms.dither, x)(x)));
@@ -177,7 +181,7 @@ template <class Lanes>
 void ToneChroma(const uint8_t* in, uint8_t* out, int32_t width, const ChromaTone& tone) {
     using Toned = TonedChroma<Lanes>;
     ForEachTonedBlock<Lanes, Toned>(width, tone, [&](int32_t x, auto block, const Toned& toned) {
-        block.Store(out + x, Finish<Lanes, 4>(toned(block.LoadWords(in + x), x)));
+        block.Store(out + x, Finish<Lanes, 4>(toned(block, in + x, x)));
     });
 }
 
@@ -217,7 +221,7 @@ private:
     template <class Toned>
     static typename Lanes::U8 Noisy(const Toned& toned, const NoiseWords<Lanes>& noise, const uint8_t* samples,
                                     int32_t x) {
-        const Words<Lanes> video = toned(WholeBlock<Lanes>::LoadWords(samples), x);
+        const Words<Lanes> video = toned(WholeBlock<Lanes>{}, samples, x);
         return Finish<Lanes, 4>(Add<Lanes>(video, noise(x)));
     }
 

@@ -7,6 +7,7 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 8)
     add_test(NAME wide_kernels_need_no_aligned_stack COMMAND_EXPAND_LISTS
         COMMAND ${scripts}/check_wide_moves.sh ${CMAKE_OBJDUMP}
             $<TARGET_OBJECTS:kernels_avx2> $<TARGET_OBJECTS:kernels_avx512>
+            $<TARGET_OBJECTS:kernels_avx512vbmi>
             $<TARGET_OBJECTS:lanes_avx2> $<TARGET_OBJECTS:lanes_avx512>)
 endif()
 

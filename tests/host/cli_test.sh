@@ -214,7 +214,7 @@ run --help 2>>errors | grep -q '^  enhance  ' || fail 'the overview'
 run info >info 2>>errors || fail 'info'
 [ ! -s errors ] || fail 'info speaks on standard error'
 [ "clarivex $(sed -n 's/^version: *//p' info)" = "$(run -V)" ] || fail 'info tells another version'
-for feature in cmov mmx sse sse2 avx2 avx512bw; do
+for feature in cmov mmx sse sse2 avx2 avx512bw avx512vbmi; do
     [ "$(grep -c "^processor:.* $feature\(,\|$\)" info)" = "$(grep -m 1 ^flags /proc/cpuinfo | grep -cw $feature)" ] ||
         fail "info is wrong about $feature"
 done

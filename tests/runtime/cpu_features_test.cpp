@@ -13,12 +13,18 @@ CpuRegisters WidestProcessor() {
     return {.leaf1Ecx = Bit(27) | Bit(28),
             .leaf1Edx = Bit(25) | Bit(26),
             .leaf7Ebx = Bit(5) | Bit(16) | Bit(30) | Bit(31),
+            .leaf7Ecx = Bit(1),
             .enabledState = 0xE7};
 }
 
 TEST(SimdSupportOf, NeedsEveryPartOfASetAndASystemThatSavesItsRegisters) {
     CpuRegisters registers = WidestProcessor();
     EXPECT_TRUE(SimdSupportOf(registers).avx512bw);
+    EXPECT_TRUE(SimdSupportOf(registers).avx512vbmi);
+    registers.leaf7Ecx = 0;
+    EXPECT_TRUE(SimdSupportOf(registers).avx512bw);
+    EXPECT_FALSE(SimdSupportOf(registers).avx512vbmi);
+    registers = WidestProcessor();
     registers.enabledState = 0x67;  // masks and upper halves, but not the upper sixteen registers
     EXPECT_FALSE(SimdSupportOf(registers).avx512bw);
     EXPECT_TRUE(SimdSupportOf(registers).avx2);
@@ -29,6 +35,7 @@ TEST(SimdSupportOf, NeedsEveryPartOfASetAndASystemThatSavesItsRegisters) {
         registers = WidestProcessor();
         registers.leaf7Ebx &= ~Bit(part);
         EXPECT_FALSE(SimdSupportOf(registers).avx512bw) << part;
+        EXPECT_FALSE(SimdSupportOf(registers).avx512vbmi) << part;
         EXPECT_EQ(SimdSupportOf(registers).avx2, part != 5) << part;
     }
     registers.leaf1Edx = 0;

@@ -35,8 +35,11 @@ TEST_P(EveryWidthOfLanes, MeansTheSame) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Kernels, EveryWidthOfLanes,
-                         testing::Values(&scalarLaneChecks, &sse2LaneChecks, &avx2LaneChecks, &avx512LaneChecks),
-                         [](const auto& test) { return std::string(test.param->kernels->name); });
+                         testing::Values(&scalarLaneChecks, &sse2LaneChecks, &avx2LaneChecks, &avx512LaneChecks,
+                                         &avx512VbmiLaneChecks),
+                         [](const auto& test) {
+                             return std::string(test.param->kernels->name) + test.param->kernels->variant;
+                         });
 
 // ---- What makes the arguments of a kernel's call: functions of the call's rows and of its width ----
 
@@ -262,6 +265,16 @@ void CallEnlargeRows(const KernelTable& table, CallRows& rows, int32_t width) {
                       work);
 }
 
+void CallToneLuma(const KernelTable& table, CallRows& rows, int32_t width) {
+    LumaTone tone = Luma(rows, width);
+    uint8_t curveTable[lumaTableBytes];
+    if (table.tabulateLuma != nullptr) table.tabulateLuma(tone.curve, curveTable);
+    tone.table = curveTable;
+    const uint8_t* in = rows.Bytes(width);
+    const GrainRow grain = Grain(rows, width);
+    table.toneLuma(in, rows.Out(width), width, tone, grain);
+}
+
 void CallTonePackedRow(const KernelTable& table, CallRows& rows, int32_t width) {
     width &= ~1;
     const uint8_t* luma = rows.Bytes(width);
@@ -292,7 +305,7 @@ const KernelCheck kernelChecks[] = {
     Check("lightingVotes", &Table::lightingVotes, Bytes(2), Bytes(), Bytes(), Width, Votes),
     Check("splitPackedRow", &Table::splitPackedRow, Bytes(4), Out(2), Out(), Out(), Width),
     Check("splitPackedLuma", &Table::splitPackedRow, Bytes(4), Out(2), NoRow, NoRow, Width),
-    Check("toneLuma", &Table::toneLuma, Bytes(), Out(), Width, Luma, Grain),
+    {"toneLuma", CallToneLuma, false},
     Check("toneLumaOverlay", &Table::toneLumaOverlay, Bytes(), Out(), Width, Luma, Grain, Overlay),
     Check("toneChroma", &Table::toneChroma, Bytes(), Out(), Width, Chroma),
     Check("toneChromaNoise", &Table::toneChromaNoise, Bytes(), Out(), Width, Chroma, Grain),
@@ -351,7 +364,8 @@ INSTANTIATE_TEST_SUITE_P(Kernels, EveryWidth,
                          testing::Combine(testing::ValuesIn(AllKernels().begin(), AllKernels().end()),
                                           testing::ValuesIn(kernelChecks)),
                          [](const auto& test) {
-                             return std::string(std::get<0>(test.param)->name) + "_" + std::get<1>(test.param).name;
+                             return std::string(std::get<0>(test.param)->name) + std::get<0>(test.param)->variant +
+                                    "_" + std::get<1>(test.param).name;
                          });
 
 const CallKernel& CallOf(const char* name) {
@@ -383,6 +397,7 @@ TEST(SelectKernels, TakesTheWidestThatMayRun) {
     EXPECT_EQ(&SelectKernels({.sse2 = true}), &sse2Kernels);
     EXPECT_EQ(&SelectKernels({.sse2 = true, .avx2 = true}), &avx2Kernels);
     EXPECT_EQ(&SelectKernels({.sse2 = true, .avx2 = true, .avx512 = true}), &avx512Kernels);
+    EXPECT_EQ(&SelectKernels({.sse2 = true, .avx2 = true, .avx512 = true, .avx512vbmi = true}), &avx512VbmiKernels);
 }
 
 }  // namespace

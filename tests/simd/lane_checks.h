@@ -26,5 +26,6 @@ extern const LaneChecks scalarLaneChecks;
 extern const LaneChecks sse2LaneChecks;
 extern const LaneChecks avx2LaneChecks;
 extern const LaneChecks avx512LaneChecks;
+extern const LaneChecks avx512VbmiLaneChecks;
 
 }  // namespace clarivex

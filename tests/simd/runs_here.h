@@ -8,7 +8,9 @@ namespace clarivex {
 
 inline bool RunsHere(const KernelTable& table) {
     const SimdSupport support = DetectSimdSupport();
-    return CanRun(table, {.sse2 = support.sse2, .avx2 = support.avx2, .avx512 = support.avx512bw});
+    return CanRun(
+        table,
+        {.sse2 = support.sse2, .avx2 = support.avx2, .avx512 = support.avx512bw, .avx512vbmi = support.avx512vbmi});
 }
 
 }  // namespace clarivex
