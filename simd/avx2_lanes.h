@@ -14,6 +14,7 @@ namespace {
 
 struct Avx2Lanes {
     static constexpr int32_t width = 16;
+    static constexpr bool tapsByHalves = false;
     static constexpr bool sumsByHalves = true;
     using I16 = __m256i;
     using U8 = __m256i;

@@ -19,6 +19,7 @@ namespace {
 
 struct Avx512Lanes {
     static constexpr int32_t width = 32;
+    static constexpr bool tapsByHalves = false;
     static constexpr bool sumsByHalves = false;
     using I16 = __m512i;
     using U8 = __m512i;

@@ -28,6 +28,8 @@ concept WordLanes = requires(typename L::I16 a, typename L::I16 b, const int16_t
     // Whether long sums of pairs of registers are made for one of the two after the other, since both fill more registers
     // than there are.
     { L::sumsByHalves } -> std::convertible_to<bool>;
+    // Whether eight taps and what they are multiplied with are better taken in two halves, for want of registers.
+    { L::tapsByHalves } -> std::convertible_to<bool>;
     { L::Set(v) } -> GivesWords<L>;                            // v in all lanes
     { L::Load(row) } -> GivesWords<L>;                         // `width` words
     { L::LoadU8(bytes) } -> GivesWords<L>;                     // `width` bytes, each as a word of 0 … 255

@@ -12,6 +12,7 @@ namespace {
 
 struct ScalarLanes {
     static constexpr int32_t width = 1;  // 16-bit lanes; a block of bytes holds twice as many samples
+    static constexpr bool tapsByHalves = false;
     static constexpr bool sumsByHalves = false;
     using I16 = int16_t;
     struct U8 {

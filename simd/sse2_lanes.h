@@ -14,6 +14,7 @@ namespace {
 
 struct Sse2Lanes {
     static constexpr int32_t width = 8;
+    static constexpr bool tapsByHalves = sizeof(void*) == 4;
     static constexpr bool sumsByHalves = false;
     using I16 = __m128i;
     using U8 = __m128i;
