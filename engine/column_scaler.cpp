@@ -13,12 +13,18 @@ constexpr int32_t smallestHeight = 4;
 constexpr int32_t tapCount = 8;
 constexpr int32_t tapsAbove = 4;  // taps on rows above the one that a phase refers to
 
-// Source rows are kept as words while taps stand on them. The columns go in parts of which the window, eight to ten rows
-// in use, stays in the first-level cache.
+// Source rows are kept as words while taps stand on them. The columns go in parts, one as wide as the other, of which the
+// window, eight to ten rows in use, stays in the first-level cache.
 constexpr int32_t windowRows = 16;
-constexpr int32_t partColumns = 1024;
-constexpr int32_t windowStride = slackBefore + partColumns + slackBehind;
+constexpr int32_t mostPartColumns = 1152;
+constexpr int32_t partMultiple = 64;
+constexpr int32_t windowStride = slackBefore + mostPartColumns + slackBehind;
 constexpr int32_t partWindow = windowRows * windowStride;
+
+int32_t PartColumns(int32_t columns) {
+    const int32_t parts = std::max((columns + mostPartColumns - 1) / mostPartColumns, 1);
+    return ((columns + parts - 1) / parts + partMultiple - 1) / partMultiple * partMultiple;
+}
 
 /// The source row behind the last one that output row y takes.
 int32_t EndOfTaps(int32_t y) { return 2 * (y / 3) + y % 3 + tapCount - tapsAbove; }
@@ -37,11 +43,10 @@ private:
     int16_t* rows[2 * windowRows];  // twice, so that a run of them can begin anywhere
 };
 
-/// Narrows a plane that begins at column x of `columns` to what a part takes.
 template <class PlaneKind>
-PlaneKind PartOf(PlaneKind fromX, int32_t x, int32_t columns) {
-    fromX.width = std::min(partColumns, columns - x);
-    return fromX;
+PlaneKind WithWidth(PlaneKind plane, int32_t width) {
+    plane.width = width;
+    return plane;
 }
 
 }  // namespace
@@ -54,11 +59,12 @@ ColumnScaler::ColumnScaler(const Plane& target, const SourcePlane& source, const
       phases{taps.a.data(), taps.b.data(), taps.c.data()},
       kernels(kernels),
       columns((source.plane.width + 7) & ~7),
+      partColumns(PartColumns(columns)),
       rowCount(height < smallestHeight ? 0 : std::min((3 * height) >> 1, heights.target)),
       nextExpanded(-tapsAbove) {
-    const int32_t parts = (columns + partColumns - 1) / partColumns;
+    const int32_t parts = columns == 0 ? 0 : (columns + partColumns - 1) / partColumns;
     window = scratch.window.Prepare(parts * partWindow);
-    copy = scratch.source.Prepare(partColumns);
+    copy = scratch.source.Prepare(mostPartColumns);
 }
 
 void ColumnScaler::Advance(int32_t finalRows, RowSink* sink) {
@@ -82,9 +88,9 @@ int32_t ColumnScaler::EndOfBatch(int32_t endSource) const {
 }
 
 void ColumnScaler::ScalePart(int32_t x, const Plane& targetRows) {
-    const Plane to = PartOf(RightOf(targetRows, x), x, columns);
+    const Plane to = WithWidth(RightOf(targetRows, x), std::min(partColumns, columns - x));
     SourcePlane from = source.RightOf(x);
-    from.plane = PartOf(from.plane, x, source.plane.width);
+    from.plane = WithWidth(from.plane, std::min(partColumns, source.plane.width - x));
     const Window rows(window + x / partColumns * partWindow);
     int32_t expanded = nextExpanded;
     for (int32_t i = 0; i < to.height; ++i) {

@@ -60,6 +60,7 @@ private:
     int16_t* window;
     uint8_t* copy;
     int32_t columns;  // worked on: the width and its spare columns
+    int32_t partColumns;
     int32_t rowCount;
     int32_t nextRow = 0;
     int32_t nextExpanded;  // source row that is next to be kept as words
