@@ -12,7 +12,6 @@
 
 #include "simd/lanes.h"
 #include "simd/transpose.h"
-#include "simd/triples.h"
 
 namespace clarivex {
 namespace {
@@ -115,45 +114,6 @@ struct Avx512Lanes {
         StoreBytes(p, _mm512_permutex2var_epi64(low, Qwords(0, 1, 8, 9, 2, 3, 10, 11), high));
         StoreBytes(p + 64, _mm512_permutex2var_epi64(low, Qwords(4, 5, 12, 13, 6, 7, 14, 15), high));
     }
-    /// Samples less 128 have a sign, so that weights need none; what a weight of 0 would multiply by 256 counts 255 times and once.
-    struct TripleWeights {
-        U8 weights[TriplePieces::count];
-        U8 samples[TriplePieces::count];
-    };
-    static TripleWeights MakeTripleWeights(const int16_t* w) {
-        const __m128i words =
-            _mm_setr_epi16(TripleWeightWord(w[0]), TripleWeightWord(w[1]), TripleWeightWord(w[2]), 0, 0, 0, 0, 0);
-        TripleWeights made;
-        for (int32_t i = 0; i < TriplePieces::count; ++i) {
-            const auto piece = [](const uint8_t* bytes) {
-                return _mm_load_si128(reinterpret_cast<const __m128i*>(bytes));
-            };
-            const U8 weights = Quarters(_mm_shuffle_epi8(words, piece(triplePieces.weights[i])));
-            const U8 samples = Quarters(piece(triplePieces.samples[i]));
-            const __mmask32 alone = _mm512_testn_epi16_mask(weights, weights);
-            const U8 twice = _mm512_shuffle_epi8(
-                samples, Quarters(_mm_setr_epi8(0, 0, 2, 2, 4, 4, 6, 6, 8, 8, 10, 10, 12, 12, 14, 14)));
-            made.weights[i] = _mm512_mask_blend_epi16(alone, weights, _mm512_set1_epi16(0x01FF));
-            made.samples[i] = _mm512_mask_blend_epi16(alone, samples, twice);
-        }
-        return made;
-    }
-    static void StorePulledTriples(uint8_t* out, const uint8_t* in, const TripleWeights& w) {
-        for (int32_t group = 0; group < 2; ++group, in += 64, out += 96) {
-            const auto piece = [&](int32_t i) {
-                const U8 samples = _mm512_shuffle_epi8(FlipSigns(LoadBytes(in + TriplePieces::begin[i])), w.samples[i]);
-                return ShiftRight<8>(_mm512_maddubs_epi16(w.weights[i], samples));
-            };
-            const I16 third = piece(2);
-            const U8 upper = FlipSigns(_mm512_packs_epi16(piece(0), piece(1)));
-            const U8 lower = FlipSigns(_mm512_packs_epi16(third, third));
-            StoreTripleQuarter<0>(out, upper, lower);
-            StoreTripleQuarter<1>(out, upper, lower);
-            StoreTripleQuarter<2>(out, upper, lower);
-            StoreTripleQuarter<3>(out, upper, lower);
-        }
-    }
-
     /// Unpacking and its reverse keep to the halves of a register, which is all that is needed between the two.
     static Weights MakeWeights(int32_t a, int32_t b) {
         return _mm512_set1_epi16(static_cast<int16_t>((b << 8) | (a & 0xFF)));
@@ -244,13 +204,6 @@ protected:
         store(48, _mm512_extracti32x4_epi32(v, 3));
     }
 
-    template <int quarter>
-    static void StoreTripleQuarter(uint8_t* out, U8 sixteens, U8 eights) {
-        out += 24 * quarter;
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm512_extracti32x4_epi32(sixteens, quarter));
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 16), _mm512_extracti32x4_epi32(eights, quarter));
-    }
-    static U8 Quarters(__m128i v) { return _mm512_broadcast_i32x4(v); }
     static __m512i Qwords(int a, int b, int c, int d, int e, int f, int g, int h) {
         return _mm512_setr_epi64(a, b, c, d, e, f, g, h);
     }

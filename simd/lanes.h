@@ -130,6 +130,6 @@ concept SumLanes = requires(typename L::Sums a, typename L::Sums b, typename L::
 /// All that kernels ask for.
 template <class L>
 concept KernelLanes =
-    WordLanes<L> && ByteLanes<L> && ConvertingLanes<L> && PairLanes<L> && TripleLanes<L> && TileLanes<L> && SumLanes<L>;
+    WordLanes<L> && ByteLanes<L> && ConvertingLanes<L> && PairLanes<L> && TileLanes<L> && SumLanes<L>;
 
 }  // namespace clarivex

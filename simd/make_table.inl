@@ -17,8 +17,9 @@
 namespace clarivex {
 namespace {
 
-/// RowLanes are those of enlargeRows, which works through rows of its own and takes lanes of any width.
+/// RowLanes are those of the kernels that enlarge along rows, which get nothing out of the widest lanes.
 template <KernelLanes Lanes, KernelLanes RowLanes = Lanes>
+requires TripleLanes<RowLanes>
 constexpr KernelTable MakeTable(const char* name) {
     return {
         .name = name,
@@ -28,7 +29,7 @@ constexpr KernelTable MakeTable(const char* name) {
         .fir5 = FirRow<Lanes, 2, 5>,
         .expandRow = ExpandRow<Lanes>,
         .enlargeColumns = EnlargeColumns<Lanes>,
-        .enlargeChromaRow = EnlargeChromaRow<Lanes>,
+        .enlargeChromaRow = EnlargeChromaRow<RowLanes>,
         .enlargeChromaColumns = EnlargeChromaColumns<Lanes>,
         .sharpenColumns = SharpenColumns<Lanes>,
         .lightingVotes = LightingVotes<Lanes>,

@@ -39,6 +39,7 @@ public:
         CheckBytes();
         CheckConversions();
         CheckPairs();
+        if constexpr (TripleLanes<Lanes>) CheckTriples();
         CheckTiles();
         CheckSums();
     }
@@ -122,6 +123,9 @@ private:
             return Lanes::PackUnpacked({Lanes::SubWrap(sides.low, less), Lanes::SubWrap(sides.high, less)});
         };
         Bytes("PackUnpacked", limited(127), [&](int32_t i) { return LimitToByte(x[i] + y[i] - 127); });
+    }
+
+    void CheckTriples() {
         const int16_t pulls[3] = {static_cast<int16_t>(p[0] & 255), static_cast<int16_t>(q[0] & 127), 0};
         Stored<uint8_t, 6 * width>(
             "StorePulledTriples",
