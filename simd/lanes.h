@@ -129,7 +129,6 @@ concept SumLanes = requires(typename L::Sums a, typename L::Sums b, typename L::
 
 /// All that kernels ask for.
 template <class L>
-concept KernelLanes =
-    WordLanes<L> && ByteLanes<L> && ConvertingLanes<L> && PairLanes<L> && TileLanes<L> && SumLanes<L>;
+concept KernelLanes = WordLanes<L> && ByteLanes<L> && ConvertingLanes<L> && PairLanes<L> && TileLanes<L> && SumLanes<L>;
 
 }  // namespace clarivex
