@@ -85,6 +85,11 @@ struct Avx2Lanes {
         const U8 both = _mm256_packus_epi16(even, odd);  // in each half eight even ones, eight odd ones
         return _mm256_unpacklo_epi8(both, _mm256_srli_si256(both, 8));
     }
+    static void StorePacked2(uint8_t* p, const Pair& a, const Pair& b) {
+        const U8 turns = Halves(_mm_setr_epi8(0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15));
+        StoreBytes(p, _mm256_shuffle_epi8(_mm256_packus_epi16(a.low, b.low), turns));
+        StoreBytes(p + 32, _mm256_shuffle_epi8(_mm256_packus_epi16(a.high, b.high), turns));
+    }
     static U8 FlipSigns(U8 v) { return _mm256_xor_si256(v, _mm256_set1_epi8(-128)); }
     static I16 SignedRepeatLow(U8 v) {
         const U8 spread = _mm256_permute4x64_epi64(FlipSigns(v), 0xD8);

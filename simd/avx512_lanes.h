@@ -88,6 +88,11 @@ struct Avx512Lanes {
         const U8 both = _mm512_packus_epi16(even, odd);  // in each quarter eight even ones, eight odd ones
         return _mm512_unpacklo_epi8(both, _mm512_bsrli_epi128(both, 8));
     }
+    static void StorePacked2(uint8_t* p, const Pair& a, const Pair& b) {
+        const U8 turns = _mm512_broadcast_i32x4(_mm_setr_epi8(0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15));
+        StoreBytes(p, _mm512_shuffle_epi8(_mm512_packus_epi16(a.low, b.low), turns));
+        StoreBytes(p + 64, _mm512_shuffle_epi8(_mm512_packus_epi16(a.high, b.high), turns));
+    }
     static U8 FlipSigns(U8 v) { return _mm512_xor_si512(v, _mm512_set1_epi8(-128)); }
     static I16 SignedRepeatLow(U8 v) {
         const U8 spread = Spread(FlipSigns(v));

@@ -68,7 +68,7 @@ concept ByteLanes = requires(typename L::U8 a, typename L::U8 b, const uint8_t* 
 
 /// Between bytes and words. "Signed" is s = byte − 128; "repeated" is a byte in both halves of its word.
 template <class L>
-concept ConvertingLanes = requires(typename L::U8 v, typename L::I16 a, typename L::I16 b) {
+concept ConvertingLanes = requires(typename L::U8 v, typename L::I16 a, typename L::I16 b, uint8_t* out) {
     { L::EvenBytes(v) } -> GivesWords<L>;           // bytes 0, 2, 4 … as words of 0 … 255
     { L::OddBytes(v) } -> GivesWords<L>;            // bytes 1, 3, 5 …
     { L::SignedRepeatLow(v) } -> GivesWords<L>;     // 256·s + (s mod 256) of the first `width` bytes
@@ -77,6 +77,8 @@ concept ConvertingLanes = requires(typename L::U8 v, typename L::I16 a, typename
     { L::CentredRepeatHigh(v) } -> GivesWords<L>;   // … of the others
     { L::Pack(a, b) } -> GivesBytes<L>;             // a's words, then b's, limited to 0 … 255
     { L::PackInterleaved(a, b) } -> GivesBytes<L>;  // a[0] b[0] a[1] b[1] …, limited likewise
+    // The same of two registers in memory order each: 4 · `width` bytes.
+    { L::StorePacked2(out, {a, a}, {b, b}) } -> std::same_as<void>;
 };
 
 /// Pairs of registers of words, `low` and `high`. What is made of bytes stands in an order of the width's own, the same in

@@ -107,6 +107,9 @@ struct ScalarLanes {
     static I16 EvenBytes(U8 v) { return v.sample[0]; }
     static I16 OddBytes(U8 v) { return v.sample[1]; }
 
+    static void StorePacked2(uint8_t* p, Pair a, Pair b) {
+        StoreInterleaved2(p, Pack(a.low, a.high), Pack(b.low, b.high));
+    }
     static void StoreInterleaved2(uint8_t* p, U8 a, U8 b) {
         const uint8_t out[4] = {a.sample[0], b.sample[0], a.sample[1], b.sample[1]};
         std::memcpy(p, out, sizeof out);

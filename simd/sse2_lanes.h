@@ -91,6 +91,9 @@ struct Sse2Lanes {
         const U8 both = _mm_packus_epi16(even, odd);
         return _mm_unpacklo_epi8(both, _mm_srli_si128(both, 8));
     }
+    static void StorePacked2(uint8_t* p, const Pair& a, const Pair& b) {
+        StoreInterleaved2(p, Pack(a.low, a.high), Pack(b.low, b.high));
+    }
     static U8 FlipSigns(U8 v) { return _mm_xor_si128(v, _mm_set1_epi8(-128)); }
     static I16 SignedRepeatLow(U8 v) { return _mm_unpacklo_epi8(FlipSigns(v), FlipSigns(v)); }
     static I16 SignedRepeatHigh(U8 v) { return _mm_unpackhi_epi8(FlipSigns(v), FlipSigns(v)); }

@@ -206,23 +206,25 @@ public:
     PackedBlocks(const PackedTone& tone, int32_t x)
         : luma(tone.luma, x), chroma(tone.chroma, x), lumaNoise(tone.lumaGrain), chromaNoise(tone.chromaGrain) {}
 
-    /// Makes columns x … x + length − 1 from pointers to their own samples.
-    void Make(const uint8_t* lumaRow, const uint8_t* const* chromaRows, uint8_t* out, int32_t x) const {
-        uint8_t blended[length];
+    /// Leaves the chroma of `length` columns in `blended`, from pointers to their own samples.
+    static void Blend(const uint8_t* const* chromaRows, uint8_t* blended) {
         Lanes::StoreInterleaved2(blended, BlendedRow<Lanes>(chromaRows[0], chromaRows[1]),
                                  BlendedRow<Lanes>(chromaRows[2], chromaRows[3]));
-        for (int32_t i = 0; i < length; i += blockLength<Lanes>) {
-            const auto samples = Noisy(luma, lumaNoise, lumaRow + i, x + i);
-            Lanes::StoreInterleaved2(out + 2 * i, samples, Noisy(chroma, chromaNoise, blended + i, x + i));
-        }
+    }
+
+    /// Makes columns x … x + length − 1 from pointers to their own samples.
+    void Tone(const uint8_t* lumaRow, const uint8_t* blended, uint8_t* out, int32_t x) const {
+        for (int32_t i = 0; i < length; i += blockLength<Lanes>)
+            Lanes::StorePacked2(out + 2 * i, Noisy(luma, lumaNoise, lumaRow + i, x + i),
+                                Noisy(chroma, chromaNoise, blended + i, x + i));
     }
 
 private:
     template <class Toned>
-    static typename Lanes::U8 Noisy(const Toned& toned, const NoiseWords<Lanes>& noise, const uint8_t* samples,
-                                    int32_t x) {
-        const Words<Lanes> video = toned(WholeBlock<Lanes>{}, samples, x);
-        return Finish<Lanes, 4>(Add<Lanes>(video, noise(x)));
+    static typename Lanes::Pair Noisy(const Toned& toned, const NoiseWords<Lanes>& noise, const uint8_t* samples,
+                                      int32_t x) {
+        const Words<Lanes> parts = Add<Lanes>(toned(WholeBlock<Lanes>{}, samples, x), noise(x));
+        return {Lanes::template ShiftRight<4>(parts.low), Lanes::template ShiftRight<4>(parts.high)};
     }
 
     TonedLuma<Lanes> luma;
@@ -243,7 +245,9 @@ void TonePackedShortRow(const uint8_t* luma, const uint8_t* const* chroma, uint8
         std::memcpy(chromaCopies[i], chroma[i], static_cast<size_t>(width / 2));
         rows[i] = chromaCopies[i];
     }
-    PackedBlocks<Lanes>(tone, 0).Make(lumaCopy, rows, packed, 0);
+    uint8_t blended[length];
+    PackedBlocks<Lanes>::Blend(rows, blended);
+    PackedBlocks<Lanes>(tone, 0).Tone(lumaCopy, blended, packed, 0);
     std::memcpy(out, packed, 2 * static_cast<size_t>(width));
 }
 
@@ -253,14 +257,22 @@ void TonePackedRow(const uint8_t* luma, const uint8_t* const* chroma, uint8_t* o
     constexpr int32_t length = PackedBlocks<Lanes>::length;
     if (width < length) return TonePackedShortRow<Lanes>(luma, chroma, out, width, tone);
     const uint8_t* const rows[4] = {chroma[0], chroma[1], chroma[2], chroma[3]};
-    const auto make = [&](const PackedBlocks<Lanes>& blocks, int32_t x) __attribute__((always_inline)) {
+    uint8_t blended[8 * length];  // some blocks ahead, so that toning finds them stored
+    const auto blend = [&](int32_t x, uint8_t * to) __attribute__((always_inline)) {
         const uint8_t* const from[4] = {rows[0] + x / 2, rows[1] + x / 2, rows[2] + x / 2, rows[3] + x / 2};
-        blocks.Make(luma + x, from, out + 2 * x, x);
+        PackedBlocks<Lanes>::Blend(from, to);
     };
     const PackedBlocks<Lanes> blocks(tone, 0);
-    int32_t x = 0;
-    for (; x + length <= width; x += length) make(blocks, x);
-    if (x < width) make(PackedBlocks<Lanes>(tone, width - length), width - length);
+    const int32_t whole = width - width % length;
+    for (int32_t begin = 0; begin < whole; begin += static_cast<int32_t>(sizeof blended)) {
+        const int32_t end = std::min(begin + static_cast<int32_t>(sizeof blended), whole);
+        for (int32_t x = begin; x < end; x += length) blend(x, blended + (x - begin));
+        for (int32_t x = begin; x < end; x += length) blocks.Tone(luma + x, blended + (x - begin), out + 2 * x, x);
+    }
+    if (whole == width) return;
+    const int32_t last = width - length;
+    blend(last, blended);
+    PackedBlocks<Lanes>(tone, last).Tone(luma + last, blended, out + 2 * last, last);
 }
 
 }  // namespace

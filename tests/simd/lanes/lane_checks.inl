@@ -105,6 +105,10 @@ private:
         Bytes("Pack", Lanes::Pack(a, b), [&](int32_t i) { return LimitToByte(i < width ? p[i] : q[i - width]); });
         Bytes("PackInterleaved", Lanes::PackInterleaved(a, b),
               [&](int32_t i) { return LimitToByte(i % 2 == 0 ? p[i / 2] : q[i / 2]); });
+        const auto pair = [&](int32_t row) -> Pair { return {Lanes::Load(Row(row)), Lanes::Load(Row(row + 1))}; };
+        Stored<uint8_t, 4 * width>(
+            "StorePacked2", [&](uint8_t* out) { Lanes::StorePacked2(out, pair(0), pair(2)); },
+            [&](int32_t i) { return LimitToByte(Row(i % 2 * 2 + i / 2 / width)[i / 2 % width]); });
     }
 
     void CheckPairs() {
