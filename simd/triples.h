@@ -9,7 +9,6 @@ namespace {
 /// Outputs stand in threes of pieces of 8; a piece takes its samples from 16 that begin at a place of its own.
 struct TriplePieces {
     static constexpr int32_t count = 3;
-    static constexpr int32_t inputs = 16;  ///< that all pieces of a group are made of
     static constexpr int32_t begin[count] = {-1, 4, 9};
 
     alignas(16) uint8_t samples[count][16];  ///< of each output, its own one and the one it is pulled towards
